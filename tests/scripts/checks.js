@@ -1,0 +1,27 @@
+
+// What every test in this language ends with: counted checks. It stands behind the test, so that line numbers stay the test's.
+var checks_done, checks_failed;
+
+function ok(condition, what) {
+  checks_done = (checks_done || 0) + 1;
+  checks_failed = checks_failed || 0;
+  if (condition) return;
+  checks_failed++;
+  WScript.Echo("FAILED: " + what);
+}
+
+function equal(actual, expected, what) {
+  ok(actual === expected, what + ": " + actual + ", not " + expected);
+}
+
+// The call is refused with this number.
+function refused(number, what, call) {
+  var actual = 0;
+  try { call(); } catch (e) { actual = e.number >>> 0; }
+  ok(actual === number >>> 0, what + ": error " + actual.toString(16) + ", not " + (number >>> 0).toString(16));
+}
+
+// Without this marker the runner fails the test, whatever was printed before.
+function finish() {
+  WScript.Echo("finished: " + (checks_done || 0) + " checks, " + (checks_failed || 0) + " failed");
+}

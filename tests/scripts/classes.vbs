@@ -1,0 +1,24 @@
+' Every class of the module can be created by both of its names, as many times as wanted.
+Option Explicit
+On Error Resume Next
+
+Dim name, version, suffix, first, second
+For Each name In Array("QUIVO", "LocalParam", "RSrvParam", "CertId", "SignParam", "Policy", "Extension", "VerifyParam", _
+                       "AltName", "Certificate", "SignStatus", "EncryptParam", "DecryptParam", "ExportParam", _
+                       "ImportParam", "FindParam", "StreamCtx", "pkiobj")
+  For Each suffix In Array("", ".1")
+    Set first = Nothing
+    Set second = Nothing
+    Set first = CreateObject("TAVL." & name & suffix)
+    ok Not first Is Nothing, name & suffix & " is created"
+    ok Right(TypeName(first), Len(name)) = name, name & suffix & " is of its class, not " & TypeName(first)
+    Set second = CreateObject("TAVL." & name & suffix)
+    ok Not second Is first, name & suffix & " gives a new object each time"
+  Next
+Next
+
+Set first = Nothing
+Set first = CreateObject("TAVL.CertId.2")
+refused 429, "a version that does not exist"
+
+finish
