@@ -1,0 +1,51 @@
+#include "support/contract_test.h"
+
+#include <objsafe.h>
+
+#include "support/malloc_spy.h"
+
+Ptr<IUnknown> makeUnknown(REFCLSID clsid, REFIID iid) {
+  Ptr<IClassFactory> factory;
+  EXPECT_OK(Module::get().classObject(clsid, IID_IClassFactory, factory.voidOut()));
+  Ptr<IUnknown> object;
+  if (factory.get() != nullptr) {
+    EXPECT_OK(factory->CreateInstance(nullptr, iid, object.voidOut()));
+  }
+  return object;
+}
+
+void ContractTest::SetUp() {
+  engine().reset();
+  const Module& module = Module::get();
+  objects_ = module.liveObjects();
+  allocations_ = module.liveAllocations();
+  comMark_ = MallocSpy::get().mark();
+}
+
+void ContractTest::TearDown() {
+  const Module& module = Module::get();
+  module.failAllocation(-1);
+  MallocSpy::get().failAllocation(-1);
+  EXPECT_EQ(objects_, module.liveObjects()) << "live objects of the module";
+  EXPECT_EQ(allocations_, module.liveAllocations()) << "live allocations of the module";
+  EXPECT_EQ(std::vector<std::string>{}, engine().outstanding()) << "engine memory that was not given back";
+  EXPECT_EQ(std::vector<std::string>{}, engine().violations());
+  EXPECT_EQ(0u, engine().openSessions()) << "engine sessions that were not closed";
+  MallocSpy& spy = MallocSpy::get();
+  EXPECT_EQ(0u, spy.outstandingSince(comMark_)) << "BSTRs, SAFEARRAYs and other COM memory\n" << spy.since(comMark_);
+  engine().reset();
+}
+
+Ptr<IQUIVO> ContractTest::openQuivo() {
+  Ptr<IQUIVO> quivo = make<QUIVO>();
+  EXPECT_OK(quivo->InitMinimal());
+  engine().forgetCalls();
+  return quivo;
+}
+
+Ptr<IQUIVO> ContractTest::untrustedQuivo() {
+  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IObjectSafety> safety = quivo.as<IObjectSafety>();
+  EXPECT_OK(safety->SetInterfaceSafetyOptions(IID_IDispatch, 2, 2));
+  return quivo;
+}

@@ -1,0 +1,39 @@
+// The base of every contract test: a fresh fake engine, and at the end of each test the counts of module objects,
+// module allocations, engine memory and COM memory where they were at its beginning.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "fake_engine/fake_engine.h"
+#include "support/classes.h"
+#include "support/module.h"
+#include "support/ptr.h"
+#include "support/results.h"
+#include "support/values.h"
+
+/// A new object of a class of the module, from the module's own class object.
+Ptr<IUnknown> makeUnknown(REFCLSID clsid, REFIID iid);
+
+template <class Class>
+Ptr<typename InterfaceOf<Class>::type> make() {
+  using Interface = typename InterfaceOf<Class>::type;
+  Ptr<IUnknown> made = makeUnknown(__uuidof(Class), __uuidof(Interface));
+  return Ptr<Interface>::share(static_cast<Interface*>(static_cast<void*>(made.get())));
+}
+
+class ContractTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  fake::FakeEngine& engine() { return *TavlFakeEngine(); }
+  /// A main object with an open session; the calls made for it are forgotten.
+  Ptr<IQUIVO> openQuivo();
+  /// The main object in untrusted-data mode, as a script host of the untrusting kind sets it.
+  Ptr<IQUIVO> untrustedQuivo();
+
+ private:
+  long objects_ = 0;
+  long allocations_ = 0;
+  size_t comMark_ = 0;
+};

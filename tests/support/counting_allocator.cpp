@@ -1,0 +1,57 @@
+// Linked into the tested build of the module only: counts its allocations, can make one of them fail, and shows
+// both counts to the tests.
+#include <windows.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+#include "com/module.h"
+
+namespace {
+
+std::atomic<long> live{0};
+std::atomic<long> untilFailure{-1};
+
+void* allocate(size_t size) noexcept {
+  if (untilFailure.load() >= 0 && untilFailure.fetch_sub(1) == 0) return nullptr;
+  void* block = std::malloc(size == 0 ? 1 : size);
+  if (block != nullptr) ++live;
+  return block;
+}
+
+void* allocateOrEnd(size_t size) {
+  void* block = allocate(size);
+  if (block == nullptr) std::abort();
+  return block;
+}
+
+void release(void* block) noexcept {
+  if (block == nullptr) return;
+  --live;
+  std::free(block);
+}
+
+}  // namespace
+
+void* operator new(size_t size) { return allocateOrEnd(size); }
+void* operator new[](size_t size) { return allocateOrEnd(size); }
+void* operator new(size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new[](size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void operator delete(void* block) noexcept { release(block); }
+void operator delete[](void* block) noexcept { release(block); }
+void operator delete(void* block, size_t) noexcept { release(block); }
+void operator delete[](void* block, size_t) noexcept { release(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { release(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { release(block); }
+
+extern "C" {
+
+__declspec(dllexport) long TavlcomLiveAllocations() { return live; }
+__declspec(dllexport) long TavlcomLiveObjects() { return com::module::LockCount(); }
+/// Lets the allocation after `succeeding` further ones fail; a negative number lets none fail.
+__declspec(dllexport) void TavlcomFailAllocation(long succeeding) { untilFailure = succeeding; }
+/// Whether the failure asked for has happened.
+__declspec(dllexport) bool TavlcomAllocationFailed() { return untilFailure < -1; }
+
+}  // extern "C"

@@ -1,0 +1,37 @@
+#include "support/module.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+[[noreturn]] void fail(const char* what) {
+  std::fprintf(stderr, "the module under test: %s (error %lu)\n", what, GetLastError());
+  std::exit(1);
+}
+
+}  // namespace
+
+std::wstring programFolder() {
+  wchar_t path[MAX_PATH];
+  GetModuleFileNameW(nullptr, path, MAX_PATH);
+  const std::wstring file = path;
+  return file.substr(0, file.rfind(L'\\'));
+}
+
+Module& Module::get() {
+  static Module module;
+  return module;
+}
+
+Module::Module() : path_(programFolder() + L"\\tavlcom.dll"), handle_(LoadLibraryW(path_.c_str())) {
+  if (handle_ == nullptr) fail("cannot be loaded");
+  getClassObject_ = entry<decltype(getClassObject_)>("DllGetClassObject");
+  canUnloadNow_ = entry<decltype(canUnloadNow_)>("DllCanUnloadNow");
+  liveObjects_ = entry<decltype(liveObjects_)>("TavlcomLiveObjects");
+  liveAllocations_ = entry<decltype(liveAllocations_)>("TavlcomLiveAllocations");
+  failAllocation_ = entry<decltype(failAllocation_)>("TavlcomFailAllocation");
+  allocationFailed_ = entry<decltype(allocationFailed_)>("TavlcomAllocationFailed");
+  if (getClassObject_ == nullptr || canUnloadNow_ == nullptr) fail("lacks an entry point");
+  if (liveObjects_ == nullptr || liveAllocations_ == nullptr) fail("is not the build that counts");
+}

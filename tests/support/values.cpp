@@ -1,0 +1,172 @@
+// Arrays are built and read element by element through the platform's functions.
+#include "support/values.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+SAFEARRAY* vector(VARTYPE element, size_t count, LONG lowerBound) {
+  return SafeArrayCreateVector(element, lowerBound, static_cast<ULONG>(count));
+}
+
+template <class T>
+T* dataOf(SAFEARRAY* array) {
+  return static_cast<T*>(array->pvData);
+}
+
+/// The array of a VARIANT that has to be one-dimensional, from 0, of `type`; null otherwise.
+SAFEARRAY* expectVector(const Variant& value, VARTYPE type) {
+  EXPECT_EQ(type, value.type()) << "the type of the array";
+  if (value.type() != type) return nullptr;
+  SAFEARRAY* array = value.safeArray();
+  EXPECT_EQ(1u, SafeArrayGetDim(array));
+  EXPECT_EQ(0, array->rgsabound[0].lLbound);
+  EXPECT_EQ(0u, array->cLocks) << "the array is still locked";
+  return array;
+}
+
+size_t countOf(SAFEARRAY* array) { return array == nullptr ? 0 : array->rgsabound[0].cElements; }
+
+}  // namespace
+
+Variant Variant::number(LONG value) {
+  Variant made;
+  V_VT(made.out()) = VT_I4;
+  V_I4(made.out()) = value;
+  return made;
+}
+
+Variant Variant::text(const wchar_t* value) {
+  Variant made;
+  V_VT(made.out()) = VT_BSTR;
+  V_BSTR(made.out()) = SysAllocString(value);
+  return made;
+}
+
+Variant Variant::object(IDispatch* object) {
+  Variant made;
+  V_VT(made.out()) = VT_DISPATCH;
+  V_DISPATCH(made.out()) = object;
+  if (object != nullptr) object->AddRef();
+  return made;
+}
+
+Variant Variant::null() {
+  Variant made;
+  V_VT(made.out()) = VT_NULL;
+  return made;
+}
+
+Variant Variant::array(VARTYPE element, SAFEARRAY* array) {
+  Variant made;
+  V_VT(made.out()) = VT_ARRAY | element;
+  V_ARRAY(made.out()) = array;
+  return made;
+}
+
+Variant bytes(const Bytes& content, LONG lowerBound) {
+  SAFEARRAY* array = vector(VT_UI1, content.size(), lowerBound);
+  std::copy(content.begin(), content.end(), dataOf<uint8_t>(array));
+  return Variant::array(VT_UI1, array);
+}
+
+Variant vbsBytes(const Bytes& content, LONG lowerBound) {
+  SAFEARRAY* array = vector(VT_VARIANT, content.size(), lowerBound);
+  for (size_t i = 0; i < content.size(); ++i) {
+    VARIANT& element = dataOf<VARIANT>(array)[i];
+    V_VT(&element) = VT_UI1;
+    V_UI1(&element) = content[i];
+  }
+  return Variant::array(VT_VARIANT, array);
+}
+
+Variant variants(std::initializer_list<VARIANT> elements, LONG lowerBound) {
+  SAFEARRAY* array = vector(VT_VARIANT, elements.size(), lowerBound);
+  VARIANT* slot = dataOf<VARIANT>(array);
+  for (const VARIANT& element : elements) VariantCopy(slot++, &element);
+  return Variant::array(VT_VARIANT, array);
+}
+
+Variant objects(std::initializer_list<IDispatch*> elements, LONG lowerBound) {
+  SAFEARRAY* array = vector(VT_DISPATCH, elements.size(), lowerBound);
+  IDispatch** slot = dataOf<IDispatch*>(array);
+  for (IDispatch* element : elements) {
+    if (element != nullptr) element->AddRef();
+    *slot++ = element;
+  }
+  return Variant::array(VT_DISPATCH, array);
+}
+
+Variant strings(std::initializer_list<const wchar_t*> elements, LONG lowerBound) {
+  SAFEARRAY* array = vector(VT_BSTR, elements.size(), lowerBound);
+  BSTR* slot = dataOf<BSTR>(array);
+  for (const wchar_t* element : elements) *slot++ = element == nullptr ? nullptr : SysAllocString(element);
+  return Variant::array(VT_BSTR, array);
+}
+
+Variant byRef(Variant& value) {
+  Variant made;
+  V_VT(made.out()) = VT_BYREF | VT_VARIANT;
+  V_VARIANTREF(made.out()) = value.out();
+  return made;
+}
+
+Variant byRefArray(Variant& value) {
+  Variant made;
+  V_VT(made.out()) = VT_BYREF | value.type();
+  V_ARRAYREF(made.out()) = &V_ARRAY(value.out());
+  return made;
+}
+
+Variant nullRef(VARTYPE type) {
+  Variant made;
+  V_VT(made.out()) = VT_BYREF | type;
+  V_BYREF(made.out()) = nullptr;
+  return made;
+}
+
+Variant manyDimensions(VARTYPE element, std::initializer_list<SAFEARRAYBOUND> bounds) {
+  std::vector<SAFEARRAYBOUND> copy(bounds);
+  return Variant::array(element, SafeArrayCreate(element, static_cast<UINT>(copy.size()), copy.data()));
+}
+
+Bytes plainBytesOf(const Variant& value) {
+  SAFEARRAY* array = expectVector(value, kByteArray);
+  return array == nullptr ? Bytes{} : Bytes(dataOf<uint8_t>(array), dataOf<uint8_t>(array) + countOf(array));
+}
+
+Bytes vbsBytesOf(const Variant& value) {
+  SAFEARRAY* array = expectVector(value, kVbsArray);
+  Bytes content;
+  for (size_t i = 0; i < countOf(array); ++i) {
+    const VARIANT& element = dataOf<VARIANT>(array)[i];
+    EXPECT_EQ(VT_UI1, V_VT(&element)) << "element " << i;
+    content.push_back(V_UI1(&element));
+  }
+  return content;
+}
+
+std::vector<std::wstring> stringsOf(const Variant& value) {
+  SAFEARRAY* array = expectVector(value, kStringArray);
+  std::vector<std::wstring> texts;
+  for (size_t i = 0; i < countOf(array); ++i) {
+    const BSTR text = dataOf<BSTR>(array)[i];
+    EXPECT_NE(nullptr, text) << "a null string at " << i;
+    texts.emplace_back(text == nullptr ? L"" : text, SysStringLen(text));
+  }
+  return texts;
+}
+
+std::vector<Ptr<IDispatch>> objectsOf(const Variant& value) {
+  SAFEARRAY* array = expectVector(value, kObjectArray);
+  std::vector<Ptr<IDispatch>> found;
+  for (size_t i = 0; i < countOf(array); ++i) found.push_back(Ptr<IDispatch>::share(dataOf<IDispatch*>(array)[i]));
+  return found;
+}
+
+std::wstring textOf(const Variant& value) {
+  EXPECT_EQ(VT_BSTR, value.type());
+  if (value.type() != VT_BSTR) return {};
+  EXPECT_NE(nullptr, V_BSTR(&value.get()));
+  return V_BSTR(&value.get()) == nullptr ? L"" : V_BSTR(&value.get());
+}

@@ -1,0 +1,104 @@
+// BSTRs and VARIANTs for tests: owners, makers that name the form of an input, readers that check the form of an
+// output.
+#pragma once
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/ptr.h"
+
+using Bytes = std::vector<uint8_t>;
+
+class Bstr {
+ public:
+  Bstr() = default;
+  Bstr(const wchar_t* text) : text_(SysAllocString(text)) {}
+  Bstr(const std::wstring& text) : text_(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {}
+  Bstr(Bstr&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}
+  Bstr& operator=(Bstr&& other) noexcept {
+    std::swap(text_, other.text_);
+    return *this;
+  }
+  ~Bstr() { SysFreeString(text_); }
+
+  operator BSTR() const { return text_; }
+  /// The address of the string that is held, which a getter replaces in place.
+  BSTR* inOut() { return &text_; }
+  std::wstring text() const { return text_ == nullptr ? std::wstring() : std::wstring(text_, SysStringLen(text_)); }
+  bool null() const { return text_ == nullptr; }
+
+ private:
+  BSTR text_ = nullptr;
+};
+
+class Variant {
+ public:
+  Variant() { VariantInit(&value_); }
+  Variant(Variant&& other) noexcept : value_(other.value_) { VariantInit(&other.value_); }
+  Variant& operator=(Variant&& other) noexcept {
+    std::swap(value_, other.value_);
+    return *this;
+  }
+  ~Variant() { VariantClear(&value_); }
+
+  static Variant number(LONG value);
+  static Variant text(const wchar_t* value);
+  static Variant object(IDispatch* object);
+  static Variant null();
+  /// Takes the array over.
+  static Variant array(VARTYPE element, SAFEARRAY* array);
+
+  /// As an argument by value: what it holds stays this owner's.
+  operator VARIANT() const { return value_; }
+  VARIANT* out() { return &value_; }
+  VARTYPE type() const { return V_VT(&value_); }
+  const VARIANT& get() const { return value_; }
+  SAFEARRAY* safeArray() const { return V_ARRAY(&value_); }
+
+ private:
+  VARIANT value_;
+};
+
+constexpr VARTYPE kByteArray = VT_ARRAY | VT_UI1;
+constexpr VARTYPE kVbsArray = VT_ARRAY | VT_VARIANT;
+constexpr VARTYPE kObjectArray = VT_ARRAY | VT_DISPATCH;
+constexpr VARTYPE kStringArray = VT_ARRAY | VT_BSTR;
+
+// Inputs.
+Variant bytes(const Bytes& content, LONG lowerBound = 0);
+/// An array of VARIANTs, each VT_UI1.
+Variant vbsBytes(const Bytes& content, LONG lowerBound = 0);
+/// An array of VARIANTs as given.
+Variant variants(std::initializer_list<VARIANT> elements, LONG lowerBound = 0);
+Variant objects(std::initializer_list<IDispatch*> elements, LONG lowerBound = 0);
+Variant strings(std::initializer_list<const wchar_t*> elements, LONG lowerBound = 0);
+/// VT_BYREF|VT_VARIANT to `value`, which has to live on.
+Variant byRef(Variant& value);
+/// VT_BYREF|VT_ARRAY|... to the array of `value`.
+Variant byRefArray(Variant& value);
+/// A by-reference VARIANT of a type, with a null pointer.
+Variant nullRef(VARTYPE type);
+/// An array with `elements` in each of its dimensions, all zero.
+Variant manyDimensions(VARTYPE element, std::initializer_list<SAFEARRAYBOUND> bounds);
+
+// Outputs. A wrong form is a failure of the test and gives no elements.
+Bytes plainBytesOf(const Variant& value);
+Bytes vbsBytesOf(const Variant& value);
+std::vector<std::wstring> stringsOf(const Variant& value);
+std::vector<Ptr<IDispatch>> objectsOf(const Variant& value);
+/// The text of a VT_BSTR up to its first NUL.
+std::wstring textOf(const Variant& value);
+
+template <class Interface>
+std::vector<Ptr<Interface>> objectsOf(const Variant& value) {
+  std::vector<Ptr<Interface>> typed;
+  for (const auto& object : objectsOf(value)) typed.push_back(object.template as<Interface>());
+  return typed;
+}
