@@ -49,6 +49,14 @@ Sub refused(number, what)
   ok actual = number, what & ": error " & Hex(actual) & ", not " & Hex(number)
 End Sub
 
+' The statement before this one was refused with a code of the engine's, whichever.
+Sub refused_by_engine(what)
+  Dim actual
+  actual = Err.Number
+  Err.Clear
+  ok &hE0690000 = (actual And &hFFFF0000), what & ": error " & Hex(actual) & ", not one of the engine's"
+End Sub
+
 ' An array of single bytes, the form in which a script gives and takes data.
 Function bytes_of(text)
   Dim result, i

@@ -11,7 +11,9 @@ For Each name In Array("QUIVO", "LocalParam", "RSrvParam", "CertId", "SignParam"
     Set second = Nothing
     Set first = CreateObject("TAVL." & name & suffix)
     ok Not first Is Nothing, name & suffix & " is created"
-    ok Right(TypeName(first), Len(name)) = name, name & suffix & " is of its class, not " & TypeName(first)
+    If Not first Is Nothing Then
+      ok Right(TypeName(first), Len(name)) = name, name & suffix & " is of its class, not " & TypeName(first)
+    End If
     Set second = CreateObject("TAVL." & name & suffix)
     ok Not second Is first, name & suffix & " gives a new object each time"
   Next
