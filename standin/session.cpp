@@ -1,0 +1,90 @@
+// Sessions and the table of those that are open.
+#include "standin/session.h"
+
+#include "standin/codes.h"
+#include "standin/times.h"
+
+namespace standin {
+namespace {
+
+/// Handles of sessions and of streams come from one counter, so that neither is ever taken for the other.
+void* nextHandle() {
+  static volatile LONG64 last = 0x1000;
+  return reinterpret_cast<void*>(static_cast<uintptr_t>(InterlockedAdd64(&last, 16)));
+}
+
+struct SessionTable {
+  Lock lock;
+  std::map<EngineSession, std::shared_ptr<Session>> sessions;
+};
+
+SessionTable& table() {
+  static SessionTable the_table;
+  return the_table;
+}
+
+}  // namespace
+
+Session::Session(const SessionSource& source) {
+  if (!source.folder.empty()) store.open(source.folder);
+  const bool without_keys = (source.flags & kInitVerifyContext) != 0;
+  if (!source.key_file.empty() && !without_keys) keys.open(source.key_file, source.pin);
+  store.addTrusted(keys.chainCertificates());
+  if ((source.flags & kInitCheckExpired) != 0) {
+    for (const OwnKey& own : keys.own()) {
+      if (!isWithinValidity(own.certificate.get(), currentTime())) fail(kOwnCertificateExpired);
+    }
+  }
+}
+
+EngineStream Session::addStream(std::unique_ptr<Stream> stream) {
+  const EngineStream handle = nextHandle();
+  streams_.emplace(handle, std::move(stream));
+  return handle;
+}
+
+void Session::failStream() { fail(kBadStream); }
+
+Stream* Session::findStream(const EngineStream* handle) {
+  if (handle == nullptr) fail(kWinInvalidParameter);
+  const auto found = streams_.find(*handle);
+  return found == streams_.end() ? nullptr : found->second.get();
+}
+
+std::unique_ptr<Stream> Session::takeStream(EngineStream* handle) {
+  const auto found = streams_.find(*handle);
+  std::unique_ptr<Stream> stream = std::move(found->second);
+  streams_.erase(found);
+  *handle = nullptr;
+  return stream;
+}
+
+EngineSession addSession(std::shared_ptr<Session> session) {
+  LockScope scope(table().lock);
+  const EngineSession handle = nextHandle();
+  table().sessions.emplace(handle, std::move(session));
+  return handle;
+}
+
+std::shared_ptr<Session> findSession(EngineSession handle) {
+  LockScope scope(table().lock);
+  const auto found = table().sessions.find(handle);
+  if (found == table().sessions.end()) fail(kBadSession);
+  return found->second;
+}
+
+std::shared_ptr<Session> removeSession(EngineSession handle) {
+  LockScope scope(table().lock);
+  const auto found = table().sessions.find(handle);
+  if (found == table().sessions.end()) fail(kBadSession);
+  std::shared_ptr<Session> session = std::move(found->second);
+  table().sessions.erase(found);
+  return session;
+}
+
+void removeAllSessions() {
+  LockScope scope(table().lock);
+  table().sessions.clear();
+}
+
+}  // namespace standin
