@@ -53,8 +53,7 @@ int32_t QUIVO_StrVerifyFile(EngineSession session, const VerifyParamRecord* para
 int32_t QUIVO_FreeVerifyResult(EngineSession session, VerifyResultRecord* result);
 
 // Encryption and decryption.
-int32_t QUIVO_EncryptMem(EngineSession session, const EncryptParamRecord* param, const DataBlob_t* in,
-                         DataBlob_t* out);
+int32_t QUIVO_EncryptMem(EngineSession session, const EncryptParamRecord* param, const DataBlob_t* in, DataBlob_t* out);
 int32_t QUIVO_EncryptFile(EngineSession session, const EncryptParamRecord* param, const char* file_in,
                           const char* file_out);
 int32_t QUIVO_StrEncryptFile(EngineSession session, const EncryptParamRecord* param, const char* file_in,

@@ -1,0 +1,62 @@
+// Owner of one VARIANT, and the reading of the VARIANTs that callers pass.
+#pragma once
+
+#include "com/owner.h"
+
+namespace com {
+
+class Variant {
+ public:
+  Variant() { VariantInit(&value_); }
+  Variant(const Variant&) = delete;
+  Variant& operator=(const Variant&) = delete;
+  ~Variant() { VariantClear(&value_); }
+
+  const VARIANT& get() const { return value_; }
+  VARTYPE type() const { return V_VT(&value_); }
+  VARIANT* inOut() { return &value_; }
+  VARIANT* receive() {
+    VariantClear(&value_);
+    return &value_;
+  }
+  /// Gives the value up to the caller, who clears it.
+  [[nodiscard]] VARIANT release() {
+    VARIANT value = value_;
+    VariantInit(&value_);
+    return value;
+  }
+  void reset(BSTR text) {
+    VariantClear(&value_);
+    V_VT(&value_) = VT_BSTR;
+    V_BSTR(&value_) = text;
+  }
+  void reset(IDispatch* object) {
+    VariantClear(&value_);
+    V_VT(&value_) = VT_DISPATCH;
+    V_DISPATCH(&value_) = object;
+  }
+
+ private:
+  VARIANT value_;
+};
+
+/// The VARIANT that a VT_BYREF|VT_VARIANT points to (one level only), else `value` itself; null when the
+/// reference is null.
+inline const VARIANT* Dereference(const VARIANT& value) {
+  return V_VT(&value) == (VT_BYREF | VT_VARIANT) ? V_VARIANTREF(&value) : &value;
+}
+
+/// The array of a VARIANT whose type is VT_ARRAY|`element`, by value or by reference. E_INVALIDARG for any
+/// other type, a null reference or a null array.
+HRESULT ArrayOf(const VARIANT& value, VARTYPE element, SAFEARRAY** array);
+
+/// Clears `out` and hands it `array` as VT_ARRAY|`element`. Returns the result of VariantClear.
+HRESULT SetArray(VARIANT* out, VARTYPE element, Array array);
+
+/// Sets `out` to VT_BSTR without clearing it: text outputs overwrite what the caller's VARIANT held.
+inline void OverwriteWithText(VARIANT* out, Bstr text) {
+  V_VT(out) = VT_BSTR;
+  V_BSTR(out) = text.release();
+}
+
+}  // namespace com

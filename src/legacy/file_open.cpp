@@ -1,0 +1,3 @@
+#include "legacy/file_open.h"
+
+void OpenProtectedFile(const char*) {}

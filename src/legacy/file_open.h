@@ -1,0 +1,6 @@
+// What the shell's file association runs: opens a protected file by its extension.
+#pragma once
+
+/// Opens the protected file at `path`, the whole command line, in the system code page. Returns nothing: the
+/// user is told in windows, and whatever cannot be opened is passed over in silence.
+void OpenProtectedFile(const char* path);

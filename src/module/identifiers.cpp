@@ -1,0 +1,8 @@
+// The identifiers that are named as data, defined once.
+#include <windows.h>
+
+#include <initguid.h>
+
+#include <dispex.h>
+
+#include "quivocom.h"

@@ -1,0 +1,147 @@
+#include "module/registrar.h"
+
+#include "com/owner.h"
+#include "com/type_info.h"
+#include "module/registrar_script.h"
+
+namespace registrar {
+namespace {
+
+// Scripts hold identifiers and short texts; a value that names the module holds its path.
+constexpr int kMaxText = MAX_PATH + 64;
+
+/// A text of a script as the registry takes it, with %MODULE% replaced.
+class RegistryText {
+ public:
+  HRESULT assign(std::string_view text) {
+    constexpr std::string_view kModule = "%MODULE%";
+    length_ = 0;
+    while (!text.empty()) {
+      HRESULT hr = S_OK;
+      if (text.starts_with(kModule)) {
+        wchar_t path[MAX_PATH];
+        hr = com::ModulePath(path);
+        for (const wchar_t* next = path; SUCCEEDED(hr) && *next; ++next) hr = append(*next);
+        text.remove_prefix(kModule.size());
+      } else {
+        hr = append(static_cast<unsigned char>(text.front()));
+        text.remove_prefix(1);
+      }
+      if (FAILED(hr)) return hr;
+    }
+    text_[length_] = L'\0';
+    return S_OK;
+  }
+  const wchar_t* get() const { return text_; }
+  DWORD bytes() const { return static_cast<DWORD>((length_ + 1) * sizeof(wchar_t)); }
+
+ private:
+  HRESULT append(wchar_t character) {
+    if (length_ + 1 >= kMaxText) return HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER);
+    text_[length_++] = character;
+    return S_OK;
+  }
+
+  wchar_t text_[kMaxText];
+  int length_ = 0;
+};
+
+HRESULT SetText(HKEY key, const wchar_t* name, std::string_view text) {
+  RegistryText value;
+  HRESULT hr = value.assign(text);
+  if (FAILED(hr)) return hr;
+  return HRESULT_FROM_WIN32(
+      RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.get()), value.bytes()));
+}
+
+HRESULT DeleteTree(HKEY parent, const wchar_t* name) {
+  LSTATUS status = RegDeleteTreeW(parent, name);
+  return status == ERROR_FILE_NOT_FOUND ? S_OK : HRESULT_FROM_WIN32(status);
+}
+
+HRESULT WriteKeys(HKEY parent, const Key* keys);
+
+HRESULT WriteContent(HKEY key, const Key& content) {
+  HRESULT hr = content.hasDefault ? SetText(key, nullptr, content.defaultText) : S_OK;
+  for (const Value* value = content.values.get(); SUCCEEDED(hr) && value; value = value->next.get()) {
+    RegistryText name;
+    hr = name.assign(value->name);
+    if (SUCCEEDED(hr)) hr = SetText(key, name.get(), value->text);
+  }
+  return FAILED(hr) ? hr : WriteKeys(key, content.children.get());
+}
+
+HRESULT WriteKey(HKEY parent, const Key& content) {
+  RegistryText name;
+  HRESULT hr = name.assign(content.name);
+  if (FAILED(hr)) return hr;
+  if (content.rule == Rule::kForceRemove || content.rule == Rule::kDelete) hr = DeleteTree(parent, name.get());
+  if (FAILED(hr) || content.rule == Rule::kDelete) return hr;
+  com::RegKey key;
+  hr = HRESULT_FROM_WIN32(RegCreateKeyExW(parent, name.get(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_READ | KEY_WRITE,
+                                          nullptr, key.receive(), nullptr));
+  return FAILED(hr) ? hr : WriteContent(key.get(), content);
+}
+
+HRESULT WriteKeys(HKEY parent, const Key* keys) {
+  HRESULT hr = S_OK;
+  for (; SUCCEEDED(hr) && keys; keys = keys->next.get()) hr = WriteKey(parent, *keys);
+  return hr;
+}
+
+HRESULT RemoveKeys(HKEY parent, const Key* keys);
+
+bool HasSubkeys(HKEY key) {
+  DWORD count = 0;
+  return RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                          nullptr) != ERROR_SUCCESS ||
+         count != 0;
+}
+
+/// A ForceRemove key goes with all that is in it, a NoRemove key stays, any other goes once it is empty.
+HRESULT RemoveKey(HKEY parent, const Key& content) {
+  RegistryText name;
+  HRESULT hr = name.assign(content.name);
+  if (FAILED(hr) || content.rule == Rule::kDelete) return hr;
+  if (content.rule == Rule::kForceRemove) return DeleteTree(parent, name.get());
+  com::RegKey key;
+  LSTATUS status = RegOpenKeyExW(parent, name.get(), 0, KEY_READ | KEY_WRITE, key.receive());
+  if (status == ERROR_FILE_NOT_FOUND) return S_OK;
+  if (status != ERROR_SUCCESS) return HRESULT_FROM_WIN32(status);
+  hr = RemoveKeys(key.get(), content.children.get());
+  if (FAILED(hr) || content.rule == Rule::kNoRemove || HasSubkeys(key.get())) return hr;
+  key.reset();
+  return DeleteTree(parent, name.get());
+}
+
+HRESULT RemoveKeys(HKEY parent, const Key* keys) {
+  HRESULT hr = S_OK;
+  for (; SUCCEEDED(hr) && keys; keys = keys->next.get()) hr = RemoveKey(parent, *keys);
+  return hr;
+}
+
+/// The parsed script of a resource; its texts live in the module's image.
+HRESULT LoadScript(WORD id, std::unique_ptr<Key>& keys) {
+  HMODULE instance = com::module::Instance();
+  HRSRC resource = FindResourceW(instance, MAKEINTRESOURCEW(id), L"REGISTRY");
+  if (!resource) return HRESULT_FROM_WIN32(GetLastError());
+  HGLOBAL loaded = LoadResource(instance, resource);
+  if (!loaded) return HRESULT_FROM_WIN32(GetLastError());
+  return Parse({static_cast<const char*>(LockResource(loaded)), SizeofResource(instance, resource)}, keys);
+}
+
+}  // namespace
+
+HRESULT Register(WORD script) {
+  std::unique_ptr<Key> keys;
+  HRESULT hr = LoadScript(script, keys);
+  return FAILED(hr) ? hr : WriteKeys(HKEY_CLASSES_ROOT, keys.get());
+}
+
+HRESULT Unregister(WORD script) {
+  std::unique_ptr<Key> keys;
+  HRESULT hr = LoadScript(script, keys);
+  return FAILED(hr) ? hr : RemoveKeys(HKEY_CLASSES_ROOT, keys.get());
+}
+
+}  // namespace registrar

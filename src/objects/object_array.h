@@ -1,0 +1,109 @@
+// An array property of objects of this module, and the array of records that the engine reads.
+#pragma once
+
+#include <memory>
+#include <new>
+
+#include "com/array.h"
+#include "com/object.h"
+#include "com/ref.h"
+#include "com/variant.h"
+
+/// Holds the objects and copies of their records; `Class` has a Record type and a record().
+template <class Class>
+class ObjectArray {
+ public:
+  using Record = typename Class::Record;
+
+  /// The count and the array that a record of the engine names.
+  int32_t count() const { return count_; }
+  Record* records() const { return records_.get(); }
+
+  /// Copies the records of the objects again, so that a later change of an object is seen and leaves no
+  /// pointer to what it has freed.
+  void refresh() {
+    for (int32_t i = 0; i < count_; ++i)
+      if (Class* object = com::Own<Class>(objects_[i].get())) records_[i] = *object->record();
+  }
+
+  /// Assigns VT_EMPTY (clears) or an array of objects, also by reference. Another type, or an object that is
+  /// not a `Class` of this module, is E_INVALIDARG and changes nothing.
+  HRESULT put(const VARIANT& value) { return assign(value, false); }
+
+  /// As put; accepts a script's array of VARIANTs too, whose objects read back as null references. Kept on
+  /// purpose; the objects are referenced all the same while the engine may read their records.
+  HRESULT putAlsoVariants(const VARIANT& value) { return assign(value, true); }
+
+  /// Returns VT_ARRAY|VT_DISPATCH, empty for none.
+  HRESULT get(VARIANT* out) const {
+    if (!out) return E_POINTER;
+    com::Array array(SafeArrayCreateVector(VT_DISPATCH, 0, static_cast<ULONG>(count_)));
+    if (!array) return E_OUTOFMEMORY;
+    for (LONG i = 0; isShown_ && i < count_; ++i) {
+      HRESULT hr = SafeArrayPutElement(array.get(), &i, objects_[i].get());
+      if (FAILED(hr)) return hr;
+    }
+    return com::SetArray(out, VT_DISPATCH, std::move(array));
+  }
+
+ private:
+  using Objects = std::unique_ptr<com::Ref<IDispatch>[]>;
+  using Records = std::unique_ptr<Record[]>;
+
+  HRESULT assign(const VARIANT& value, bool alsoVariants) {
+    const VARIANT* given = com::Dereference(value);
+    if (!given) return E_INVALIDARG;
+    if (V_VT(given) == VT_EMPTY) {
+      replace(nullptr, nullptr, 0, true);
+      return S_OK;
+    }
+    SAFEARRAY* array = nullptr;
+    if (SUCCEEDED(com::ArrayOf(*given, VT_DISPATCH, &array))) return fill<IDispatch*>(array, VT_DISPATCH, true);
+    HRESULT hr = alsoVariants ? com::ArrayOf(*given, VT_VARIANT, &array) : E_INVALIDARG;
+    return FAILED(hr) ? hr : fill<VARIANT>(array, VT_VARIANT, false);
+  }
+
+  template <class Element>
+  HRESULT fill(SAFEARRAY* array, VARTYPE type, bool isShown) {
+    if (!com::Holds(array, type, sizeof(Element))) return E_INVALIDARG;
+    com::ArrayView<const Element> elements;
+    HRESULT hr = elements.lock(array);
+    if (FAILED(hr)) return hr;
+    ULONG size = elements.size();
+    Objects objects(new (std::nothrow) com::Ref<IDispatch>[size]);
+    Records records(new (std::nothrow) Record[size]());
+    if (!objects || !records) return E_OUTOFMEMORY;
+    for (ULONG i = 0; i < size; ++i) {
+      IDispatch* element = nullptr;
+      if (!objectOf(elements[i], &element)) return E_INVALIDARG;
+      Class* object = com::Own<Class>(element);
+      if (element && !object) return E_INVALIDARG;
+      objects[i] = com::Ref<IDispatch>(element);
+      if (object) records[i] = *object->record();
+    }
+    replace(std::move(objects), std::move(records), static_cast<int32_t>(size), isShown);
+    return elements.unlock();
+  }
+
+  static bool objectOf(IDispatch* element, IDispatch** object) {
+    *object = element;
+    return true;
+  }
+  static bool objectOf(const VARIANT& element, IDispatch** object) {
+    if (V_VT(&element) != VT_DISPATCH) return false;
+    *object = V_DISPATCH(&element);
+    return true;
+  }
+
+  void replace(Objects objects, Records records, int32_t count, bool isShown) {
+    objects_ = std::move(objects);
+    records_ = std::move(records);
+    count_ = count;
+    isShown_ = isShown;
+  }
+
+  Objects objects_;
+  Records records_;
+  int32_t count_ = 0;
+  bool isShown_ = true;
+};

@@ -1,0 +1,46 @@
+// VerifyParam: options of verification and what is required of the signers' certificates.
+#pragma once
+
+#include "objects/extension.h"
+#include "objects/object_array.h"
+#include "objects/param_object.h"
+#include "objects/policy.h"
+
+class VerifyParam : public ParamObject<IVerifyParam, VerifyParamRecord, VerifyParamFlag_t> {
+ public:
+  ~VerifyParam() { Reset(record_.extKeyUsage, record_.extKeyUsageCount); }
+
+  STDMETHODIMP get_keyUsage(Keyusage_t* value) override { return GetValue(record_.keyUsage, value); }
+  STDMETHODIMP put_keyUsage(Keyusage_t value) override { return PutValue(record_.keyUsage, value); }
+  STDMETHODIMP get_policies(VARIANT* value) override { return policies_.get(value); }
+  STDMETHODIMP put_policies(VARIANT value) override { return policies_.put(value); }
+  STDMETHODIMP get_extKeyUsage(VARIANT* value) override {
+    return GetStrings(record_.extKeyUsage, record_.extKeyUsageCount, value);
+  }
+  STDMETHODIMP put_extKeyUsage(VARIANT value) override {
+    return PutStrings(record_.extKeyUsage, record_.extKeyUsageCount, value);
+  }
+  STDMETHODIMP get_extensions(VARIANT* value) override { return extensions_.get(value); }
+  STDMETHODIMP put_extensions(VARIANT value) override { return extensions_.put(value); }
+  STDMETHODIMP get_nSignToDelete(LONG* value) override { return GetValue(record_.nSignToDelete, value); }
+  STDMETHODIMP put_nSignToDelete(LONG value) override { return PutValue(record_.nSignToDelete, value); }
+  STDMETHODIMP get_minsigns(LONG* value) override { return GetValue(record_.minsigns, value); }
+  STDMETHODIMP put_minsigns(LONG value) override { return PutValue(record_.minsigns, value); }
+  STDMETHODIMP get_info(Certinfo_t* value) override { return GetValue(record_.info, value); }
+  STDMETHODIMP put_info(Certinfo_t value) override { return PutValue(record_.info, value); }
+
+  /// The record with policies and extensions copied again.
+  const VerifyParamRecord* record() {
+    policies_.refresh();
+    record_.policyCount = policies_.count();
+    record_.policies = policies_.records();
+    extensions_.refresh();
+    record_.extensionCount = extensions_.count();
+    record_.extensions = extensions_.records();
+    return &record_;
+  }
+
+ private:
+  ObjectArray<Policy> policies_;
+  ObjectArray<Extension> extensions_;
+};

@@ -1,0 +1,132 @@
+// Signatures and the own certificate as Base64 text.
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "objects/operation_params.h"
+#include "operations/steps.h"
+
+namespace {
+
+// What the text methods answer with on any failure; the reason is in their text.
+constexpr HRESULT kFailed = static_cast<HRESULT>(0xFFFFFFFF);
+constexpr wchar_t kNoMemory[] = L"Недостаточно памяти";
+
+/// A buffer that holds the Base64 text of `length` bytes; null when there is no memory for it. A length
+/// whose text a 32-bit size cannot tell counts as too much memory.
+AnsiString NewBase64Buffer(uint32_t length) {
+  uint64_t size = (4ull * length + 4) / 3 + 4;
+  return AnsiString(4ull * length + 4 > UINT32_MAX ? nullptr : new (std::nothrow) char[size]());
+}
+
+/// Reads a whole file in one read. Returns the Win32 error, 0 on success.
+DWORD ReadWholeFile(const wchar_t* path, std::unique_ptr<uint8_t[]>& bytes, DWORD* size) {
+  HANDLE handle =
+      CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return GetLastError();
+  com::File file(handle);
+  SetLastError(NO_ERROR);
+  *size = GetFileSize(handle, nullptr);
+  if (*size == INVALID_FILE_SIZE && GetLastError() != NO_ERROR) return GetLastError();
+  bytes.reset(new (std::nothrow) uint8_t[uint64_t{*size} + 1]);
+  if (!bytes) return ERROR_NOT_ENOUGH_MEMORY;
+  DWORD read = 0;
+  if (!ReadFile(handle, bytes.get(), *size, &read, nullptr)) return GetLastError();
+  return read < *size ? ERROR_BAD_LENGTH : NO_ERROR;
+}
+
+/// Makes the VT_BSTR of SignFile2B64Mem: twice as long as its text and more, with the text ended by a NUL.
+/// Kept on purpose: callers cut the text at the first NUL.
+bool TellOverlongText(const char* text, VARIANT* out) {
+  UINT length = static_cast<UINT>(std::strlen(text));
+  com::Bstr wide(SysAllocStringLen(nullptr, 2 * length + 2));
+  if (!wide) return false;
+  MultiByteToWideChar(CP_ACP, 0, text, -1, wide.get(), static_cast<int>(2 * length + 2));
+  com::OverwriteWithText(out, std::move(wide));
+  return true;
+}
+
+/// Gives an engine buffer back when it dies.
+class EngineBuffer {
+ public:
+  explicit EngineBuffer(EngineSession session) : session_(session) {}
+  EngineBuffer(const EngineBuffer&) = delete;
+  EngineBuffer& operator=(const EngineBuffer&) = delete;
+  ~EngineBuffer() {
+    if (blob_.data) QUIVO_FreeMem(session_, blob_.data);
+  }
+  DataBlob_t* receive() { return &blob_; }
+  const DataBlob_t& get() const { return blob_; }
+
+ private:
+  EngineSession session_;
+  DataBlob_t blob_{};
+};
+
+}  // namespace
+
+STDMETHODIMP QUIVO::SignFile2B64Mem(ISignParam* param, BSTR FileName, VARIANT* Signature, VARIANT* var_err_text) {
+  SignParam* options = com::Own<SignParam>(param);
+  if (!options || !Signature) return E_QUIVO_INVALID_ARGUMENT;
+  std::unique_ptr<uint8_t[]> file;
+  DWORD size = 0;
+  if (DWORD error = ReadWholeFile(FileName, file, &size)) {
+    wchar_t text[301] = {};
+    _snwprintf(text, 300, L"Не удалось прочитать файл %ls. Ошибка %ld.", FileName ? FileName : L"",
+               static_cast<long>(error));
+    TellText(text, var_err_text);
+    return kFailed;
+  }
+
+  DataBlob_t data{size, file.get()};
+  DataBlob_t noSignature{};
+  EngineBuffer signature(session_);
+  int32_t code = QUIVO_SignMem(session_, options->record(), &data, &noSignature, signature.receive());
+  file.reset();
+  if (code != 0) {
+    TellFailure(*this, code, var_err_text);
+    return kFailed;
+  }
+
+  AnsiString text = NewBase64Buffer(signature.get().len);
+  if (!text) {
+    TellText(kNoMemory, var_err_text);
+    return kFailed;
+  }
+  code = QUIVO_EncodeMem(text.get(), signature.get().data, signature.get().len);
+  if (code < 0) {
+    TellFailure(*this, code, var_err_text);
+    return kFailed;
+  }
+  if (!TellOverlongText(text.get(), Signature)) {
+    TellText(kNoMemory, var_err_text);
+    return kFailed;
+  }
+  return S_OK;
+}
+
+STDMETHODIMP QUIVO::GetMyCertB64(VARIANT* var_cert_str) {
+  AnsiString text;
+  {
+    OwnCertificateSearch search(*this);
+    if (int32_t code = search.run(Field_CertEncoded)) return ToModuleHResult(code);
+    if (search.count() < 1) return E_FAIL;
+    const DataBlob_t& encoded = search.first().certEncoded;
+    text = NewBase64Buffer(encoded.len);
+    if (!text) return E_OUTOFMEMORY;
+    int32_t code = QUIVO_EncodeMem(text.get(), encoded.data, encoded.len);
+    if (code < 0) return ToModuleHResult(code);
+  }
+  int size = 0;
+  HRESULT hr = MeasureWide(text.get(), &size);
+  // Not re-based: scripts know this failure by its Win32 form.
+  if (size == 0) return hr;
+  com::Bstr wide;
+  hr = ReallocBstr(text.get(), size, wide.inOut());
+  if (FAILED(hr)) return ToModuleHResult(hr);
+  // Tested last, kept on purpose: a caller without a variable still learns whether there is a certificate.
+  if (!var_cert_str) return E_QUIVO_INVALID_ARGUMENT;
+  com::OverwriteWithText(var_cert_str, std::move(wide));
+  return S_OK;
+}

@@ -1,0 +1,78 @@
+// Encryption to receivers and decryption, of byte arrays and of files.
+#include "objects/certificate.h"
+#include "objects/encrypt_param.h"
+#include "objects/operation_params.h"
+#include "operations/steps.h"
+
+STDMETHODIMP QUIVO::EncryptMem(IEncryptParam* pIParam, VARIANT in, VARIANT* out) {
+  EncryptParam* options = com::Own<EncryptParam>(pIParam);
+  if (!options) return E_QUIVO_INVALID_ARGUMENT;
+  return TransformBytes(*this, in, out, [&](const DataBlob_t* plain, DataBlob_t* encrypted) {
+    return QUIVO_EncryptMem(session_, options->record(), plain, encrypted);
+  });
+}
+
+STDMETHODIMP QUIVO::DecryptMem(IDecryptParam* pIParam, VARIANT in, VARIANT* out, ICertificate** pICert) {
+  DecryptParam* options = com::Own<DecryptParam>(pIParam);
+  if (!options || !out || !pICert) return E_QUIVO_INVALID_ARGUMENT;
+  DecryptResultRecord result{};
+  return TransformBytes(
+      *this, in, out,
+      [&](const DataBlob_t* encrypted, DataBlob_t* plain) {
+        return QUIVO_DecryptMem(session_, options->record(), encrypted, plain, &result);
+      },
+      [&](HRESULT hr) {
+        if (SUCCEEDED(hr)) hr = CertificateFromRecord(&result.cert, pICert);
+        QUIVO_FreeDecryptResult(session_, &result);
+        return hr;
+      });
+}
+
+namespace {
+
+HRESULT EncryptFileWith(decltype(QUIVO_EncryptFile) engineEncrypt, const QUIVO& quivo, IEncryptParam* param,
+                        BSTR file_in, BSTR file_out) {
+  if (quivo.isUntrusted()) return E_QUIVO_ACCESS_DENIED;
+  EncryptParam* options = com::Own<EncryptParam>(param);
+  if (!options) return E_QUIVO_INVALID_ARGUMENT;
+  AnsiArguments paths;
+  const char* in = paths.required(file_in);
+  const char* out = paths.required(file_out);
+  if (FAILED(paths.failure())) return paths.failure();
+  return ToModuleHResult(engineEncrypt(quivo.session(), options->record(), in, out));
+}
+
+HRESULT DecryptFileWith(decltype(QUIVO_DecryptFile) engineDecrypt, const QUIVO& quivo, IDecryptParam* param,
+                        BSTR file_in, BSTR file_out, ICertificate** cert) {
+  if (quivo.isUntrusted()) return E_QUIVO_ACCESS_DENIED;
+  DecryptParam* options = com::Own<DecryptParam>(param);
+  if (!options || !cert) return E_QUIVO_INVALID_ARGUMENT;
+  AnsiArguments paths;
+  const char* in = paths.required(file_in);
+  const char* out = paths.required(file_out);
+  if (FAILED(paths.failure())) return paths.failure();
+  DecryptResultRecord result{};
+  int32_t code = engineDecrypt(quivo.session(), options->record(), in, out, &result);
+  // Unlike the memory form the file forms tell the certificate, and give the result back, after a failure too.
+  HRESULT hr = CertificateFromRecord(&result.cert, cert);
+  QUIVO_FreeDecryptResult(quivo.session(), &result);
+  return ToModuleHResult(code != 0 ? code : hr);
+}
+
+}  // namespace
+
+STDMETHODIMP QUIVO::EncryptFile(IEncryptParam* pIParam, BSTR file_in, BSTR file_out) {
+  return EncryptFileWith(QUIVO_EncryptFile, *this, pIParam, file_in, file_out);
+}
+
+STDMETHODIMP QUIVO::StrEncryptFile(IEncryptParam* pIParam, BSTR file_in, BSTR file_out) {
+  return EncryptFileWith(QUIVO_StrEncryptFile, *this, pIParam, file_in, file_out);
+}
+
+STDMETHODIMP QUIVO::DecryptFile(IDecryptParam* pIParam, BSTR file_in, BSTR file_out, ICertificate** pICert) {
+  return DecryptFileWith(QUIVO_DecryptFile, *this, pIParam, file_in, file_out, pICert);
+}
+
+STDMETHODIMP QUIVO::StrDecryptFile(IDecryptParam* pIParam, BSTR file_in, BSTR file_out, ICertificate** pICert) {
+  return DecryptFileWith(QUIVO_StrDecryptFile, *this, pIParam, file_in, file_out, pICert);
+}

@@ -1,0 +1,13 @@
+#include "operations/steps.h"
+
+HRESULT ReadDataAndSignature(const VARIANT& data, ByteInput& dataIn, const VARIANT& signature, ByteInput& signatureIn) {
+  HRESULT hr = ReadByteVariant(data, dataIn);
+  if (SUCCEEDED(hr)) hr = ReadByteVariant(signature, signatureIn);
+  if (FAILED(hr)) return ToModuleHResult(hr);
+  bool bothGiven = dataIn.isGiven() && signatureIn.isGiven();
+  return bothGiven && dataIn.isVbsForm() != signatureIn.isVbsForm() ? E_QUIVO_INVALID_ARGUMENT : S_OK;
+}
+
+void TellText(const wchar_t* text, VARIANT* out) {
+  if (out) com::OverwriteWithText(out, com::Bstr(SysAllocString(text)));
+}

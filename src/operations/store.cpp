@@ -1,0 +1,111 @@
+// Certificates and revocation lists: search, decoding, display, additions, export and import.
+#include "objects/cert_id.h"
+#include "objects/certificate.h"
+#include "objects/find_param.h"
+#include "objects/operation_params.h"
+#include "operations/steps.h"
+
+namespace {
+
+/// An array of new Certificate objects, one a record. On failure nothing is left behind.
+HRESULT NewCertificateArray(const FindResultRecord& found, com::Array& array) {
+  LONG count = found.count > 0 ? found.count : 0;
+  array.reset(SafeArrayCreateVector(VT_DISPATCH, 0, static_cast<ULONG>(count)));
+  if (!array) return E_OUTOFMEMORY;
+  for (LONG i = 0; i < count; ++i) {
+    com::Ref<ICertificate> certificate;
+    HRESULT hr = CertificateFromRecord(&found.certificates[i], certificate.receive());
+    if (SUCCEEDED(hr)) hr = SafeArrayPutElement(array.get(), &i, certificate.get());
+    if (FAILED(hr)) return hr;
+  }
+  return S_OK;
+}
+
+}  // namespace
+
+STDMETHODIMP QUIVO::FindCert(IFindParam* pIFindParam, VARIANT* FindResult) {
+  FindParam* options = com::Own<FindParam>(pIFindParam);
+  if (!options || !FindResult) return E_QUIVO_INVALID_ARGUMENT;
+  FindResultRecord found{};
+  if (int32_t code = QUIVO_FindCert(session_, options->record(), &found)) return ToModuleHResult(code);
+  com::Array array;
+  HRESULT hr = NewCertificateArray(found, array);
+  QUIVO_FreeFindResult(session_, &found);
+  return ToModuleHResult(FAILED(hr) ? hr : com::SetArray(FindResult, VT_DISPATCH, std::move(array)));
+}
+
+STDMETHODIMP QUIVO::ParseCert(VARIANT enccert, Certinfo_t info, ICertificate** pICertificate) {
+  if (!pICertificate) return E_QUIVO_INVALID_ARGUMENT;
+  ByteInput encoded;
+  HRESULT hr = ReadByteVariant(enccert, encoded);
+  if (FAILED(hr)) return ToModuleHResult(hr);
+  CertificateRecord record{};
+  int32_t code = QUIVO_ParseCert(session_, encoded.blob(), static_cast<uint32_t>(info), &record);
+  HRESULT released = encoded.release();
+  if (code != 0) return ToModuleHResult(code);
+  hr = CertificateFromRecord(&record, pICertificate);
+  QUIVO_FreeCert(session_, &record);
+  return ToModuleHResult(FirstFailure(released, hr));
+}
+
+STDMETHODIMP QUIVO::ShowCertificate(VARIANT enccert) {
+  return ConsumeBytes(enccert, [&](const DataBlob_t* encoded) { return QUIVO_ShowCertificate(session_, encoded); });
+}
+
+STDMETHODIMP QUIVO::ShowCrl(VARIANT encCrl) {
+  return ConsumeBytes(encCrl, [&](const DataBlob_t* encoded) { return QUIVO_ShowCrl(session_, encoded); });
+}
+
+namespace {
+
+/// AddCertificate and AddCRL: the engine gets a record of its own that names the caller's certificate.
+HRESULT AddWith(decltype(QUIVO_AddCertificate) engineAdd, const QUIVO& quivo, ICertId* mycert, const VARIANT& added) {
+  CertId* id = com::Own<CertId>(mycert);
+  if (mycert && !id) return E_QUIVO_INVALID_ARGUMENT;
+  SignParamRecord addition{0, id ? id->record() : nullptr};
+  return ConsumeBytes(added, [&](const DataBlob_t* encoded) { return engineAdd(quivo.session(), &addition, encoded); });
+}
+
+}  // namespace
+
+STDMETHODIMP QUIVO::AddCertificate(ICertId* mycert, VARIANT newcert) {
+  return AddWith(QUIVO_AddCertificate, *this, mycert, newcert);
+}
+
+STDMETHODIMP QUIVO::AddCRL(ICertId* mycert, VARIANT crl) { return AddWith(QUIVO_AddCRL, *this, mycert, crl); }
+
+STDMETHODIMP QUIVO::ExportMem(IExportParam* pIParam, VARIANT* out, VARIANT_BOOL bVBS) {
+  ExportParam* options = com::Own<ExportParam>(pIParam);
+  if (!options) return E_QUIVO_INVALID_ARGUMENT;
+  return ProduceBytes(*this, bVBS != 0, out,
+                      [&](DataBlob_t* bytes) { return QUIVO_ExportMem(session_, options->record(), bytes); });
+}
+
+STDMETHODIMP QUIVO::ImportMem(IImportParam* pIParam, VARIANT in) {
+  ImportParam* options = com::Own<ImportParam>(pIParam);
+  if (!options) return E_QUIVO_INVALID_ARGUMENT;
+  return ConsumeBytes(in, [&](const DataBlob_t* bytes) { return QUIVO_ImportMem(session_, options->record(), bytes); });
+}
+
+namespace {
+
+template <class Param, class Interface>
+HRESULT MoveFileWith(decltype(QUIVO_ExportFile) engineMove, const QUIVO& quivo, Interface* param, BSTR file) {
+  if (quivo.isUntrusted()) return E_QUIVO_ACCESS_DENIED;
+  Param* options = com::Own<Param>(param);
+  if (!options) return E_QUIVO_INVALID_ARGUMENT;
+  AnsiArguments paths;
+  const char* path = paths.required(file);
+  if (FAILED(paths.failure())) return paths.failure();
+  return ToModuleHResult(engineMove(quivo.session(), options->record(), path));
+}
+
+}  // namespace
+
+STDMETHODIMP QUIVO::ExportFile(IExportParam* pIParam, BSTR file_out) {
+  return MoveFileWith<ExportParam>(QUIVO_ExportFile, *this, pIParam, file_out);
+}
+
+STDMETHODIMP QUIVO::ImportFile(IImportParam* pIParam, BSTR file_in) {
+  return MoveFileWith<ImportParam>(QUIVO_ImportFile, *this, pIParam, file_in);
+}

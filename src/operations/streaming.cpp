@@ -1,0 +1,205 @@
+// Streams: an Init, any number of Updates, a Final. The order of calls is the engine's to check.
+#include "objects/certificate.h"
+#include "objects/encrypt_param.h"
+#include "objects/operation_params.h"
+#include "objects/sign_status.h"
+#include "objects/stream_ctx.h"
+#include "objects/verify_param.h"
+#include "operations/steps.h"
+
+namespace {
+
+/// Init with data: bytes that are given fix the form of the stream.
+template <class EngineCall>
+HRESULT BeginStream(StreamCtx& stream, const VARIANT& in, EngineCall call) {
+  ByteInput input;
+  HRESULT hr = ReadByteVariant(in, input);
+  if (FAILED(hr)) return ToModuleHResult(hr);
+  if (input.isGiven()) stream.fixForm(input.isVbsForm());
+  int32_t code = call(input.blob());
+  HRESULT released = input.release();
+  return ToModuleHResult(code != 0 ? code : released);
+}
+
+/// Update: `call` receives the bytes, `finish` writes what the engine produced, whatever it returned.
+template <class EngineCall, class Finish>
+HRESULT FeedStream(StreamCtx& stream, const VARIANT& in, EngineCall call, Finish finish) {
+  ByteInput input;
+  HRESULT hr = ReadByteVariant(in, input);
+  if (FAILED(hr)) return ToModuleHResult(hr);
+  if (!stream.accepts(input.isVbsForm())) return E_QUIVO_INVALID_ARGUMENT;
+  int32_t code = call(input.blob());
+  HRESULT released = input.release();
+  hr = finish();
+  return ToModuleHResult(code != 0 ? code : FirstFailure(released, hr));
+}
+
+template <class EngineCall>
+HRESULT FeedStream(StreamCtx& stream, const VARIANT& in, EngineCall call) {
+  return FeedStream(stream, in, call, [] { return S_OK; });
+}
+
+/// The engine's count of bytes left. Scripts pass `left` by reference; the pointed-to type is not looked at.
+void WriteLeft(int32_t count, VARIANT* left) {
+  if (V_VT(left) == (VT_BYREF | VT_VARIANT) && V_VARIANTREF(left)) left = V_VARIANTREF(left);
+  if (V_ISBYREF(left)) {
+    if (V_I4REF(left)) *V_I4REF(left) = count;
+    return;
+  }
+  V_VT(left) = VT_I4;
+  V_I4(left) = count;
+}
+
+}  // namespace
+
+STDMETHODIMP QUIVO::StrSignInitMem(ISignParam* param, VARIANT sign_in, IStreamCtx* hStr) {
+  SignParam* options = com::Own<SignParam>(param);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
+  return BeginStream(*stream, sign_in, [&](const DataBlob_t* signature) {
+    return QUIVO_StrSignInitMem(session_, options->record(), signature, stream->stream());
+  });
+}
+
+STDMETHODIMP QUIVO::StrSignUpdateMem(ISignParam* param, IStreamCtx* hStr, VARIANT data) {
+  SignParam* options = com::Own<SignParam>(param);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
+  return FeedStream(*stream, data, [&](const DataBlob_t* bytes) {
+    return QUIVO_StrSignUpdateMem(session_, options->record(), stream->stream(), bytes);
+  });
+}
+
+STDMETHODIMP QUIVO::StrSignFinalMem(ISignParam* param, IStreamCtx* hStr, VARIANT* sign_out) {
+  SignParam* options = com::Own<SignParam>(param);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
+  return ProduceBytes(*this, stream->isVbsForm(), sign_out, [&](DataBlob_t* out) {
+    return QUIVO_StrSignFinalMem(session_, options->record(), stream->stream(), out);
+  });
+}
+
+STDMETHODIMP QUIVO::StrVerifyInitMem(IVerifyParam* param, VARIANT sign_in, IStreamCtx* hStr) {
+  VerifyParam* options = com::Own<VerifyParam>(param);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
+  return BeginStream(*stream, sign_in, [&](const DataBlob_t* signature) {
+    return QUIVO_StrVerifyInitMem(session_, options->record(), signature, stream->stream());
+  });
+}
+
+STDMETHODIMP QUIVO::StrVerifyUpdateMem(IVerifyParam* param, IStreamCtx* hStr, VARIANT data) {
+  VerifyParam* options = com::Own<VerifyParam>(param);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
+  return FeedStream(*stream, data, [&](const DataBlob_t* bytes) {
+    return QUIVO_StrVerifyUpdateMem(session_, options->record(), stream->stream(), bytes);
+  });
+}
+
+STDMETHODIMP QUIVO::StrVerifyFinalMem(IVerifyParam* param, IStreamCtx* hStr, VARIANT* sign_out,
+                                      VARIANT* VerifyResults) {
+  VerifyParam* options = com::Own<VerifyParam>(param);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream || !sign_out || !VerifyResults) return E_QUIVO_INVALID_ARGUMENT;
+  VerifyResultRecord result{};
+  DataBlob_t out{};
+  int32_t code = QUIVO_StrVerifyFinalMem(session_, options->record(), stream->stream(), &out, &result);
+  HRESULT hr = SignStatusArrayFromResult(session_, &result, VerifyResults);
+  if (code != 0) return ToModuleHResult(code);
+  if (hr == S_OK) hr = WriteByteVariant(session_, out, stream->isVbsForm(), sign_out);
+  return ToModuleHResult(hr);
+}
+
+STDMETHODIMP QUIVO::StrEncryptInitMem(IEncryptParam* param, IStreamCtx* hStr) {
+  EncryptParam* options = com::Own<EncryptParam>(param);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
+  return ToModuleHResult(QUIVO_StrEncryptInitMem(session_, options->record(), stream->stream()));
+}
+
+STDMETHODIMP QUIVO::StrEncryptUpdateMem(IEncryptParam* param, IStreamCtx* hStr, VARIANT in, VARIANT* out) {
+  EncryptParam* options = com::Own<EncryptParam>(param);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream || !out) return E_QUIVO_INVALID_ARGUMENT;
+  DataBlob_t encrypted{};
+  return FeedStream(
+      *stream, in,
+      [&](const DataBlob_t* bytes) {
+        return QUIVO_StrEncryptUpdateMem(session_, options->record(), stream->stream(), bytes, &encrypted);
+      },
+      [&] { return WriteByteVariant(session_, encrypted, stream->isVbsForm(), out); });
+}
+
+STDMETHODIMP QUIVO::StrEncryptFinalMem(IEncryptParam* param, IStreamCtx* hStr, VARIANT* out) {
+  EncryptParam* options = com::Own<EncryptParam>(param);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
+  return ProduceBytes(*this, stream->isVbsForm(), out, [&](DataBlob_t* encrypted) {
+    return QUIVO_StrEncryptFinalMem(session_, options->record(), stream->stream(), encrypted);
+  });
+}
+
+STDMETHODIMP QUIVO::StrDecryptInitMem(IDecryptParam* pIParam, VARIANT in, VARIANT* left, IStreamCtx* hStr) {
+  DecryptParam* options = com::Own<DecryptParam>(pIParam);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream || !left) return E_QUIVO_INVALID_ARGUMENT;
+  return BeginStream(*stream, in, [&](const DataBlob_t* bytes) {
+    int32_t count = 0;
+    int32_t code = QUIVO_StrDecryptInitMem(session_, options->record(), bytes, &count, stream->stream());
+    WriteLeft(count, left);
+    return code;
+  });
+}
+
+STDMETHODIMP QUIVO::StrDecryptUpdateMem(IDecryptParam* pIParam, IStreamCtx* hStr, VARIANT in, VARIANT* left,
+                                        VARIANT* out) {
+  DecryptParam* options = com::Own<DecryptParam>(pIParam);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream || !left || !out) return E_QUIVO_INVALID_ARGUMENT;
+  DataBlob_t decrypted{};
+  return FeedStream(
+      *stream, in,
+      [&](const DataBlob_t* bytes) {
+        int32_t count = 0;
+        int32_t code =
+            QUIVO_StrDecryptUpdateMem(session_, options->record(), stream->stream(), bytes, &count, &decrypted);
+        WriteLeft(count, left);
+        return code;
+      },
+      [&] { return WriteByteVariant(session_, decrypted, stream->isVbsForm(), out); });
+}
+
+STDMETHODIMP QUIVO::StrDecryptFinalMem(IDecryptParam* pIParam, IStreamCtx* hStr, ICertificate** pICert) {
+  DecryptParam* options = com::Own<DecryptParam>(pIParam);
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!options || !stream || !pICert) return E_QUIVO_INVALID_ARGUMENT;
+  DecryptResultRecord result{};
+  int32_t code = QUIVO_StrDecryptFinalMem(session_, options->record(), stream->stream(), &result);
+  HRESULT hr = CertificateFromRecord(&result.cert, pICert);
+  QUIVO_FreeDecryptResult(session_, &result);
+  return ToModuleHResult(code != 0 ? code : hr);
+}
+
+STDMETHODIMP QUIVO::StrHashInitMem(BSTR algorithm, IStreamCtx* hStr) {
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!stream) return E_QUIVO_INVALID_ARGUMENT;
+  AnsiArguments strings;
+  const char* name = strings.required(algorithm);
+  if (FAILED(strings.failure())) return strings.failure();
+  return ToModuleHResult(QUIVO_StrHashInitMem(session_, name, stream->stream()));
+}
+
+STDMETHODIMP QUIVO::StrHashUpdateMem(IStreamCtx* hStr, VARIANT data) {
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!stream) return E_QUIVO_INVALID_ARGUMENT;
+  return FeedStream(*stream, data,
+                    [&](const DataBlob_t* bytes) { return QUIVO_StrHashUpdateMem(session_, stream->stream(), bytes); });
+}
+
+STDMETHODIMP QUIVO::StrHashFinalMem(IStreamCtx* hStr, VARIANT* hash) {
+  StreamCtx* stream = com::Own<StreamCtx>(hStr);
+  if (!stream) return E_QUIVO_INVALID_ARGUMENT;
+  return ProduceBytes(*this, stream->isVbsForm(), hash,
+                      [&](DataBlob_t* digest) { return QUIVO_StrHashFinalMem(session_, stream->stream(), digest); });
+}

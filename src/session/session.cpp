@@ -1,0 +1,78 @@
+// The life of the engine session: open, close, update of the revocation lists.
+#include <cstring>
+
+#include "com/owner.h"
+#include "com/ref.h"
+#include "convert/strings.h"
+#include "errors/result.h"
+#include "objects/session_params.h"
+#include "session/quivo.h"
+
+QUIVO::~QUIVO() {
+  if (session_) QUIVO_Uninitialize(session_);
+}
+
+STDMETHODIMP QUIVO::Initialize(BSTR profile, Init_Flag_t flag) {
+  if (session_) return E_QUIVO_ALREADY_INITIALIZED;
+  AnsiString name;
+  HRESULT hr = BstrToAnsi(profile, name);
+  // Not re-based: scripts know the conversion's failure by its Win32 form.
+  if (FAILED(hr)) return hr;
+  return ToModuleHResult(QUIVO_Initialize(name.get(), static_cast<uint32_t>(flag), &session_));
+}
+
+STDMETHODIMP QUIVO::InitMinimal() {
+  if (session_) return E_QUIVO_ALREADY_INITIALIZED;
+  return ToModuleHResult(QUIVO_InitMinimal(&session_));
+}
+
+namespace {
+
+/// The name of an object's interface, as its type information gives it.
+HRESULT InterfaceName(IDispatch* object, com::Bstr& name) {
+  com::Ref<ITypeInfo> info;
+  HRESULT hr = object->GetTypeInfo(0, 0, info.receive());
+  if (FAILED(hr)) return hr;
+  com::Ref<ITypeLib> library;
+  UINT index = 0;
+  hr = info->GetContainingTypeLib(library.receive(), &index);
+  if (FAILED(hr)) return hr;
+  return library->GetDocumentation(static_cast<INT>(index), name.receive(), nullptr, nullptr, nullptr);
+}
+
+}  // namespace
+
+STDMETHODIMP QUIVO::InitializeEx(IDispatch* param) {
+  if (session_) return E_QUIVO_ALREADY_INITIALIZED;
+  if (!param) return E_QUIVO_INVALID_ARGUMENT;
+  com::Bstr interfaceName;
+  HRESULT hr = InterfaceName(param, interfaceName);
+  if (FAILED(hr)) return ToModuleHResult(hr);
+  AnsiString name;
+  hr = BstrToAnsi(interfaceName.get(), name);
+  if (FAILED(hr)) return hr == E_OUTOFMEMORY ? E_QUIVO_OUT_OF_MEMORY : hr;
+
+  LocalParam* local = std::strcmp(name.get(), "ILocalParam") == 0 ? com::Own<LocalParam>(param) : nullptr;
+  if (local) return ToModuleHResult(QUIVO_InitializeEx(kEngineLocalParam, local->record(), &session_));
+  RSrvParam* remote = std::strcmp(name.get(), "IRSrvParam") == 0 ? com::Own<RSrvParam>(param) : nullptr;
+  if (remote) return ToModuleHResult(QUIVO_InitializeEx(kEngineRemoteParam, remote->record(), &session_));
+  return E_QUIVO_INVALID_ARGUMENT;
+}
+
+STDMETHODIMP QUIVO::Uninitialize() {
+  EngineSession session = session_;
+  session_ = nullptr;
+  // The engine's code as it is, not mapped: existing scripts compare it.
+  return session ? QUIVO_Uninitialize(session) : S_OK;
+}
+
+STDMETHODIMP QUIVO::UpdateCrl(BSTR* description) {
+  if (!description) return E_QUIVO_INVALID_ARGUMENT;
+  constexpr uint32_t kSize = 4096;
+  char text[kSize + 1] = {};
+  DataBlob_t buffer{kSize, reinterpret_cast<uint8_t*>(text)};
+  int32_t code = QUIVO_Ctrl(session_, kEngineCtrlUpdateCrl, &buffer);
+  // A failure that left a description is told by the description alone.
+  if (code != 0 && text[0] == '\0') return ToModuleHResult(code);
+  return ToModuleHResult(AnsiToBstr(text, description));
+}
