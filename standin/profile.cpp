@@ -30,8 +30,7 @@ class RegistryKey {
   std::string text(const char* name) const {
     char value[4096] = {};
     DWORD size = sizeof value;
-    constexpr DWORD kTexts = RRF_RT_REG_SZ | RRF_RT_REG_EXPAND_SZ;
-    if (RegGetValueA(key_, nullptr, name, kTexts, nullptr, value, &size) != ERROR_SUCCESS) return {};
+    if (RegGetValueA(key_, nullptr, name, RRF_RT_REG_SZ, nullptr, value, &size) != ERROR_SUCCESS) return {};
     return value;
   }
 
