@@ -127,6 +127,9 @@ DataBlob_t outputOf(Session& session, SignatureMaker& maker, ByteView content) {
   return session.buffers.join({parts.header(content.size(), trailer.size()), content, trailer});
 }
 
+// Not every script host can pass a null string: an empty path is an absent file as well.
+const char* given(const char* path) { return path != nullptr && *path != '\0' ? path : nullptr; }
+
 }  // namespace
 
 DataBlob_t signMemory(Session& session, const SignParamRecord* param, std::optional<ByteView> data,
@@ -150,7 +153,7 @@ DataBlob_t signMemory(Session& session, const SignParamRecord* param, std::optio
 void signFile(Session& session, const SignParamRecord* param, const char* data, const char* existing, const char* out) {
   if (out == nullptr) fail(kWinInvalidParameter);
   SignatureMaker maker(session.keys, param);
-  const ContentFile content = contentOf(maker, data, existing);
+  const ContentFile content = contentOf(maker, given(data), given(existing));
   if (!maker.isDetached()) {
     writeAttached(maker, content, out);
     return;
