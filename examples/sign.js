@@ -29,7 +29,7 @@ try {
   WScript.Echo(reason.value);
   WScript.Quit(1);
 }
-// The text ends at the first NUL character.
-WScript.Echo(signature.value.split("\u0000")[0]);
+// The text ends at the first NUL character; what stands behind it is nothing.
+WScript.Echo(signature.value.match(/^[A-Za-z0-9+\/=\r\n]*/)[0]);
 
 quivo.Uninitialize();

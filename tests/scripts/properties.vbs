@@ -168,8 +168,8 @@ equal object.notBeforePrivate, DateSerial(2026, 1, 2), "Certificate.notBeforePri
 equal object.notAfterPrivate, DateSerial(2027, 1, 2), "Certificate.notAfterPrivate"
 object.notBeforePrivate = DateSerial(2026, 1, 3)
 equal object.notAfterPrivate, DateSerial(1970, 1, 1), "Certificate.notAfterPrivate after notBeforePrivate"
-object.notAfter = 2958466
-refused InvalidArgument, "Certificate.notAfter behind the last date"
+object.notAfter = DateSerial(9999, 12, 31) + TimeSerial(12, 0, 0)
+refused InvalidArgument, "Certificate.notAfter on the last date, behind midnight"
 
 equal VarType(object.policies), ArrayOfObjects, "Certificate.policies at first"
 equal VarType(object.extensions), ArrayOfObjects, "Certificate.extensions at first"
@@ -256,8 +256,8 @@ equal object.time, DateSerial(1970, 1, 1), "SignStatus.time at first"
 object.time = DateSerial(2026, 1, 2)
 ok True, "SignStatus.time is put without an error"
 equal object.time, DateSerial(1970, 1, 1), "SignStatus.time after a put"
-object.time = 2958466
-refused InvalidArgument, "SignStatus.time behind the last date"
+object.time = DateSerial(9999, 12, 31) + TimeSerial(12, 0, 0)
+refused InvalidArgument, "SignStatus.time on the last date, behind midnight"
 ok object.cert Is Nothing, "SignStatus.cert at first"
 Set object.cert = certificate
 ok object.cert Is certificate, "SignStatus.cert"

@@ -27,10 +27,14 @@ quivo.SignMem parameters, bytes_of(text), Empty, signature
 equal VarType(signature), ArrayOfVariants, "SignMem of an array of VARIANTs gives one"
 save "attached.p7s", text_of(signature)
 quivo.SignMem parameters, Empty, signature, second
-refused_by_engine "an attached signature without data to add to"
+equal VarType(second), ArrayOfBytes, "SignMem adds to what the signature contains; the form follows the data, which was not given"
+quivo.SignMem parameters, bytes_of("other data"), signature, second
+refused_by_engine "another content than the signature's"
 parameters.flag = Pkcs7 + SendCertificate + Detached
 quivo.SignMem parameters, bytes_of(text), Empty, signature
 save "detached.p7s", text_of(signature)
+quivo.SignMem parameters, Empty, signature, second
+refused_by_engine "a detached signature without its data"
 parameters.flag = Pkcs7 + Detached
 quivo.SignMem parameters, bytes_of(text), Empty, signature
 save "bare.p7s", text_of(signature)
