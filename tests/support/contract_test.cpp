@@ -1,8 +1,7 @@
 #include "support/contract_test.h"
 
-#include <objsafe.h>
-
 #include "support/malloc_spy.h"
+#include "support/object_safety.h"
 
 Ptr<IUnknown> makeUnknown(REFCLSID clsid, REFIID iid) {
   Ptr<IClassFactory> factory;

@@ -12,9 +12,13 @@ namespace {
 
 std::atomic<long> live{0};
 std::atomic<long> untilFailure{-1};
+constexpr long kFailed = -2;
 
 void* allocate(size_t size) noexcept {
-  if (untilFailure.load() >= 0 && untilFailure.fetch_sub(1) == 0) return nullptr;
+  if (untilFailure >= 0 && untilFailure-- == 0) {
+    untilFailure = kFailed;
+    return nullptr;
+  }
   void* block = std::malloc(size == 0 ? 1 : size);
   if (block != nullptr) ++live;
   return block;
@@ -52,6 +56,6 @@ __declspec(dllexport) long TavlcomLiveObjects() { return com::module::LockCount(
 /// Lets the allocation after `succeeding` further ones fail; a negative number lets none fail.
 __declspec(dllexport) void TavlcomFailAllocation(long succeeding) { untilFailure = succeeding; }
 /// Whether the failure asked for has happened.
-__declspec(dllexport) bool TavlcomAllocationFailed() { return untilFailure < -1; }
+__declspec(dllexport) bool TavlcomAllocationFailed() { return untilFailure == kFailed; }
 
 }  // extern "C"

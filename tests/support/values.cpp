@@ -83,7 +83,7 @@ Variant vbsBytes(const Bytes& content, LONG lowerBound) {
 Variant variants(std::initializer_list<VARIANT> elements, LONG lowerBound) {
   SAFEARRAY* array = vector(VT_VARIANT, elements.size(), lowerBound);
   VARIANT* slot = dataOf<VARIANT>(array);
-  for (const VARIANT& element : elements) VariantCopy(slot++, &element);
+  for (const VARIANT& element : elements) VariantCopy(slot++, const_cast<VARIANT*>(&element));
   return Variant::array(VT_VARIANT, array);
 }
 

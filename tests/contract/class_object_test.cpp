@@ -1,0 +1,196 @@
+// DllGetClassObject, DllCanUnloadNow and the class factories.
+#include "support/contract_test.h"
+
+namespace {
+
+using ClassObjectTest = ContractTest;
+
+constexpr CLSID kUnknownClass = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}};
+
+Ptr<IClassFactory> factoryOf(const ClassFacts& facts) {
+  Ptr<IClassFactory> factory;
+  EXPECT_OK(Module::get().classObject(guidOf(facts.clsid), IID_IClassFactory, factory.voidOut()));
+  return factory;
+}
+
+Ptr<IClassFactory> certIdFactory() { return factoryOf(kClasses[3]); }
+
+TEST_F(ClassObjectTest, EveryClassHasAFactoryThatCreatesIt) {
+  for (const ClassFacts& facts : kClasses) {
+    SCOPED_TRACE(facts);
+    Ptr<IUnknown> object;
+    EXPECT_OK(factoryOf(facts)->CreateInstance(nullptr, guidOf(facts.iid), object.voidOut()));
+    EXPECT_NE(nullptr, object.get());
+  }
+}
+
+TEST_F(ClassObjectTest, UnknownClassIsRefusedWithANullPointer) {
+  void* object = this;
+  EXPECT_HR(0x80040111u, Module::get().classObject(kUnknownClass, IID_IClassFactory, &object));
+  EXPECT_EQ(nullptr, object);
+}
+
+TEST_F(ClassObjectTest, SecondRequestGivesTheSameFactory) {
+  for (const ClassFacts& facts : kClasses) {
+    SCOPED_TRACE(facts);
+    EXPECT_EQ(factoryOf(facts).get(), factoryOf(facts).get());
+  }
+}
+
+TEST_F(ClassObjectTest, FactoryIsGivenAsIUnknownToo) {
+  Ptr<IUnknown> factory;
+  EXPECT_OK(Module::get().classObject(guidOf(kClasses[0].clsid), IID_IUnknown, factory.voidOut()));
+  EXPECT_NE(nullptr, factory.as<IClassFactory>().get());
+}
+
+TEST_F(ClassObjectTest, InterfaceThatAFactoryLacksIsRefusedWithANullPointer) {
+  void* object = this;
+  EXPECT_HR(E_NOINTERFACE, Module::get().classObject(guidOf(kClasses[0].clsid), IID_IDispatch, &object));
+  EXPECT_EQ(nullptr, object);
+}
+
+TEST_F(ClassObjectTest, NullPointerForTheClassObjectIsRefused) {
+  EXPECT_HR(E_POINTER, Module::get().classObject(guidOf(kClasses[0].clsid), IID_IClassFactory, nullptr));
+}
+
+TEST_F(ClassObjectTest, NullPointerForTheObjectIsRefused) {
+  EXPECT_HR(0x80004003u, certIdFactory()->CreateInstance(nullptr, IID_IUnknown, nullptr));
+}
+
+TEST_F(ClassObjectTest, InterfaceThatAClassLacksIsRefusedAndTheObjectDestroyed) {
+  void* object = this;
+  EXPECT_HR(E_NOINTERFACE, certIdFactory()->CreateInstance(nullptr, __uuidof(ISignParam), &object));
+  EXPECT_EQ(nullptr, object);
+}
+
+TEST_F(ClassObjectTest, AllocationFailureIsReported) {
+  Ptr<IClassFactory> factory = certIdFactory();
+  void* object = this;
+  Module::get().failAllocation(0);
+  EXPECT_HR(0x8007000Eu, factory->CreateInstance(nullptr, IID_IUnknown, &object));
+  EXPECT_TRUE(Module::get().allocationFailed());
+  EXPECT_EQ(nullptr, object);
+}
+
+TEST_F(ClassObjectTest, EveryObjectRaisesTheLockCountByOne) {
+  const long before = Module::get().liveObjects();
+  for (const ClassFacts& facts : kClasses) {
+    SCOPED_TRACE(facts);
+    Ptr<IUnknown> object = makeUnknown(guidOf(facts.clsid), IID_IUnknown);
+    EXPECT_EQ(before + 1, Module::get().liveObjects());
+  }
+  EXPECT_EQ(before, Module::get().liveObjects());
+}
+
+TEST_F(ClassObjectTest, ServerLockRaisesTheLockCount) {
+  Ptr<IClassFactory> factory = certIdFactory();
+  const long before = Module::get().liveObjects();
+  EXPECT_OK(factory->LockServer(TRUE));
+  EXPECT_EQ(before + 1, Module::get().liveObjects());
+  EXPECT_OK(factory->LockServer(FALSE));
+  EXPECT_EQ(before, Module::get().liveObjects());
+}
+
+TEST_F(ClassObjectTest, ModuleCanUnloadOnlyWithoutObjects) {
+  EXPECT_HR(S_OK, Module::get().canUnloadNow());
+  {
+    Ptr<ICertId> id = make<CertId>();
+    EXPECT_HR(S_FALSE, Module::get().canUnloadNow());
+  }
+  EXPECT_HR(S_OK, Module::get().canUnloadNow());
+}
+
+TEST_F(ClassObjectTest, ModuleCannotUnloadWhileTheServerIsLocked) {
+  Ptr<IClassFactory> factory = certIdFactory();
+  EXPECT_OK(factory->LockServer(TRUE));
+  EXPECT_HR(S_FALSE, Module::get().canUnloadNow());
+  EXPECT_OK(factory->LockServer(FALSE));
+  EXPECT_HR(S_OK, Module::get().canUnloadNow());
+}
+
+TEST_F(ClassObjectTest, HeldFactoryDoesNotKeepTheModule) {
+  Ptr<IClassFactory> factory = certIdFactory();
+  EXPECT_HR(S_OK, Module::get().canUnloadNow());
+}
+
+TEST_F(ClassObjectTest, ObjectsAreCreatedThroughComActivation) {
+  Ptr<ICertId> id;
+  EXPECT_OK(CoCreateInstance(__uuidof(CertId), nullptr, CLSCTX_ALL, __uuidof(ICertId), id.voidOut()));
+  EXPECT_NE(nullptr, id.get());
+}
+
+/// A module of its own, not yet asked for a factory: a copy of the file under another name.
+class FreshModule {
+ public:
+  FreshModule() : path_(programFolder() + L"\\race" + std::to_wstring(GetCurrentProcessId()) + L".dll") {
+    CopyFileW(Module::get().path().c_str(), path_.c_str(), FALSE);
+    handle_ = LoadLibraryW(path_.c_str());
+  }
+  FreshModule(const FreshModule&) = delete;
+  FreshModule& operator=(const FreshModule&) = delete;
+  ~FreshModule() {
+    FreeLibrary(handle_);
+    DeleteFileW(path_.c_str());
+  }
+  template <class Function>
+  Function entry(const char* name) const {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(handle_, name)));
+  }
+
+ private:
+  std::wstring path_;
+  HMODULE handle_ = nullptr;
+};
+
+using GetClassObject = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
+
+struct Racer {
+  GetClassObject getClassObject;
+  HANDLE start;
+  void* factories[18];
+};
+
+DWORD WINAPI askForAllFactories(void* argument) {
+  Racer& racer = *static_cast<Racer*>(argument);
+  WaitForSingleObject(racer.start, INFINITE);
+  for (size_t i = 0; i < kClasses.size(); ++i) {
+    racer.getClassObject(guidOf(kClasses[i].clsid), IID_IClassFactory, &racer.factories[i]);
+  }
+  return 0;
+}
+
+TEST_F(ClassObjectTest, TwoThreadsNeverGetTwoFactories) {
+  for (int round = 0; round < 10; ++round) {
+    FreshModule module;
+    const HANDLE start = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    Racer racers[2]{{module.entry<GetClassObject>("DllGetClassObject"), start, {}},
+                    {module.entry<GetClassObject>("DllGetClassObject"), start, {}}};
+    ASSERT_NE(nullptr, racers[0].getClassObject);
+    HANDLE threads[2];
+    for (int i = 0; i < 2; ++i) threads[i] = CreateThread(nullptr, 0, askForAllFactories, &racers[i], 0, nullptr);
+    SetEvent(start);
+    WaitForMultipleObjects(2, threads, TRUE, INFINITE);
+    for (size_t i = 0; i < kClasses.size(); ++i) {
+      EXPECT_EQ(racers[0].factories[i], racers[1].factories[i]) << kClasses[i];
+      for (const Racer& racer : racers) static_cast<IUnknown*>(racer.factories[i])->Release();
+    }
+    for (HANDLE thread : threads) CloseHandle(thread);
+    CloseHandle(start);
+  }
+}
+
+TEST_F(ClassObjectTest, UnloadingReleasesFactoriesWithoutAFault) {
+  FreshModule module;
+  Ptr<IClassFactory> factory;
+  const auto getClassObject = module.entry<GetClassObject>("DllGetClassObject");
+  ASSERT_OK(getClassObject(__uuidof(CertId), IID_IClassFactory, factory.voidOut()));
+  {
+    Ptr<ICertId> id;
+    ASSERT_OK(factory->CreateInstance(nullptr, __uuidof(ICertId), id.voidOut()));
+    EXPECT_HR(S_FALSE, module.entry<HRESULT(WINAPI*)()>("DllCanUnloadNow")());
+  }
+  factory.reset();
+  EXPECT_HR(S_OK, module.entry<HRESULT(WINAPI*)()>("DllCanUnloadNow")());
+}
+
+}  // namespace
