@@ -8,7 +8,7 @@ namespace com {
 class Variant {
  public:
   Variant() { VariantInit(&value_); }
-  Variant(const Variant&) = delete;
+  Variant(Variant&& other) noexcept : value_(other.release()) {}
   Variant& operator=(const Variant&) = delete;
   ~Variant() { VariantClear(&value_); }
 

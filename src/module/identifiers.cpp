@@ -3,6 +3,4 @@
 
 #include <initguid.h>
 
-#include <dispex.h>
-
 #include "quivocom.h"

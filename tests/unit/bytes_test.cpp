@@ -92,9 +92,9 @@ TEST(ReadByteVariant, FollowsAReferenceToAVariantOneLevelOnly) {
 }
 
 TEST(ReadByteVariant, RefusesTextsNumbersAndNull) {
-  for (VARTYPE type : {VT_NULL, VT_I4, VT_BSTR, VT_UI1, VT_DISPATCH, VT_ERROR, VT_ARRAY | VT_I1, VT_ARRAY | VT_I2}) {
+  for (int type : {+VT_NULL, +VT_I4, +VT_BSTR, +VT_UI1, +VT_DISPATCH, +VT_ERROR, VT_ARRAY | VT_I1, VT_ARRAY | VT_I2}) {
     VARIANT value{};
-    V_VT(&value) = type;
+    V_VT(&value) = static_cast<VARTYPE>(type);
     ByteInput input;
     EXPECT_EQ(ReadByteVariant(value, input), E_INVALIDARG) << type;
   }
