@@ -28,6 +28,9 @@ class Buffers {
   DataBlob_t copyBytes(ByteView bytes) { return join({bytes}); }
   DataBlob_t join(std::initializer_list<ByteView> parts);
 
+  /// Takes over memory that came from malloc.
+  void adopt(void* buffer) { live_.insert(buffer); }
+
   bool owns(const void* buffer) const { return live_.count(buffer) != 0; }
   /// False when the buffer is none of this session's. Null is accepted.
   bool release(const void* buffer);

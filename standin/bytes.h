@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -19,9 +20,12 @@ inline ByteView viewOf(const DataBlob_t* blob) {
   return {blob->data, blob->len};
 }
 
-/// A blob with a null pointer or none at all stands for "not given", an empty one with a pointer for no bytes.
-inline bool isGiven(const DataBlob_t* blob) { return blob != nullptr && blob->data != nullptr; }
+/// A blob without a pointer, or none at all, stands for "not given"; one with a pointer may have no bytes.
+inline std::optional<ByteView> optionalViewOf(const DataBlob_t* blob) {
+  if (blob == nullptr || blob->data == nullptr) return std::nullopt;
+  return ByteView(blob->data, blob->len);
+}
 
-inline void append(Bytes& bytes, ByteView more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
+void append(Bytes& bytes, ByteView more);
 
 }  // namespace standin

@@ -4,19 +4,11 @@
 
 using namespace standin;
 
-namespace {
-
-std::optional<ByteView> optionalView(const DataBlob_t* blob) {
-  if (!isGiven(blob)) return std::nullopt;
-  return viewOf(blob);
-}
-
-}  // namespace
-
 int32_t QUIVO_SignMem(EngineSession session, const SignParamRecord* param, const DataBlob_t* data,
                       const DataBlob_t* sign_in, DataBlob_t* sign_out) {
   return inSession(session, [&](Session& s) {
-    required(sign_out) = signMemory(s, param, optionalView(data), optionalView(sign_in));
+    DataBlob_t& out = required(sign_out);
+    out = signMemory(s, param, optionalViewOf(data), optionalViewOf(sign_in));
   });
 }
 
@@ -33,7 +25,8 @@ int32_t QUIVO_StrSignFile(EngineSession session, const SignParamRecord* param, c
 int32_t QUIVO_StrSignInitMem(EngineSession session, const SignParamRecord* param, const DataBlob_t* sign_in,
                              EngineStream* stream) {
   return inSession(session, [&](Session& s) {
-    required(stream) = s.addStream(std::make_unique<SignStream>(s, param, optionalView(sign_in)));
+    EngineStream& handle = required(stream);
+    handle = s.addStream(std::make_unique<SignStream>(s, param, optionalViewOf(sign_in)));
   });
 }
 

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 #include "standin/ansi.h"
 #include "standin/cert_id.h"
 #include "standin/codes.h"
@@ -48,6 +50,11 @@ void KeyStore::open(const std::string& path, const std::string& pin) {
       own_.push_back({std::move(certificate), KeyPtr(key)});
     }
   }
+}
+
+bool KeyStore::owns(const X509* certificate) const {
+  return std::any_of(own_.begin(), own_.end(),
+                     [&](const OwnKey& own) { return X509_cmp(own.certificate.get(), certificate) == 0; });
 }
 
 const OwnKey& KeyStore::pick(const CertIdRecord* id, KeyPurpose purpose) const {

@@ -23,6 +23,7 @@ class KeyStore {
   void open(const std::string& path, const std::string& pin);
 
   const std::vector<OwnKey>& own() const { return own_; }
+  bool owns(const X509* certificate) const;
   /// The file's certificates that belong to none of its keys.
   const std::vector<CertPtr>& chainCertificates() const { return chain_; }
 

@@ -37,6 +37,15 @@ Session::Session(const SessionSource& source) {
   }
 }
 
+std::vector<CertPtr> Session::knownCertificates() const {
+  std::vector<CertPtr> known;
+  for (const OwnKey& own : keys.own()) known.push_back(share(own.certificate.get()));
+  for (const CertPtr& certificate : store.certificates()) {
+    if (!keys.owns(certificate.get())) known.push_back(share(certificate.get()));
+  }
+  return known;
+}
+
 EngineStream Session::addStream(std::unique_ptr<Stream> stream) {
   const EngineStream handle = nextHandle();
   streams_.emplace(handle, std::move(stream));

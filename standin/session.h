@@ -43,6 +43,9 @@ class Session {
   KeyStore keys;
   Store store;
 
+  /// Own certificates first, then those of the store that are not own.
+  std::vector<CertPtr> knownCertificates() const;
+
   EngineStream addStream(std::unique_ptr<Stream> stream);
   /// The open stream of this kind behind `handle`; fails with kBadStream.
   template <typename Kind>

@@ -1,3 +1,192 @@
 #include "legacy/file_open.h"
 
-void OpenProtectedFile(const char*) {}
+#include <objbase.h>
+#include <shellapi.h>
+
+#include "com/module.h"
+#include "com/ref.h"
+#include "convert/strings.h"
+#include "legacy/file_open_plan.h"
+#include "legacy/legacy_resources.h"
+#include "legacy/messages.h"
+#include "legacy/save_dialog.h"
+#include "legacy/settings.h"
+#include "legacy/system_library.h"
+#include "quivocom.h"
+
+namespace {
+
+constexpr char kInputDirectory[] = "InputDirectory";
+
+/// COM on this thread, for as long as it lives.
+class Apartment {
+ public:
+  Apartment() : result_(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE)) {}
+  Apartment(const Apartment&) = delete;
+  Apartment& operator=(const Apartment&) = delete;
+  ~Apartment() {
+    if (SUCCEEDED(result_)) CoUninitialize();
+  }
+
+ private:
+  const HRESULT result_;
+};
+
+/// Shows a message of this entry; returns the button that the user pressed.
+int Tell(UINT style, const char* text) {
+  char caption[64] = {};
+  LoadStringA(com::module::Instance(), IDS_OPEN_CAPTION, caption, sizeof(caption));
+  return MessageBoxA(GetActiveWindow(), text, caption, style);
+}
+
+bool Exists(const char* path) { return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES; }
+
+/// Whether results are written and opened without asking: the administrator's choice.
+bool ExecutesResult() {
+  DWORD value = 0;
+  com::RegKey key;
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, settings::kKey, 0, KEY_READ, key.receive()) == ERROR_SUCCESS)
+    settings::ReadDword(key.get(), "ExecuteResult", value);
+  return value != 0;
+}
+
+/// The user's own key, which remembers the folder of the last result.
+com::RegKey OpenUserKey() {
+  com::RegKey key;
+  RegCreateKeyExA(HKEY_CURRENT_USER, settings::kKey, 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr, key.receive(),
+                  nullptr);
+  return key;
+}
+
+void ReadStartFolder(HKEY key, char (&folder)[MAX_PATH + 1]) {
+  DWORD type = REG_NONE;
+  DWORD size = MAX_PATH;
+  LSTATUS status = RegQueryValueExA(key, kInputDirectory, nullptr, &type, reinterpret_cast<BYTE*>(folder), &size);
+  bool isText = type == REG_SZ || type == REG_EXPAND_SZ;
+  folder[status == ERROR_SUCCESS && isText ? MAX_PATH : 0] = '\0';
+}
+
+void RememberFolderOf(const char* result, HKEY key) {
+  char folder[MAX_PATH];
+  if (!FolderOf(result, folder)) return;
+  RegSetValueExA(key, kInputDirectory, 0, REG_SZ, reinterpret_cast<const BYTE*>(folder),
+                 static_cast<DWORD>(lstrlenA(folder) + 1));
+}
+
+/// One run of the entry.
+class Opening {
+ public:
+  explicit Opening(const char* path) : path_(path) {}
+
+  void run() {
+    if (!PlanOpening(path_, plan_)) return;
+    executesResult_ = ExecutesResult();
+    if (!(executesResult_ ? mayWrite() : askWhereToSave())) return;
+    if (!openSession() || process() != S_OK) return;
+    if (executesResult_) execute();
+    if (!userKey_) userKey_ = OpenUserKey();
+    RememberFolderOf(plan_.result, userKey_.get());
+  }
+
+ private:
+  bool mayWrite() const {
+    if (!Exists(plan_.result)) return true;
+    char question[kMessageSize];
+    FormatText(question, "Файл %s уже существует. Перезаписать?", plan_.result);
+    return Tell(MB_YESNO | MB_ICONQUESTION, question) == IDYES;
+  }
+
+  bool askWhereToSave() {
+    userKey_ = OpenUserKey();
+    char startFolder[MAX_PATH + 1] = {};
+    ReadStartFolder(userKey_.get(), startFolder);
+    SaveRequest request{plan_.result, startFolder, plan_.kind == ProtectedKind::kSignedAndEncrypted};
+    if (!AskWhereToSave(request)) return false;
+    keepsSignedCopy_ = request.keepsSignedCopy;
+    return true;
+  }
+
+  /// The object is reached as any client reaches it, under a name that the module itself does not register.
+  bool openSession() {
+    CLSID clsid;
+    if (FAILED(CLSIDFromProgID(L"PKI.pkiobj", &clsid))) return false;
+    if (FAILED(CoCreateInstance(clsid, nullptr, CLSCTX_ALL, __uuidof(Ipkiobj), object_.receiveVoid()))) return false;
+    com::Bstr profile(SysAllocString(L"My"));
+    return profile && object_->Init(profile.get()) == S_OK;
+  }
+
+  /// Does what the extension asks for; the result of the last method called.
+  HRESULT process() {
+    if (plan_.kind == ProtectedKind::kOther) return S_OK;
+    com::Bstr in;
+    com::Bstr out;
+    if (FAILED(AnsiToBstr(path_, in.inOut())) || FAILED(AnsiToBstr(plan_.result, out.inOut()))) return E_OUTOFMEMORY;
+    if (plan_.kind == ProtectedKind::kSigned) return object_->Verify(in.get(), out.get());
+    if (plan_.kind == ProtectedKind::kEncrypted) return object_->Unencrypt(in.get(), out.get(), TRUE);
+    HRESULT hr = object_->VerifyAndUnencrypt(in.get(), out.get());
+    if (hr != S_OK) return hr;
+    if (keepsSignedCopy_) return keepSignedCopy(in.get());
+    char text[kMessageSize];
+    FormatText(text, "Расшифрование и проверка ЭП выполнены.\nРезультат сохранён в файл %s.", plan_.result);
+    Tell(MB_ICONINFORMATION, text);
+    return S_OK;
+  }
+
+  HRESULT keepSignedCopy(BSTR in) {
+    SignedCopy copy = SignedCopyOf(plan_.result);
+    char text[kMessageSize];
+    if (!Exists(copy.folder) && !CreateDirectoryA(copy.folder, nullptr)) {
+      FormatText(text, "Ошибка создания директории %s для сохранения подписанного файла.", copy.folder);
+      Tell(MB_ICONERROR, text);
+      // The result itself is saved, and the run goes on as after any success.
+      return S_OK;
+    }
+    com::Bstr out;
+    HRESULT hr = AnsiToBstr(copy.file, out.inOut());
+    if (SUCCEEDED(hr)) hr = object_->Unencrypt(in, out.get(), FALSE);
+    if (hr == S_OK) {
+      FormatText(text,
+                 "Расшифрование и проверка ЭП выполнены.\nРезультат сохранён в файл %s.\n"
+                 "Подписанный файл сохранен в файл %s.",
+                 plan_.result, copy.file);
+      Tell(MB_ICONINFORMATION, text);
+    } else {
+      FormatText(text,
+                 "Расшифрование и проверка ЭП выполнены.\nРезультат сохранён в файл %s.\n"
+                 "При сохранении подписанного файла произошла ошибка.",
+                 plan_.result);
+      Tell(MB_ICONWARNING, text);
+    }
+    return hr;
+  }
+
+  /// Opens the result with its program; whether that succeeds is the program's matter.
+  void execute() const {
+    SystemLibrary library(L"shell32.dll");
+    auto* open = library.find<decltype(ShellExecuteExA)>("ShellExecuteExA");
+    if (!open) return;
+    SHELLEXECUTEINFOA request{};
+    request.cbSize = sizeof(request);
+    request.fMask = SEE_MASK_DOENVSUBST | SEE_MASK_NOCLOSEPROCESS;
+    static_assert((SEE_MASK_DOENVSUBST | SEE_MASK_NOCLOSEPROCESS) == 0x240);
+    request.lpVerb = "open";
+    request.lpFile = plan_.result;
+    request.nShow = SW_SHOWNORMAL;
+    open(&request);
+    com::File process(request.hProcess);
+  }
+
+  const char* const path_;
+  OpenPlan plan_{};
+  bool executesResult_ = false;
+  bool keepsSignedCopy_ = false;
+  com::RegKey userKey_;
+  com::Ref<Ipkiobj> object_;
+};
+
+}  // namespace
+
+void OpenProtectedFile(const char* path) {
+  Apartment apartment;
+  if (path && Exists(path)) Opening(path).run();
+}

@@ -25,14 +25,76 @@ int32_t sign(EngineSession session, const Arguments& a) {
   return QUIVO_SignFile(session, &param, pathOrNull(a[1]), pathOrNull(a[2]), a[3]);
 }
 
+void printCertificate(const char* what, const CertificateRecord& certificate) {
+  std::printf("%s %s\n", what, certificate.subject == nullptr ? "-" : certificate.subject);
+}
+
+/// verify FLAGS DATA MESSAGE OUT [INDEX]: one line a signature, "status time subject".
+int32_t verify(EngineSession session, const Arguments& a) {
+  VerifyParamRecord param{};
+  param.flag = number(a[0]);
+  param.info = 4;
+  if (a.size() > 4) param.nSignToDelete = std::atoi(a[4]);
+  VerifyResultRecord result{};
+  const int32_t code = QUIVO_VerifyFile(session, &param, pathOrNull(a[1]), a[2], pathOrNull(a[3]), &result);
+  for (int32_t i = 0; i < result.count; ++i) {
+    const SignStatusEntry& entry = result.entries[i];
+    std::printf("%08X %u ", static_cast<unsigned>(entry.status), entry.time);
+    printCertificate("signer", entry.cert == nullptr ? CertificateRecord{} : *entry.cert);
+  }
+  QUIVO_FreeVerifyResult(session, &result);
+  return code;
+}
+
+std::vector<uint8_t> readFile(const char* path) {
+  std::vector<uint8_t> bytes;
+  if (FILE* file = std::fopen(path, "rb")) {
+    for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) bytes.push_back(static_cast<uint8_t>(c));
+    std::fclose(file);
+  }
+  return bytes;
+}
+
+/// encrypt FLAGS IN OUT CERTIFICATE...
+int32_t encrypt(EngineSession session, const Arguments& a) {
+  std::vector<std::vector<uint8_t>> certificates;
+  for (size_t i = 3; i < a.size(); ++i) certificates.push_back(readFile(a[i]));
+  std::vector<CertificateRecord> receivers(certificates.size());
+  for (size_t i = 0; i < receivers.size(); ++i) {
+    receivers[i].certEncoded = {static_cast<uint32_t>(certificates[i].size()), certificates[i].data()};
+  }
+  const EncryptParamRecord param{number(a[0]), nullptr, static_cast<int32_t>(receivers.size()), receivers.data()};
+  return QUIVO_EncryptFile(session, &param, a[1], a[2]);
+}
+
+/// decrypt IN OUT
+int32_t decrypt(EngineSession session, const Arguments& a) {
+  const DecryptParamRecord param{1, nullptr, 4};
+  DecryptResultRecord result{};
+  const int32_t code = QUIVO_DecryptFile(session, &param, a[0], a[1], &result);
+  printCertificate("sender", result.cert);
+  QUIVO_FreeDecryptResult(session, &result);
+  return code;
+}
+
+/// count MESSAGE
+int32_t countSignatures(EngineSession session, const Arguments& a) {
+  SignedInfoResultRecord info{};
+  const int32_t code = QUIVO_SignedInfoFile(session, a[0], &info);
+  std::printf("signatures %u\n", info.signatureCount);
+  QUIVO_FreeSignedInfoResult(session, &info);
+  return code;
+}
+
 struct Command {
   const char* name;
-  size_t arguments;
+  size_t least_arguments;
   int32_t (*run)(EngineSession, const Arguments&);
 };
 
 constexpr Command kCommands[] = {
-    {"sign", 4, sign},
+    {"sign", 4, sign},       {"verify", 4, verify},         {"encrypt", 3, encrypt},
+    {"decrypt", 2, decrypt}, {"count", 1, countSignatures},
 };
 
 int report(int32_t code) {
@@ -59,7 +121,7 @@ int main(int count, char** values) {
   for (const Command& command : kCommands) {
     if (std::strcmp(command.name, values[4]) != 0) continue;
     const Arguments arguments(values + 5, values + count);
-    if (arguments.size() == command.arguments) result = report(command.run(session, arguments));
+    if (arguments.size() >= command.least_arguments) result = report(command.run(session, arguments));
   }
   QUIVO_Uninitialize(session);
   return result;

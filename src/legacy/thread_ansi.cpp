@@ -1,0 +1,12 @@
+#include "legacy/thread_ansi.h"
+
+#include <new>
+
+ThreadAnsi::ThreadAnsi(BSTR text) {
+  const wchar_t* wide = text ? text : L"";
+  int size = WideCharToMultiByte(CP_THREAD_ACP, 0, wide, -1, nullptr, 0, nullptr, nullptr);
+  if (size == 0) return;
+  AnsiString buffer(new (std::nothrow) char[size]());
+  if (!buffer || WideCharToMultiByte(CP_THREAD_ACP, 0, wide, -1, buffer.get(), size, nullptr, nullptr) == 0) return;
+  text_ = std::move(buffer);
+}
