@@ -130,4 +130,78 @@ void freeAltName(AltNameRecord& record, Buffers& buffers) {
   }
 }
 
+namespace {
+
+using GeneralNamePtr = std::unique_ptr<GENERAL_NAME, FreeWith<GENERAL_NAME_free>>;
+using ObjectPtr = std::unique_ptr<ASN1_OBJECT, FreeWith<ASN1_OBJECT_free>>;
+using TypePtr = std::unique_ptr<ASN1_TYPE, FreeWith<ASN1_TYPE_free>>;
+
+int generalNameType(Place place) {
+  switch (place) {
+    case Place::kEmail:
+      return GEN_EMAIL;
+    case Place::kDns:
+      return GEN_DNS;
+    case Place::kUri:
+      return GEN_URI;
+    default:
+      return GEN_IPADD;
+  }
+}
+
+GeneralNamePtr simpleName(Place place, const std::string& utf8) {
+  return GeneralNamePtr(a2i_GENERAL_NAME(nullptr, nullptr, nullptr, generalNameType(place), utf8.c_str(), 0));
+}
+
+GeneralNamePtr otherName(const char* oid, const std::string& utf8) {
+  GeneralNamePtr name(GENERAL_NAME_new());
+  ObjectPtr type(OBJ_txt2obj(oid, 1));
+  TypePtr value(ASN1_TYPE_new());
+  ASN1_STRING* text = ASN1_STRING_type_new(V_ASN1_UTF8STRING);
+  if (name == nullptr || type == nullptr || value == nullptr || text == nullptr) fail(kWinOutOfMemory);
+  ASN1_TYPE_set(value.get(), V_ASN1_UTF8STRING, text);
+  if (ASN1_STRING_set(text, utf8.data(), static_cast<int>(utf8.size())) != 1 ||
+      GENERAL_NAME_set0_othername(name.get(), type.get(), value.get()) != 1) {
+    fail(kWinOutOfMemory);
+  }
+  type.release();
+  value.release();
+  return name;
+}
+
+void push(GENERAL_NAMES* names, GeneralNamePtr name) {
+  if (name == nullptr) fail(kRequestFailed);
+  if (sk_GENERAL_NAME_push(names, name.get()) == 0) fail(kWinOutOfMemory);
+  name.release();
+}
+
+}  // namespace
+
+GeneralNamesPtr generalNamesOf(const AltNameRecord& record) {
+  GeneralNamesPtr names(GENERAL_NAMES_new());
+  NamePtr directory(X509_NAME_new());
+  if (names == nullptr || directory == nullptr) fail(kWinOutOfMemory);
+  for (const AltNameField& field : altNameFields()) {
+    const std::string utf8 = utf8FromAnsi(textOrEmpty(record.*field.text));
+    if (utf8.empty()) continue;
+    if (field.place == Place::kDirectory) {
+      const auto* bytes = reinterpret_cast<const unsigned char*>(utf8.data());
+      const int length = static_cast<int>(utf8.size());
+      if (X509_NAME_add_entry_by_txt(directory.get(), field.oid, MBSTRING_UTF8, bytes, length, -1, 0) != 1) {
+        fail(kRequestFailed);
+      }
+    } else {
+      push(names.get(), field.place == Place::kOther ? otherName(field.oid, utf8) : simpleName(field.place, utf8));
+    }
+  }
+  if (X509_NAME_entry_count(directory.get()) > 0) {
+    GeneralNamePtr name(GENERAL_NAME_new());
+    if (name == nullptr) fail(kWinOutOfMemory);
+    GENERAL_NAME_set0_value(name.get(), GEN_DIRNAME, directory.release());
+    push(names.get(), std::move(name));
+  }
+  if (sk_GENERAL_NAME_num(names.get()) == 0) return nullptr;
+  return names;
+}
+
 }  // namespace standin

@@ -24,4 +24,8 @@ const std::array<AltNameField, 15>& altNameFields();
 bool fillAltName(AltNameRecord& record, const X509* certificate, int extension_nid, Buffers& buffers);
 void freeAltName(AltNameRecord& record, Buffers& buffers);
 
+/// The names that the record states, for a request; null when it states none. Fails with kRequestFailed when one cannot
+/// be written.
+GeneralNamesPtr generalNamesOf(const AltNameRecord& record);
+
 }  // namespace standin

@@ -70,3 +70,12 @@ int32_t QUIVO_EncodeMem(char* text, const uint8_t* bytes, uint32_t length) {
     return HRESULT_FROM_WIN32(kWinInvalidParameter);
   return EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text), bytes, static_cast<int>(length));
 }
+
+int32_t QUIVO_Ctrl(EngineSession session, int32_t code, DataBlob_t* text) {
+  return inSession(session, [&](Session& s) {
+    if (code != kEngineCtrlUpdateCrl) fail(kNotSupported);
+    DataBlob_t& buffer = required(text);
+    if (buffer.data == nullptr || buffer.len == 0) fail(kWinInvalidParameter);
+    writeCrlReport(s.store.reloadCrls(), reinterpret_cast<char*>(buffer.data), buffer.len);
+  });
+}

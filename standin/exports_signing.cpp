@@ -1,4 +1,5 @@
 // Exported functions: signing.
+#include "standin/combined.h"
 #include "standin/guard.h"
 #include "standin/signing.h"
 
@@ -41,4 +42,10 @@ int32_t QUIVO_StrSignFinalMem(EngineSession session, const SignParamRecord*, Eng
     DataBlob_t& out = required(sign_out);
     out = s.endStream<SignStream>(stream)->finish();
   });
+}
+
+int32_t QUIVO_SignAndEncryptFile(EngineSession session, const SignParamRecord* sign, const EncryptParamRecord* encrypt,
+                                 const char* file_in, const char* file_out) {
+  return inSession(session,
+                   [&](Session& s) { signAndEncryptFile(s, required(sign), required(encrypt), file_in, file_out); });
 }

@@ -1,4 +1,5 @@
 // Exported functions: verification.
+#include "standin/combined.h"
 #include "standin/guard.h"
 #include "standin/verification.h"
 
@@ -72,5 +73,13 @@ int32_t QUIVO_StrVerifyFinalMem(EngineSession session, const VerifyParamRecord* 
   return verifying(session, param, result, [&](Session& s, const VerifyParamRecord& p) {
     DataBlob_t& out = required(sign_out);
     return s.endStream<VerifyStream>(stream)->finish(p, out);
+  });
+}
+
+int32_t QUIVO_DecryptAndVerifyFile(EngineSession session, const DecryptParamRecord* decrypt,
+                                   const VerifyParamRecord* verify, const char* file_in, const char* file_out,
+                                   DecryptResultRecord* decrypted, VerifyResultRecord* verified) {
+  return verifying(session, verify, verified, [&](Session& s, const VerifyParamRecord& p) {
+    return decryptAndVerifyFile(s, required(decrypt), p, file_in, file_out, required(decrypted));
   });
 }

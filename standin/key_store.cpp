@@ -36,20 +36,47 @@ bool suits(X509* certificate, KeyPurpose purpose) {
 
 }  // namespace
 
-void KeyStore::open(const std::string& path, const std::string& pin) {
-  Pkcs12Content content = readPkcs12(readKeyFile(path), utf8FromAnsi(pin));
+KeyStore::~KeyStore() { OPENSSL_cleanse(pin_.data(), pin_.size()); }
+
+void KeyStore::setPin(const std::string& pin) { pin_ = utf8FromAnsi(pin); }
+
+void KeyStore::open(const std::string& path) {
+  Pkcs12Content content = readPkcs12(readKeyFile(path), pin_);
+  for (KeyPtr& key : content.keys) keys_.push_back(std::move(key));
   for (CertPtr& certificate : content.certificates) {
-    EVP_PKEY* key = nullptr;
-    for (const KeyPtr& candidate : content.keys) {
-      if (X509_check_private_key(certificate.get(), candidate.get()) == 1) key = candidate.get();
-    }
-    if (key == nullptr) {
-      chain_.push_back(std::move(certificate));
+    if (hasKeyOf(certificate.get())) {
+      adopt(certificate.get());
     } else {
-      EVP_PKEY_up_ref(key);
-      own_.push_back({std::move(certificate), KeyPtr(key)});
+      chain_.push_back(std::move(certificate));
     }
   }
+}
+
+void KeyStore::openFolder(const std::string& folder) {
+  for (const std::string& name : filesIn(folder, "*.key")) {
+    const Bytes sealed = readKeyFile(joinPath(folder, name));
+    if (KeyPtr key = readSealedKey(sealed, pin_)) keys_.push_back(std::move(key));
+  }
+}
+
+void KeyStore::keep(EVP_PKEY* key, const std::string& folder, const std::string& name) {
+  writeWholeFile(joinPath(folder, name + ".key").c_str(), sealKey(key, pin_));
+  EVP_PKEY_up_ref(key);
+  keys_.emplace_back(key);
+}
+
+EVP_PKEY* KeyStore::keyOf(X509* certificate) const {
+  for (const KeyPtr& key : keys_) {
+    if (X509_check_private_key(certificate, key.get()) == 1) return key.get();
+  }
+  return nullptr;
+}
+
+void KeyStore::adopt(X509* certificate) {
+  EVP_PKEY* key = keyOf(certificate);
+  if (key == nullptr || owns(certificate)) return;
+  EVP_PKEY_up_ref(key);
+  own_.push_back({share(certificate), KeyPtr(key)});
 }
 
 bool KeyStore::owns(const X509* certificate) const {

@@ -1,4 +1,5 @@
-// The caller's own keys: those of a PKCS#12 file with the certificates that belong to them.
+// The caller's own keys: those of a PKCS#12 file, those that were made for requests, and the certificates that belong
+// to them.
 #pragma once
 
 #include <string>
@@ -19,8 +20,23 @@ enum class KeyPurpose { kSigning, kDecryption, kAny };
 
 class KeyStore {
  public:
-  /// Fails with kKeyFileMissing, kWrongPin or kKeyFileDamaged. The PIN is ANSI.
-  void open(const std::string& path, const std::string& pin);
+  KeyStore() = default;
+  ~KeyStore();
+  KeyStore(const KeyStore&) = delete;
+  KeyStore& operator=(const KeyStore&) = delete;
+
+  /// The PIN, ANSI, with which everything here is sealed.
+  void setPin(const std::string& pin);
+  /// Reads a PKCS#12 file. Fails with kKeyFileMissing, kWrongPin or kKeyFileDamaged.
+  void open(const std::string& path);
+  /// Reads the keys that were kept in a folder; those under another PIN are passed over.
+  void openFolder(const std::string& folder);
+  /// Seals a new key into the folder.
+  void keep(EVP_PKEY* key, const std::string& folder, const std::string& name);
+
+  bool hasKeyOf(X509* certificate) const { return keyOf(certificate) != nullptr; }
+  /// Takes a certificate for an own one when there is a key for it.
+  void adopt(X509* certificate);
 
   const std::vector<OwnKey>& own() const { return own_; }
   bool owns(const X509* certificate) const;
@@ -32,6 +48,10 @@ class KeyStore {
   const OwnKey& pick(const CertIdRecord* id, KeyPurpose purpose) const;
 
  private:
+  EVP_PKEY* keyOf(X509* certificate) const;
+
+  std::string pin_;  ///< UTF-8
+  std::vector<KeyPtr> keys_;
   std::vector<OwnKey> own_;
   std::vector<CertPtr> chain_;
 };

@@ -1,7 +1,8 @@
-// The bags of a PKCS#12 file.
+// The bags of a PKCS#12 file, and single sealed keys.
 #include "standin/pkcs12_file.h"
 
 #include <openssl/err.h>
+#include <openssl/pem.h>
 #include <openssl/pkcs12.h>
 
 #include <string>
@@ -20,6 +21,7 @@ struct FreeBags {
 using SafesPtr = std::unique_ptr<STACK_OF(PKCS7), FreeSafes>;
 using BagsPtr = std::unique_ptr<STACK_OF(PKCS12_SAFEBAG), FreeBags>;
 using KeyInfoPtr = std::unique_ptr<PKCS8_PRIV_KEY_INFO, FreeWith<PKCS8_PRIV_KEY_INFO_free>>;
+using SealedKeyPtr = std::unique_ptr<X509_SIG, FreeWith<X509_SIG_free>>;
 using PbeParamPtr = std::unique_ptr<PBEPARAM, FreeWith<PBEPARAM_free>>;
 using Pbe2ParamPtr = std::unique_ptr<PBE2PARAM, FreeWith<PBE2PARAM_free>>;
 using Pbkdf2ParamPtr = std::unique_ptr<PBKDF2PARAM, FreeWith<PBKDF2PARAM_free>>;
@@ -155,6 +157,31 @@ Pkcs12Content readPkcs12(ByteView der, const std::string& pin) {
   const Pkcs12Ptr file(d2i_PKCS12(nullptr, &cursor, static_cast<long>(der.size())));
   if (file == nullptr) fail(kKeyFileDamaged);
   return Reader(pin).read(file.get());
+}
+
+KeyPtr readSealedKey(ByteView der, const std::string& pin) {
+  const unsigned char* cursor = der.data();
+  const SealedKeyPtr sealed(d2i_X509_SIG(nullptr, &cursor, static_cast<long>(der.size())));
+  if (sealed == nullptr) return nullptr;
+  const X509_ALGOR* algorithm = nullptr;
+  X509_SIG_get0(sealed.get(), &algorithm, nullptr);
+  const long rounds = roundsOf(algorithm);
+  if (rounds < 0 || rounds > kMostRounds) return nullptr;
+  const KeyInfoPtr info(PKCS8_decrypt(sealed.get(), pin.c_str(), static_cast<int>(pin.size())));
+  return KeyPtr(info == nullptr ? nullptr : EVP_PKCS82PKEY(info.get()));
+}
+
+Bytes sealKey(EVP_PKEY* key, const std::string& pin) {
+  const BioPtr out(BIO_new(BIO_s_mem()));
+  // The function does not change the text, whatever its type says.
+  char* text = const_cast<char*>(pin.c_str());
+  if (out == nullptr || i2d_PKCS8PrivateKey_bio(out.get(), key, EVP_aes_256_cbc(), text, static_cast<int>(pin.size()),
+                                                nullptr, nullptr) != 1) {
+    fail(kRequestFailed);
+  }
+  char* der = nullptr;
+  const long length = BIO_get_mem_data(out.get(), &der);
+  return Bytes(der, der + length);
 }
 
 }  // namespace standin

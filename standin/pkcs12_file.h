@@ -1,4 +1,4 @@
-// Reading of PKCS#12 files with any number of keys.
+// Reading of keys that are sealed with a PIN: PKCS#12 files with any number of them, and single PKCS#8 files.
 #pragma once
 
 #include <vector>
@@ -15,5 +15,10 @@ struct Pkcs12Content {
 
 /// Fails with kWrongPin or kKeyFileDamaged. The PIN is UTF-8.
 Pkcs12Content readPkcs12(ByteView der, const std::string& pin);
+
+/// A single key; null when the bytes are none or the PIN is another.
+KeyPtr readSealedKey(ByteView der, const std::string& pin);
+/// The sealed form of a key.
+Bytes sealKey(EVP_PKEY* key, const std::string& pin);
 
 }  // namespace standin

@@ -27,14 +27,24 @@ SessionTable& table() {
 
 Session::Session(const SessionSource& source) {
   if (!source.folder.empty()) store.open(source.folder);
-  const bool without_keys = (source.flags & kInitVerifyContext) != 0;
-  if (!source.key_file.empty() && !without_keys) keys.open(source.key_file, source.pin);
-  store.addTrusted(keys.chainCertificates());
-  if ((source.flags & kInitCheckExpired) != 0) {
-    for (const OwnKey& own : keys.own()) {
-      if (!isWithinValidity(own.certificate.get(), currentTime())) fail(kOwnCertificateExpired);
-    }
+  if ((source.flags & kInitVerifyContext) == 0) openKeys(source);
+  if ((source.flags & kInitCheckExpired) == 0) return;
+  for (const OwnKey& own : keys.own()) {
+    if (!isWithinValidity(own.certificate.get(), currentTime())) fail(kOwnCertificateExpired);
   }
+}
+
+void Session::openKeys(const SessionSource& source) {
+  keys.setPin(source.pin);
+  if (!source.key_file.empty()) keys.open(source.key_file);
+  if (store.isOpen()) keys.openFolder(store.folder());
+  for (const CertPtr& certificate : store.certificates()) keys.adopt(certificate.get());
+  store.addTrusted(keys.chainCertificates());
+}
+
+void Session::addCertificate(X509* certificate) {
+  store.add(certificate);
+  keys.adopt(certificate);
 }
 
 std::vector<CertPtr> Session::knownCertificates() const {

@@ -43,6 +43,8 @@ class Session {
   KeyStore keys;
   Store store;
 
+  /// Adds to the store; a certificate for an own key becomes an own certificate.
+  void addCertificate(X509* certificate);
   /// Own certificates first, then those of the store that are not own.
   std::vector<CertPtr> knownCertificates() const;
 
@@ -62,6 +64,7 @@ class Session {
   }
 
  private:
+  void openKeys(const SessionSource& source);
   [[noreturn]] static void failStream();
   Stream* findStream(const EngineStream* handle);
   std::unique_ptr<Stream> takeStream(EngineStream* handle);

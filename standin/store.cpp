@@ -14,24 +14,6 @@
 namespace standin {
 namespace {
 
-class FolderSearch {
- public:
-  explicit FolderSearch(const std::string& folder) {
-    handle_ = FindFirstFileA(joinPath(folder, "*").c_str(), &entry_);
-    if (handle_ == INVALID_HANDLE_VALUE) fail(kStoreUnreadable);
-  }
-  ~FolderSearch() { FindClose(handle_); }
-  FolderSearch(const FolderSearch&) = delete;
-  FolderSearch& operator=(const FolderSearch&) = delete;
-
-  const WIN32_FIND_DATAA& entry() const { return entry_; }
-  bool next() { return FindNextFileA(handle_, &entry_) != 0; }
-
- private:
-  HANDLE handle_;
-  WIN32_FIND_DATAA entry_{};
-};
-
 /// A file that cannot be read is passed over: a store is shared, and a file may be on its way in or out.
 FoundObjects objectsInFile(const std::string& path) {
   try {
@@ -65,16 +47,12 @@ void Store::open(const std::string& folder) {
 }
 
 void Store::readFolder(bool certificates_too) {
-  FolderSearch search(folder_);
-  do {
-    const WIN32_FIND_DATAA& entry = search.entry();
-    const bool too_large = entry.nFileSizeHigh != 0 || entry.nFileSizeLow > kLargestObject;
-    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 || too_large) continue;
-    FoundObjects found = objectsInFile(joinPath(folder_, entry.cFileName));
+  for (const std::string& name : filesIn(folder_, "*")) {
+    FoundObjects found = objectsInFile(joinPath(folder_, name));
     for (CrlPtr& crl : found.crls) remember(std::move(crl));
     if (!certificates_too) continue;
     for (CertPtr& certificate : found.certificates) remember(std::move(certificate));
-  } while (search.next());
+  }
 }
 
 void Store::addTrusted(const std::vector<CertPtr>& certificates) {

@@ -165,4 +165,11 @@ void writeErrorText(int32_t code, char* buffer, uint32_t size) {
   writeRussian(general, buffer, size);
 }
 
+void writeCrlReport(const Store::CrlReload& reload, char* buffer, uint32_t size) {
+  std::wstring text = L"Списки отозванных сертификатов прочитаны из справочника: всего " +
+                      std::to_wstring(reload.lists) + L", новых " + std::to_wstring(reload.added) + L", устаревших " +
+                      std::to_wstring(reload.outdated) + L".";
+  writeRussian(text, buffer, size);
+}
+
 }  // namespace standin

@@ -125,6 +125,12 @@ void OutputFile::writeThrough(ByteView bytes) {
   }
 }
 
+std::string freeNameBeside(const std::string& path) {
+  std::string name;
+  createBeside(path, name);
+  return name;
+}
+
 void writeWholeFile(const char* path, ByteView bytes) {
   OutputFile file(path);
   file.write(bytes);
@@ -135,6 +141,21 @@ std::string joinPath(const std::string& folder, const std::string& name) {
   if (folder.empty()) return name;
   const char last = folder.back();
   return last == '\\' || last == '/' ? folder + name : folder + '\\' + name;
+}
+
+std::vector<std::string> filesIn(const std::string& folder, const char* pattern) {
+  WIN32_FIND_DATAA entry{};
+  const HANDLE search = FindFirstFileA(joinPath(folder, pattern).c_str(), &entry);
+  std::vector<std::string> names;
+  if (search == INVALID_HANDLE_VALUE) {
+    if (GetLastError() == ERROR_FILE_NOT_FOUND) return names;
+    fail(kStoreUnreadable);
+  }
+  do {
+    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.emplace_back(entry.cFileName);
+  } while (FindNextFileA(search, &entry));
+  FindClose(search);
+  return names;
 }
 
 }  // namespace standin

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 #include "standin/bytes.h"
 
@@ -85,7 +86,14 @@ class OutputFile {
 
 void writeWholeFile(const char* path, ByteView bytes);
 
+/// The path of no existing file, in the folder of `path`. An empty file is left there to keep the name.
+std::string freeNameBeside(const std::string& path);
+
 /// "folder\name", with one separator.
 std::string joinPath(const std::string& folder, const std::string& name);
+
+/// The names of the files in a folder that fit the pattern; empty when there are none. Fails with kStoreUnreadable when
+/// the folder cannot be read.
+std::vector<std::string> filesIn(const std::string& folder, const char* pattern);
 
 }  // namespace standin
