@@ -13,6 +13,7 @@ struct Hresult {
   uint32_t value;
   explicit Hresult(HRESULT result) : value(static_cast<uint32_t>(result)) {}
   explicit Hresult(uint32_t result) : value(result) {}
+  explicit Hresult(int result) : value(static_cast<uint32_t>(result)) {}
   bool operator==(const Hresult&) const = default;
 };
 

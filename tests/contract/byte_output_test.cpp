@@ -1,0 +1,148 @@
+// How every byte result is written, and when the engine gets its buffer back.
+#include "contract/calls.h"
+#include "support/malloc_spy.h"
+
+namespace {
+
+class ByteOutputTest : public ContractTest, public ::testing::WithParamInterface<ByteOutput> {
+ protected:
+  void SetUp() override {
+    ContractTest::SetUp();
+    objects_.emplace(openQuivo());
+    reply().output = {10, 0, 255};
+  }
+  void TearDown() override {
+    objects_.reset();
+    ContractTest::TearDown();
+  }
+  HRESULT run(bool vbs, Variant& output) { return GetParam().call(*objects_, vbs, output.out()); }
+  fake::Reply& reply() { return engine().on(GetParam().function); }
+  uintptr_t freed() { return engine().only("QUIVO_FreeMem").value(1); }
+
+ private:
+  std::optional<Objects> objects_;
+};
+
+TEST_P(ByteOutputTest, BytesAreAByteArray) {
+  Variant output;
+  EXPECT_OK(run(false, output));
+  EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
+}
+
+TEST_P(ByteOutputTest, BytesInVbsFormAreAnArrayOfByteVariants) {
+  Variant output;
+  EXPECT_OK(run(true, output));
+  if (GetParam().hasVbsForm) {
+    EXPECT_EQ((Bytes{10, 0, 255}), vbsBytesOf(output));
+  } else {
+    EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
+  }
+}
+
+TEST_P(ByteOutputTest, OutputBlobIsAbsentBeforeTheCall) {
+  Variant output;
+  EXPECT_OK(run(false, output));
+  const fake::Call& call = engine().only(GetParam().function);
+  bool foundBlob = false;
+  for (size_t i = 1; i < call.arguments.size(); ++i) {
+    const fake::Snapshot& target = call.argument(i).target;
+    foundBlob |= target.bytes.size() == 16 && target.allZero();
+  }
+  EXPECT_TRUE(foundBlob);
+}
+
+TEST_P(ByteOutputTest, BufferIsGivenBackOnce) {
+  Variant output;
+  EXPECT_OK(run(false, output));
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeMem"));
+  EXPECT_EQ(engine().handedOut(), engine().givenBack());
+}
+
+TEST_P(ByteOutputTest, BufferIsGivenBackBeforeTheVariantIsSet) {
+  Variant output = Variant::text(L"before");
+  VARTYPE during = 0;
+  engine().on("QUIVO_FreeMem").during = [&] { during = output.type(); };
+  EXPECT_OK(run(false, output));
+  EXPECT_EQ(VT_BSTR, during);
+  EXPECT_EQ(kByteArray, output.type());
+}
+
+TEST_P(ByteOutputTest, FormerContentsAreCleared) {
+  Variant output = Variant::text(L"before");
+  EXPECT_OK(run(false, output));
+  EXPECT_EQ(kByteArray, output.type());
+}
+
+TEST_P(ByteOutputTest, FormerArrayIsReplaced) {
+  Variant output = vbsBytes({1, 2, 3, 4});
+  EXPECT_OK(run(false, output));
+  EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
+}
+
+TEST_P(ByteOutputTest, NoBytesLeaveAnEmptyVariant) {
+  reply().output = {};
+  for (bool vbs : {false, true}) {
+    Variant output = Variant::text(L"before");
+    EXPECT_OK(run(vbs && GetParam().hasVbsForm, output));
+    EXPECT_EQ(VT_EMPTY, output.type());
+    if (GetParam().always || vbs) break;
+  }
+  EXPECT_EQ(0u, engine().count("QUIVO_FreeMem"));
+}
+
+TEST_P(ByteOutputTest, EngineFailureLeavesTheVariantAlone) {
+  if (GetParam().always) return;
+  reply().output = {};
+  reply().result = 0x1234;
+  Variant output = Variant::text(L"before");
+  EXPECT_HR(0xE0691234, run(false, output));
+  EXPECT_EQ(L"before", textOf(output));
+}
+
+TEST_P(ByteOutputTest, EngineResultOneIsNoSuccess) {
+  if (GetParam().always) return;
+  reply().output = {};
+  reply().result = 1;
+  Variant output = Variant::text(L"before");
+  EXPECT_HR(S_FALSE, run(false, output));
+  EXPECT_EQ(L"before", textOf(output));
+}
+
+TEST_P(ByteOutputTest, UpdatesAreWrittenWhateverTheEngineReports) {
+  if (!GetParam().always) return;
+  reply().result = 0x1234;
+  Variant output = Variant::text(L"before");
+  EXPECT_HR(0xE0691234, run(false, output));
+  EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
+}
+
+TEST_P(ByteOutputTest, ArrayThatCannotBeCreatedIsReportedAndTheBufferGivenBack) {
+  const bool verification = std::string(GetParam().function).find("Verify") != std::string::npos;
+  for (int succeeding = 0;; ++succeeding) {
+    Variant output = Variant::number(77);
+    reply().during = [&] { MallocSpy::get().failAllocation(succeeding); };
+    const HRESULT result = run(false, output);
+    const bool failed = MallocSpy::get().allocationFailed();
+    MallocSpy::get().failAllocation(-1);
+    reply().during = nullptr;
+    if (!failed) {
+      EXPECT_GE(succeeding, 1) << "an array needs allocations";
+      break;
+    }
+    EXPECT_HR(kOutOfMemory, result) << succeeding;
+    EXPECT_EQ(VT_I4, output.type()) << succeeding;
+    // Where the results could not be built, the message of a verification is not taken over.
+    if (verification) engine().releaseOutstanding();
+    EXPECT_EQ(std::vector<std::string>{}, engine().outstanding()) << succeeding;
+  }
+}
+
+TEST_P(ByteOutputTest, NullPointerIsRefusedBeforeTheEngineIsCalled) {
+  Objects objects(openQuivo());
+  EXPECT_HR(kInvalidArgument, GetParam().call(objects, false, nullptr));
+  EXPECT_EQ(std::vector<std::string>{}, engine().names());
+}
+
+INSTANTIATE_TEST_SUITE_P(Results, ByteOutputTest, ::testing::ValuesIn(kByteOutputs), nameOfRow<ByteOutput>);
+
+}  // namespace

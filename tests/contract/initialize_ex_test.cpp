@@ -1,0 +1,97 @@
+// Opening a session by a parameter object.
+#include "support/contract_test.h"
+#include "support/foreign_object.h"
+#include "support/type_library.h"
+
+namespace {
+
+using InitializeExTest = ContractTest;
+
+const fake::Call& openedBy(fake::FakeEngine& engine) { return engine.only("QUIVO_InitializeEx"); }
+
+TEST_F(InitializeExTest, LocalParametersAreKindOne) {
+  Ptr<ILocalParam> param = make<LocalParam>();
+  EXPECT_OK(param->put_pse(Bstr(L"container")));
+  EXPECT_OK(make<QUIVO>()->InitializeEx(param));
+  EXPECT_EQ(1, openedBy(engine()).number(0));
+  EXPECT_EQ("container", openedBy(engine()).record(1).text(16));
+  EXPECT_TRUE(openedBy(engine()).record(2).allZero());
+}
+
+TEST_F(InitializeExTest, RemoteParametersAreKindZero) {
+  Ptr<IRSrvParam> param = make<RSrvParam>();
+  EXPECT_OK(param->put_timeout(30));
+  EXPECT_OK(make<QUIVO>()->InitializeEx(param));
+  EXPECT_EQ(0, openedBy(engine()).number(0));
+  EXPECT_EQ(30, openedBy(engine()).record(1).i32(12));
+}
+
+TEST_F(InitializeExTest, RecordIsReadInPlace) {
+  Ptr<ILocalParam> param = make<LocalParam>();
+  EXPECT_OK(make<QUIVO>()->InitializeEx(param));
+  EXPECT_OK(make<QUIVO>()->InitializeEx(param));
+  const uint64_t first = engine().calls().at(0).value(1);
+  const auto object = reinterpret_cast<uint64_t>(static_cast<void*>(param.get()));
+  EXPECT_EQ(first, engine().calls().at(2).value(1));
+  EXPECT_GT(first, object);
+  EXPECT_LT(first, object + 64);
+}
+
+TEST_F(InitializeExTest, HandleIsStored) {
+  engine().on("QUIVO_InitializeEx").handle = reinterpret_cast<void*>(0x4444);
+  Ptr<IQUIVO> quivo = make<QUIVO>();
+  EXPECT_OK(quivo->InitializeEx(make<LocalParam>()));
+  EXPECT_OK(quivo->ShowCrl(Variant()));
+  EXPECT_EQ(0x4444u, engine().only("QUIVO_ShowCrl").value(0));
+}
+
+TEST_F(InitializeExTest, EveryOtherClassIsRefused) {
+  for (const ClassFacts& facts : kClasses) {
+    const std::wstring name = facts.name;
+    if (name == L"LocalParam" || name == L"RSrvParam") continue;
+    Ptr<IDispatch> param = makeUnknown(guidOf(facts.clsid), IID_IDispatch).as<IDispatch>();
+    EXPECT_HR(kInvalidArgument, make<QUIVO>()->InitializeEx(param)) << facts;
+  }
+  EXPECT_EQ(0u, engine().count("QUIVO_InitializeEx"));
+}
+
+TEST_F(InitializeExTest, NullObjectIsRefused) { EXPECT_HR(kInvalidArgument, make<QUIVO>()->InitializeEx(nullptr)); }
+
+TEST_F(InitializeExTest, ObjectWithoutTypeInformationGivesItsFailure) {
+  LookAlike param(nullptr, E_NOTIMPL);
+  EXPECT_HR(E_NOTIMPL, make<QUIVO>()->InitializeEx(&param));
+  EXPECT_EQ(1u, param.references());
+}
+
+TEST_F(InitializeExTest, FailureOfTheWin32FacilityIsRebased) {
+  LookAlike param(nullptr, static_cast<HRESULT>(0x80070005));
+  EXPECT_HR(0xE0690005, make<QUIVO>()->InitializeEx(&param));
+}
+
+TEST_F(InitializeExTest, ForeignObjectWithTheRightTypeInformationIsRefused) {
+  Ptr<ITypeInfo> info;
+  ASSERT_OK(make<LocalParam>()->GetTypeInfo(0, 0, info.out()));
+  LookAlike param(info);
+  EXPECT_HR(kInvalidArgument, make<QUIVO>()->InitializeEx(&param));
+  EXPECT_EQ(0u, engine().count("QUIVO_InitializeEx"));
+}
+
+TEST_F(InitializeExTest, ForeignObjectOfAnotherKindIsRefused) {
+  Ptr<ITypeInfo> info = typeNamed(moduleTypeLibrary(), "IQUIVO");
+  LookAlike param(info);
+  EXPECT_HR(kInvalidArgument, make<QUIVO>()->InitializeEx(&param));
+}
+
+TEST_F(InitializeExTest, NameThatCannotBeAllocatedIsReported) {
+  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<ILocalParam> param = make<LocalParam>();
+  Module::get().failAllocation(0);
+  const HRESULT result = quivo->InitializeEx(param);
+  if (Module::get().allocationFailed()) {
+    EXPECT_HR(kOutOfMemory, result);
+  } else {
+    EXPECT_OK(result);
+  }
+}
+
+}  // namespace

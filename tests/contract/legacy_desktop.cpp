@@ -1,0 +1,163 @@
+#include "contract/legacy_desktop.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <map>
+
+#include "support/module.h"
+
+namespace {
+
+LegacyDesktop* desktop = nullptr;
+
+uint8_t* base(HMODULE module) { return reinterpret_cast<uint8_t*>(module); }
+
+void** importSlot(HMODULE module, const char* function) {
+  const auto dos = reinterpret_cast<IMAGE_DOS_HEADER*>(module);
+  const auto headers = reinterpret_cast<IMAGE_NT_HEADERS*>(base(module) + dos->e_lfanew);
+  const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+  auto import = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base(module) + directory.VirtualAddress);
+  for (; import->Name != 0; ++import) {
+    auto name = reinterpret_cast<IMAGE_THUNK_DATA*>(base(module) + import->OriginalFirstThunk);
+    auto slot = reinterpret_cast<void**>(base(module) + import->FirstThunk);
+    for (; name->u1.AddressOfData != 0; ++name, ++slot) {
+      if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
+      const auto hint = reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base(module) + name->u1.AddressOfData);
+      if (std::strcmp(reinterpret_cast<const char*>(hint->Name), function) == 0) return slot;
+    }
+  }
+  ADD_FAILURE() << "the module does not import " << function;
+  return nullptr;
+}
+
+void write(void** slot, void* value) {
+  DWORD protection = 0;
+  VirtualProtect(slot, sizeof(void*), PAGE_READWRITE, &protection);
+  *slot = value;
+  VirtualProtect(slot, sizeof(void*), protection, &protection);
+}
+
+std::wstring wideOrEmpty(const char* text) { return text == nullptr ? L"" : wideOf(text); }
+WORD resourceNumber(const char* name) { return IS_INTRESOURCE(name) ? LOWORD(name) : 0; }
+
+// What stands in for the platform.
+
+int WINAPI showMessage(HWND owner, LPCSTR text, LPCSTR caption, UINT style) {
+  desktop->messages.push_back({wideOf(text), wideOf(caption), style, owner});
+  return desktop->messageAnswer;
+}
+
+HWND WINAPI foregroundWindow() { return desktop->foreground; }
+HWND WINAPI activeWindow() { return desktop->active; }
+__time64_t theTime(__time64_t*) { return desktop->now; }
+
+LSTATUS WINAPI setValue(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size) {
+  RegistryWrite write{key, wideOf(name), type, size, 0};
+  if (size == sizeof(DWORD)) std::memcpy(&write.value, data, sizeof(DWORD));
+  desktop->writes.push_back(write);
+  return RegSetValueExA(key, name, reserved, type, data, size);
+}
+
+PROPSHEETPAGEA createdPage;
+
+HPROPSHEETPAGE WINAPI createPage(const PROPSHEETPAGEA* page) {
+  createdPage = *page;
+  return reinterpret_cast<HPROPSHEETPAGE>(&createdPage);
+}
+
+INT_PTR WINAPI showSheet(const PROPSHEETHEADERA* header) {
+  EXPECT_EQ(reinterpret_cast<HPROPSHEETPAGE>(&createdPage), header->phpage[0]);
+  desktop->sheets.push_back({wideOf(header->pszCaption), header->dwFlags, header->hwndParent, header->nPages,
+                             header->pfnCallback != nullptr, resourceNumber(createdPage.pszTemplate),
+                             createdPage.dwFlags, createdPage.pfnCallback != nullptr});
+  if (desktop->duringSheet) desktop->duringSheet();
+  return desktop->sheetAnswer;
+}
+
+BOOL WINAPI askForFile(OPENFILENAMEA* dialog) {
+  const char* pattern = dialog->lpstrFilter + std::strlen(dialog->lpstrFilter) + 1;
+  desktop->saveDialogs.push_back({dialog->lStructSize, dialog->Flags, dialog->hwndOwner, wideOf(dialog->lpstrFilter),
+                                  wideOf(pattern), wideOf(dialog->lpstrFile), dialog->nMaxFile,
+                                  wideOrEmpty(dialog->lpstrInitialDir), resourceNumber(dialog->lpTemplateName),
+                                  dialog->lpfnHook != nullptr});
+  return desktop->saveAnswer(*dialog);
+}
+
+BOOL WINAPI execute(SHELLEXECUTEINFOA* request) {
+  desktop->executions.push_back(
+      {request->fMask, wideOrEmpty(request->lpVerb), wideOrEmpty(request->lpFile), request->nShow});
+  return FALSE;
+}
+
+template <class Function>
+FARPROC proc(Function* function) {
+  return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
+}
+
+FARPROC WINAPI findProc(HMODULE module, LPCSTR name) {
+  if (!IS_INTRESOURCE(name)) {
+    const std::string wanted = name;
+    if (wanted == "CreatePropertySheetPageA") return proc(createPage);
+    if (wanted == "PropertySheetA") return proc(showSheet);
+    if (wanted == "GetSaveFileNameA") return proc(askForFile);
+    if (wanted == "ShellExecuteExA") return proc(execute);
+  }
+  return GetProcAddress(module, name);
+}
+
+}  // namespace
+
+ImportPatch::ImportPatch(HMODULE module, const char* function, void* replacement)
+    : slot_(importSlot(module, function)), original_(slot_ == nullptr ? nullptr : *slot_) {
+  if (slot_ != nullptr) write(slot_, replacement);
+}
+
+ImportPatch::~ImportPatch() {
+  if (slot_ != nullptr) write(slot_, original_);
+}
+
+LegacyDesktop::LegacyDesktop() {
+  desktop = this;
+  const std::map<const char*, void*> replacements = {
+      {"MessageBoxA", reinterpret_cast<void*>(showMessage)},
+      {"GetForegroundWindow", reinterpret_cast<void*>(foregroundWindow)},
+      {"GetActiveWindow", reinterpret_cast<void*>(activeWindow)},
+      {"_time64", reinterpret_cast<void*>(theTime)},
+      {"RegSetValueExA", reinterpret_cast<void*>(setValue)},
+      {"GetProcAddress", reinterpret_cast<void*>(findProc)},
+  };
+  for (const auto& [function, replacement] : replacements)
+    patches_.push_back(new ImportPatch(Module::get().handle(), function, replacement));
+}
+
+LegacyDesktop::~LegacyDesktop() {
+  for (ImportPatch* patch : patches_) delete patch;
+  desktop = nullptr;
+}
+
+ShownMessage LegacyDesktop::onlyMessage() const {
+  EXPECT_EQ(1u, messages.size());
+  return messages.empty() ? ShownMessage{} : messages.front();
+}
+
+std::vector<std::wstring> LegacyDesktop::texts() const {
+  std::vector<std::wstring> all;
+  for (const ShownMessage& message : messages) all.push_back(message.text);
+  return all;
+}
+
+std::wstring wideOf(const char* text) {
+  std::wstring wide(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0)), L'\0');
+  MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), static_cast<int>(wide.size()));
+  wide.resize(wide.empty() ? 0 : wide.size() - 1);
+  return wide;
+}
+
+std::string ansiOf(const std::wstring& text) {
+  std::string ansi(static_cast<size_t>(WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, nullptr, 0, nullptr, nullptr)),
+                   '\0');
+  WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, ansi.data(), static_cast<int>(ansi.size()), nullptr, nullptr);
+  ansi.resize(ansi.empty() ? 0 : ansi.size() - 1);
+  return ansi;
+}

@@ -1,0 +1,127 @@
+// The name of the selected profile, read from a registry of this process alone.
+#include "support/contract_test.h"
+#include "support/registry.h"
+
+namespace {
+
+constexpr const wchar_t* kProfiles = L"SOFTWARE\\KORVENTA\\tavl\\Profiles";
+
+class ProfileNameTest : public ContractTest {
+ protected:
+  void profile(DWORD selected, const std::wstring& number, const wchar_t* name) {
+    writeDword(user_.key(), kProfiles, L"CurSel", selected);
+    writeText(user_.key(), std::wstring(kProfiles) + L"\\" + number, L"ProfileName", name);
+  }
+  HKEY user() { return user_.key(); }
+  /// Asks with the thread's last error as given.
+  HRESULT ask(Variant& name, DWORD lastError = 0) {
+    Ptr<IQUIVO> quivo = make<QUIVO>();
+    SetLastError(lastError);
+    return quivo->GetCurrentProfileNameVBS(name.out());
+  }
+
+ private:
+  PrivateRoot user_{HKEY_CURRENT_USER};
+};
+
+TEST_F(ProfileNameTest, NameOfTheSelectedProfileIsRead) {
+  profile(3, L"3", L"Рабочий");
+  writeText(user(), std::wstring(kProfiles) + L"\\0", L"ProfileName", L"another");
+  Variant name;
+  EXPECT_OK(ask(name));
+  EXPECT_EQ(L"Рабочий", textOf(name));
+}
+
+TEST_F(ProfileNameTest, NumberIsFormattedAsASignedDecimal) {
+  profile(0xFFFFFFFF, L"-1", L"minus");
+  Variant name;
+  EXPECT_OK(ask(name));
+  EXPECT_EQ(L"minus", textOf(name));
+}
+
+TEST_F(ProfileNameTest, NoSessionIsNeeded) {
+  profile(0, L"0", L"name");
+  Variant name;
+  EXPECT_OK(ask(name));
+  EXPECT_EQ(std::vector<std::string>{}, engine().names());
+}
+
+TEST_F(ProfileNameTest, VariantIsOverwrittenWithoutBeingCleared) {
+  profile(0, L"0", L"name");
+  Bstr kept(L"kept");
+  VARIANT name;
+  V_VT(&name) = VT_BSTR;
+  V_BSTR(&name) = kept;
+  SetLastError(0);
+  EXPECT_OK(make<QUIVO>()->GetCurrentProfileNameVBS(&name));
+  EXPECT_EQ(L"kept", kept.text());
+  VariantClear(&name);
+}
+
+TEST_F(ProfileNameTest, NullPointerIsRefusedAfterTheRead) {
+  profile(0, L"0", L"name");
+  Ptr<IQUIVO> quivo = make<QUIVO>();
+  SetLastError(0);
+  EXPECT_HR(kInvalidArgument, quivo->GetCurrentProfileNameVBS(nullptr));
+}
+
+TEST_F(ProfileNameTest, MissingKeyGivesTheLastErrorOfTheThread) {
+  Variant name = Variant::number(77);
+  EXPECT_HR(0x80070005u, ask(name, ERROR_ACCESS_DENIED));
+  EXPECT_EQ(VT_I4, name.type());
+}
+
+TEST_F(ProfileNameTest, MissingKeyWithoutALastErrorIsASuccessWithoutAName) {
+  Variant name = Variant::number(77);
+  EXPECT_OK(ask(name, 0));
+  EXPECT_EQ(VT_I4, name.type());
+}
+
+TEST_F(ProfileNameTest, MissingSelectionGivesTheLastError) {
+  writeKey(user(), kProfiles);
+  Variant name;
+  EXPECT_HR(0x80070005u, ask(name, ERROR_ACCESS_DENIED));
+  EXPECT_EQ(VT_EMPTY, name.type());
+}
+
+TEST_F(ProfileNameTest, MissingProfileGivesTheLastError) {
+  writeDword(user(), kProfiles, L"CurSel", 4);
+  Variant name;
+  EXPECT_HR(0x80070005u, ask(name, ERROR_ACCESS_DENIED));
+  EXPECT_EQ(VT_EMPTY, name.type());
+}
+
+TEST_F(ProfileNameTest, MissingNameGivesTheLastError) {
+  writeDword(user(), kProfiles, L"CurSel", 3);
+  writeKey(user(), std::wstring(kProfiles) + L"\\3");
+  Variant name;
+  EXPECT_HR(0x80070005u, ask(name, ERROR_ACCESS_DENIED));
+  EXPECT_EQ(VT_EMPTY, name.type());
+}
+
+TEST_F(ProfileNameTest, LastErrorFromBeforeFailsEvenASuccessfulRead) {
+  profile(0, L"0", L"name");
+  Variant name;
+  EXPECT_HR(0x80070005u, ask(name, ERROR_ACCESS_DENIED));
+  EXPECT_EQ(VT_EMPTY, name.type());
+}
+
+TEST_F(ProfileNameTest, LongestNameFits) {
+  const std::wstring longest(260, L'x');
+  profile(0, L"0", longest.c_str());
+  Variant name;
+  EXPECT_OK(ask(name));
+  EXPECT_EQ(longest, textOf(name));
+}
+
+TEST_F(ProfileNameTest, NameThatCannotBeAllocatedIsReported) {
+  profile(0, L"0", L"name");
+  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Variant name;
+  SetLastError(0);
+  Module::get().failAllocation(0);
+  EXPECT_HR(kOutOfMemory, quivo->GetCurrentProfileNameVBS(name.out()));
+  EXPECT_EQ(VT_EMPTY, name.type());
+}
+
+}  // namespace

@@ -1,0 +1,51 @@
+#include "support/foreign_object.h"
+
+#include <utility>
+
+namespace {
+
+constexpr int kSlots = 80;
+
+}  // namespace
+
+struct ForeignSlots {
+  static HRESULT STDMETHODCALLTYPE note(ForeignObject* self, int slot) {
+    self->called_.push_back(slot);
+    return E_UNEXPECTED;
+  }
+  template <int Slot>
+  static HRESULT STDMETHODCALLTYPE any(ForeignObject* self) {
+    return note(self, Slot);
+  }
+  static ULONG STDMETHODCALLTYPE addRef(ForeignObject* self) { return ++self->references_; }
+  static ULONG STDMETHODCALLTYPE release(ForeignObject* self) { return --self->references_; }
+
+  template <int... Slots>
+  static const void* const* table(std::integer_sequence<int, Slots...>) {
+    static const void* slots[] = {reinterpret_cast<const void*>(&any<Slots>)...};
+    slots[1] = reinterpret_cast<const void*>(&addRef);
+    slots[2] = reinterpret_cast<const void*>(&release);
+    return slots;
+  }
+};
+
+ForeignObject::ForeignObject() : table_(ForeignSlots::table(std::make_integer_sequence<int, kSlots>())) {}
+
+STDMETHODIMP LookAlike::QueryInterface(REFIID iid, void** object) {
+  const bool known = iid == IID_IUnknown || iid == IID_IDispatch;
+  *object = known ? this : nullptr;
+  if (known) AddRef();
+  return known ? S_OK : E_NOINTERFACE;
+}
+
+STDMETHODIMP LookAlike::GetTypeInfoCount(UINT* count) {
+  *count = info_ == nullptr ? 0 : 1;
+  return S_OK;
+}
+
+STDMETHODIMP LookAlike::GetTypeInfo(UINT, LCID, ITypeInfo** info) {
+  *info = info_;
+  if (info_ == nullptr) return failure_;
+  info_->AddRef();
+  return S_OK;
+}
