@@ -44,8 +44,8 @@ fake::Certificate SmallCertificate(int number) {
 template <class Class, class Interface>
 Ptr<Interface> Activate() {
   Ptr<Interface> made;
-  HRESULT hr = CoCreateInstance(__uuidof(Class), nullptr, CLSCTX_ALL, __uuidof(Interface),
-                                reinterpret_cast<void**>(made.out()));
+  HRESULT hr =
+      CoCreateInstance(__uuidof(Class), nullptr, CLSCTX_ALL, __uuidof(Interface), reinterpret_cast<void**>(made.out()));
   if (FAILED(hr)) {
     std::printf("activation failed: 0x%08lX\n", hr);
     std::exit(1);

@@ -1,0 +1,253 @@
+// One operation of the registered module on a large file, timed, with the memory that it took:
+//   large_files PROFILE OPERATION IN OUT [SECOND]
+// It prints the seconds of the calls and the MiB that the process grew above its size before them. SECOND is
+// the signature beside the data of verify-detached. The stream operations read IN in pieces of 64 KiB.
+#include <windows.h>
+
+#include <objbase.h>
+#include <psapi.h>
+#include <quivocom.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "support/ptr.h"
+
+namespace {
+
+constexpr ULONG kPiece = 64 * 1024;
+
+void Check(HRESULT hr, const char* what) {
+  if (hr == S_OK) return;
+  std::printf("%s: 0x%08lX\n", what, hr);
+  std::exit(1);
+}
+
+template <class Class, class Interface>
+Ptr<Interface> New() {
+  Ptr<Interface> made;
+  Check(
+      CoCreateInstance(__uuidof(Class), nullptr, CLSCTX_ALL, __uuidof(Interface), reinterpret_cast<void**>(made.out())),
+      "CoCreateInstance");
+  return made;
+}
+
+BSTR Text(const char* text) {
+  int size = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
+  BSTR made = SysAllocStringLen(nullptr, static_cast<UINT>(size - 1));
+  MultiByteToWideChar(CP_ACP, 0, text, -1, made, size);
+  return made;
+}
+
+double MemoryMiB(bool peak) {
+  PROCESS_MEMORY_COUNTERS counters{};
+  GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
+  return static_cast<double>(peak ? counters.PeakWorkingSetSize : counters.WorkingSetSize) / (1024 * 1024);
+}
+
+struct Job {
+  Ptr<IQUIVO> quivo;
+  BSTR in, out, second;
+  FILE* source;
+  FILE* target;
+};
+
+/// Calls `piece` with every piece of the source, as an array of bytes.
+void EachPiece(const Job& job, const std::function<void(VARIANT&)>& piece) {
+  std::vector<uint8_t> buffer(kPiece);
+  while (size_t read = std::fread(buffer.data(), 1, kPiece, job.source)) {
+    VARIANT bytes{};
+    V_VT(&bytes) = VT_ARRAY | VT_UI1;
+    V_ARRAY(&bytes) = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(read));
+    memcpy(V_ARRAY(&bytes)->pvData, buffer.data(), read);
+    piece(bytes);
+    VariantClear(&bytes);
+  }
+}
+
+/// Writes an output to the target and clears it.
+void Write(const Job& job, VARIANT& bytes) {
+  if (V_VT(&bytes) == (VT_ARRAY | VT_UI1))
+    std::fwrite(V_ARRAY(&bytes)->pvData, 1, V_ARRAY(&bytes)->rgsabound[0].cElements, job.target);
+  VariantClear(&bytes);
+}
+
+Ptr<ISignParam> Signing(int flags) {
+  auto param = New<SignParam, ISignParam>();
+  param->put_flag(static_cast<SignParamFlag_t>(Flag_Sign_Pkcs7 | Flag_Sign_SendSert | flags));
+  return param;
+}
+
+Ptr<IVerifyParam> Verification(int flags) {
+  auto param = New<VerifyParam, IVerifyParam>();
+  param->put_flag(static_cast<VerifyParamFlag_t>(Flag_Verify_Pkcs7 | flags));
+  return param;
+}
+
+/// Encryption to the own certificate, so that the same profile can decrypt.
+Ptr<IEncryptParam> Encryption(const Job& job) {
+  auto search = New<FindParam, IFindParam>();
+  search->put_flag(Flag_Find_My);
+  search->put_info(static_cast<Certinfo_t>(Field_All));
+  VARIANT found{};
+  Check(job.quivo->FindCert(search.get(), &found), "FindCert");
+  auto param = New<EncryptParam, IEncryptParam>();
+  param->put_flag(Flag_Encrypt_Pkcs7);
+  Check(param->put_Receivers(found), "Receivers");
+  VariantClear(&found);
+  return param;
+}
+
+Ptr<IDecryptParam> Decryption() {
+  auto param = New<DecryptParam, IDecryptParam>();
+  param->put_flag(Flag_Decrypt_Pkcs7);
+  return param;
+}
+
+void SignFile(const Job& job, int flags) {
+  Check(job.quivo->StrSignFile(Signing(flags).get(), job.in, nullptr, job.out), "StrSignFile");
+}
+
+void VerifyFile(const Job& job, BSTR data, BSTR signature, BSTR content, int flags) {
+  VARIANT results{};
+  Check(job.quivo->StrVerifyFile(Verification(flags).get(), data, signature, content, &results), "StrVerifyFile");
+  VariantClear(&results);
+}
+
+void DecryptFile(const Job& job) {
+  Ptr<ICertificate> sender;
+  Check(job.quivo->StrDecryptFile(Decryption().get(), job.in, job.out, sender.out()), "StrDecryptFile");
+}
+
+void HashFile(const Job& job) {
+  VARIANT hash{};
+  Check(job.quivo->HashFile(job.in, &hash), "HashFile");
+  Write(job, hash);
+}
+
+void StreamSign(const Job& job) {
+  auto param = Signing(Flag_Sign_Detached);
+  auto stream = New<StreamCtx, IStreamCtx>();
+  VARIANT none{}, signature{};
+  Check(job.quivo->StrSignInitMem(param.get(), none, stream.get()), "StrSignInitMem");
+  EachPiece(job, [&](VARIANT& piece) {
+    Check(job.quivo->StrSignUpdateMem(param.get(), stream.get(), piece), "StrSignUpdateMem");
+  });
+  Check(job.quivo->StrSignFinalMem(param.get(), stream.get(), &signature), "StrSignFinalMem");
+  Write(job, signature);
+}
+
+void StreamVerify(const Job& job) {
+  auto param = Verification(Flag_Verify_Detached);
+  auto stream = New<StreamCtx, IStreamCtx>();
+  FILE* file = _wfopen(job.second, L"rb");
+  std::vector<uint8_t> buffer(1 << 20);
+  size_t read = file ? std::fread(buffer.data(), 1, buffer.size(), file) : 0;
+  if (file) std::fclose(file);
+  VARIANT signature{}, content{}, results{};
+  V_VT(&signature) = VT_ARRAY | VT_UI1;
+  V_ARRAY(&signature) = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(read));
+  memcpy(V_ARRAY(&signature)->pvData, buffer.data(), read);
+  Check(job.quivo->StrVerifyInitMem(param.get(), signature, stream.get()), "StrVerifyInitMem");
+  VariantClear(&signature);
+  EachPiece(job, [&](VARIANT& piece) {
+    Check(job.quivo->StrVerifyUpdateMem(param.get(), stream.get(), piece), "StrVerifyUpdateMem");
+  });
+  Check(job.quivo->StrVerifyFinalMem(param.get(), stream.get(), &content, &results), "StrVerifyFinalMem");
+  VariantClear(&content);
+  VariantClear(&results);
+}
+
+void StreamEncrypt(const Job& job) {
+  auto param = Encryption(job);
+  auto stream = New<StreamCtx, IStreamCtx>();
+  VARIANT out{};
+  Check(job.quivo->StrEncryptInitMem(param.get(), stream.get()), "StrEncryptInitMem");
+  EachPiece(job, [&](VARIANT& piece) {
+    Check(job.quivo->StrEncryptUpdateMem(param.get(), stream.get(), piece, &out), "StrEncryptUpdateMem");
+    Write(job, out);
+  });
+  Check(job.quivo->StrEncryptFinalMem(param.get(), stream.get(), &out), "StrEncryptFinalMem");
+  Write(job, out);
+}
+
+void StreamDecrypt(const Job& job) {
+  auto param = Decryption();
+  auto stream = New<StreamCtx, IStreamCtx>();
+  bool begun = false;
+  EachPiece(job, [&](VARIANT& piece) {
+    VARIANT left{}, out{};
+    if (begun) {
+      Check(job.quivo->StrDecryptUpdateMem(param.get(), stream.get(), piece, &left, &out), "StrDecryptUpdateMem");
+      Write(job, out);
+    } else {
+      Check(job.quivo->StrDecryptInitMem(param.get(), piece, &left, stream.get()), "StrDecryptInitMem");
+      begun = true;
+    }
+  });
+  Ptr<ICertificate> sender;
+  Check(job.quivo->StrDecryptFinalMem(param.get(), stream.get(), sender.out()), "StrDecryptFinalMem");
+}
+
+void StreamHash(const Job& job) {
+  auto stream = New<StreamCtx, IStreamCtx>();
+  VARIANT hash{};
+  BSTR algorithm = Text("SHA-256");
+  Check(job.quivo->StrHashInitMem(algorithm, stream.get()), "StrHashInitMem");
+  SysFreeString(algorithm);
+  EachPiece(job, [&](VARIANT& piece) { Check(job.quivo->StrHashUpdateMem(stream.get(), piece), "StrHashUpdateMem"); });
+  Check(job.quivo->StrHashFinalMem(stream.get(), &hash), "StrHashFinalMem");
+  Write(job, hash);
+}
+
+const std::map<std::string, std::function<void(const Job&)>> kOperations = {
+    {"sign-attached", [](const Job& job) { SignFile(job, 0); }},
+    {"sign-detached", [](const Job& job) { SignFile(job, Flag_Sign_Detached); }},
+    {"verify-attached", [](const Job& job) { VerifyFile(job, nullptr, job.in, job.out, 0); }},
+    {"verify-detached", [](const Job& job) { VerifyFile(job, job.in, job.second, nullptr, Flag_Verify_Detached); }},
+    {"encrypt",
+     [](const Job& job) {
+       Check(job.quivo->StrEncryptFile(Encryption(job).get(), job.in, job.out), "StrEncryptFile");
+     }},
+    {"decrypt", DecryptFile},
+    {"hash", HashFile},
+    {"stream-sign", StreamSign},
+    {"stream-verify", StreamVerify},
+    {"stream-encrypt", StreamEncrypt},
+    {"stream-decrypt", StreamDecrypt},
+    {"stream-hash", StreamHash},
+};
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  if (count < 5 || !kOperations.count(arguments[2])) {
+    std::printf("usage: large_files PROFILE OPERATION IN OUT [SECOND]\n");
+    return 1;
+  }
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  std::string operation = arguments[2];
+  bool isStream = operation.rfind("stream-", 0) == 0;
+  Job job{New<QUIVO, IQUIVO>(),
+          Text(arguments[3]),
+          Text(arguments[4]),
+          count > 5 ? Text(arguments[5]) : nullptr,
+          isStream ? std::fopen(arguments[3], "rb") : nullptr,
+          isStream || operation == "hash" ? std::fopen(arguments[4], "wb") : nullptr};
+  BSTR profile = Text(arguments[1]);
+  Check(job.quivo->Initialize(profile, static_cast<Init_Flag_t>(Flag_Init_Nocrlupdate | Flag_Init_Noldap)),
+        "Initialize");
+  double before = MemoryMiB(false);
+  auto start = std::chrono::steady_clock::now();
+  kOperations.at(operation)(job);
+  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  std::printf("%.3f %.1f\n", seconds, MemoryMiB(true) - before);
+  job.quivo->Uninitialize();
+  std::fflush(nullptr);
+  return 0;
+}
