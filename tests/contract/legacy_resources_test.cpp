@@ -54,6 +54,7 @@ struct Template {
 constexpr const wchar_t* kButton = L"#128";
 constexpr const wchar_t* kEdit = L"#129";
 constexpr const wchar_t* kStatic = L"#130";
+constexpr const wchar_t* kNamedStatic = L"STATIC";
 // The resource compiler writes the names of classes in capitals; the platform reads them in any case.
 constexpr const wchar_t* kListView = L"SYSLISTVIEW32";
 
@@ -132,19 +133,19 @@ TEST(LegacyResources, TheResultsPageHasItsControls) {
             page.style & (WS_CHILD | WS_DISABLED | WS_CAPTION));
   EXPECT_EQ(0u, page.style & (WS_POPUP | WS_VISIBLE | WS_SYSMENU));
   const std::vector<Control> expected = {
-      {1023, kStatic, L"#1101", 7, 7, 20, 20},
+      {1023, kNamedStatic, L"#1101", 7, 7, 20, 20},
       {1024, kStatic, L"Сведения о защищенном сообщении", 45, 10, 170, 17},
-      {1029, kStatic, L"", 7, 32, 241, 1},
+      {1029, kNamedStatic, L"", 7, 32, 241, 1},
       {1025, kStatic, L"Результат расшифрования:", 7, 39, 94, 9},
       {1005, kEdit, L"", 103, 39, 145, 12},
-      {1021, kStatic, L"#1107", 7, 51, 20, 20},
+      {1021, kNamedStatic, L"#1107", 7, 51, 20, 20},
       {1026, kStatic, L"Зашифровал:", 36, 52, 46, 8},
       {1006, kEdit, L"", 103, 52, 145, 19},
       {1003, kButton, L"Показать сертификат...", 159, 74, 89, 14},
-      {1028, kStatic, L"", 7, 94, 241, 1},
+      {1028, kNamedStatic, L"", 7, 94, 241, 1},
       {1027, kStatic, L"Результат проверки ЭП:", 7, 102, 94, 9},
       {1007, kEdit, L"", 103, 102, 145, 12},
-      {1022, kStatic, L"#1108", 7, 118, 20, 20},
+      {1022, kNamedStatic, L"#1108", 7, 118, 20, 20},
       {201, kListView, L"", 37, 118, 211, 90},
       {1004, kButton, L"Показать сертификат...", 159, 214, 89, 14},
   };
