@@ -6,6 +6,7 @@
 #include "standin/codes.h"
 #include "standin/decryption.h"
 #include "standin/encryption.h"
+#include "standin/recipients.h"
 #include "standin/signing.h"
 #include "standin/win_file.h"
 
@@ -32,7 +33,7 @@ void signAndEncryptFile(Session& session, const SignParamRecord& sign, const Enc
                         const char* in, const char* out) {
   if (in == nullptr || out == nullptr) fail(kWinInvalidParameter);
   // Recipients that cannot be found are noticed before the file is signed.
-  const Envelope rehearsal(session, encrypt);
+  resolveRecipients(session, encrypt);
   const IntermediateFile signed_file(out);
   // Without its content the signed message would leave nothing to read for the recipients.
   SignParamRecord attached = sign;

@@ -47,6 +47,8 @@ void addFromMessage(ByteView der, FoundObjects& found) {
     return;
   }
   if (OBJ_obj2nid(CMS_get0_type(message.get())) != NID_pkcs7_signed) return;
+  // A message that somebody signed is a document, not a bundle.
+  if (sk_CMS_SignerInfo_num(CMS_get0_SignerInfos(message.get())) > 0) return;
   const CertStackPtr certificates(CMS_get1_certs(message.get()));
   for (int i = 0; certificates != nullptr && i < sk_X509_num(certificates.get()); ++i) {
     found.certificates.push_back(share(sk_X509_value(certificates.get(), i)));
@@ -58,19 +60,19 @@ void addFromMessage(ByteView der, FoundObjects& found) {
   sk_X509_CRL_free(crls);
 }
 
-void addFromDer(ByteView der, FoundObjects& found) {
+void addFromDer(ByteView der, bool bundles_too, FoundObjects& found) {
   if (CertPtr certificate = certificateFromDer(der)) {
     found.certificates.push_back(std::move(certificate));
   } else if (CrlPtr crl = crlFromDer(der)) {
     found.crls.push_back(std::move(crl));
   } else if (RequestPtr request = requestFromDer(der)) {
     found.requests.push_back(std::move(request));
-  } else {
+  } else if (bundles_too) {
     addFromMessage(der, found);
   }
 }
 
-void addFromPem(ByteView text, FoundObjects& found) {
+void addFromPem(ByteView text, bool bundles_too, FoundObjects& found) {
   const BioPtr source(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
   char* name = nullptr;
   char* header = nullptr;
@@ -81,9 +83,17 @@ void addFromPem(ByteView text, FoundObjects& found) {
     const TextPtr header_owner(header);
     const OctetsPtr data_owner(data);
     const bool is_secret = std::strstr(name, "PRIVATE KEY") != nullptr;
-    if (!is_secret) addFromDer({data, static_cast<size_t>(length)}, found);
+    if (!is_secret) addFromDer({data, static_cast<size_t>(length)}, bundles_too, found);
   }
   ERR_clear_error();
+}
+
+FoundObjects find(ByteView bytes, bool bundles_too) {
+  FoundObjects found;
+  if (bytes.empty() || bytes.size() > kLargestObject) return found;
+  if (bytes[0] == 0x30) addFromDer(bytes, bundles_too, found);
+  if (found.empty() && looksLikePem(bytes)) addFromPem(bytes, bundles_too, found);
+  return found;
 }
 
 }  // namespace
@@ -96,12 +106,7 @@ Bytes derOf(const X509* certificate) { return encode(certificate, i2d_X509); }
 Bytes derOf(const X509_CRL* crl) { return encode(crl, i2d_X509_CRL); }
 Bytes derOf(X509_REQ* request) { return encode(request, i2d_X509_REQ); }
 
-FoundObjects objectsIn(ByteView bytes) {
-  FoundObjects found;
-  if (bytes.empty() || bytes.size() > kLargestObject) return found;
-  if (bytes[0] == 0x30) addFromDer(bytes, found);
-  if (found.empty() && looksLikePem(bytes)) addFromPem(bytes, found);
-  return found;
-}
+FoundObjects objectsIn(ByteView bytes) { return find(bytes, false); }
+FoundObjects objectsInBundle(ByteView bytes) { return find(bytes, true); }
 
 }  // namespace standin

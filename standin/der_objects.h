@@ -20,8 +20,7 @@ Bytes derOf(const X509* certificate);
 Bytes derOf(const X509_CRL* crl);
 Bytes derOf(X509_REQ* request);
 
-/// Everything of these kinds found in a file's bytes: one DER object, the blocks of a PEM text, or the certificates and
-/// lists of a certificates-only PKCS#7 message.
+/// What was found in a file's bytes.
 struct FoundObjects {
   std::vector<CertPtr> certificates;
   std::vector<CrlPtr> crls;
@@ -29,6 +28,10 @@ struct FoundObjects {
 
   bool empty() const { return certificates.empty() && crls.empty() && requests.empty(); }
 };
+
+/// One DER object, or the blocks of a PEM text.
 FoundObjects objectsIn(ByteView bytes);
+/// The same, or what a signed message without signers carries, which is how a set of certificates travels.
+FoundObjects objectsInBundle(ByteView bytes);
 
 }  // namespace standin

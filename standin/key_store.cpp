@@ -54,8 +54,11 @@ void KeyStore::open(const std::string& path) {
 
 void KeyStore::openFolder(const std::string& folder) {
   for (const std::string& name : filesIn(folder, "*.key")) {
-    const Bytes sealed = readKeyFile(joinPath(folder, name));
-    if (KeyPtr key = readSealedKey(sealed, pin_)) keys_.push_back(std::move(key));
+    try {
+      if (KeyPtr key = readSealedKey(readKeyFile(joinPath(folder, name)), pin_)) keys_.push_back(std::move(key));
+    } catch (const EngineError&) {
+      // The folder is shared: what is unreadable here need not be ours.
+    }
   }
 }
 

@@ -118,7 +118,7 @@ Bytes exportObjects(Session& session, const SignParamRecord& param) {
 
 void importObjects(Session& session, const SignParamRecord& param, ByteView bytes) {
   requireOwn(session, param.mycert);
-  const FoundObjects found = wantedObjects(objectsIn(bytes), param.flag);
+  const FoundObjects found = wantedObjects(objectsInBundle(bytes), param.flag);
   if ((param.flag & kImportMyCertificate) != 0) {
     for (const CertPtr& certificate : found.certificates) {
       if (!session.keys.hasKeyOf(certificate.get())) fail(kKeyDoesNotMatch);

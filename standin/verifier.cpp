@@ -5,6 +5,7 @@
 
 #include "standin/cert_extensions.h"
 #include "standin/codes.h"
+#include "standin/oids.h"
 #include "standin/times.h"
 
 namespace standin {
@@ -64,6 +65,42 @@ bool statesContentTypeOf(CMS_ContentInfo* message, const CMS_SignerInfo* signer)
   return stated != nullptr && OBJ_cmp(stated, CMS_get0_eContentType(message)) == 0;
 }
 
+/// The algorithm that a signature names must be one of its signer's key; libcrypto goes by the key alone.
+bool namesAlgorithmOf(CMS_SignerInfo* signer) {
+  EVP_PKEY* key = nullptr;
+  X509_ALGOR* digest = nullptr;
+  X509_ALGOR* signature = nullptr;
+  CMS_SignerInfo_get0_algs(signer, &key, nullptr, &digest, &signature);
+  const ASN1_OBJECT* object = nullptr;
+  int parameters = V_ASN1_UNDEF;
+  X509_ALGOR_get0(&object, &parameters, nullptr, signature);
+  const int stated = OBJ_obj2nid(object);
+  const int key_type = EVP_PKEY_get_base_id(key);
+  if (stated == NID_rsassaPss) return key_type == EVP_PKEY_RSA || key_type == EVP_PKEY_RSA_PSS;
+  if (parameters != V_ASN1_UNDEF && parameters != V_ASN1_NULL) return false;
+  if (stated == key_type) return true;
+  int of_digest = NID_undef;
+  int of_key = NID_undef;
+  if (OBJ_find_sigid_algs(stated, &of_digest, &of_key) != 1 || of_key != key_type) return false;
+  return of_digest == NID_undef || of_digest == EVP_MD_get_type(digestOf(digest));
+}
+
+/// Each part states a version that follows from what is in it; any other is none that anybody wrote.
+bool hasPlausibleVersions(const SignedParts& parts) {
+  const bool is_data =
+      std::equal(parts.content_type.begin(), parts.content_type.end(), kOidData.begin(), kOidData.end());
+  int highest = is_data ? 1 : 3;
+  for (const Bytes& signer : parts.signers) {
+    const std::vector<ByteView> members = ber::childrenOf(signer);
+    if (members.size() < 2) return false;
+    const uint8_t version = members[1][0] == ber::kContext0 ? 3 : 1;
+    const uint8_t element[] = {ber::kInteger, 1, version};
+    if (!std::equal(members[0].begin(), members[0].end(), element, element + sizeof element)) return false;
+    highest = std::max<int>(highest, version);
+  }
+  return parts.version >= 1 && parts.version <= highest;
+}
+
 bool contains(const std::vector<std::string>& list, const char* wanted, const char* any) {
   return std::any_of(list.begin(), list.end(),
                      [&](const std::string& one) { return one == any || (wanted != nullptr && one == wanted); });
@@ -118,6 +155,8 @@ void Verifier::finish(const VerifyParamRecord& param) {
   if (parts_.signers.size() > kMostSigners || parts_.certificates.size() > kMostCertificates) fail(kTooLarge);
   const CmsPtr message = messageFromDer(parts_.withoutContent());
 
+  if (!hasPlausibleVersions(parts_)) fail(kMessageDamaged);
+
   const bool use_attached = (param_->flag & kVerifyNoAttachedCertificates) == 0;
   const CertStackPtr attached(use_attached ? CMS_get1_certs(message.get()) : nullptr);
   const CertViewPtr known(sk_X509_new_null());
@@ -158,6 +197,7 @@ SignerVerdict Verifier::judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, 
 }
 
 bool Verifier::isGenuine(CMS_ContentInfo* message, CMS_SignerInfo* signer) {
+  if (!namesAlgorithmOf(signer)) return false;
   const bool has_attributes = CMS_signed_get_attr_count(signer) >= 0;
   if (has_attributes && (!statesContentTypeOf(message, signer) || CMS_SignerInfo_verify(signer) != 1)) return false;
   return CMS_SignerInfo_verify_content(signer, digests_.get()) == 1;

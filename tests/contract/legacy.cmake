@@ -1,0 +1,18 @@
+# The legacy object and the file-open entry, in a program of their own. What they decide without a window is tested
+# by itself too: those parts are linked a second time.
+add_library(legacy_units STATIC $<TARGET_OBJECTS:legacy>)
+target_include_directories(legacy_units PUBLIC ${PROJECT_SOURCE_DIR}/src)
+
+add_executable(legacy_tests
+  legacy_desktop.cpp
+  legacy_file_open_plan_test.cpp
+  legacy_file_open_test.cpp
+  legacy_file_operations_test.cpp
+  legacy_recipients_test.cpp
+  legacy_resources_test.cpp
+  legacy_results_model_test.cpp
+  legacy_session_test.cpp)
+target_link_libraries(legacy_tests PRIVATE contract_support legacy_units)
+set_target_properties(legacy_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${contract_dir})
+add_dependencies(legacy_tests tavlcom_contract)
+tavl_test_suites(legacy_tests contract ENVIRONMENT oanocache=1)

@@ -1,0 +1,256 @@
+// The fixture.
+#include "engine_test.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <ostream>
+
+void PrintTo(const EngineCode& code, std::ostream* out) {
+  char text[512];
+  std::snprintf(text, sizeof text, "0x%X", static_cast<unsigned>(code.value));
+  *out << text;
+}
+
+namespace {
+
+std::string folderFrom(const char* variable) {
+  const char* value = std::getenv(variable);
+  if (value == nullptr) {
+    ADD_FAILURE() << variable << " is not set";
+    return {};
+  }
+  std::string path = value;
+  std::replace(path.begin(), path.end(), '/', '\\');
+  return path[0] == '\\' ? "Z:" + path : path;
+}
+
+}  // namespace
+
+DataBlob_t blobOf(const Bytes& bytes) {
+  static uint8_t none;
+  return {static_cast<uint32_t>(bytes.size()), bytes.empty() ? &none : const_cast<uint8_t*>(bytes.data())};
+}
+
+Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
+
+std::string materialPath(const std::string& name) {
+  std::string path = folderFrom("TAVL_STANDIN_MATERIAL") + "\\" + name;
+  std::replace(path.begin(), path.end(), '/', '\\');
+  return path;
+}
+
+Bytes material(const std::string& name) {
+  Bytes bytes = readFile(materialPath(name));
+  EXPECT_FALSE(bytes.empty()) << name;
+  return bytes;
+}
+
+std::string scratchPath(const std::string& name) {
+  const std::string root = folderFrom("TAVL_STANDIN_SCRATCH");
+  CreateDirectoryA(root.c_str(), nullptr);
+  const std::string folder = root + "\\" + std::to_string(GetCurrentProcessId());
+  CreateDirectoryA(folder.c_str(), nullptr);
+  return folder + "\\" + name;
+}
+
+Bytes readFile(const std::string& path) {
+  Bytes bytes;
+  FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) return bytes;
+  uint8_t piece[65536];
+  for (size_t count; (count = std::fread(piece, 1, sizeof piece, file)) != 0;) {
+    bytes.insert(bytes.end(), piece, piece + count);
+  }
+  std::fclose(file);
+  return bytes;
+}
+
+void writeFile(const std::string& path, const Bytes& bytes) {
+  FILE* file = std::fopen(path.c_str(), "wb");
+  ASSERT_NE(nullptr, file) << path;
+  ASSERT_EQ(bytes.size(), std::fwrite(bytes.data(), 1, bytes.size(), file));
+  std::fclose(file);
+}
+
+bool fileExists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+
+std::string copyOfStore(const std::string& store, const std::string& name) {
+  const std::string source = materialPath(store);
+  const std::string target = scratchPath(name);
+  CreateDirectoryA(target.c_str(), nullptr);
+  WIN32_FIND_DATAA entry;
+  const HANDLE search = FindFirstFileA((source + "\\*").c_str(), &entry);
+  do {
+    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
+    const std::string leaf = std::string("\\") + entry.cFileName;
+    CopyFileA((source + leaf).c_str(), (target + leaf).c_str(), FALSE);
+  } while (FindNextFileA(search, &entry));
+  FindClose(search);
+  return target;
+}
+
+EngineTest::~EngineTest() {
+  for (EngineSession session : sessions_) EXPECT_CODE(0, QUIVO_Uninitialize(session));
+}
+
+EngineSession EngineTest::open(const std::string& person, const std::string& store) {
+  return openIn(person, materialPath(store));
+}
+
+EngineSession EngineTest::openIn(const std::string& person, const std::string& folder) {
+  EngineSession session = nullptr;
+  const std::string keys = person.empty() ? std::string() : materialPath(person + ".p12");
+  EXPECT_CODE(0, tryOpen(keys, "12345678", folder, session));
+  return session;
+}
+
+int32_t EngineTest::tryOpen(const std::string& key_file, const std::string& pin, const std::string& folder,
+                            EngineSession& session, uint32_t flags) {
+  std::string keys = key_file;
+  std::string secret = pin;
+  std::string store = folder;
+  LocalParamRecord param{};
+  param.size = sizeof param;
+  param.flag = flags;
+  param.pse = keys.empty() ? nullptr : keys.data();
+  param.pincode = secret.data();
+  param.localstore = store.empty() ? nullptr : store.data();
+  const int32_t code = QUIVO_InitializeEx(kEngineLocalParam, &param, &session);
+  if (code == 0) sessions_.push_back(session);
+  return code;
+}
+
+EngineSession EngineTest::openMinimal() {
+  EngineSession session = nullptr;
+  EXPECT_CODE(0, QUIVO_InitMinimal(&session));
+  sessions_.push_back(session);
+  return session;
+}
+
+void EngineTest::close(EngineSession session) {
+  sessions_.erase(std::find(sessions_.begin(), sessions_.end(), session));
+  EXPECT_CODE(0, QUIVO_Uninitialize(session));
+}
+
+Bytes EngineTest::take(EngineSession session, DataBlob_t& blob) {
+  Bytes bytes;
+  if (blob.data != nullptr) {
+    bytes.assign(blob.data, blob.data + blob.len);
+    EXPECT_CODE(0, QUIVO_FreeMem(session, blob.data));
+  }
+  blob = {};
+  return bytes;
+}
+
+int32_t EngineTest::trySign(EngineSession session, uint32_t flags, const Bytes* data, const Bytes* existing, Bytes& out,
+                            const CertIdRecord* own) {
+  const SignParamRecord param{flags, own};
+  const DataBlob_t none{};
+  const DataBlob_t data_blob = data == nullptr ? none : blobOf(*data);
+  const DataBlob_t existing_blob = existing == nullptr ? none : blobOf(*existing);
+  DataBlob_t result{};
+  const int32_t code = QUIVO_SignMem(session, &param, &data_blob, &existing_blob, &result);
+  out = take(session, result);
+  return code;
+}
+
+Bytes EngineTest::sign(EngineSession session, uint32_t flags, const Bytes& data) {
+  Bytes out;
+  EXPECT_CODE(0, trySign(session, flags, &data, nullptr, out));
+  return out;
+}
+
+Bytes EngineTest::addSignature(EngineSession session, uint32_t flags, const Bytes* data, const Bytes& existing) {
+  Bytes out;
+  EXPECT_CODE(0, trySign(session, flags, data, &existing, out));
+  return out;
+}
+
+namespace {
+
+constexpr uint32_t kFieldSubject = 4;
+
+std::vector<Verdict> verdictsOf(const VerifyResultRecord& result) {
+  std::vector<Verdict> verdicts;
+  for (int32_t i = 0; i < result.count; ++i) {
+    const SignStatusEntry& entry = result.entries[i];
+    const bool named = entry.cert != nullptr && entry.cert->subject != nullptr;
+    verdicts.push_back({entry.status, entry.time, named ? entry.cert->subject : ""});
+  }
+  return verdicts;
+}
+
+}  // namespace
+
+Verified EngineTest::verify(EngineSession session, const Bytes& message, const Bytes* data, VerifyParamRecord param) {
+  param.info |= kFieldSubject;
+  const DataBlob_t message_blob = blobOf(message);
+  const DataBlob_t data_blob = data == nullptr ? DataBlob_t{} : blobOf(*data);
+  DataBlob_t out{};
+  VerifyResultRecord result{};
+  Verified verified{};
+  verified.code = QUIVO_VerifyMem(session, &param, &data_blob, &message_blob, &out, &result);
+  verified.verdicts = verdictsOf(result);
+  verified.out = take(session, out);
+  EXPECT_CODE(0, QUIVO_FreeVerifyResult(session, &result));
+  return verified;
+}
+
+Verified EngineTest::verifyFile(EngineSession session, const std::string& message, const std::string& out,
+                                VerifyParamRecord param, const char* data) {
+  param.info |= kFieldSubject;
+  VerifyResultRecord result{};
+  Verified verified{};
+  const char* target = out.empty() ? nullptr : out.c_str();
+  verified.code = QUIVO_VerifyFile(session, &param, data, message.c_str(), target, &result);
+  verified.verdicts = verdictsOf(result);
+  if (!out.empty()) verified.out = readFile(out);
+  EXPECT_CODE(0, QUIVO_FreeVerifyResult(session, &result));
+  return verified;
+}
+
+Receivers::Receivers(const std::vector<std::string>& people) {
+  for (const std::string& person : people) encoded_.push_back(material(person + ".cer"));
+  for (const Bytes& encoded : encoded_) {
+    records_.push_back({});
+    records_.back().certEncoded = blobOf(encoded);
+  }
+}
+
+EncryptParamRecord Receivers::param(uint32_t flags) {
+  return {flags, nullptr, static_cast<int32_t>(records_.size()), records_.data()};
+}
+
+int32_t EngineTest::tryEncrypt(EngineSession session, uint32_t flags, const Bytes& data,
+                               const std::vector<std::string>& people, Bytes& out) {
+  Receivers receivers(people);
+  const EncryptParamRecord param = receivers.param(flags);
+  const DataBlob_t in = blobOf(data);
+  DataBlob_t result{};
+  const int32_t code = QUIVO_EncryptMem(session, &param, &in, &result);
+  out = take(session, result);
+  return code;
+}
+
+Bytes EngineTest::encrypt(EngineSession session, const Bytes& data, const std::vector<std::string>& people) {
+  Bytes out;
+  EXPECT_CODE(0, tryEncrypt(session, 0, data, people, out));
+  return out;
+}
+
+Decrypted EngineTest::decrypt(EngineSession session, const Bytes& message, const CertIdRecord* own) {
+  const DecryptParamRecord param{1, own, kFieldSubject};
+  const DataBlob_t in = blobOf(message);
+  DataBlob_t out{};
+  DecryptResultRecord result{};
+  Decrypted decrypted{};
+  decrypted.code = QUIVO_DecryptMem(session, &param, &in, &out, &result);
+  decrypted.status = result.status;
+  if (result.cert.subject != nullptr) decrypted.sender = result.cert.subject;
+  decrypted.out = take(session, out);
+  EXPECT_CODE(0, QUIVO_FreeDecryptResult(session, &result));
+  return decrypted;
+}

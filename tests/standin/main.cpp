@@ -1,0 +1,21 @@
+// Checks the code page, on which texts depend, and removes the files of this process in the end.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+
+#include "engine_test.h"
+
+int main(int count, char** arguments) {
+  ::testing::InitGoogleTest(&count, arguments);
+  if (GetACP() != 1251) {
+    std::fprintf(stderr, "the ANSI code page is %u; these tests need 1251 (tools/wine sets it)\n", GetACP());
+    return 1;
+  }
+  const int result = RUN_ALL_TESTS();
+  std::error_code ignored;
+  std::filesystem::remove_all(std::filesystem::path(scratchPath("")).parent_path(), ignored);
+  return result;
+}

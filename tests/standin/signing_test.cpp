@@ -1,0 +1,166 @@
+// Signing: forms, signers, what is sent along, what is refused.
+#include "engine_test.h"
+
+using namespace standin;
+
+namespace {
+
+class Signing : public EngineTest {
+ protected:
+  const Bytes data_ = bytesOf("some text to sign");
+};
+
+/// An identifier by key, of the first own certificate of a session.
+CertIdRecord byHash(const Bytes& hash) {
+  CertIdRecord id{};
+  id.type = 2;
+  id.certHash = blobOf(hash);
+  return id;
+}
+
+}  // namespace
+
+TEST_F(Signing, AttachedMessageGivesItsContentBack) {
+  const Verified verified = verify(open("alice"), sign(open("alice"), kSendCertificate, data_));
+  EXPECT_CODE(0, verified.code);
+  EXPECT_EQ(data_, verified.out);
+}
+
+TEST_F(Signing, DetachedSignatureNeedsTheData) {
+  const EngineSession session = open("alice");
+  const Bytes signature = sign(session, kSendCertificate | kDetached, data_);
+  EXPECT_CODE(0, verify(session, signature, &data_).code);
+  EXPECT_CODE(kContentMissing, verify(session, signature).code);
+  const Bytes other = bytesOf("some text to sigh");
+  EXPECT_CODE(kBadSignature, verify(session, signature, &other).code);
+}
+
+TEST_F(Signing, NoBytesCanBeSigned) {
+  const EngineSession session = open("alice");
+  const Bytes message = sign(session, kSendCertificate, {});
+  EXPECT_CODE(0, verify(session, message).code);
+  const Bytes nothing;
+  EXPECT_CODE(0, verify(session, sign(session, kDetached, {}), &nothing).code);
+}
+
+TEST_F(Signing, CertificateIsSentAlongOnlyWhenAsked) {
+  const EngineSession alice = open("alice");
+  const EngineSession stranger = open("bob", "roots");
+  EXPECT_CODE(0, verify(stranger, sign(alice, kSendCertificate, data_)).code);
+  const Verified without = verify(stranger, sign(alice, 0, data_));
+  EXPECT_CODE(kSignerUnknown, without.code);
+  ASSERT_EQ(1u, without.verdicts.size());
+  EXPECT_EQ("", without.verdicts[0].subject);
+  EXPECT_CODE(0, verify(open("bob"), sign(alice, 0, data_)).code);
+}
+
+TEST_F(Signing, SecondSignerIsAddedToADetachedSignature) {
+  const Bytes first = sign(open("alice"), kSendCertificate | kDetached, data_);
+  const Bytes both = addSignature(open("bob"), kSendCertificate | kDetached, &data_, first);
+  const Verified verified = verify(open("carol"), both, &data_);
+  EXPECT_CODE(0, verified.code);
+  EXPECT_EQ(2u, verified.verdicts.size());
+}
+
+TEST_F(Signing, SecondSignerNeedsNoDataWhenTheMessageHasIt) {
+  const Bytes first = sign(open("alice"), kSendCertificate, data_);
+  const Bytes both = addSignature(open("bob"), kSendCertificate, nullptr, first);
+  const Verified verified = verify(open("carol"), both);
+  EXPECT_CODE(0, verified.code);
+  EXPECT_EQ(2u, verified.verdicts.size());
+  EXPECT_EQ(data_, verified.out);
+}
+
+TEST_F(Signing, SecondSignerMayTakeTheContentOut) {
+  const Bytes first = sign(open("alice"), kSendCertificate, data_);
+  const Bytes both = addSignature(open("bob"), kSendCertificate | kDetached, nullptr, first);
+  EXPECT_CODE(kContentMissing, verify(open("carol"), both).code);
+  EXPECT_EQ(2u, verify(open("carol"), both, &data_).verdicts.size());
+}
+
+TEST_F(Signing, OtherDataThanTheExistingSignatureCoversIsRefused) {
+  const EngineSession session = open("alice");
+  const Bytes other = bytesOf("something else");
+  Bytes out;
+  const Bytes attached = sign(session, kSendCertificate, data_);
+  EXPECT_CODE(kContentMismatch, trySign(session, kSendCertificate, &other, &attached, out));
+  const Bytes detached = sign(session, kSendCertificate | kDetached, data_);
+  EXPECT_CODE(kContentMismatch, trySign(session, kSendCertificate | kDetached, &other, &detached, out));
+  EXPECT_CODE(kContentMissing, trySign(session, kSendCertificate | kDetached, nullptr, &detached, out));
+}
+
+TEST_F(Signing, SignerIsChosenByIdentifier) {
+  const EngineSession session = open("alice");
+  Bytes out;
+  const Bytes wrong_hash(20, 1);
+  const CertIdRecord wrong = byHash(wrong_hash);
+  EXPECT_CODE(kOwnCertificateNotFound, trySign(session, 0, &data_, nullptr, out, &wrong));
+  CertIdRecord incomplete{};
+  incomplete.type = 1;
+  EXPECT_CODE(kWinInvalidParameter, trySign(session, 0, &data_, nullptr, out, &incomplete));
+  CertIdRecord not_chosen{};
+  not_chosen.type = -1;
+  EXPECT_CODE(0, trySign(session, 0, &data_, nullptr, out, &not_chosen));
+
+  const Bytes encoded = material("alice.cer");
+  const DataBlob_t blob = blobOf(encoded);
+  CertificateRecord record{};
+  ASSERT_CODE(0, QUIVO_ParseCert(session, &blob, 0x7FFFF, &record));
+  CertIdRecord by_issuer{};
+  by_issuer.type = 0;
+  by_issuer.issuerAndSerial = {record.issuer, record.serialNumber};
+  EXPECT_CODE(0, trySign(session, 0, &data_, nullptr, out, &by_issuer));
+  CertIdRecord by_key{};
+  by_key.type = 1;
+  by_key.keyId = record.keyId;
+  EXPECT_CODE(0, trySign(session, 0, &data_, nullptr, out, &by_key));
+  CertIdRecord by_hash{};
+  by_hash.type = 2;
+  by_hash.certHash = record.certHash;
+  EXPECT_CODE(0, trySign(session, 0, &data_, nullptr, out, &by_hash));
+  EXPECT_CODE(0, QUIVO_FreeCert(session, &record));
+}
+
+TEST_F(Signing, FilesAreSignedLikeMemory) {
+  const EngineSession session = open("alice");
+  const std::string data = scratchPath("data");
+  const std::string attached = scratchPath("attached");
+  const std::string detached = scratchPath("detached");
+  const std::string both = scratchPath("both");
+  writeFile(data, data_);
+  const SignParamRecord with_content{kSendCertificate, nullptr};
+  const SignParamRecord without{kSendCertificate | kDetached, nullptr};
+  EXPECT_CODE(0, QUIVO_SignFile(session, &with_content, data.c_str(), nullptr, attached.c_str()));
+  EXPECT_CODE(0, QUIVO_StrSignFile(session, &without, data.c_str(), nullptr, detached.c_str()));
+  EXPECT_CODE(0, verify(session, readFile(attached)).code);
+  EXPECT_CODE(0, verify(session, readFile(detached), &data_).code);
+  EXPECT_CODE(0, QUIVO_SignFile(open("bob"), &with_content, nullptr, attached.c_str(), both.c_str()));
+  EXPECT_EQ(2u, verify(session, readFile(both)).verdicts.size());
+  EXPECT_CODE(0, QUIVO_SignFile(open("bob"), &without, data.c_str(), detached.c_str(), both.c_str()));
+  EXPECT_EQ(2u, verify(session, readFile(both), &data_).verdicts.size());
+}
+
+TEST_F(Signing, FileMayBeReplacedByItsSignedForm) {
+  const EngineSession session = open("alice");
+  const std::string path = scratchPath("in place");
+  writeFile(path, data_);
+  const SignParamRecord param{kSendCertificate, nullptr};
+  EXPECT_CODE(0, QUIVO_SignFile(session, &param, path.c_str(), nullptr, path.c_str()));
+  EXPECT_EQ(data_, verify(session, readFile(path)).out);
+}
+
+TEST_F(Signing, FilesThatCannotBeUsedHaveTheSystemsCodes) {
+  const EngineSession session = open("alice");
+  const std::string data = scratchPath("data");
+  writeFile(data, data_);
+  const SignParamRecord param{kSendCertificate, nullptr};
+  const auto sign_file = [&](const char* in, const char* out) {
+    return QUIVO_SignFile(session, &param, in, nullptr, out);
+  };
+  EXPECT_CODE(2, sign_file(scratchPath("missing").c_str(), scratchPath("out").c_str()));
+  EXPECT_CODE(3, sign_file(data.c_str(), scratchPath("no folder\\out").c_str()));
+  EXPECT_CODE(5, sign_file(data.c_str(), scratchPath("").c_str()));
+  EXPECT_CODE(kWinInvalidParameter, sign_file(data.c_str(), nullptr));
+  EXPECT_CODE(kContentMissing, sign_file(nullptr, scratchPath("out").c_str()));
+  EXPECT_FALSE(fileExists(scratchPath("out")));
+}

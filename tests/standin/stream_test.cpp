@@ -1,0 +1,246 @@
+// Streams: the same results as in one piece, whatever the pieces; order and ownership of streams.
+#include <algorithm>
+#include <functional>
+
+#include "engine_test.h"
+
+using namespace standin;
+
+namespace {
+
+class Streams : public EngineTest {
+ protected:
+  void SetUp() override {
+    for (int i = 0; i < 5000; ++i) data_.push_back(static_cast<uint8_t>(i * 7));
+  }
+
+  /// Hands the bytes over in pieces of that size.
+  static void inPieces(const Bytes& bytes, size_t size, const std::function<void(const DataBlob_t&)>& take_piece) {
+    for (size_t start = 0; start < bytes.size(); start += size) {
+      const size_t count = std::min(size, bytes.size() - start);
+      take_piece({static_cast<uint32_t>(count), const_cast<uint8_t*>(bytes.data()) + start});
+    }
+  }
+
+  Bytes signInPieces(EngineSession session, uint32_t flags, const Bytes* existing, const Bytes& data, size_t size) {
+    const SignParamRecord param{flags, nullptr};
+    const DataBlob_t start = existing == nullptr ? DataBlob_t{} : blobOf(*existing);
+    EngineStream stream = nullptr;
+    EXPECT_CODE(0, QUIVO_StrSignInitMem(session, &param, &start, &stream));
+    inPieces(data, size, [&](const DataBlob_t& piece) {
+      EXPECT_CODE(0, QUIVO_StrSignUpdateMem(session, &param, &stream, &piece));
+    });
+    DataBlob_t out{};
+    EXPECT_CODE(0, QUIVO_StrSignFinalMem(session, &param, &stream, &out));
+    EXPECT_EQ(nullptr, stream);
+    return take(session, out);
+  }
+
+  Verified verifyInPieces(EngineSession session, const Bytes& start, const Bytes& rest, size_t size) {
+    const VerifyParamRecord param{};
+    const DataBlob_t start_blob = start.empty() ? DataBlob_t{} : blobOf(start);
+    EngineStream stream = nullptr;
+    EXPECT_CODE(0, QUIVO_StrVerifyInitMem(session, &param, &start_blob, &stream));
+    inPieces(rest, size, [&](const DataBlob_t& piece) {
+      EXPECT_CODE(0, QUIVO_StrVerifyUpdateMem(session, &param, &stream, &piece));
+    });
+    Verified verified{};
+    DataBlob_t out{};
+    VerifyResultRecord result{};
+    verified.code = QUIVO_StrVerifyFinalMem(session, &param, &stream, &out, &result);
+    verified.verdicts.resize(static_cast<size_t>(result.count));
+    verified.out = take(session, out);
+    QUIVO_FreeVerifyResult(session, &result);
+    return verified;
+  }
+
+  Bytes encryptInPieces(EngineSession session, const std::vector<std::string>& people, size_t size) {
+    Receivers receivers(people);
+    const EncryptParamRecord param = receivers.param();
+    EngineStream stream = nullptr;
+    EXPECT_CODE(0, QUIVO_StrEncryptInitMem(session, &param, &stream));
+    Bytes message;
+    const auto add = [&](DataBlob_t& out) {
+      const Bytes piece = take(session, out);
+      message.insert(message.end(), piece.begin(), piece.end());
+    };
+    inPieces(data_, size, [&](const DataBlob_t& piece) {
+      DataBlob_t out{};
+      EXPECT_CODE(0, QUIVO_StrEncryptUpdateMem(session, &param, &stream, &piece, &out));
+      add(out);
+    });
+    DataBlob_t out{};
+    EXPECT_CODE(0, QUIVO_StrEncryptFinalMem(session, &param, &stream, &out));
+    add(out);
+    return message;
+  }
+
+  Decrypted decryptInPieces(EngineSession session, const Bytes& message, size_t size) {
+    const DecryptParamRecord param{1, nullptr, 4};
+    const DataBlob_t none{};
+    int32_t left = -1;
+    EngineStream stream = nullptr;
+    EXPECT_CODE(0, QUIVO_StrDecryptInitMem(session, &param, &none, &left, &stream));
+    EXPECT_EQ(0, left);
+    Decrypted decrypted{};
+    inPieces(message, size, [&](const DataBlob_t& piece) {
+      DataBlob_t out{};
+      left = -1;
+      decrypted.code = QUIVO_StrDecryptUpdateMem(session, &param, &stream, &piece, &left, &out);
+      EXPECT_EQ(0, left);
+      const Bytes plain = take(session, out);
+      decrypted.out.insert(decrypted.out.end(), plain.begin(), plain.end());
+    });
+    DecryptResultRecord result{};
+    decrypted.code = QUIVO_StrDecryptFinalMem(session, &param, &stream, &result);
+    decrypted.status = result.status;
+    if (result.cert.subject != nullptr) decrypted.sender = result.cert.subject;
+    QUIVO_FreeDecryptResult(session, &result);
+    return decrypted;
+  }
+
+  Bytes data_;
+};
+
+constexpr size_t kPieceSizes[] = {1, 3, 64, 4096, 100000};
+
+}  // namespace
+
+TEST_F(Streams, AttachedSignatureIsMadeOfPieces) {
+  const EngineSession session = open("alice");
+  for (size_t size : kPieceSizes) {
+    const Verified verified = verify(session, signInPieces(session, kSendCertificate, nullptr, data_, size));
+    EXPECT_CODE(0, verified.code);
+    EXPECT_EQ(data_, verified.out);
+  }
+}
+
+TEST_F(Streams, SecondSignatureIsAddedInPieces) {
+  const Bytes first = sign(open("alice"), kSendCertificate | kDetached, data_);
+  const Bytes both = signInPieces(open("bob"), kSendCertificate | kDetached, &first, data_, 1000);
+  EXPECT_EQ(2u, verify(open("bob"), both, &data_).verdicts.size());
+  const Bytes attached = sign(open("alice"), kSendCertificate, data_);
+  const Bytes both_attached = signInPieces(open("bob"), kSendCertificate, &attached, {}, 1);
+  EXPECT_EQ(2u, verify(open("bob"), both_attached).verdicts.size());
+  EXPECT_EQ(data_, verify(open("bob"), signInPieces(open("bob"), 0, &attached, data_, 999)).out);
+}
+
+TEST_F(Streams, DetachedSignatureIsVerifiedOverPieces) {
+  const EngineSession session = open("alice");
+  const Bytes signature = sign(session, kSendCertificate | kDetached, data_);
+  for (size_t size : kPieceSizes) EXPECT_CODE(0, verifyInPieces(session, signature, data_, size).code);
+  Bytes changed = data_;
+  changed[4000] ^= 1;
+  EXPECT_CODE(kBadSignature, verifyInPieces(session, signature, changed, 100).code);
+}
+
+TEST_F(Streams, AttachedMessageIsVerifiedInPieces) {
+  const EngineSession session = open("alice");
+  const Bytes message = sign(session, kSendCertificate, data_);
+  for (size_t size : kPieceSizes) {
+    const Verified verified = verifyInPieces(session, {}, message, size);
+    EXPECT_CODE(0, verified.code);
+    EXPECT_EQ(data_, verified.out);
+  }
+  EXPECT_CODE(0, verifyInPieces(session, message, {}, 1).code);
+  const Bytes start(message.begin(), message.begin() + 77);
+  const Bytes rest(message.begin() + 77, message.end());
+  EXPECT_EQ(data_, verifyInPieces(session, start, rest, 500).out);
+}
+
+TEST_F(Streams, OpensslStreamIsVerifiedInPieces) {
+  const EngineSession session = open("bob");
+  const Bytes message = material("messages/stream.p7s");
+  for (size_t size : {1, 7, 1000}) {
+    EXPECT_EQ(material("data.bin"), verifyInPieces(session, {}, message, size).out);
+  }
+}
+
+TEST_F(Streams, MessageIsEncryptedInPieces) {
+  const EngineSession session = open("carol");
+  for (size_t size : kPieceSizes) {
+    const Bytes message = encryptInPieces(session, {"alice", "bob"}, size);
+    EXPECT_EQ(data_, decrypt(open("alice"), message).out) << size;
+    EXPECT_EQ(data_, decrypt(open("bob"), message).out) << size;
+  }
+}
+
+TEST_F(Streams, MessageIsDecryptedInPieces) {
+  const EngineSession session = open("alice");
+  const Bytes whole = encrypt(open("carol"), data_, {"alice"});
+  const Bytes stream = encryptInPieces(open("carol"), {"alice"}, 333);
+  for (size_t size : kPieceSizes) {
+    for (const Bytes& message : {whole, stream}) {
+      const Decrypted opened = decryptInPieces(session, message, size);
+      EXPECT_CODE(0, opened.code);
+      EXPECT_EQ(data_, opened.out) << size;
+      EXPECT_EQ("CN=Carol, C=RU", opened.sender);
+    }
+  }
+}
+
+TEST_F(Streams, CutMessageIsRefusedInTheEnd) {
+  const EngineSession session = open("alice");
+  Bytes message = encrypt(session, data_, {"alice"});
+  message.resize(message.size() - 20);
+  EXPECT_CODE(kMessageDamaged, decryptInPieces(session, message, 512).code);
+  Bytes signature = sign(session, kSendCertificate, data_);
+  signature.resize(signature.size() - 20);
+  EXPECT_CODE(kMessageDamaged, verifyInPieces(session, {}, signature, 512).code);
+}
+
+TEST_F(Streams, HashIsMadeOfPieces) {
+  const EngineSession session = openMinimal();
+  const DataBlob_t all = blobOf(data_);
+  DataBlob_t expected{};
+  ASSERT_CODE(0, QUIVO_HashMem(session, &all, &expected));
+  EngineStream stream = nullptr;
+  ASSERT_CODE(0, QUIVO_StrHashInitMem(session, "SHA-256", &stream));
+  inPieces(data_, 17, [&](const DataBlob_t& piece) { QUIVO_StrHashUpdateMem(session, &stream, &piece); });
+  DataBlob_t hash{};
+  ASSERT_CODE(0, QUIVO_StrHashFinalMem(session, &stream, &hash));
+  EXPECT_EQ(take(session, expected), take(session, hash));
+}
+
+TEST_F(Streams, UnknownAndEndedStreamsAreRefused) {
+  const EngineSession session = open("alice");
+  const SignParamRecord param{0, nullptr};
+  const DataBlob_t none{};
+  DataBlob_t out{};
+  EngineStream stream = nullptr;
+  EXPECT_CODE(kBadStream, QUIVO_StrSignUpdateMem(session, &param, &stream, &none));
+  EXPECT_CODE(kBadStream, QUIVO_StrSignFinalMem(session, &param, &stream, &out));
+  ASSERT_CODE(0, QUIVO_StrSignInitMem(session, &param, &none, &stream));
+  EngineStream copy = stream;
+  EXPECT_CODE(0, QUIVO_StrSignFinalMem(session, &param, &stream, &out));
+  take(session, out);
+  EXPECT_CODE(kBadStream, QUIVO_StrSignFinalMem(session, &param, &copy, &out));
+  EXPECT_CODE(kBadStream, QUIVO_StrSignUpdateMem(session, &param, &copy, &none));
+  EXPECT_CODE(kWinInvalidParameter, QUIVO_StrSignUpdateMem(session, &param, nullptr, &none));
+}
+
+TEST_F(Streams, StreamOfAnotherKindIsRefusedAndLivesOn) {
+  const EngineSession session = open("alice");
+  const SignParamRecord param{0, nullptr};
+  const DataBlob_t none{};
+  EngineStream stream = nullptr;
+  ASSERT_CODE(0, QUIVO_StrSignInitMem(session, &param, &none, &stream));
+  DataBlob_t out{};
+  EXPECT_CODE(kBadStream, QUIVO_StrHashFinalMem(session, &stream, &out));
+  EXPECT_CODE(kBadStream, QUIVO_StrHashUpdateMem(session, &stream, &none));
+  EXPECT_CODE(kBadStream, QUIVO_StrSignUpdateMem(open("bob"), &param, &stream, &none));
+  EXPECT_CODE(0, QUIVO_StrSignFinalMem(session, &param, &stream, &out));
+  take(session, out);
+}
+
+TEST_F(Streams, AbandonedStreamsEndWithTheirSession) {
+  EngineSession session = open("alice");
+  Receivers receivers({"alice"});
+  const EncryptParamRecord encrypt_param = receivers.param();
+  EngineStream streams[2] = {};
+  ASSERT_CODE(0, QUIVO_StrEncryptInitMem(session, &encrypt_param, &streams[0]));
+  ASSERT_CODE(0, QUIVO_StrHashInitMem(session, nullptr, &streams[1]));
+  close(session);
+  const DataBlob_t none{};
+  EXPECT_CODE(kBadSession, QUIVO_StrHashUpdateMem(session, &streams[1], &none));
+}
