@@ -6,6 +6,11 @@
 
 #include "standin/session.h"
 
+namespace __gnu_cxx {
+/// Gives back what the C++ runtime holds ready for exceptions when there is no memory left.
+void __freeres();
+}  // namespace __gnu_cxx
+
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID process_ends) {
   switch (reason) {
     case DLL_PROCESS_ATTACH:
@@ -19,6 +24,7 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID process_ends) {
       if (process_ends != nullptr) break;
       standin::removeAllSessions();
       OPENSSL_cleanup();
+      __gnu_cxx::__freeres();
       break;
   }
   return TRUE;

@@ -43,11 +43,10 @@ class Snapshot {
   std::vector<uint8_t> blob(size_t offset) const {
     return pointer(offset + 8) == 0 ? std::vector<uint8_t>{} : at(offset + 8).bytes;
   }
-  /// One element of an array of records of `size` bytes.
-  Snapshot element(size_t index, size_t size) const {
+  /// `size` bytes from `start` as a record of their own.
+  Snapshot part(size_t start, size_t size) const {
+    if (start + size > bytes.size()) throw std::out_of_range("a part behind the end of a record");
     Snapshot part;
-    const size_t start = index * size;
-    if (start + size > bytes.size()) throw std::out_of_range("no element " + std::to_string(index));
     part.address = address + start;
     part.bytes.assign(bytes.begin() + start, bytes.begin() + start + size);
     for (const auto& [offset, pointee] : pointees) {
@@ -55,6 +54,8 @@ class Snapshot {
     }
     return part;
   }
+  /// One element of an array of records of `size` bytes.
+  Snapshot element(size_t index, size_t size) const { return part(index * size, size); }
   bool allZero() const {
     for (uint8_t byte : bytes) {
       if (byte != 0) return false;

@@ -86,6 +86,56 @@ int32_t countSignatures(EngineSession session, const Arguments& a) {
   return code;
 }
 
+/// request FLAGS SUBJECT OUT
+int32_t request(EngineSession session, const Arguments& a) {
+  std::string subject = a[1];
+  CertificateRecord wanted{};
+  wanted.subject = subject.empty() ? nullptr : subject.data();
+  wanted.keyUsage = 1 | 4;
+  DataBlob_t xml{};
+  const int32_t code = QUIVO_CreateXmlRequest(session, number(a[0]), &wanted, &xml);
+  if (code != 0) return code;
+  if (FILE* file = std::fopen(a[2], "wb")) {
+    std::fwrite(xml.data, 1, xml.len, file);
+    std::fclose(file);
+  }
+  return QUIVO_FreeMem(session, xml.data);
+}
+
+/// import FLAGS FILE
+int32_t import(EngineSession session, const Arguments& a) {
+  const SignParamRecord param{number(a[0]), nullptr};
+  return QUIVO_ImportFile(session, &param, a[1]);
+}
+
+/// export FLAGS FILE
+int32_t exportStore(EngineSession session, const Arguments& a) {
+  const SignParamRecord param{number(a[0]), nullptr};
+  return QUIVO_ExportFile(session, &param, a[1]);
+}
+
+/// find FLAGS [SUBJECT]
+int32_t find(EngineSession session, const Arguments& a) {
+  std::string subject = a.size() > 1 ? a[1] : "";
+  FindParamRecord param{};
+  param.flag = number(a[0]);
+  param.info = 4;
+  param.certTemplate.subject = subject.data();
+  FindResultRecord result{};
+  const int32_t code = QUIVO_FindCert(session, &param, &result);
+  for (int32_t i = 0; i < result.count; ++i) printCertificate("found", result.certificates[i]);
+  QUIVO_FreeFindResult(session, &result);
+  return code;
+}
+
+/// show FILE
+int32_t show(EngineSession session, const Arguments& a) {
+  std::vector<uint8_t> bytes = readFile(a[0]);
+  const DataBlob_t blob{static_cast<uint32_t>(bytes.size()), bytes.data()};
+  const int32_t code = QUIVO_ShowCertificate(session, &blob);
+  return code == 0x7040 ? QUIVO_ShowCrl(session, &blob) : code;
+}
+
 struct Command {
   const char* name;
   size_t least_arguments;
@@ -94,7 +144,9 @@ struct Command {
 
 constexpr Command kCommands[] = {
     {"sign", 4, sign},       {"verify", 4, verify},         {"encrypt", 3, encrypt},
-    {"decrypt", 2, decrypt}, {"count", 1, countSignatures},
+    {"decrypt", 2, decrypt}, {"count", 1, countSignatures}, {"request", 3, request},
+    {"import", 2, import},   {"export", 2, exportStore},    {"find", 1, find},
+    {"show", 1, show},
 };
 
 int report(int32_t code) {
