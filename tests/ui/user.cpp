@@ -1,0 +1,181 @@
+#include "ui/user.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+constexpr DWORD kPatience = 15000;
+constexpr DWORD kStep = 20;
+
+std::wstring textOf(HWND window) {
+  wchar_t text[2048] = {};
+  SendMessageW(window, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text));
+  return text;
+}
+
+std::wstring kindOf(HWND window) {
+  wchar_t kind[256] = {};
+  GetClassNameW(window, kind, 256);
+  return kind;
+}
+
+RECT placeOf(HWND window) {
+  RECT place{};
+  GetWindowRect(window, &place);
+  MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&place), 2);
+  return place;
+}
+
+BOOL CALLBACK addControl(HWND window, LPARAM list) {
+  reinterpret_cast<std::vector<SeenControl>*>(list)->push_back(
+      {GetDlgCtrlID(window), kindOf(window), textOf(window), placeOf(window), IsWindowVisible(window) != FALSE,
+       IsWindowEnabled(window) != FALSE, static_cast<DWORD>(GetWindowLongW(window, GWL_STYLE)), window});
+  return TRUE;
+}
+
+bool isShownByThisProcess(HWND window) {
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  return process == GetCurrentProcessId() && IsWindowVisible(window);
+}
+
+BOOL CALLBACK addTopLevel(HWND window, LPARAM list) {
+  if (isShownByThisProcess(window)) reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+  return TRUE;
+}
+
+std::vector<HWND> shownWindows() {
+  std::vector<HWND> all;
+  EnumWindows(addTopLevel, reinterpret_cast<LPARAM>(&all));
+  return all;
+}
+
+template <class Condition>
+bool waitFor(Condition condition) {
+  for (DWORD waited = 0; waited < kPatience; waited += kStep) {
+    if (condition()) return true;
+    Sleep(kStep);
+  }
+  return false;
+}
+
+}  // namespace
+
+SeenControl SeenWindow::control(int id) const {
+  for (const SeenControl& control : controls)
+    if (control.id == id) return control;
+  ADD_FAILURE() << "no control " << id;
+  return {};
+}
+
+bool SeenWindow::has(int id) const {
+  for (const SeenControl& control : controls)
+    if (control.id == id) return true;
+  return false;
+}
+
+std::vector<int> SeenWindow::visible(const wchar_t* kind) const {
+  std::vector<int> ids;
+  for (const SeenControl& control : controls)
+    if (control.visible && control.kind == kind) ids.push_back(control.id);
+  return ids;
+}
+
+SeenWindow look(HWND window) {
+  SeenWindow seen;
+  seen.caption = textOf(window);
+  seen.window = window;
+  seen.owner = GetWindow(window, GW_OWNER);
+  EnumChildWindows(window, addControl, reinterpret_cast<LPARAM>(&seen.controls));
+  return seen;
+}
+
+std::wstring textOfMessage(const SeenWindow& box) { return box.control(0xFFFF).text; }
+
+void press(HWND window, int button) {
+  PostMessageW(window, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED),
+               reinterpret_cast<LPARAM>(GetDlgItem(window, button)));
+}
+
+void pressCloseBox(HWND window) { PostMessageW(window, WM_SYSCOMMAND, SC_CLOSE, 0); }
+
+void mark(HWND checkBox, bool checked) {
+  if ((SendMessageW(checkBox, BM_GETCHECK, 0, 0) == BST_CHECKED) != checked) SendMessageW(checkBox, BM_CLICK, 0, 0);
+}
+
+void type(HWND edit, const std::wstring& text) {
+  SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+void takePicture(const std::string& name) {
+  // The runner looks for requests, takes the picture from outside, and answers by its file.
+  const char* folder = std::getenv("TAVL_PICTURES");
+  if (folder == nullptr) return;
+  const std::string path = std::string(folder) + "\\" + name;
+  DeleteFileA((path + ".png").c_str());
+  // What is drawn has to reach the display before.
+  GdiFlush();
+  Sleep(100);
+  if (FILE* request = std::fopen((path + ".request").c_str(), "w")) std::fclose(request);
+  waitFor([&] { return GetFileAttributesA((path + ".png").c_str()) != INVALID_FILE_ATTRIBUTES; });
+}
+
+User::User(const std::wstring& caption, std::function<void(HWND)> act)
+    : caption_(caption), act_(std::move(act)), thread_(CreateThread(nullptr, 0, run, this, 0, nullptr)) {}
+
+User::~User() {
+  WaitForSingleObject(thread_, INFINITE);
+  CloseHandle(thread_);
+  if (!complaint_.empty()) ADD_FAILURE() << ::testing::PrintToString(complaint_);
+}
+
+DWORD WINAPI User::run(void* self) {
+  static_cast<User*>(self)->serve();
+  return 0;
+}
+
+void User::serve() {
+  const HWND window = await();
+  if (window == nullptr) {
+    complaint_ = L"no window \"" + caption_ + L"\" came";
+    return clear();
+  }
+  act_(window);
+  if (!waitFor([&] { return !IsWindow(window); })) {
+    complaint_ = L"the window \"" + caption_ + L"\" did not go";
+    clear();
+  }
+}
+
+HWND User::await() {
+  HWND found = nullptr;
+  waitFor([&] {
+    for (HWND window : shownWindows())
+      if (textOf(window) == caption_) found = window;
+    return found != nullptr;
+  });
+  return found;
+}
+
+void User::clear() {
+  for (HWND window : shownWindows()) {
+    complaint_ += L"; closed \"" + textOf(window) + L"\"";
+    for (int refusal : {IDNO, IDCANCEL, IDOK}) press(window, refusal);
+    PostMessageW(window, WM_CLOSE, 0, 0);
+  }
+}
+
+void startWatchdog(DWORD seconds) {
+  CreateThread(
+      nullptr, 0,
+      [](void* limit) -> DWORD {
+        Sleep(static_cast<DWORD>(reinterpret_cast<uintptr_t>(limit)) * 1000);
+        std::fprintf(stderr, "the watchdog ends the run\n");
+        TerminateProcess(GetCurrentProcess(), 3);
+        return 0;
+      },
+      reinterpret_cast<void*>(static_cast<uintptr_t>(seconds)), 0, nullptr);
+}
