@@ -127,9 +127,6 @@ DataBlob_t outputOf(Session& session, SignatureMaker& maker, ByteView content) {
   return session.buffers.join({parts.header(content.size(), trailer.size()), content, trailer});
 }
 
-// Not every script host can pass a null string: an empty path is an absent file as well.
-const char* given(const char* path) { return path != nullptr && *path != '\0' ? path : nullptr; }
-
 }  // namespace
 
 DataBlob_t signMemory(Session& session, const SignParamRecord* param, std::optional<ByteView> data,

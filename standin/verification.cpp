@@ -133,6 +133,8 @@ Verification verifyMemory(Session& session, const VerifyParamRecord& param, std:
 Verification verifyFile(Session& session, const VerifyParamRecord& param, const char* data, const char* message,
                         const char* out) {
   if (message == nullptr) fail(kWinInvalidParameter);
+  data = given(data);
+  out = given(out);
   // With one signature removed the output begins with lengths that are only known at the end.
   const bool removes_one = (param.flag & kVerifyDeleteSignature) != 0 && param.nSignToDelete != kDeleteAllSignatures;
   std::optional<OutputFile> content;

@@ -57,6 +57,9 @@ class InputFile {
   Bytes piece_;
 };
 
+/// The path, or null when it names no file: not every script host can pass a null string.
+inline const char* given(const char* path) { return path != nullptr && *path != '\0' ? path : nullptr; }
+
 /// The whole file, refused when it is longer than `limit`.
 Bytes readWholeFile(const char* path, uint64_t limit);
 
