@@ -410,6 +410,14 @@ TEST_F(FileOpenKeepTest, AFolderThatCannotBeMadeIsToldAndTheResultStays) {
   EXPECT_EQ(L"Q:\\missing", rememberedFolder());
 }
 
+TEST_F(FileOpenKeepTest, AFileInThePlaceOfTheFolderIsToldToo) {
+  create(L"P7S");
+  open(create(L"a.txt.p7a"));
+  EXPECT_EQ(L"Ошибка создания директории " + path(L"P7S") + L" для сохранения подписанного файла.",
+            desktop.onlyMessage().text);
+  EXPECT_EQ(2u, object.calls.size());
+}
+
 TEST_F(FileOpenKeepTest, WithoutTheMarkNothingIsKept) {
   checkedState = BST_UNCHECKED;
   open(create(L"a.txt.p7a"));
