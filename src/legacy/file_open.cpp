@@ -41,6 +41,11 @@ int Tell(UINT style, const char* text) {
 
 bool Exists(const char* path) { return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES; }
 
+bool IsFolder(const char* path) {
+  DWORD attributes = GetFileAttributesA(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 /// Whether results are written and opened without asking: the administrator's choice.
 bool ExecutesResult() {
   DWORD value = 0;
@@ -135,7 +140,7 @@ class Opening {
   HRESULT keepSignedCopy(BSTR in) {
     SignedCopy copy = SignedCopyOf(plan_.result);
     char text[kMessageSize];
-    if (!Exists(copy.folder) && !CreateDirectoryA(copy.folder, nullptr)) {
+    if (!IsFolder(copy.folder) && !CreateDirectoryA(copy.folder, nullptr)) {
       FormatText(text, "Ошибка создания директории %s для сохранения подписанного файла.", copy.folder);
       Tell(MB_ICONERROR, text);
       // The result itself is saved, and the run goes on as after any success.

@@ -124,7 +124,11 @@ void takePicture(const std::string& name) {
 }
 
 User::User(const std::wstring& caption, std::function<void(HWND)> act)
-    : caption_(caption), act_(std::move(act)), thread_(CreateThread(nullptr, 0, run, this, 0, nullptr)) {}
+    : User(
+          caption, [caption](HWND window) { return textOf(window) == caption; }, std::move(act)) {}
+
+User::User(const std::wstring& name, Recognition is, std::function<void(HWND)> act)
+    : name_(name), is_(std::move(is)), act_(std::move(act)), thread_(CreateThread(nullptr, 0, run, this, 0, nullptr)) {}
 
 User::~User() {
   WaitForSingleObject(thread_, INFINITE);
@@ -140,12 +144,12 @@ DWORD WINAPI User::run(void* self) {
 void User::serve() {
   const HWND window = await();
   if (window == nullptr) {
-    complaint_ = L"no window \"" + caption_ + L"\" came";
+    complaint_ = L"no window \"" + name_ + L"\" came";
     return clear();
   }
   act_(window);
   if (!waitFor([&] { return !IsWindow(window); })) {
-    complaint_ = L"the window \"" + caption_ + L"\" did not go";
+    complaint_ = L"the window \"" + name_ + L"\" did not go";
     clear();
   }
 }
@@ -154,7 +158,7 @@ HWND User::await() {
   HWND found = nullptr;
   waitFor([&] {
     for (HWND window : shownWindows())
-      if (textOf(window) == caption_) found = window;
+      if (is_(window)) found = window;
     return found != nullptr;
   });
   return found;

@@ -53,7 +53,11 @@ void takePicture(const std::string& name);
 /// runs on a thread of the user's: it may look and press, and leaves comparing to the test.
 class User {
  public:
+  using Recognition = std::function<bool(HWND)>;
+
   User(const std::wstring& caption, std::function<void(HWND)> act);
+  /// Waits for the window that `is` recognises; `name` tells of it in a failure.
+  User(const std::wstring& name, Recognition is, std::function<void(HWND)> act);
   User(const User&) = delete;
   User& operator=(const User&) = delete;
   /// Waits until the user is done. The test fails when the window did not come, or did not go.
@@ -65,7 +69,8 @@ class User {
   HWND await();
   void clear();
 
-  const std::wstring caption_;
+  const std::wstring name_;
+  const Recognition is_;
   const std::function<void(HWND)> act_;
   std::wstring complaint_;
   HANDLE thread_;
