@@ -63,12 +63,12 @@ void requireDisplay() {
 
 void showCertificate(X509* certificate) {
   requireDisplay();
-  if (!viewCertificate(derOf(certificate))) failWithLastError();
+  if (viewCertificate(derOf(certificate)) == Viewing::kUnavailable) failWithLastError();
 }
 
 void showCrl(X509_CRL* crl) {
   requireDisplay();
-  if (!viewCrl(derOf(crl))) describe(crl);
+  if (viewCrl(derOf(crl)) != Viewing::kShown) describe(crl);
 }
 
 }  // namespace standin

@@ -42,25 +42,27 @@ class SystemLibrary {
   HMODULE library_ = nullptr;
 };
 
-bool view(DWORD kind, const void* context) {
+Viewing view(DWORD kind, const void* context) {
   using ViewContext = BOOL(WINAPI*)(DWORD, const void*, HWND, LPCWSTR, DWORD, void*);
   const SystemLibrary viewer(L"cryptui.dll");
   const ViewContext view_context = viewer.function<ViewContext>("CryptUIDlgViewContext");
-  return view_context != nullptr && view_context(kind, context, GetActiveWindow(), nullptr, 0, nullptr) != 0;
+  if (context == nullptr || view_context == nullptr) return Viewing::kUnavailable;
+  const bool shown = view_context(kind, context, GetActiveWindow(), nullptr, 0, nullptr) != 0;
+  return shown ? Viewing::kShown : Viewing::kRefused;
 }
 
 }  // namespace
 
-bool viewCertificate(ByteView der) {
+Viewing viewCertificate(ByteView der) {
   const std::unique_ptr<const CERT_CONTEXT, FreeCertificate> context(
       CertCreateCertificateContext(X509_ASN_ENCODING, der.data(), static_cast<DWORD>(der.size())));
-  return context != nullptr && view(CERT_STORE_CERTIFICATE_CONTEXT, context.get());
+  return view(CERT_STORE_CERTIFICATE_CONTEXT, context.get());
 }
 
-bool viewCrl(ByteView der) {
+Viewing viewCrl(ByteView der) {
   const std::unique_ptr<const CRL_CONTEXT, FreeCrl> context(
       CertCreateCRLContext(X509_ASN_ENCODING, der.data(), static_cast<DWORD>(der.size())));
-  return context != nullptr && view(CERT_STORE_CRL_CONTEXT, context.get());
+  return view(CERT_STORE_CRL_CONTEXT, context.get());
 }
 
 }  // namespace standin

@@ -6,8 +6,15 @@
 
 namespace standin {
 
-/// Shows the object until the user closes the window. False when the platform's viewer cannot; its last error says why.
-bool viewCertificate(ByteView der);
-bool viewCrl(ByteView der);
+/// What became of showing an object.
+enum class Viewing {
+  kShown,
+  kRefused,      ///< the viewer gave no success; some give none when the user closes the window other than with OK
+  kUnavailable,  ///< there is no viewer; the last error says why
+};
+
+/// Shows the object until the user closes the window.
+Viewing viewCertificate(ByteView der);
+Viewing viewCrl(ByteView der);
 
 }  // namespace standin
