@@ -10,7 +10,7 @@
 
 namespace {
 
-// {6E0C52B8-2A3D-4C59-9C0B-5B0C0B6C7D11}, also in the script "register".
+// {6E0C52B8-2A3D-4C59-9C0B-5B0C0B6C7D11}, also in tools/register-arrays.
 constexpr CLSID kClass = {0x6E0C52B8, 0x2A3D, 0x4C59, {0x9C, 0x0B, 0x5B, 0x0C, 0x0B, 0x6C, 0x7D, 0x11}};
 
 const VARIANT* Dereference(const VARIANT* value) {
