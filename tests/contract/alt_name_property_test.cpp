@@ -22,12 +22,7 @@ Ptr<IAltName> withDns(const wchar_t* dns) {
 class AltNamePropertyTest : public ContractTest, public ::testing::WithParamInterface<AltNameProperty> {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     certificate_ = make<Certificate>();
-  }
-  void TearDown() override {
-    certificate_.reset();
-    ContractTest::TearDown();
   }
   HRESULT put(IAltName* name) { return (certificate_.get()->*GetParam().put)(name); }
   Ptr<IAltName> get() {

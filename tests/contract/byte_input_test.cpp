@@ -9,10 +9,6 @@ class ByteInputTest : public ContractTest, public ::testing::WithParamInterface<
     if (!objects_) objects_.emplace(openQuivo());
     return GetParam().call(*objects_, value);
   }
-  void TearDown() override {
-    objects_.reset();
-    ContractTest::TearDown();
-  }
   const fake::Call& call() { return engine().only(GetParam().function); }
   fake::Reply& reply() { return engine().on(GetParam().function); }
   Bytes received() { return call().blobBytes(GetParam().argument); }

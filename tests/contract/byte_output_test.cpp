@@ -7,13 +7,8 @@ namespace {
 class ByteOutputTest : public ContractTest, public ::testing::WithParamInterface<ByteOutput> {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     objects_.emplace(openQuivo());
     reply().output = {10, 0, 255};
-  }
-  void TearDown() override {
-    objects_.reset();
-    ContractTest::TearDown();
   }
   HRESULT run(bool vbs, Variant& output) { return GetParam().call(*objects_, vbs, output.out()); }
   fake::Reply& reply() { return engine().on(GetParam().function); }

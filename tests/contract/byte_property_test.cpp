@@ -7,12 +7,7 @@ namespace {
 class BytePropertyTest : public ContractTest, public ::testing::WithParamInterface<VariantProperty> {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     object_ = GetParam().make();
-  }
-  void TearDown() override {
-    object_.reset();
-    ContractTest::TearDown();
   }
   HRESULT get(Variant& value) { return GetParam().get(object_, value.out()); }
   HRESULT put(VARIANT value) { return GetParam().put(object_, value); }

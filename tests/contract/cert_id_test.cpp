@@ -6,12 +6,7 @@ namespace {
 class CertIdTest : public ContractTest {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     id_ = make<CertId>();
-  }
-  void TearDown() override {
-    id_.reset();
-    ContractTest::TearDown();
   }
   Ptr<ICertId>& id() { return id_; }
   void setType(int type) { EXPECT_OK(id_->put_type(static_cast<IdChoice_t>(type))); }

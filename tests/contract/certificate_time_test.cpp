@@ -25,14 +25,11 @@ void PrintTo(const TimeProperty& row, std::ostream* out) { *out << row.name; }
 class CertificateTimeTest : public ContractTest, public ::testing::WithParamInterface<TimeProperty> {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     certificate_ = make<Certificate>();
   }
   void TearDown() override {
-    certificate_.reset();
     _putenv("TZ=");
     _tzset();
-    ContractTest::TearDown();
   }
   void zone(const char* setting) {
     _putenv(setting);

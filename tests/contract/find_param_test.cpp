@@ -7,12 +7,7 @@ namespace {
 class FindParamTest : public ContractTest {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     param_ = make<FindParam>();
-  }
-  void TearDown() override {
-    param_.reset();
-    ContractTest::TearDown();
   }
   HRESULT put(ICertificate* certificate) { return param_->putref_certTemplate(certificate); }
   Ptr<ICertificate> get() {

@@ -33,12 +33,7 @@ Ptr<ICertId> idWithKey(const wchar_t* key) {
 class MycertTest : public ContractTest, public ::testing::WithParamInterface<MycertProperty> {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     object_ = GetParam().make();
-  }
-  void TearDown() override {
-    object_.reset();
-    ContractTest::TearDown();
   }
   HRESULT put(ICertId* id) { return GetParam().put(object_, id); }
   Ptr<ICertId> get() {

@@ -52,12 +52,7 @@ Ptr<IDispatch> receiver(const wchar_t* subject) {
 class ObjectArrayTest : public ContractTest, public ::testing::WithParamInterface<ObjectArrayProperty> {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     object_ = GetParam().make();
-  }
-  void TearDown() override {
-    object_.reset();
-    ContractTest::TearDown();
   }
   HRESULT get(Variant& value) { return GetParam().get(object_, value.out()); }
   HRESULT put(VARIANT value) { return GetParam().put(object_, value); }

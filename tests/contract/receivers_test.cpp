@@ -7,12 +7,7 @@ namespace {
 class ReceiversTest : public ContractTest {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     param_ = make<EncryptParam>();
-  }
-  void TearDown() override {
-    param_.reset();
-    ContractTest::TearDown();
   }
   HRESULT put(VARIANT value) { return param_->put_Receivers(value); }
   std::vector<Ptr<IDispatch>> kept() {

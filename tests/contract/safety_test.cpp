@@ -7,15 +7,9 @@ namespace {
 class SafetyTest : public ContractTest {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     quivo_ = make<QUIVO>();
     safety_ = quivo_.as<IObjectSafety>();
     ASSERT_NE(nullptr, safety_.get());
-  }
-  void TearDown() override {
-    safety_.reset();
-    quivo_.reset();
-    ContractTest::TearDown();
   }
   HRESULT set(DWORD mask, DWORD enabled) { return safety_->SetInterfaceSafetyOptions(IID_IDispatch, mask, enabled); }
   /// The enabled options, as reported.

@@ -9,12 +9,7 @@ class SessionTest : public ContractTest {
     return quivo_->Initialize(Bstr(profile), static_cast<Init_Flag_t>(flags));
   }
   Ptr<IQUIVO>& quivo() { return quivo_; }
-  void TearDown() override {
-    quivo_.reset();
-    ContractTest::TearDown();
-  }
   void SetUp() override {
-    ContractTest::SetUp();
     quivo_ = make<QUIVO>();
   }
   void* kSession = reinterpret_cast<void*>(0x7654);

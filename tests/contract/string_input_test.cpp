@@ -6,12 +6,7 @@ namespace {
 class StringInputTest : public ContractTest, public ::testing::WithParamInterface<StringInput> {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     objects_.emplace(openQuivo());
-  }
-  void TearDown() override {
-    objects_.reset();
-    ContractTest::TearDown();
   }
   HRESULT pass(BSTR text) { return GetParam().call(*objects_, text); }
   fake::Text received() { return engine().only(GetParam().function).text(GetParam().argument); }

@@ -6,12 +6,7 @@ namespace {
 class StringPropertyTest : public ContractTest, public ::testing::WithParamInterface<StringProperty> {
  protected:
   void SetUp() override {
-    ContractTest::SetUp();
     object_ = GetParam().make();
-  }
-  void TearDown() override {
-    object_.reset();
-    ContractTest::TearDown();
   }
   HRESULT get(Bstr& value) { return GetParam().get(object_, value.inOut()); }
   HRESULT put(const Bstr& value) { return GetParam().put(object_, value); }

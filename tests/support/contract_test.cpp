@@ -13,7 +13,7 @@ Ptr<IUnknown> makeUnknown(REFCLSID clsid, REFIID iid) {
   return object;
 }
 
-void ContractTest::SetUp() {
+ContractTest::ContractTest() {
   engine().reset();
   const Module& module = Module::get();
   objects_ = module.liveObjects();
@@ -21,7 +21,7 @@ void ContractTest::SetUp() {
   comMark_ = MallocSpy::get().mark();
 }
 
-void ContractTest::TearDown() {
+ContractTest::~ContractTest() {
   const Module& module = Module::get();
   module.failAllocation(-1);
   MallocSpy::get().failAllocation(-1);

@@ -23,8 +23,9 @@ Ptr<typename InterfaceOf<Class>::type> make() {
 
 class ContractTest : public ::testing::Test {
  protected:
-  void SetUp() override;
-  void TearDown() override;
+  // Construction and destruction, so that the members of a fixture stand between the two counts.
+  ContractTest();
+  ~ContractTest() override;
 
   fake::FakeEngine& engine() { return *TavlFakeEngine(); }
   /// A main object with an open session; the calls made for it are forgotten.
