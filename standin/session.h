@@ -78,7 +78,7 @@ EngineSession addSession(std::shared_ptr<Session> session);
 std::shared_ptr<Session> findSession(EngineSession handle);
 /// Takes the session out of the table; fails with kBadSession.
 std::shared_ptr<Session> removeSession(EngineSession handle);
-/// Forgets every session, as the library is about to be unloaded.
+/// Forgets every session and the table itself: the last call before the library is unloaded.
 void removeAllSessions();
 
 }  // namespace standin

@@ -8,14 +8,29 @@
 
 #include "engine_test.h"
 
+namespace {
+
+void removeScratch() {
+  std::error_code ignored;
+  std::filesystem::remove_all(std::filesystem::path(scratchPath("")).parent_path(), ignored);
+}
+
+}  // namespace
+
 int main(int count, char** arguments) {
   ::testing::InitGoogleTest(&count, arguments);
   if (GetACP() != 1251) {
     std::fprintf(stderr, "the ANSI code page is %u; these tests need 1251 (tools/wine sets it)\n", GetACP());
     return 1;
   }
+  if (!fileExists(materialPath("data.bin"))) {
+    std::fprintf(stderr,
+                 "there is no material for these tests: TAVL_STANDIN_MATERIAL is to be a folder of make-material\n");
+    return 1;
+  }
+  // A process that crashed may have left its files, and numbers of processes come again.
+  removeScratch();
   const int result = RUN_ALL_TESTS();
-  std::error_code ignored;
-  std::filesystem::remove_all(std::filesystem::path(scratchPath("")).parent_path(), ignored);
+  removeScratch();
   return result;
 }
