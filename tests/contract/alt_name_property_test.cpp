@@ -21,9 +21,7 @@ Ptr<IAltName> withDns(const wchar_t* dns) {
 
 class AltNamePropertyTest : public ContractTest, public ::testing::WithParamInterface<AltNameProperty> {
  protected:
-  void SetUp() override {
-    certificate_ = make<Certificate>();
-  }
+  void SetUp() override { certificate_ = make<Certificate>(); }
   HRESULT put(IAltName* name) { return (certificate_.get()->*GetParam().put)(name); }
   Ptr<IAltName> get() {
     Ptr<IAltName> name;

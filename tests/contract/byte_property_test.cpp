@@ -6,9 +6,7 @@ namespace {
 
 class BytePropertyTest : public ContractTest, public ::testing::WithParamInterface<VariantProperty> {
  protected:
-  void SetUp() override {
-    object_ = GetParam().make();
-  }
+  void SetUp() override { object_ = GetParam().make(); }
   HRESULT get(Variant& value) { return GetParam().get(object_, value.out()); }
   HRESULT put(VARIANT value) { return GetParam().put(object_, value); }
   Variant value() {

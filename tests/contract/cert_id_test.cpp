@@ -5,9 +5,7 @@ namespace {
 
 class CertIdTest : public ContractTest {
  protected:
-  void SetUp() override {
-    id_ = make<CertId>();
-  }
+  void SetUp() override { id_ = make<CertId>(); }
   Ptr<ICertId>& id() { return id_; }
   void setType(int type) { EXPECT_OK(id_->put_type(static_cast<IdChoice_t>(type))); }
   int type() {

@@ -24,9 +24,7 @@ void PrintTo(const TimeProperty& row, std::ostream* out) { *out << row.name; }
 
 class CertificateTimeTest : public ContractTest, public ::testing::WithParamInterface<TimeProperty> {
  protected:
-  void SetUp() override {
-    certificate_ = make<Certificate>();
-  }
+  void SetUp() override { certificate_ = make<Certificate>(); }
   void TearDown() override {
     _putenv("TZ=");
     _tzset();

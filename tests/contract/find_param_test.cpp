@@ -6,9 +6,7 @@ namespace {
 
 class FindParamTest : public ContractTest {
  protected:
-  void SetUp() override {
-    param_ = make<FindParam>();
-  }
+  void SetUp() override { param_ = make<FindParam>(); }
   HRESULT put(ICertificate* certificate) { return param_->putref_certTemplate(certificate); }
   Ptr<ICertificate> get() {
     Ptr<ICertificate> certificate;

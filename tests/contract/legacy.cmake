@@ -8,6 +8,7 @@ add_executable(legacy_tests
   legacy_file_open_plan_test.cpp
   legacy_file_open_test.cpp
   legacy_file_operations_test.cpp
+  legacy_late_bound_test.cpp
   legacy_recipients_test.cpp
   legacy_resources_test.cpp
   legacy_results_model_test.cpp

@@ -32,9 +32,7 @@ Ptr<ICertId> idWithKey(const wchar_t* key) {
 
 class MycertTest : public ContractTest, public ::testing::WithParamInterface<MycertProperty> {
  protected:
-  void SetUp() override {
-    object_ = GetParam().make();
-  }
+  void SetUp() override { object_ = GetParam().make(); }
   HRESULT put(ICertId* id) { return GetParam().put(object_, id); }
   Ptr<ICertId> get() {
     Ptr<ICertId> id;

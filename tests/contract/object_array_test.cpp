@@ -51,9 +51,7 @@ Ptr<IDispatch> receiver(const wchar_t* subject) {
 
 class ObjectArrayTest : public ContractTest, public ::testing::WithParamInterface<ObjectArrayProperty> {
  protected:
-  void SetUp() override {
-    object_ = GetParam().make();
-  }
+  void SetUp() override { object_ = GetParam().make(); }
   HRESULT get(Variant& value) { return GetParam().get(object_, value.out()); }
   HRESULT put(VARIANT value) { return GetParam().put(object_, value); }
   Ptr<IDispatch> element(const wchar_t* text) { return GetParam().element(text); }

@@ -6,9 +6,7 @@ namespace {
 
 class ReceiversTest : public ContractTest {
  protected:
-  void SetUp() override {
-    param_ = make<EncryptParam>();
-  }
+  void SetUp() override { param_ = make<EncryptParam>(); }
   HRESULT put(VARIANT value) { return param_->put_Receivers(value); }
   std::vector<Ptr<IDispatch>> kept() {
     Variant value;

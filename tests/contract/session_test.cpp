@@ -9,9 +9,7 @@ class SessionTest : public ContractTest {
     return quivo_->Initialize(Bstr(profile), static_cast<Init_Flag_t>(flags));
   }
   Ptr<IQUIVO>& quivo() { return quivo_; }
-  void SetUp() override {
-    quivo_ = make<QUIVO>();
-  }
+  void SetUp() override { quivo_ = make<QUIVO>(); }
   void* kSession = reinterpret_cast<void*>(0x7654);
 
  private:

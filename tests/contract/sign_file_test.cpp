@@ -17,9 +17,7 @@ class SignFileTest : public ContractTest, public ::testing::WithParamInterface<S
     return (quivo.get()->*GetParam().method)(param, data, signIn, signOut);
   }
   const fake::Call& call() { return engine().only(GetParam().function); }
-  void SetUp() override {
-    param = make<SignParam>();
-  }
+  void SetUp() override { param = make<SignParam>(); }
   Ptr<ISignParam> param;
 };
 

@@ -8,9 +8,7 @@ using Texts = std::vector<std::wstring>;
 
 class StringArrayPropertyTest : public ContractTest, public ::testing::WithParamInterface<VariantProperty> {
  protected:
-  void SetUp() override {
-    object_ = GetParam().make();
-  }
+  void SetUp() override { object_ = GetParam().make(); }
   HRESULT get(Variant& value) { return GetParam().get(object_, value.out()); }
   HRESULT put(VARIANT value) { return GetParam().put(object_, value); }
   Texts kept() {

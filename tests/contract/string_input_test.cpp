@@ -5,9 +5,7 @@ namespace {
 
 class StringInputTest : public ContractTest, public ::testing::WithParamInterface<StringInput> {
  protected:
-  void SetUp() override {
-    objects_.emplace(openQuivo());
-  }
+  void SetUp() override { objects_.emplace(openQuivo()); }
   HRESULT pass(BSTR text) { return GetParam().call(*objects_, text); }
   fake::Text received() { return engine().only(GetParam().function).text(GetParam().argument); }
 

@@ -5,9 +5,7 @@ namespace {
 
 class StringPropertyTest : public ContractTest, public ::testing::WithParamInterface<StringProperty> {
  protected:
-  void SetUp() override {
-    object_ = GetParam().make();
-  }
+  void SetUp() override { object_ = GetParam().make(); }
   HRESULT get(Bstr& value) { return GetParam().get(object_, value.inOut()); }
   HRESULT put(const Bstr& value) { return GetParam().put(object_, value); }
   std::wstring text() {
