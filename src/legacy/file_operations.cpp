@@ -169,6 +169,8 @@ STDMETHODIMP pkiobj::VerifyAndUnencrypt(BSTR fname_in, BSTR fname_out) {
   Files files(fname_in, fname_out);
   if (!files) return E_OUTOFMEMORY;
   if (!PrepareInput(files.in.get())) return S_FALSE;
+  // No certificate fields are asked for, unlike in the two single operations: what the engine tells of the signers
+  // without being asked is all that the sheet shows.
   DecryptParamRecord decrypt = DecryptionParam(0);
   VerifyParamRecord verify = RemovalParam(0);
   DecryptResult decrypted(session_);

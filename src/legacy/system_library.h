@@ -1,9 +1,10 @@
 // Libraries of the windows, loaded when a window is shown: a host that shows none never loads them.
 #pragma once
 
-#include "com/owner.h"
+#include <windows.h>
 
-/// A library of the system folder, and of no other folder; unloaded with this object.
+/// A library of the system folder, and of no other folder. It stays loaded: threads of the shell may still be at
+/// work in it when the call that started them has returned.
 class SystemLibrary {
  public:
   explicit SystemLibrary(const wchar_t* name) : library_(LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32)) {}
@@ -12,9 +13,9 @@ class SystemLibrary {
   template <class Function>
   Function* find(const char* name) const {
     if (!library_) return nullptr;
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library_.get(), name)));
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library_, name)));
   }
 
  private:
-  com::Library library_;
+  const HMODULE library_;
 };

@@ -1,0 +1,108 @@
+#include "support/invoke.h"
+
+#include <oleauto.h>
+
+#include <cwchar>
+
+namespace {
+
+LateResult finish(HRESULT raw, EXCEPINFO& exception) {
+  LateResult outcome;
+  outcome.raw = outcome.result = raw;
+  if (raw == DISP_E_EXCEPTION) {
+    if (exception.pfnDeferredFillIn != nullptr) exception.pfnDeferredFillIn(&exception);
+    outcome.result = exception.scode;
+  }
+  SysFreeString(exception.bstrSource);
+  SysFreeString(exception.bstrDescription);
+  SysFreeString(exception.bstrHelpFile);
+  return outcome;
+}
+
+}  // namespace
+
+LateResult invoke(IDispatch* object, const LateCall& call) {
+  std::vector<LPOLESTR> names{const_cast<LPOLESTR>(call.member.c_str())};
+  for (const auto& [name, value] : call.named) names.push_back(const_cast<LPOLESTR>(name.c_str()));
+  std::vector<DISPID> ids(names.size());
+  LateResult unknown;
+  unknown.raw = unknown.result =
+      object->GetIDsOfNames(IID_NULL, names.data(), static_cast<UINT>(names.size()), LOCALE_USER_DEFAULT, ids.data());
+  if (FAILED(unknown.raw)) return unknown;
+
+  // Named arguments come first, then the others from the last to the first.
+  std::vector<VARIANT> arguments;
+  for (const auto& [name, value] : call.named) arguments.push_back(value);
+  arguments.insert(arguments.end(), call.positional.rbegin(), call.positional.rend());
+  DISPPARAMS parameters{arguments.data(), ids.data() + 1, static_cast<UINT>(arguments.size()),
+                        static_cast<UINT>(call.named.size())};
+  DISPID putId = DISPID_PROPERTYPUT;
+  if (call.kind & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) {
+    parameters.rgdispidNamedArgs = &putId;
+    parameters.cNamedArgs = 1;
+  }
+  Variant value;
+  EXCEPINFO exception{};
+  UINT badArgument = 0xFFFF;
+  const HRESULT raw = object->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, call.kind, &parameters,
+                                     call.wantsResult ? value.out() : nullptr, &exception, &badArgument);
+  LateResult outcome = finish(raw, exception);
+  outcome.badArgument = badArgument;
+  outcome.value = std::move(value);
+  return outcome;
+}
+
+LateResult getProperty(IDispatch* object, const wchar_t* name) {
+  return invoke(object, {name, DISPATCH_PROPERTYGET, {}, {}, true});
+}
+
+LateResult putProperty(IDispatch* object, const wchar_t* name, const VARIANT& value) {
+  return invoke(object, {name, DISPATCH_PROPERTYPUT, {value}, {}, false});
+}
+
+LateResult putRefProperty(IDispatch* object, const wchar_t* name, const VARIANT& value) {
+  return invoke(object, {name, DISPATCH_PROPERTYPUTREF, {value}, {}, false});
+}
+
+Variant byRefText(Bstr& variable) {
+  Variant made;
+  V_VT(made.out()) = VT_BYREF | VT_BSTR;
+  V_BSTRREF(made.out()) = variable.inOut();
+  return made;
+}
+
+Variant byRefObject(Ptr<IDispatch>& variable) {
+  Variant made;
+  V_VT(made.out()) = VT_BYREF | VT_DISPATCH;
+  V_DISPATCHREF(made.out()) = variable.inOut();
+  return made;
+}
+
+STDMETHODIMP Holder::QueryInterface(REFIID iid, void** object) {
+  const bool extended = iid == __uuidof(IDispatchEx) && kind_ == Kind::kExtendable;
+  const bool known = extended || iid == IID_IUnknown || iid == IID_IDispatch;
+  *object = known ? this : nullptr;
+  if (known) AddRef();
+  return known ? S_OK : E_NOINTERFACE;
+}
+
+STDMETHODIMP Holder::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
+  const bool value = count == 1 && std::wcscmp(names[0], L"value") == 0;
+  const bool found = value && (kind_ == Kind::kHasValue || known_);
+  ids[0] = found ? kValue : DISPID_UNKNOWN;
+  return found ? S_OK : DISP_E_UNKNOWNNAME;
+}
+
+STDMETHODIMP Holder::GetDispID(BSTR name, DWORD flags, DISPID* id) {
+  if (std::wcscmp(name, L"value") == 0 && (flags & fdexNameEnsure) != 0) known_ = true;
+  *id = known_ ? kValue : DISPID_UNKNOWN;
+  return known_ ? S_OK : DISP_E_UNKNOWNNAME;
+}
+
+STDMETHODIMP Holder::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*, UINT*) {
+  const WORD puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
+  if (id != kValue || (flags & puts) == 0 || arguments->cArgs != 1) return DISP_E_MEMBERNOTFOUND;
+  if (arguments->cNamedArgs != 1 || arguments->rgdispidNamedArgs[0] != DISPID_PROPERTYPUT) return DISP_E_PARAMNOTFOUND;
+  set_ = true;
+  return VariantCopyInd(value_.out(), &arguments->rgvarg[0]);
+}
