@@ -23,8 +23,8 @@ void freeResult(VerifyResultRecord& result, Buffers& buffers);
 Verification verifyMemory(Session& session, const VerifyParamRecord& param, std::optional<ByteView> data,
                           ByteView message, DataBlob_t& out);
 
-/// The same with files; `data` and `out` may be null or empty. The output appears when the signatures are good, with or without
-/// remarks, and the message carries its content or keeps signatures.
+/// The same with files; `data` and `out` may be null or empty. The output appears when the signatures are good, with or
+/// without remarks, and the message carries its content or keeps signatures.
 Verification verifyFile(Session& session, const VerifyParamRecord& param, const char* data, const char* message,
                         const char* out);
 

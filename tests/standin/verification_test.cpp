@@ -255,6 +255,12 @@ TEST_F(Verification, FilesGiveTheSameAsMemory) {
   EXPECT_EQ(1u, verify(session, rest.out).verdicts.size());
 }
 
+TEST_F(Verification, EmptyPathIsAnAbsentFile) {
+  const Verified verified = verifyFile(open("bob"), materialPath("messages/attached.p7s"), "", {}, "");
+  EXPECT_CODE(0, verified.code);
+  EXPECT_CODE(kContentMissing, verifyFile(open("bob"), materialPath("messages/detached.p7s"), "", {}, "").code);
+}
+
 TEST_F(Verification, NothingIsWrittenForABadSignature) {
   const EngineSession session = open("bob");
   Bytes message = material("messages/attached.p7s");
