@@ -39,16 +39,28 @@ HRESULT FeedStream(StreamCtx& stream, const VARIANT& in, EngineCall call) {
   return FeedStream(stream, in, call, [] { return S_OK; });
 }
 
-/// The engine's count of bytes left. Scripts pass `left` by reference; the pointed-to type is not looked at.
-void WriteLeft(int32_t count, VARIANT* left) {
-  if (V_VT(left) == (VT_BYREF | VT_VARIANT) && V_VARIANTREF(left)) left = V_VARIANTREF(left);
-  if (V_ISBYREF(left)) {
-    if (V_I4REF(left)) *V_I4REF(left) = count;
-    return;
+/// Where the engine's count of bytes left goes: into the VARIANT itself, or through its reference, whose
+/// type is not looked at. A null reference is refused.
+class LeftOutput {
+ public:
+  explicit LeftOutput(VARIANT* left) : left_(left) {
+    if (left_ && V_VT(left_) == (VT_BYREF | VT_VARIANT)) left_ = V_VARIANTREF(left_);
+    if (left_ && V_ISBYREF(left_) && !V_I4REF(left_)) left_ = nullptr;
   }
-  V_VT(left) = VT_I4;
-  V_I4(left) = count;
-}
+  explicit operator bool() const { return left_ != nullptr; }
+
+  void write(int32_t count) {
+    if (V_ISBYREF(left_)) {
+      *V_I4REF(left_) = count;
+      return;
+    }
+    V_VT(left_) = VT_I4;
+    V_I4(left_) = count;
+  }
+
+ private:
+  VARIANT* left_;
+};
 
 }  // namespace
 
@@ -143,11 +155,12 @@ STDMETHODIMP QUIVO::StrEncryptFinalMem(IEncryptParam* param, IStreamCtx* hStr, V
 STDMETHODIMP QUIVO::StrDecryptInitMem(IDecryptParam* pIParam, VARIANT in, VARIANT* left, IStreamCtx* hStr) {
   DecryptParam* options = com::Own<DecryptParam>(pIParam);
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
-  if (!options || !stream || !left) return E_QUIVO_INVALID_ARGUMENT;
+  LeftOutput leftOut(left);
+  if (!options || !stream || !leftOut) return E_QUIVO_INVALID_ARGUMENT;
   return BeginStream(*stream, in, [&](const DataBlob_t* bytes) {
     int32_t count = 0;
     int32_t code = QUIVO_StrDecryptInitMem(session_, options->record(), bytes, &count, stream->stream());
-    WriteLeft(count, left);
+    leftOut.write(count);
     return code;
   });
 }
@@ -156,7 +169,8 @@ STDMETHODIMP QUIVO::StrDecryptUpdateMem(IDecryptParam* pIParam, IStreamCtx* hStr
                                         VARIANT* out) {
   DecryptParam* options = com::Own<DecryptParam>(pIParam);
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
-  if (!options || !stream || !left || !out) return E_QUIVO_INVALID_ARGUMENT;
+  LeftOutput leftOut(left);
+  if (!options || !stream || !leftOut || !out) return E_QUIVO_INVALID_ARGUMENT;
   DataBlob_t decrypted{};
   return FeedStream(
       *stream, in,
@@ -164,7 +178,7 @@ STDMETHODIMP QUIVO::StrDecryptUpdateMem(IDecryptParam* pIParam, IStreamCtx* hStr
         int32_t count = 0;
         int32_t code =
             QUIVO_StrDecryptUpdateMem(session_, options->record(), stream->stream(), bytes, &count, &decrypted);
-        WriteLeft(count, left);
+        leftOut.write(count);
         return code;
       },
       [&] { return WriteByteVariant(session_, decrypted, stream->isVbsForm(), out); });
