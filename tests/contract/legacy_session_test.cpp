@@ -101,6 +101,15 @@ TEST_F(LegacySession, AValueOfAnotherTypeKeepsItsDefault) {
   EXPECT_EQ(5u, flagsOfInit());
 }
 
+TEST_F(LegacySession, FourBytesOfAnotherTypeAreNoNumber) {
+  const DWORD past = now() - 2880 * 60 - 1;
+  setPeriods(past, 1, past, 1);
+  // Three characters and the terminator are as many bytes as a number, and would be a long period.
+  writeText(HKEY_LOCAL_MACHINE, kLegacyKey, L"CrlUpdatePeriod", L"zzz");
+  writeText(HKEY_LOCAL_MACHINE, kLegacyKey, L"KeyCheckPeriod", L"zzz");
+  EXPECT_EQ(6u, flagsOfInit());
+}
+
 TEST_F(LegacySession, ALastTimeOfAnotherTypeIsZero) {
   setPeriods(now(), 10, now(), 10);
   EXPECT_EQ(5u, flagsOfInit());
