@@ -31,7 +31,9 @@ ContractTest::~ContractTest() {
   EXPECT_EQ(std::vector<std::string>{}, engine().violations());
   EXPECT_EQ(0u, engine().openSessions()) << "engine sessions that were not closed";
   MallocSpy& spy = MallocSpy::get();
-  EXPECT_EQ(0u, spy.outstandingSince(comMark_)) << "BSTRs, SAFEARRAYs and other COM memory\n" << spy.since(comMark_);
+  if (countsComMemory_) {
+    EXPECT_EQ(0u, spy.outstandingSince(comMark_)) << "BSTRs, SAFEARRAYs and other COM memory\n" << spy.since(comMark_);
+  }
   engine().reset();
 }
 

@@ -59,6 +59,8 @@ class FileOpenWindows : public UiTest {
   }
   void SetUp() override {
     UiTest::SetUp();
+    // The save dialog remembers the folders that it has shown.
+    leaveOutComMemory();
     letWrite("QUIVO_VerifyFile", 4, "verified");
     letWrite("QUIVO_DecryptFile", 3, "decrypted");
     letWrite("QUIVO_DecryptAndVerifyFile", 4, "both");
