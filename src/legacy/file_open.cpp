@@ -75,7 +75,7 @@ void RememberFolderOf(const char* result, HKEY key) {
   char folder[MAX_PATH];
   if (!FolderOf(result, folder)) return;
   RegSetValueExA(key, kInputDirectory, 0, REG_SZ, reinterpret_cast<const BYTE*>(folder),
-                 static_cast<DWORD>(lstrlenA(folder) + 1));
+                 static_cast<DWORD>(lstrlenA(folder)) + 1);
 }
 
 /// One run of the entry.

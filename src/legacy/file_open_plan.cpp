@@ -40,7 +40,7 @@ SignedCopy SignedCopyOf(const char* result) {
   const char* backslash = std::strrchr(result, '\\');
   const char* name = backslash ? backslash + 1 : result;
   SignedCopy copy;
-  std::snprintf(copy.folder, sizeof(copy.folder), "%s\\P7S", folder);
-  std::snprintf(copy.file, sizeof(copy.file), "%s\\%s.p7s", copy.folder, name);
+  static_cast<void>(std::snprintf(copy.folder, sizeof(copy.folder), "%s\\P7S", folder));
+  static_cast<void>(std::snprintf(copy.file, sizeof(copy.file), "%s\\%s.p7s", copy.folder, name));
   return copy;
 }

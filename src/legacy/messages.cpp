@@ -1,6 +1,7 @@
 #include "legacy/messages.h"
 
 #include <cstdarg>
+#include <cstdio>
 #include <cstring>
 
 #include "engine/functions.h"
@@ -19,15 +20,15 @@ void ErrorText(int32_t code, char (&text)[kErrorTextSize + 1]) {
 }
 
 void ShowFailure(int32_t code, const char* format, const char* argument) {
-  char message[kMessageSize];
-  FormatText(message, format, argument);
-  char shown[kMessageSize + kMessageSize] = {};
-  std::strcpy(shown, message);
+  char first[kMessageSize];
+  FormatText(first, format, argument);
+  char second[kMessageSize] = {};
   if (code != kNoCode) {
     char reason[kErrorTextSize + 1];
     ErrorText(code, reason);
-    FormatText(message, "\n%s", reason);
-    std::strcat(shown, message);
+    FormatText(second, "\n%s", reason);
   }
+  char shown[kMessageSize + kMessageSize];
+  static_cast<void>(std::snprintf(shown, sizeof(shown), "%s%s", first, second));
   MessageBoxA(GetForegroundWindow(), shown, kLegacyCaption, MB_ICONHAND | MB_SETFOREGROUND);
 }

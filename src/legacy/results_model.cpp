@@ -54,7 +54,7 @@ void DescribeTime(uint32_t seconds, char (&text)[256]) {
   char clock[120] = {};
   GetDateFormatA(LOCALE_USER_DEFAULT, DATE_LONGDATE, &system, nullptr, date, sizeof(date));
   GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &system, nullptr, clock, sizeof(clock));
-  std::snprintf(text, sizeof(text), "%s  %s", date, clock);
+  static_cast<void>(std::snprintf(text, sizeof(text), "%s  %s", date, clock));
 }
 
 }  // namespace

@@ -48,7 +48,7 @@ class ResultsPage {
   void setIcon(HWND control, int icon) const;
   void show(const CertificateRecord* certificate) const;
 
-  const EngineSession session_;
+  EngineSession session_;
   const ResultsModel model_;
   const CommonControls& controls_;
   HWND page_ = nullptr;
@@ -172,7 +172,7 @@ INT_PTR CALLBACK PageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lP
       return TRUE;
     }
     case WM_COMMAND: {
-      auto* shown = reinterpret_cast<const ResultsPage*>(GetWindowLongPtrA(page, DWLP_USER));
+      const auto* shown = reinterpret_cast<const ResultsPage*>(GetWindowLongPtrA(page, DWLP_USER));
       if (shown && HIWORD(wParam) == BN_CLICKED) shown->command(LOWORD(wParam));
       return TRUE;
     }

@@ -1,5 +1,6 @@
 #include "legacy/subject_name.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -7,6 +8,8 @@ namespace {
 /// A text of bounded length; what does not fit is dropped.
 class Name {
  public:
+  static constexpr size_t kSize = kNameSize;
+
   void add(char c) {
     if (length_ + 1 < kNameSize) text_[length_++] = c;
   }
@@ -20,6 +23,7 @@ class Name {
   /// What has been added so far is no space to be trimmed.
   void keep() { kept_ = length_; }
   bool isEmpty() const { return length_ == 0; }
+  /// NUL-terminated, in `kSize` bytes.
   const char* text() const { return text_; }
 
  private:
@@ -96,9 +100,8 @@ class Attributes {
 };
 
 bool IsOneOf(const char* key, size_t length, const char* const (&names)[4]) {
-  for (const char* name : names)
-    if (std::strlen(name) == length && _strnicmp(key, name, length) == 0) return true;
-  return false;
+  return std::ranges::any_of(
+      names, [&](const char* name) { return std::strlen(name) == length && _strnicmp(key, name, length) == 0; });
 }
 
 constexpr const char* kCommonName[] = {"CN", "commonName", "2.5.4.3", "OID.2.5.4.3"};
@@ -123,5 +126,6 @@ void NameFromSubject(const char* subject, char (&name)[kNameSize]) {
     whole.add(organisation.text());
     if (whole.isEmpty()) whole.add(subject);
   }
-  std::strcpy(name, whole.text());
+  static_assert(sizeof(name) == Name::kSize);
+  std::memcpy(name, whole.text(), kNameSize);
 }

@@ -2,7 +2,7 @@
 
 #include <new>
 
-ThreadAnsi::ThreadAnsi(BSTR text) {
+ThreadAnsi::ThreadAnsi(const wchar_t* text) {
   const wchar_t* wide = text ? text : L"";
   int size = WideCharToMultiByte(CP_THREAD_ACP, 0, wide, -1, nullptr, 0, nullptr, nullptr);
   if (size == 0) return;

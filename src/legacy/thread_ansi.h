@@ -7,7 +7,7 @@
 /// everywhere in automation.
 class ThreadAnsi {
  public:
-  explicit ThreadAnsi(BSTR text);
+  explicit ThreadAnsi(const wchar_t* text);
 
   /// False without memory, and when the platform cannot convert.
   explicit operator bool() const { return text_ != nullptr; }
