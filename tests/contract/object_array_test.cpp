@@ -49,6 +49,9 @@ Ptr<IDispatch> receiver(const wchar_t* subject) {
         textOffset, takesVariants \
   }
 
+/// Too long for the place of a string that it replaces.
+const std::wstring kLonger(200, L'x');
+
 class ObjectArrayTest : public ContractTest, public ::testing::WithParamInterface<ObjectArrayProperty> {
  protected:
   void SetUp() override { object_ = GetParam().make(); }
@@ -180,15 +183,15 @@ TEST_P(ObjectArrayTest, LaterChangeOfAnElementLeavesNoFreedPointer) {
   Ptr<IDispatch> held = element(L"before");
   EXPECT_OK(put(objects({held})));
   if (Ptr<IPolicy> typed = held.as<IPolicy>()) {
-    EXPECT_OK(typed->put_oid(Bstr(L"after")));
+    EXPECT_OK(typed->put_oid(Bstr(kLonger)));
   }
   if (Ptr<IExtension> typed = held.as<IExtension>()) {
-    EXPECT_OK(typed->put_oid(Bstr(L"after")));
+    EXPECT_OK(typed->put_oid(Bstr(kLonger)));
   }
   if (Ptr<ICertificate> typed = held.as<ICertificate>()) {
-    EXPECT_OK(typed->put_subject(Bstr(L"after")));
+    EXPECT_OK(typed->put_subject(Bstr(kLonger)));
   }
-  EXPECT_EQ("after", recordText(0));
+  EXPECT_EQ(std::string(200, 'x'), recordText(0));
 }
 
 TEST_P(ObjectArrayTest, OtherTypesAreRefused) {

@@ -17,6 +17,7 @@ TEST_P(ResultMappingTest, OneIsFalse) { EXPECT_HR(S_FALSE, run(1)); }
 TEST_P(ResultMappingTest, PositiveCodeIsRebased) {
   EXPECT_HR(0xE0691234, run(0x1234));
   EXPECT_HR(0xE0690002, run(2));
+  EXPECT_HR(0xE069FEDC, run(0xFEDC));
 }
 
 TEST_P(ResultMappingTest, HighBitsOfAPositiveCodeAreDropped) { EXPECT_HR(0xE0690019, run(0x70700019)); }

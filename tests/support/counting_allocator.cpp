@@ -2,8 +2,11 @@
 // both counts to the tests.
 #include <windows.h>
 
+#include <malloc.h>
+
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 #include "com/module.h"
@@ -33,6 +36,8 @@ void* allocateOrEnd(size_t size) {
 void release(void* block) noexcept {
   if (block == nullptr) return;
   --live;
+  // A late reader shall not find what was there.
+  std::memset(block, 0xDD, _msize(block));
   std::free(block);
 }
 
