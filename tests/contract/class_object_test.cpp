@@ -179,6 +179,20 @@ TEST_F(ClassObjectTest, TwoThreadsNeverGetTwoFactories) {
   }
 }
 
+TEST_F(ClassObjectTest, ModuleThatWasNotInitialisedHasNoClassObjects) {
+  const std::wstring path = programFolder() + L"\\idle" + std::to_wstring(GetCurrentProcessId()) + L".dll";
+  CopyFileW(Module::get().path().c_str(), path.c_str(), FALSE);
+  const HMODULE idle = LoadLibraryExW(path.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
+  ASSERT_NE(nullptr, idle);
+  const auto getClassObject =
+      reinterpret_cast<GetClassObject>(reinterpret_cast<void*>(GetProcAddress(idle, "DllGetClassObject")));
+  void* object = this;
+  EXPECT_HR(0x8000FFFFu, getClassObject(__uuidof(CertId), IID_IClassFactory, &object));
+  EXPECT_EQ(nullptr, object);
+  FreeLibrary(idle);
+  DeleteFileW(path.c_str());
+}
+
 TEST_F(ClassObjectTest, UnloadingReleasesFactoriesWithoutAFault) {
   FreshModule module;
   Ptr<IClassFactory> factory;

@@ -126,6 +126,34 @@ TEST_F(ReceiversTest, NullArraysAreRefused) {
   EXPECT_HR(E_INVALIDARG, put(nothing));
 }
 
+TEST_F(ReceiversTest, ChangedPartsOfAReceiverLeaveNoFreedPointer) {
+  Ptr<ICertificate> certificate = receiver(L"x");
+  Ptr<IPolicy> policy = make<Policy>();
+  Ptr<IAltName> name = make<AltName>();
+  EXPECT_OK(policy->put_oid(Bstr(L"before")));
+  EXPECT_OK(name->put_DNS(Bstr(L"before")));
+  EXPECT_OK(certificate->put_policies(objects({policy})));
+  EXPECT_OK(certificate->putref_subjectAltName(name));
+  EXPECT_OK(put(objects({certificate})));
+  EXPECT_OK(policy->put_oid(Bstr(L"a text that is longer than the one before")));
+  EXPECT_OK(name->put_DNS(Bstr(L"a text that is longer than the one before")));
+  const fake::Snapshot seen = record().at(24).element(0, 408);
+  EXPECT_EQ("a text that is longer than the one before", seen.at(336).text(0));
+  EXPECT_EQ("a text that is longer than the one before", seen.text(200 + 8));
+}
+
+TEST_F(ReceiversTest, ClearedPartsOfAReceiverLeaveNoFreedPointer) {
+  Ptr<ICertificate> certificate = receiver(L"x");
+  EXPECT_OK(certificate->put_extKeyUsage(strings({L"1.2.3"})));
+  EXPECT_OK(certificate->put_extensions(objects({make<Extension>()})));
+  EXPECT_OK(put(variants({Variant::object(certificate)})));
+  EXPECT_OK(certificate->put_extKeyUsage(Variant()));
+  EXPECT_OK(certificate->put_extensions(Variant()));
+  const fake::Snapshot seen = record().at(24).element(0, 408);
+  EXPECT_EQ(0, seen.i32(344));
+  EXPECT_EQ(0, seen.i32(360));
+}
+
 TEST_F(ReceiversTest, WholeCertificateRecordIsCopied) {
   Ptr<ICertificate> certificate = receiver(L"subject");
   EXPECT_OK(certificate->put_certEncoded(bytes({1, 2, 3})));

@@ -85,6 +85,12 @@ TEST_P(StringArrayPropertyTest, ArrayWithoutElementsClears) {
   EXPECT_EQ(0, recordCount());
 }
 
+TEST_P(StringArrayPropertyTest, DimensionWithoutElementsClears) {
+  EXPECT_OK(put(strings({L"one"})));
+  EXPECT_OK(put(manyDimensions(VT_BSTR, {{0, 0}, {3, 0}})));
+  EXPECT_EQ(0, recordCount());
+}
+
 TEST_P(StringArrayPropertyTest, ShorterArrayReplacesALongerOne) {
   EXPECT_OK(put(strings({L"one", L"two", L"three"})));
   EXPECT_OK(put(strings({L"four"})));
