@@ -16,9 +16,9 @@ int cleanUpCount;
 
 }  // namespace
 
-void Attach(HINSTANCE handle) {
+void Attach(HINSTANCE self) {
   InitializeCriticalSection(&section);
-  instance = handle;
+  instance = self;
 }
 
 void Detach() {

@@ -1,8 +1,7 @@
 #include "convert/dates.h"
 
-#include <time.h>
-
 #include <cmath>
+#include <ctime>
 
 namespace {
 
