@@ -197,6 +197,7 @@ TEST_F(ClassObjectTest, UnloadingReleasesFactoriesWithoutAFault) {
   FreshModule module;
   Ptr<IClassFactory> factory;
   const auto getClassObject = module.entry<GetClassObject>("DllGetClassObject");
+  ASSERT_NE(nullptr, getClassObject);
   ASSERT_OK(getClassObject(__uuidof(CertId), IID_IClassFactory, factory.voidOut()));
   {
     Ptr<ICertId> id;

@@ -2,6 +2,7 @@
 #include "support/foreign_object.h"
 #include "contract/calls.h"
 #include "contract/records.h"
+#include "support/object_safety.h"
 #include "support/outer_object.h"
 
 namespace {
@@ -220,6 +221,15 @@ TEST_F(AggregatedArgumentTest, AggregatedParametersOpenASession) {
   EXPECT_OK(make<QUIVO>()->InitializeEx(local.object));
   Aggregated<RSrvParam> remote;
   EXPECT_OK(make<QUIVO>()->InitializeEx(remote.object));
+}
+
+TEST_F(AggregatedArgumentTest, AggregatedMainObjectNegotiatesSafety) {
+  Aggregated<QUIVO> quivo;
+  Ptr<IObjectSafety> safety = quivo.outer.inner.as<IObjectSafety>();
+  ASSERT_NE(nullptr, safety.get());
+  EXPECT_OK(safety->SetInterfaceSafetyOptions(IID_IDispatch, 2, 2));
+  EXPECT_HR(kAccessDenied, quivo.object->HashFile(Bstr(L"x"), Variant().out()));
+  EXPECT_EQ(static_cast<IUnknown*>(&quivo.outer), safety.as<IUnknown>().get());
 }
 
 TEST_F(AggregatedArgumentTest, AggregatedMainObjectWorks) {

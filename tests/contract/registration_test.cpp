@@ -168,6 +168,7 @@ class MovedModule {
     RemoveDirectoryW(folder_.c_str());
   }
   std::wstring path() const { return folder_ + L"\\moved.dll"; }
+  bool loaded() const { return handle_ != nullptr; }
   HRESULT install() const {
     return reinterpret_cast<HRESULT(WINAPI*)()>(
         reinterpret_cast<void*>(GetProcAddress(handle_, "DllRegisterServer")))();
@@ -180,12 +181,14 @@ class MovedModule {
 
 TEST_F(RegistrationTest, PathWithBlanksAndQuotesIsWrittenAsItIs) {
   const MovedModule module(L"it's a 'quoted' folder");
+  ASSERT_TRUE(module.loaded());
   EXPECT_OK(module.install());
   EXPECT_TREE(keysOfAllClasses(module.path()), classesIn(root()));
 }
 
 TEST_F(RegistrationTest, PathWithPercentSignsAndCyrillicIsWrittenAsItIs) {
   const MovedModule module(L"100% %MODULE% \x043F\x0430\x043F\x043A\x0430");
+  ASSERT_TRUE(module.loaded());
   EXPECT_OK(module.install());
   EXPECT_TREE(keysOfAllClasses(module.path()), classesIn(root()));
 }
