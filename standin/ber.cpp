@@ -108,6 +108,12 @@ Bytes encode(uint8_t tag, ByteView content) {
   return element;
 }
 
+Bytes encodeStart(uint8_t tag, ByteView start, uint64_t more) {
+  Bytes bytes = encodeHeader(tag, start.size() + more);
+  append(bytes, start);
+  return bytes;
+}
+
 Bytes join(std::initializer_list<ByteView> parts) {
   Bytes joined;
   for (const ByteView part : parts) append(joined, part);

@@ -67,6 +67,8 @@ std::vector<ByteView> childrenOf(ByteView element);
 
 Bytes encodeHeader(uint8_t tag, uint64_t length);
 Bytes encode(uint8_t tag, ByteView content);
+/// The header of an element and what it begins with, where `more` bytes of the element are still to come.
+Bytes encodeStart(uint8_t tag, ByteView start, uint64_t more);
 Bytes join(std::initializer_list<ByteView> parts);
 /// Puts elements into the order of a SET OF in DER, each once.
 void sortAsSet(std::vector<Bytes>& elements);

@@ -8,13 +8,6 @@
 namespace standin {
 namespace {
 
-/// The header of an element and what it begins with, where `more` bytes of the element are still to come.
-Bytes wrap(uint8_t tag, ByteView start, uint64_t more) {
-  Bytes bytes = ber::encodeHeader(tag, start.size() + more);
-  append(bytes, start);
-  return bytes;
-}
-
 Bytes wrapIndefinite(uint8_t tag, ByteView start) {
   Bytes bytes = {tag, 0x80};
   append(bytes, start);
@@ -22,9 +15,9 @@ Bytes wrapIndefinite(uint8_t tag, ByteView start) {
 }
 
 Bytes finishHeader(const Bytes& before, ByteView encrypted_info, uint64_t behind) {
-  const Bytes message = wrap(ber::kSequence, ber::join({before, encrypted_info}), behind);
-  const Bytes explicit_message = wrap(ber::kContext0Constructed, message, behind);
-  return wrap(ber::kSequence, ber::join({kOidEnvelopedData, explicit_message}), behind);
+  const Bytes message = ber::encodeStart(ber::kSequence, ber::join({before, encrypted_info}), behind);
+  const Bytes explicit_message = ber::encodeStart(ber::kContext0Constructed, message, behind);
+  return ber::encodeStart(ber::kSequence, ber::join({kOidEnvelopedData, explicit_message}), behind);
 }
 
 }  // namespace
@@ -65,7 +58,8 @@ Bytes EnvelopedParts::withoutContent() const {
 
 Bytes EnvelopedParts::header(uint64_t ciphertext_length) const {
   const Bytes octets = ber::encodeHeader(ber::kContext0, ciphertext_length);
-  const Bytes info = wrap(ber::kSequence, ber::join({content_type, content_cipher, octets}), ciphertext_length);
+  const Bytes info =
+      ber::encodeStart(ber::kSequence, ber::join({content_type, content_cipher, octets}), ciphertext_length);
   return finishHeader(beforeContent(), info, ciphertext_length);
 }
 

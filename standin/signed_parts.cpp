@@ -85,28 +85,22 @@ Bytes SignedParts::trailer() const {
 
 namespace {
 
-/// The header of an element and what it begins with, where `more` bytes of the element are still to come.
-Bytes wrap(uint8_t tag, ByteView start, uint64_t more) {
-  Bytes bytes = ber::encodeHeader(tag, start.size() + more);
-  append(bytes, start);
-  return bytes;
-}
-
 Bytes finishHeader(const SignedParts& parts, ByteView encapsulated, uint64_t behind, size_t trailer_length) {
   const uint8_t version[] = {static_cast<uint8_t>(parts.version)};
   const Bytes start = ber::join({ber::encode(ber::kInteger, version),
                                  ber::encode(ber::kSet, ber::joinSorted(parts.digest_algorithms)), encapsulated});
-  const Bytes message = wrap(ber::kSequence, start, behind + trailer_length);
-  const Bytes explicit_message = wrap(ber::kContext0Constructed, message, behind + trailer_length);
-  return wrap(ber::kSequence, ber::join({kOidSignedData, explicit_message}), behind + trailer_length);
+  const Bytes message = ber::encodeStart(ber::kSequence, start, behind + trailer_length);
+  const Bytes explicit_message = ber::encodeStart(ber::kContext0Constructed, message, behind + trailer_length);
+  return ber::encodeStart(ber::kSequence, ber::join({kOidSignedData, explicit_message}), behind + trailer_length);
 }
 
 }  // namespace
 
 Bytes SignedParts::header(uint64_t content_length, size_t trailer_length) const {
   const Bytes octets = ber::encodeHeader(ber::kOctetString, content_length);
-  const Bytes explicit_octets = wrap(ber::kContext0Constructed, octets, content_length);
-  const Bytes encapsulated = wrap(ber::kSequence, ber::join({content_type, explicit_octets}), content_length);
+  const Bytes explicit_octets = ber::encodeStart(ber::kContext0Constructed, octets, content_length);
+  const Bytes encapsulated =
+      ber::encodeStart(ber::kSequence, ber::join({content_type, explicit_octets}), content_length);
   return finishHeader(*this, encapsulated, content_length, trailer_length);
 }
 

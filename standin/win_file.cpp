@@ -30,10 +30,6 @@ ByteView InputFile::next() {
   return {piece_.data(), read};
 }
 
-void InputFile::rewind() {
-  if (!SetFilePointerEx(handle_.get(), LARGE_INTEGER{}, nullptr, FILE_BEGIN)) failWithLastError();
-}
-
 Bytes readWholeFile(const char* path, uint64_t limit) {
   InputFile file(path);
   if (file.size() > limit) fail(kTooLarge);

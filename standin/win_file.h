@@ -48,7 +48,6 @@ class InputFile {
   uint64_t size() const { return size_; }
   /// The next piece, valid until the following call; empty at the end of the file.
   ByteView next();
-  void rewind();
   void close() { handle_.reset(); }
 
  private:
