@@ -27,7 +27,8 @@ class ObjectArray {
   }
 
   /// Assigns VT_EMPTY (clears) or an array of objects, also by reference. Another type, or an object that is
-  /// not a `Class` of this module, is E_INVALIDARG and changes nothing.
+  /// not a `Class` of this module, is E_INVALIDARG and changes nothing; after another failure the former objects
+  /// are gone.
   HRESULT put(const VARIANT& value) { return assign(value, false); }
 
   /// As put; accepts a script's array of VARIANTs too, whose objects read back as null references. Kept on
@@ -47,14 +48,11 @@ class ObjectArray {
   }
 
  private:
-  using Objects = std::unique_ptr<com::Ref<IDispatch>[]>;
-  using Records = std::unique_ptr<Record[]>;
-
   HRESULT assign(const VARIANT& value, bool alsoVariants) {
     const VARIANT* given = com::Dereference(value);
     if (!given) return E_INVALIDARG;
     if (V_VT(given) == VT_EMPTY) {
-      replace(nullptr, nullptr, 0, true);
+      clear();
       return S_OK;
     }
     SAFEARRAY* array = nullptr;
@@ -67,43 +65,46 @@ class ObjectArray {
   HRESULT fill(SAFEARRAY* array, VARTYPE type, bool isShown) {
     if (!com::Holds(array, type, sizeof(Element))) return E_INVALIDARG;
     com::ArrayView<const Element> elements;
-    HRESULT hr = elements.lock(array);
+    HRESULT locked = elements.lock(array);
+    // A script's array is locked before the former contents go, an array of objects is not: kept on purpose.
+    if (FAILED(locked) && !isShown) return locked;
+    for (ULONG i = 0; i < elements.size(); ++i)
+      if (!isAccepted(elements[i])) return E_INVALIDARG;
+    HRESULT hr = makeRoom(com::ElementCount(array), isShown);
+    if (SUCCEEDED(hr)) hr = locked;
     if (FAILED(hr)) return hr;
-    ULONG size = elements.size();
-    Objects objects(new (std::nothrow) com::Ref<IDispatch>[size]);
-    Records records(new (std::nothrow) Record[size]());
-    if (!objects || !records) return E_OUTOFMEMORY;
-    for (ULONG i = 0; i < size; ++i) {
-      IDispatch* element = nullptr;
-      if (!objectOf(elements[i], &element)) return E_INVALIDARG;
-      Class* object = com::Own<Class>(element);
-      if (element && !object) return E_INVALIDARG;
-      objects[i] = com::Ref<IDispatch>(element);
-      if (object) records[i] = *object->record();
-    }
-    replace(std::move(objects), std::move(records), static_cast<int32_t>(size), isShown);
+    for (ULONG i = 0; i < elements.size(); ++i) objects_[i] = com::Ref<IDispatch>(objectOf(elements[i]));
+    refresh();
     return elements.unlock();
   }
 
-  static bool objectOf(IDispatch* element, IDispatch** object) {
-    *object = element;
-    return true;
+  static bool isAccepted(IDispatch* element) { return !element || com::Own<Class>(element); }
+  static bool isAccepted(const VARIANT& element) {
+    return V_VT(&element) == VT_DISPATCH && isAccepted(V_DISPATCH(&element));
   }
-  static bool objectOf(const VARIANT& element, IDispatch** object) {
-    if (V_VT(&element) != VT_DISPATCH) return false;
-    *object = V_DISPATCH(&element);
-    return true;
+  static IDispatch* objectOf(IDispatch* element) { return element; }
+  static IDispatch* objectOf(const VARIANT& element) { return V_DISPATCH(&element); }
+
+  void clear() {
+    count_ = 0;
+    objects_.reset();
+    records_.reset();
+    isShown_ = true;
   }
 
-  void replace(Objects objects, Records records, int32_t count, bool isShown) {
-    objects_ = std::move(objects);
-    records_ = std::move(records);
-    count_ = count;
+  /// Drops the former contents and holds `count` null references with empty records; nothing after a failure.
+  HRESULT makeRoom(ULONG count, bool isShown) {
+    clear();
+    objects_.reset(new (std::nothrow) com::Ref<IDispatch>[count]);
+    records_.reset(new (std::nothrow) Record[count]());
+    if (!objects_ || !records_) return E_OUTOFMEMORY;
+    count_ = static_cast<int32_t>(count);
     isShown_ = isShown;
+    return S_OK;
   }
 
-  Objects objects_;
-  Records records_;
+  std::unique_ptr<com::Ref<IDispatch>[]> objects_;
+  std::unique_ptr<Record[]> records_;
   int32_t count_ = 0;
   bool isShown_ = true;
 };

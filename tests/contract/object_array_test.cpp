@@ -230,6 +230,48 @@ TEST_P(ObjectArrayTest, ElementOfAnotherClassOfTheModuleIsRefused) {
   EXPECT_EQ(1u, wrong.references());
 }
 
+TEST_P(ObjectArrayTest, RefusedElementChangesNothing) {
+  ForeignObject foreign;
+  expectRefused(objects({element(L"1"), foreign}));
+  expectRefused(objects({make<SignParam>().as<IDispatch>()}));
+}
+
+TEST_P(ObjectArrayTest, OnlyOneLevelOfReferenceIsFollowed) {
+  Variant given = objects({element(L"1")});
+  Variant reference = byRef(given);
+  expectRefused(byRef(reference));
+}
+
+TEST_P(ObjectArrayTest, ArrayThatHoldsAnotherTypeIsRefused) {
+  Variant given = strings({L"x"});
+  V_VT(given.out()) = kObjectArray;
+  expectRefused(given);
+  V_VT(given.out()) = kStringArray;
+}
+
+TEST_P(ObjectArrayTest, ArrayThatCannotBeLockedLeavesNullReferences) {
+  Ptr<IDispatch> former = element(L"former");
+  EXPECT_OK(put(objects({former})));
+  Variant given = objects({element(L"1"), element(L"2")});
+  given.safeArray()->cLocks = 0xFFFF;
+  EXPECT_HR(E_UNEXPECTED, put(given));
+  given.safeArray()->cLocks = 0;
+  EXPECT_EQ(1u, former.references());
+  ASSERT_EQ(2u, kept().size());
+  EXPECT_EQ(nullptr, kept()[0].get());
+  EXPECT_EQ(2, recordCount());
+}
+
+TEST_P(ObjectArrayTest, FormerObjectsAreGoneWhenThereIsNoMemory) {
+  Ptr<IDispatch> former = element(L"former");
+  EXPECT_OK(put(objects({former})));
+  Variant given = objects({element(L"1")});
+  Module::get().failAllocation(0);
+  EXPECT_HR(E_OUTOFMEMORY, put(given));
+  EXPECT_EQ(1u, former.references());
+  EXPECT_EQ(0, recordCount());
+}
+
 TEST_P(ObjectArrayTest, EveryAllocationFailureIsReported) {
   Variant given = objects({element(L"1"), element(L"2")});
   for (int succeeding = 0; succeeding < 20; ++succeeding) {
@@ -259,7 +301,7 @@ TEST_P(ObjectArrayTest, ArrayThatCannotBeCreatedLeavesTheVariant) {
 
 TEST_P(ObjectArrayTest, NullPointerForTheValueIsRefused) {
   Ptr<IDispatch> object = GetParam().make();
-  EXPECT_TRUE(FAILED(GetParam().get(object, nullptr)));
+  EXPECT_HR(E_POINTER, GetParam().get(object, nullptr));
 }
 
 INSTANTIATE_TEST_SUITE_P(Properties, ObjectArrayTest,

@@ -86,6 +86,26 @@ TEST_F(ReceiversTest, ScriptArrayReplacesHeldReceivers) {
   EXPECT_EQ("script", subject(0));
 }
 
+TEST_F(ReceiversTest, ObjectsGivenAfterAScriptArrayAreReadBack) {
+  Ptr<ICertificate> script = receiver(L"script"), held = receiver(L"held");
+  EXPECT_OK(put(variants({Variant::object(script)})));
+  EXPECT_OK(put(objects({held})));
+  ASSERT_EQ(1u, kept().size());
+  EXPECT_EQ(static_cast<IDispatch*>(held.get()), kept()[0].get());
+}
+
+TEST_F(ReceiversTest, NothingInAScriptArrayIsAnEmptyRecord) {
+  EXPECT_OK(put(variants({Variant::object(nullptr)})));
+  EXPECT_EQ(1, record().i32(16));
+  EXPECT_TRUE(record().at(24).element(0, 408).allZero());
+}
+
+TEST_F(ReceiversTest, RefusedScriptArrayChangesNothing) {
+  EXPECT_OK(put(objects({receiver(L"kept")})));
+  EXPECT_HR(E_INVALIDARG, put(variants({Variant::object(receiver(L"first")), Variant::number(1)})));
+  EXPECT_EQ("kept", subject(0));
+}
+
 TEST_F(ReceiversTest, EmptyScriptArrayClears) {
   EXPECT_OK(put(objects({receiver(L"held")})));
   EXPECT_OK(put(variants({})));
