@@ -16,8 +16,13 @@ class ByteInput {
   bool isVbsForm() const { return isVbsForm_; }
   /// False for an empty VARIANT.
   bool isGiven() const { return isGiven_; }
-  /// Ends the use of the caller's array. Returns the failure of its unlocking, else S_OK.
-  HRESULT release() { return view_.unlock(); }
+  /// Unlocks the caller's array, or frees the copy; blob() is gone then. Returns the failure of the unlocking,
+  /// else S_OK.
+  HRESULT release() {
+    copy_.reset();
+    blob_ = {};
+    return view_.unlock();
+  }
 
  private:
   friend HRESULT ReadByteVariant(const VARIANT& in, ByteInput& out);

@@ -80,6 +80,10 @@ HRESULT TransformBytes(const QUIVO& quivo, const VARIANT& in, VARIANT* out, Engi
   return TransformBytes(quivo, in, out, call, [](HRESULT hr) { return hr; });
 }
 
+/// The message of an accepted verification into `out`, given that its signatures could be told (`told` is S_OK);
+/// else the message goes back to the engine unread and `told` is returned.
+HRESULT WriteVerified(EngineSession session, HRESULT told, const DataBlob_t& message, bool vbsForm, VARIANT* out);
+
 /// The text of the engine's failure `code` into `text`, for the methods that answer with a text.
 inline void TellFailure(QUIVO& quivo, int32_t code, VARIANT* text) { quivo.GetPKIErrorTextVBS(code, text); }
 

@@ -119,8 +119,7 @@ STDMETHODIMP QUIVO::StrVerifyFinalMem(IVerifyParam* param, IStreamCtx* hStr, VAR
   int32_t code = QUIVO_StrVerifyFinalMem(session_, options->record(), stream->stream(), &out, &result);
   HRESULT hr = SignStatusArrayFromResult(session_, &result, VerifyResults);
   if (code != 0) return ToModuleHResult(code);
-  if (hr == S_OK) hr = WriteByteVariant(session_, out, stream->isVbsForm(), sign_out);
-  return ToModuleHResult(hr);
+  return ToModuleHResult(WriteVerified(session_, hr, out, stream->isVbsForm(), sign_out));
 }
 
 STDMETHODIMP QUIVO::StrEncryptInitMem(IEncryptParam* param, IStreamCtx* hStr) {

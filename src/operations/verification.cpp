@@ -18,7 +18,7 @@ STDMETHODIMP QUIVO::VerifyMem(IVerifyParam* pIVerifyParam, VARIANT data, VARIANT
   // A failed verification tells its signatures too.
   hr = SignStatusArrayFromResult(session_, &result, VerifyResults);
   if (code != 0) return ToModuleHResult(code);
-  if (hr == S_OK) hr = WriteByteVariant(session_, out, bytes.isVbsForm(), sign_out);
+  hr = WriteVerified(session_, hr, out, bytes.isVbsForm(), sign_out);
   return ToModuleHResult(FirstFailure(released, hr));
 }
 

@@ -233,6 +233,14 @@ TEST_P(ByteInputTest, FailedUnlockIsTheResultOfASuccessfulCall) {
   value.safeArray()->cLocks = 0;
 }
 
+TEST_P(ByteInputTest, EngineCodeWinsOverAFailedUnlock) {
+  Variant value = bytes({1});
+  reply().result = 0x19;
+  reply().during = [&] { value.safeArray()->cLocks = 0; };
+  EXPECT_HR(0xE0690019, pass(value));
+  value.safeArray()->cLocks = 0;
+}
+
 INSTANTIATE_TEST_SUITE_P(Arguments, ByteInputTest, ::testing::ValuesIn(kByteInputs), nameOfRow<ByteInput>);
 
 }  // namespace

@@ -112,7 +112,6 @@ TEST_P(ByteOutputTest, UpdatesAreWrittenWhateverTheEngineReports) {
 }
 
 TEST_P(ByteOutputTest, ArrayThatCannotBeCreatedIsReportedAndTheBufferGivenBack) {
-  const bool verification = std::string(GetParam().function).find("Verify") != std::string::npos;
   for (int succeeding = 0;; ++succeeding) {
     Variant output = Variant::number(77);
     reply().during = [&] { MallocSpy::get().failAllocation(succeeding); };
@@ -126,10 +125,38 @@ TEST_P(ByteOutputTest, ArrayThatCannotBeCreatedIsReportedAndTheBufferGivenBack) 
     }
     EXPECT_HR(kOutOfMemory, result) << succeeding;
     EXPECT_EQ(VT_I4, output.type()) << succeeding;
-    // Where the results could not be built, the message of a verification is not taken over.
-    if (verification) engine().releaseOutstanding();
     EXPECT_EQ(std::vector<std::string>{}, engine().outstanding()) << succeeding;
   }
+}
+
+/// An output VARIANT that cannot be cleared: it holds an array that somebody has locked.
+class LockedOutput {
+ public:
+  LockedOutput() {
+    EXPECT_OK(SafeArrayLock(array_.safeArray()));
+    value = array_.get();
+  }
+  ~LockedOutput() {
+    EXPECT_OK(SafeArrayUnlock(array_.safeArray()));
+    if (V_ARRAY(&value) != array_.safeArray()) VariantClear(&value);
+  }
+  VARIANT value;
+
+ private:
+  Variant array_ = bytes({1});
+};
+
+TEST_P(ByteOutputTest, VariantThatCannotBeClearedIsReportedThoughTheBytesAreThere) {
+  LockedOutput output;
+  EXPECT_HR(DISP_E_ARRAYISLOCKED, GetParam().call(Objects(openQuivo()), false, &output.value));
+  EXPECT_EQ(kByteArray, V_VT(&output.value));
+  EXPECT_EQ(3u, V_ARRAY(&output.value)->rgsabound[0].cElements);
+}
+
+TEST_P(ByteOutputTest, VariantThatCannotBeEmptiedIsReported) {
+  reply().output = {};
+  LockedOutput output;
+  EXPECT_HR(DISP_E_ARRAYISLOCKED, GetParam().call(Objects(openQuivo()), false, &output.value));
 }
 
 TEST_P(ByteOutputTest, NullPointerIsRefusedBeforeTheEngineIsCalled) {
@@ -139,5 +166,36 @@ TEST_P(ByteOutputTest, NullPointerIsRefusedBeforeTheEngineIsCalled) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Results, ByteOutputTest, ::testing::ValuesIn(kByteOutputs), nameOfRow<ByteOutput>);
+
+class ByteOutputOfDataTest : public ByteOutputTest {};
+
+TEST_P(ByteOutputOfDataTest, CopyOfTheDataIsGoneBeforeTheOutputIsMade) {
+  Variant output;
+  const long before = Module::get().liveAllocations();
+  long during = -1;
+  engine().on("QUIVO_FreeMem").during = [&] { during = Module::get().liveAllocations(); };
+  EXPECT_OK(run(true, output));
+  EXPECT_EQ(before, during);
+}
+
+INSTANTIATE_TEST_SUITE_P(Results, ByteOutputOfDataTest,
+                         ::testing::ValuesIn(rowsNamed(kByteOutputs,
+                                                       {"HashMem", "SignMem", "VerifyMem", "EncryptMem", "DecryptMem",
+                                                        "StrEncryptUpdateMem", "StrDecryptUpdateMem"})),
+                         nameOfRow<ByteOutput>);
+
+using EmptyBufferTest = ContractTest;
+
+TEST_F(EmptyBufferTest, BufferOfNoBytesIsLeftToTheEngine) {
+  static uint8_t buffer;
+  engine().on("QUIVO_HashMem").during = [&] {
+    // The pointer of the blob, behind its length.
+    *reinterpret_cast<uint8_t**>(engine().only("QUIVO_HashMem").value(2) + 8) = &buffer;
+  };
+  Variant output = Variant::number(77);
+  EXPECT_OK(openQuivo()->HashMem(bytes({1}), output.out()));
+  EXPECT_EQ(VT_EMPTY, output.type());
+  EXPECT_EQ(0u, engine().count("QUIVO_FreeMem"));
+}
 
 }  // namespace

@@ -268,25 +268,6 @@ const std::vector<EngineCall> kEngineCalls{
      }},
 };
 
-const std::vector<EngineCall> kFileMethods{
-    {"DecryptFile", "QUIVO_DecryptFile",
-     [](const Objects& o) { return o.quivo->DecryptFile(o.decrypt, path(), path(), Ptr<ICertificate>().out()); }},
-    {"EncryptFile", "QUIVO_EncryptFile",
-     [](const Objects& o) { return o.quivo->EncryptFile(o.encrypt, path(), path()); }},
-    {"ExportFile", "QUIVO_ExportFile", [](const Objects& o) { return o.quivo->ExportFile(o.exporting, path()); }},
-    {"HashFile", "QUIVO_HashFile", [](const Objects& o) { return o.quivo->HashFile(path(), Variant().out()); }},
-    {"ImportFile", "QUIVO_ImportFile", [](const Objects& o) { return o.quivo->ImportFile(o.importing, path()); }},
-    {"SignFile", "QUIVO_SignFile", [](const Objects& o) { return o.quivo->SignFile(o.sign, path(), path(), path()); }},
-    {"StrDecryptFile", "QUIVO_StrDecryptFile",
-     [](const Objects& o) { return o.quivo->StrDecryptFile(o.decrypt, path(), path(), Ptr<ICertificate>().out()); }},
-    {"StrEncryptFile", "QUIVO_StrEncryptFile",
-     [](const Objects& o) { return o.quivo->StrEncryptFile(o.encrypt, path(), path()); }},
-    {"StrHashFile", "QUIVO_StrHashFile",
-     [](const Objects& o) { return o.quivo->StrHashFile(path(), path(), Variant().out(), VARIANT_FALSE); }},
-    {"StrSignFile", "QUIVO_StrSignFile",
-     [](const Objects& o) { return o.quivo->StrSignFile(o.sign, path(), path(), path()); }},
-    {"StrVerifyFile", "QUIVO_StrVerifyFile",
-     [](const Objects& o) { return o.quivo->StrVerifyFile(o.verify, path(), path(), path(), Variant().out()); }},
-    {"VerifyFile", "QUIVO_VerifyFile",
-     [](const Objects& o) { return o.quivo->VerifyFile(o.verify, path(), path(), path(), Variant().out()); }},
-};
+const std::vector<EngineCall> kFileMethods = rowsNamed(
+    kEngineCalls, {"DecryptFile", "EncryptFile", "ExportFile", "HashFile", "ImportFile", "SignFile", "StrDecryptFile",
+                   "StrEncryptFile", "StrHashFile", "StrSignFile", "StrVerifyFile", "VerifyFile"});

@@ -66,6 +66,18 @@ extern const std::vector<EngineCall> kEngineCalls;
 /// The methods that untrusted-data mode refuses.
 extern const std::vector<EngineCall> kFileMethods;
 
+/// The rows of a table whose names begin with one of `prefixes`.
+template <class Row>
+std::vector<Row> rowsNamed(const std::vector<Row>& all, std::initializer_list<const char*> prefixes) {
+  std::vector<Row> found;
+  for (const Row& row : all) {
+    for (const char* prefix : prefixes) {
+      if (std::string(row.name).rfind(prefix, 0) == 0) found.push_back(row);
+    }
+  }
+  return found;
+}
+
 template <class Row>
 std::string nameOfRow(const ::testing::TestParamInfo<Row>& info) {
   return info.param.name;

@@ -54,6 +54,8 @@ TEST_F(SignStatusTest, TimeOutOfRangeIsRefused) {
   EXPECT_HR(0x80070057u, status->put_time(-657435.0));
 }
 
+TEST_F(SignStatusTest, TimeThatIsNoUnixTimeIsRefused) { EXPECT_HR(0x80070057u, make<SignStatus>()->put_time(0.0)); }
+
 TEST_F(SignStatusTest, CertificateIsHeldAndGivenBack) {
   Ptr<ISignStatus> status = make<SignStatus>();
   Ptr<ICertificate> first = make<Certificate>(), second = make<Certificate>();
@@ -82,9 +84,9 @@ TEST_F(SignStatusTest, ForeignCertificateIsRefusedUntouched) {
 
 TEST_F(SignStatusTest, NullPointersForTheValuesAreRefused) {
   Ptr<ISignStatus> status = make<SignStatus>();
-  EXPECT_TRUE(FAILED(status->get_status(nullptr)));
-  EXPECT_TRUE(FAILED(status->get_time(nullptr)));
-  EXPECT_TRUE(FAILED(status->get_cert(nullptr)));
+  EXPECT_HR(E_POINTER, status->get_status(nullptr));
+  EXPECT_HR(E_POINTER, status->get_time(nullptr));
+  EXPECT_HR(E_POINTER, status->get_cert(nullptr));
 }
 
 class SignStatusArrayTest : public ContractTest {
@@ -177,8 +179,8 @@ TEST_F(SignStatusArrayTest, FailingCreationLeavesTheVariant) {
     reply().signatures = {{0, 0, certificateOf("CN=x")}, {0, 0, {}}};
     EXPECT_HR(CO_E_SERVER_EXEC_FAILURE, verify());
     EXPECT_EQ(L"before", textOf(results));
-    // Whether the engine gets its result back on this road is left open.
-    engine().releaseOutstanding();
+    EXPECT_EQ(1u, engine().count("QUIVO_FreeVerifyResult"));
+    engine().forgetCalls();
   }
 }
 
@@ -188,7 +190,7 @@ TEST_F(SignStatusArrayTest, FailingCertificateLeavesTheVariant) {
   reply().signatures = {{0, 0, certificateOf("CN=x")}};
   EXPECT_HR(kAccessDenied, verify());
   EXPECT_EQ(L"before", textOf(results));
-  engine().releaseOutstanding();
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeVerifyResult"));
 }
 
 TEST_F(SignStatusArrayTest, ArrayThatCannotBeCreatedIsReported) {
@@ -196,7 +198,7 @@ TEST_F(SignStatusArrayTest, ArrayThatCannotBeCreatedIsReported) {
   reply().signatures = {{0, 0, {}}};
   EXPECT_HR(kOutOfMemory, verify());
   EXPECT_EQ(L"before", textOf(results));
-  engine().releaseOutstanding();
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeVerifyResult"));
 }
 
 }  // namespace

@@ -1,21 +1,8 @@
 // The data form of a stream: decided once, by the first data, and kept for the life of its context.
-#include <functional>
-
 #include "contract/calls.h"
+#include "support/malloc_spy.h"
 
 namespace {
-
-/// The rows of a table whose names begin with one of `prefixes`.
-template <class Row>
-std::vector<Row> rowsNamed(const std::vector<Row>& all, std::initializer_list<const char*> prefixes) {
-  std::vector<Row> found;
-  for (const Row& row : all) {
-    for (const char* prefix : prefixes) {
-      if (std::string(row.name).rfind(prefix, 0) == 0) found.push_back(row);
-    }
-  }
-  return found;
-}
 
 std::vector<ByteInput> inits() {
   return rowsNamed(kByteInputs, {"StrSignInitMem", "StrVerifyInitMem", "StrDecryptInitMem"});
@@ -79,6 +66,40 @@ TEST_P(StreamInitTest, BytesOfASecondInitDecideAnew) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Methods, StreamInitTest, ::testing::ValuesIn(inits()), nameOfRow<ByteInput>);
+
+using StreamWithoutDataTest = ContractTest;
+
+TEST_F(StreamWithoutDataTest, InitLeavesAFixedFormAsItIs) {
+  Objects objects(openQuivo());
+  EXPECT_OK(objects.quivo->StrHashUpdateMem(objects.stream, vbsBytes({1})));
+  EXPECT_OK(objects.quivo->StrEncryptInitMem(objects.encrypt, objects.stream));
+  EXPECT_HR(kInvalidArgument, objects.quivo->StrHashUpdateMem(objects.stream, bytes({1})));
+  EXPECT_OK(objects.quivo->StrHashInitMem(Bstr(L"algorithm"), objects.stream));
+  EXPECT_HR(kInvalidArgument, objects.quivo->StrHashUpdateMem(objects.stream, bytes({1})));
+}
+
+TEST_F(StreamWithoutDataTest, InitLeavesAnOpenFormOpen) {
+  Objects objects(openQuivo());
+  EXPECT_OK(objects.quivo->StrEncryptInitMem(objects.encrypt, objects.stream));
+  EXPECT_OK(objects.quivo->StrHashInitMem(Bstr(L"algorithm"), objects.stream));
+  EXPECT_OK(objects.quivo->StrHashUpdateMem(objects.stream, vbsBytes({1})));
+}
+
+TEST_F(StreamWithoutDataTest, FormStaysAfterTheEnd) {
+  Objects objects(openQuivo());
+  HRESULT (*const ends[])
+  (const Objects&) = {
+      [](const Objects& o) { return o.quivo->StrSignFinalMem(o.sign, o.stream, Variant().out()); },
+      [](const Objects& o) { return o.quivo->StrVerifyFinalMem(o.verify, o.stream, Variant().out(), Variant().out()); },
+      [](const Objects& o) { return o.quivo->StrEncryptFinalMem(o.encrypt, o.stream, Variant().out()); },
+      [](const Objects& o) { return o.quivo->StrDecryptFinalMem(o.decrypt, o.stream, Ptr<ICertificate>().out()); },
+      [](const Objects& o) { return o.quivo->StrHashFinalMem(o.stream, Variant().out()); }};
+  EXPECT_OK(objects.quivo->StrHashUpdateMem(objects.stream, vbsBytes({1})));
+  for (const auto& end : ends) {
+    EXPECT_OK(end(objects));
+    EXPECT_HR(kInvalidArgument, objects.quivo->StrHashUpdateMem(objects.stream, bytes({1})));
+  }
+}
 
 class StreamUpdateTest : public StreamFormTest {};
 
@@ -153,6 +174,37 @@ TEST_F(StreamOutputTest, StreamWithoutDataHasThePlainForm) {
   EXPECT_OK(objects.quivo->StrEncryptInitMem(objects.encrypt, objects.stream));
   EXPECT_OK(objects.quivo->StrEncryptFinalMem(objects.encrypt, objects.stream, output.out()));
   EXPECT_EQ((Bytes{9}), plainBytesOf(output));
+}
+
+TEST_F(StreamOutputTest, RefusedUpdateWritesNothing) {
+  Objects objects(openQuivo());
+  EXPECT_OK(objects.quivo->StrHashUpdateMem(objects.stream, vbsBytes({1})));
+  Variant output = Variant::text(L"before"), left = Variant::text(L"before");
+  EXPECT_HR(kInvalidArgument,
+            objects.quivo->StrEncryptUpdateMem(objects.encrypt, objects.stream, bytes({1}), output.out()));
+  EXPECT_HR(kInvalidArgument,
+            objects.quivo->StrDecryptUpdateMem(objects.decrypt, objects.stream, bytes({1}), left.out(), output.out()));
+  EXPECT_EQ(L"before", textOf(output));
+  EXPECT_EQ(L"before", textOf(left));
+}
+
+TEST_F(StreamOutputTest, FailedUpdateWithoutBytesEmptiesTheOutput) {
+  Objects objects(openQuivo());
+  engine().on("QUIVO_StrEncryptUpdateMem").result = 0x19;
+  Variant output = Variant::text(L"before");
+  EXPECT_HR(0xE0690019, objects.quivo->StrEncryptUpdateMem(objects.encrypt, objects.stream, bytes({1}), output.out()));
+  EXPECT_EQ(VT_EMPTY, output.type());
+}
+
+TEST_F(StreamOutputTest, EngineCodeWinsOverAFailureOfTheOutput) {
+  Objects objects(openQuivo());
+  engine().on("QUIVO_StrEncryptUpdateMem").result = 0x19;
+  engine().on("QUIVO_StrEncryptUpdateMem").output = {9};
+  engine().on("QUIVO_StrEncryptUpdateMem").during = [] { MallocSpy::get().failAllocation(0); };
+  Variant output;
+  EXPECT_HR(0xE0690019, objects.quivo->StrEncryptUpdateMem(objects.encrypt, objects.stream, bytes({1}), output.out()));
+  EXPECT_TRUE(MallocSpy::get().allocationFailed());
+  MallocSpy::get().failAllocation(-1);
 }
 
 }  // namespace

@@ -161,7 +161,15 @@ TEST_F(StreamVerifyFinalTest, FailureOfTheResultsKeepsTheMessage) {
   reply().signatures = {{0, 0, {}}};
   EXPECT_HR(E_NOINTERFACE, finish());
   EXPECT_EQ(L"before", textOf(output));
-  engine().releaseOutstanding();
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeVerifyResult"));
+}
+
+TEST_F(StreamVerifyFinalTest, EngineCodeWinsOverAFailureOfTheResults) {
+  SubstituteFactory factory(__uuidof(SignStatus));
+  factory.failAfter(0, E_NOINTERFACE);
+  reply().result = 0x19;
+  reply().signatures = {{0, 0, {}}};
+  EXPECT_HR(0xE0690019, finish());
 }
 
 class StreamDecryptFinalTest : public ContractTest {
@@ -193,11 +201,18 @@ TEST_F(StreamDecryptFinalTest, CertificateIsReturnedOnFailureToo) {
   EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
 }
 
-TEST_F(StreamDecryptFinalTest, FailureOfTheCertificateIsReturned) {
+TEST_F(StreamDecryptFinalTest, FailureOfTheCertificateIsReturnedMapped) {
+  SubstituteFactory factory(__uuidof(Certificate));
+  factory.failAfter(0, static_cast<HRESULT>(0x80070005));
+  EXPECT_HR(kAccessDenied, finish());
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
+}
+
+TEST_F(StreamDecryptFinalTest, EngineCodeWinsOverAFailureOfTheCertificate) {
   SubstituteFactory factory(__uuidof(Certificate));
   factory.failAfter(0, E_NOINTERFACE);
-  EXPECT_HR(E_NOINTERFACE, finish());
-  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
+  reply().result = 0x19;
+  EXPECT_HR(0xE0690019, finish());
 }
 
 }  // namespace

@@ -41,6 +41,12 @@ TEST_F(VerifyMemTest, OutputsAreZeroBeforeTheCall) {
   EXPECT_EQ(0u, call().record(5).pointer(8));
 }
 
+TEST_F(VerifyMemTest, FailureOfTheDataIsToldBeforeThatOfTheSignature) {
+  Variant vbs = vbsBytes({1});
+  Module::get().failAllocation(0);
+  EXPECT_HR(kOutOfMemory, verify(vbs, Variant::text(L"x")));
+}
+
 TEST_F(VerifyMemTest, MixedFormsAreRefusedWithoutTheEngine) {
   Variant plain = bytes({1}), vbs = vbsBytes({2});
   EXPECT_HR(kInvalidArgument, verify(plain, vbs));
@@ -93,7 +99,7 @@ TEST_F(VerifyMemTest, EngineCodeWinsOverAFailureOfTheResults) {
   reply().signatures = {{0, 0, {}}};
   EXPECT_HR(0xE0690019, verify(bytes({1}), Variant()));
   EXPECT_EQ(VT_EMPTY, results.type());
-  engine().releaseOutstanding();
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeVerifyResult"));
 }
 
 TEST_F(VerifyMemTest, FailureOfTheResultsKeepsTheOutput) {
@@ -103,7 +109,8 @@ TEST_F(VerifyMemTest, FailureOfTheResultsKeepsTheOutput) {
   reply().signatures = {{0, 0, {}}};
   EXPECT_HR(E_NOINTERFACE, verify(bytes({1}), Variant()));
   EXPECT_EQ(VT_EMPTY, output.type());
-  engine().releaseOutstanding();
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeVerifyResult"));
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeMem"));
 }
 
 TEST_F(VerifyMemTest, ResultsAreGivenBackBeforeTheOutput) {
@@ -183,7 +190,7 @@ TEST_P(VerifyFileTest, FailureOfTheResultsIsReturnedMapped) {
   reply().signatures = {{0, 0, {}}};
   EXPECT_HR(kAccessDenied, verify(nullptr, Bstr(L"in"), nullptr));
   EXPECT_EQ(VT_EMPTY, results.type());
-  engine().releaseOutstanding();
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeVerifyResult"));
 }
 
 TEST_P(VerifyFileTest, EngineCodeWinsOverAFailureOfTheResults) {
@@ -192,7 +199,7 @@ TEST_P(VerifyFileTest, EngineCodeWinsOverAFailureOfTheResults) {
   reply().result = 1;
   reply().signatures = {{0, 0, {}}};
   EXPECT_HR(S_FALSE, verify(nullptr, Bstr(L"in"), nullptr));
-  engine().releaseOutstanding();
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeVerifyResult"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Methods, VerifyFileTest,
