@@ -33,7 +33,8 @@ HRESULT ReallocBstr(const char* text, int size, BSTR* out) {
   std::unique_ptr<wchar_t[]> wide(new (std::nothrow) wchar_t[size]);
   if (!wide) return E_OUTOFMEMORY;
   if (MultiByteToWideChar(CP_ACP, 0, text, -1, wide.get(), size) == 0) return LastErrorResult();
-  return SysReAllocString(out, wide.get()) ? S_OK : E_OUTOFMEMORY;
+  // TRUE alone is no proof: a platform that frees the former string first may answer it without a new one.
+  return SysReAllocString(out, wide.get()) && *out ? S_OK : E_OUTOFMEMORY;
 }
 
 HRESULT AnsiToBstr(const char* text, BSTR* out) {

@@ -121,7 +121,26 @@ TEST_P(StringArrayPropertyTest, NullReferencesAreRefused) {
 }
 
 TEST_P(StringArrayPropertyTest, NullStringStopsTheAssignment) {
+  EXPECT_OK(put(strings({L"former"})));
   EXPECT_HR(kUnmappedInvalidParameter, put(strings({L"one", nullptr, L"three"})));
+  EXPECT_EQ((Texts{L"one", L"", L""}), kept());
+  EXPECT_EQ(3, recordCount());
+}
+
+TEST_P(StringArrayPropertyTest, ArrayThatCannotBeLockedLeavesEmptyTexts) {
+  EXPECT_OK(put(strings({L"former"})));
+  Variant given = strings({L"one", L"two"});
+  given.safeArray()->cLocks = 0xFFFF;
+  EXPECT_HR(E_UNEXPECTED, put(given));
+  given.safeArray()->cLocks = 0;
+  EXPECT_EQ((Texts{L"", L""}), kept());
+}
+
+TEST_P(StringArrayPropertyTest, ArrayThatHoldsAnotherTypeIsRefused) {
+  Variant given = objects({nullptr});
+  V_VT(given.out()) = kStringArray;
+  expectRefused(given);
+  V_VT(given.out()) = kObjectArray;
 }
 
 TEST_P(StringArrayPropertyTest, ObjectStaysUsableAfterAStoppedAssignment) {
@@ -153,10 +172,19 @@ TEST_P(StringArrayPropertyTest, EveryAllocationFailureIsReported) {
 
 TEST_P(StringArrayPropertyTest, ArrayThatCannotBeCreatedLeavesTheVariant) {
   EXPECT_OK(put(strings({L"one", L"two"})));
-  Variant value = Variant::number(77);
-  MallocSpy::get().failAllocation(0);
-  EXPECT_HR(E_OUTOFMEMORY, get(value));
-  EXPECT_EQ(VT_I4, value.type());
+  for (long succeeding = 0;; ++succeeding) {
+    Variant value = Variant::number(77);
+    MallocSpy::get().failAllocation(succeeding);
+    const HRESULT result = get(value);
+    const bool failed = MallocSpy::get().allocationFailed();
+    MallocSpy::get().failAllocation(-1);
+    if (!failed) {
+      EXPECT_GE(succeeding, 3) << "an array and a copy of each string";
+      break;
+    }
+    EXPECT_HR(E_OUTOFMEMORY, result) << succeeding;
+    EXPECT_EQ(VT_I4, value.type()) << succeeding;
+  }
 }
 
 TEST_P(StringArrayPropertyTest, ReadingThatCannotAllocateLeavesTheVariant) {
@@ -172,7 +200,7 @@ TEST_P(StringArrayPropertyTest, ReadingThatCannotAllocateLeavesTheVariant) {
 
 TEST_P(StringArrayPropertyTest, NullPointerForTheValueIsRefused) {
   Ptr<IDispatch> object = GetParam().make();
-  EXPECT_TRUE(FAILED(GetParam().get(object, nullptr)));
+  EXPECT_HR(E_POINTER, GetParam().get(object, nullptr));
 }
 
 INSTANTIATE_TEST_SUITE_P(Properties, StringArrayPropertyTest, ::testing::ValuesIn(stringArrayProperties()),

@@ -1,5 +1,6 @@
 // String properties: kept in the engine's form, converted when they are assigned.
 #include "contract/properties.h"
+#include "support/malloc_spy.h"
 
 namespace {
 
@@ -100,11 +101,23 @@ TEST_P(StringPropertyTest, ReadingThatCannotAllocateLeavesTheString) {
   EXPECT_EQ(L"before", value.text());
 }
 
+TEST_P(StringPropertyTest, StringThatCannotBeMadeIsReported) {
+  for (const wchar_t* text : {L"value", L""}) {
+    EXPECT_OK(put(text));
+    Bstr value;
+    MallocSpy::get().failAllocation(0);
+    const HRESULT result = get(value);
+    MallocSpy::get().failAllocation(-1);
+    EXPECT_HR(0x8007000Eu, result);
+    EXPECT_TRUE(value.null());
+  }
+}
+
 TEST_P(StringPropertyTest, NullPointerForTheValueIsRefused) {
   Ptr<IDispatch> object = GetParam().make();
-  EXPECT_TRUE(FAILED(GetParam().get(object, nullptr)));
+  EXPECT_HR(E_POINTER, GetParam().get(object, nullptr));
   EXPECT_OK(GetParam().put(object, Bstr(L"value")));
-  EXPECT_TRUE(FAILED(GetParam().get(object, nullptr)));
+  EXPECT_HR(E_POINTER, GetParam().get(object, nullptr));
 }
 
 INSTANTIATE_TEST_SUITE_P(Properties, StringPropertyTest, ::testing::ValuesIn(stringProperties()),
