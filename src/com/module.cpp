@@ -22,7 +22,8 @@ void Attach(HINSTANCE self) {
 }
 
 void Detach() {
-  while (cleanUpCount > 0) cleanUps[--cleanUpCount]();
+  for (int i = 0; i < cleanUpCount; ++i) cleanUps[i]();
+  cleanUpCount = 0;
   instance = nullptr;
   DeleteCriticalSection(&section);
 }

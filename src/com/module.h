@@ -7,7 +7,7 @@ namespace com::module {
 
 /// Process attach: remembers the instance and makes the critical section.
 void Attach(HINSTANCE self);
-/// Process detach: runs the clean-up functions, the last registered first, and deletes the critical section.
+/// Process detach: runs the clean-up functions in the order of their registration and deletes the critical section.
 void Detach();
 bool IsAttached();
 HINSTANCE Instance();

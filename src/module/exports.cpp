@@ -37,6 +37,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEn
   if (reason == DLL_PROCESS_ATTACH) {
     DisableThreadLibraryCalls(instance);
     com::module::Attach(instance);
+    // The first to run: what the other clean-ups give up may serve a factory.
     com::module::AtDetach(ReleaseFactories);
   }
   // At the end of the process nothing may be called any more; the system takes everything back.
@@ -73,11 +74,14 @@ STDAPI DllRegisterServer() {
 }
 
 STDAPI DllUnregisterServer() {
+  // What cannot be removed does not keep the rest; the first failure is told.
+  HRESULT result = S_OK;
   for (const ClassEntry& entry : ClassTable()) {
     HRESULT hr = registrar::Unregister(entry.script);
-    if (FAILED(hr)) return hr;
+    if (SUCCEEDED(result)) result = hr;
   }
-  return UnRegisterTypeLib(LIBID_QUIVOCOMLib, 1, 0, LOCALE_NEUTRAL, SYS_WIN64);
+  HRESULT hr = UnRegisterTypeLib(LIBID_QUIVOCOMLib, 1, 0, LOCALE_NEUTRAL, SYS_WIN64);
+  return FAILED(result) ? result : hr;
 }
 
 extern "C" void CALLBACK FileOpen(HWND, HINSTANCE, LPSTR commandLine, int) { OpenProtectedFile(commandLine); }

@@ -126,6 +126,16 @@ TEST_P(ObjectIdentityTest, AggregatedObjectIsCountedOnceAndGoesWithItsInner) {
   EXPECT_EQ(before, Module::get().liveObjects());
 }
 
+TEST_P(ObjectIdentityTest, OuterMayAskForIUnknownOnly) {
+  OuterObject outer(factory());
+  ASSERT_OK(outer.created);
+  for (const IID& iid : {IID_IDispatch, defaultInterface()}) {
+    void* object = this;
+    EXPECT_HR(CLASS_E_NOAGGREGATION, factory()->CreateInstance(&outer, iid, &object));
+    EXPECT_EQ(nullptr, object);
+  }
+}
+
 TEST_P(ObjectIdentityTest, AllocationFailureOfAnAggregatedObjectIsReported) {
   Ptr<IClassFactory> classObject = factory();
   Module::get().failAllocation(0);

@@ -2,6 +2,7 @@
 #include "support/registry.h"
 
 #include "support/contract_test.h"
+#include "support/type_library.h"
 
 namespace {
 
@@ -136,19 +137,28 @@ TEST_F(RegistrationTest, UnregisteringLeavesTheClassesOfOthers) {
   EXPECT_EQ(L"Another Class", textAt(root(), L"CLSID\\{11111111-2222-3333-4444-555555555555}"));
 }
 
+std::wstring classKey(const ClassFacts& facts) { return L"CLSID\\" + std::wstring(facts.clsid); }
+
 TEST_F(RegistrationTest, FirstFailureStopsAndIsReturned) {
-  // Below a volatile key no other key can be created: the script of the fourth class fails.
-  writeVolatileKey(root(), kClasses[3].versionedProgId());
-  EXPECT_HR(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE), install());
-  for (size_t i = 0; i < kClasses.size(); ++i) {
-    EXPECT_EQ(i < 3, keyExists(root(), L"CLSID\\" + std::wstring(kClasses[i].clsid))) << kClasses[i];
+  for (size_t failing = 0; failing < kClasses.size(); ++failing) {
+    SCOPED_TRACE(kClasses[failing]);
+    // Below a volatile key no other key can be created: the script of this class fails.
+    writeVolatileKey(root(), kClasses[failing].versionedProgId());
+    EXPECT_HR(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE), install());
+    for (size_t i = 0; i < kClasses.size(); ++i) {
+      EXPECT_EQ(i < failing, keyExists(root(), classKey(kClasses[i]))) << kClasses[i];
+    }
+    EXPECT_FALSE(keyExists(root(), L"TypeLib"));
+    deleteTree(root(), kClasses[failing].versionedProgId());
+    for (const ClassFacts& facts : kClasses) deleteTree(root(), classKey(facts));
   }
-  EXPECT_FALSE(keyExists(root(), L"TypeLib"));
 }
 
 TEST_F(RegistrationTest, FailureOfTheTypeLibraryIsReturned) {
   writeVolatileKey(root(), L"TypeLib");
-  EXPECT_TRUE(FAILED(install()));
+  const HRESULT expected = RegisterTypeLib(moduleTypeLibrary(), std::wstring(Module::get().path()).data(), nullptr);
+  ASSERT_TRUE(FAILED(expected));
+  EXPECT_HR(expected, install());
   EXPECT_TREE(keysOfAllClasses(Module::get().path()), classesIn(root()));
 }
 
@@ -158,6 +168,18 @@ class MovedModule {
   explicit MovedModule(const std::wstring& folder) : folder_(programFolder() + L"\\" + folder) {
     CreateDirectoryW(folder_.c_str(), nullptr);
     CopyFileW(Module::get().path().c_str(), path().c_str(), FALSE);
+    handle_ = LoadLibraryW(path().c_str());
+  }
+  /// As a copy with another content of one resource.
+  MovedModule(const std::wstring& folder, const wchar_t* type, WORD id, std::string content)
+      : folder_(programFolder() + L"\\" + folder) {
+    CreateDirectoryW(folder_.c_str(), nullptr);
+    CopyFileW(Module::get().path().c_str(), path().c_str(), FALSE);
+    const HANDLE update = BeginUpdateResourceW(path().c_str(), FALSE);
+    const WORD language = languageOf(type, id);
+    EXPECT_TRUE(UpdateResourceW(update, type, MAKEINTRESOURCEW(id), language, content.data(),
+                                static_cast<DWORD>(content.size())));
+    EXPECT_TRUE(EndUpdateResourceW(update, FALSE));
     handle_ = LoadLibraryW(path().c_str());
   }
   MovedModule(const MovedModule&) = delete;
@@ -174,10 +196,57 @@ class MovedModule {
         reinterpret_cast<void*>(GetProcAddress(handle_, "DllRegisterServer")))();
   }
 
+  HRESULT uninstall() const {
+    return reinterpret_cast<HRESULT(WINAPI*)()>(
+        reinterpret_cast<void*>(GetProcAddress(handle_, "DllUnregisterServer")))();
+  }
+
  private:
+  static WORD languageOf(const wchar_t* type, WORD id) {
+    WORD found = 0;
+    EnumResourceLanguagesW(
+        Module::get().handle(), type, MAKEINTRESOURCEW(id),
+        [](HMODULE, LPCWSTR, LPCWSTR, WORD language, LONG_PTR to) {
+          *reinterpret_cast<WORD*>(to) = language;
+          return FALSE;
+        },
+        reinterpret_cast<LONG_PTR>(&found));
+    return found;
+  }
+
   std::wstring folder_;
   HMODULE handle_ = nullptr;
 };
+
+TEST_F(RegistrationTest, TypeLibraryThatCannotBeLoadedIsReportedAsItIs) {
+  const MovedModule module(L"broken library", L"TYPELIB", 1, "no library");
+  ASSERT_TRUE(module.loaded());
+  ITypeLib* library = nullptr;
+  const HRESULT expected = LoadTypeLibEx(module.path().c_str(), REGKIND_NONE, &library);
+  ASSERT_TRUE(FAILED(expected));
+  EXPECT_HR(expected, module.install());
+  EXPECT_TREE(keysOfAllClasses(module.path()), classesIn(root()));
+}
+
+TEST_F(RegistrationTest, UnregisteringGoesOnAfterAFailureAndReturnsIt) {
+  EXPECT_OK(install());
+  const MovedModule module(L"unreadable script", L"REGISTRY", 101, "HKCR {");
+  ASSERT_TRUE(module.loaded());
+  EXPECT_HR(HRESULT_FROM_WIN32(ERROR_INVALID_DATA), module.uninstall());
+  for (const ClassFacts& facts : kClasses) EXPECT_EQ(facts.script == 101, keyExists(root(), classKey(facts))) << facts;
+  EXPECT_FALSE(keyExists(root(), L"TypeLib\\" + std::wstring(kLibraryId) + L"\\1.0"));
+}
+
+TEST_F(RegistrationTest, KeyMarkedDeleteGoesOnRegistrationAndOnlyThen) {
+  const MovedModule module(L"another script", L"REGISTRY", 101, "HKCR { Delete TAVL.Former }");
+  ASSERT_TRUE(module.loaded());
+  writeKey(root(), L"TAVL.Former\\CLSID", L"former");
+  EXPECT_OK(module.install());
+  EXPECT_FALSE(keyExists(root(), L"TAVL.Former"));
+  writeKey(root(), L"TAVL.Former", L"new");
+  EXPECT_OK(module.uninstall());
+  EXPECT_EQ(L"new", textAt(root(), L"TAVL.Former"));
+}
 
 TEST_F(RegistrationTest, PathWithBlanksAndQuotesIsWrittenAsItIs) {
   const MovedModule module(L"it's a 'quoted' folder");
