@@ -37,6 +37,7 @@ STDMETHODIMP pkiobj::Init(BSTR profile) {
 STDMETHODIMP pkiobj::Uninit() {
   Ipkiobj* self = this;
   self->FreeRecipCerts();
+  // Forgotten first: a call that comes in while the engine closes must not reach the closing session.
   EngineSession session = std::exchange(session_, nullptr);
   return session ? QUIVO_Uninitialize(session) : S_FALSE;
 }

@@ -1,5 +1,6 @@
 // The life of the engine session: open, close, update of the revocation lists.
 #include <cstring>
+#include <utility>
 
 #include "com/owner.h"
 #include "com/ref.h"
@@ -60,8 +61,8 @@ STDMETHODIMP QUIVO::InitializeEx(IDispatch* param) {
 }
 
 STDMETHODIMP QUIVO::Uninitialize() {
-  EngineSession session = session_;
-  session_ = nullptr;
+  // Forgotten first: a call that comes in while the engine closes must not reach the closing session.
+  EngineSession session = std::exchange(session_, nullptr);
   // The engine's code as it is, not mapped: existing scripts compare it.
   return session ? QUIVO_Uninitialize(session) : S_OK;
 }
