@@ -110,7 +110,7 @@ TEST_P(AltNamePropertyTest, ObjectOfAnotherClassIsRefused) {
 
 TEST_P(AltNamePropertyTest, NullPointerForTheNameIsRefused) {
   Ptr<ICertificate> certificate = make<Certificate>();
-  EXPECT_TRUE(FAILED((certificate.get()->*GetParam().get)(nullptr)));
+  EXPECT_HR(E_POINTER, (certificate.get()->*GetParam().get)(nullptr));
 }
 
 INSTANTIATE_TEST_SUITE_P(Properties, AltNamePropertyTest,

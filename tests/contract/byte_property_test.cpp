@@ -124,10 +124,24 @@ TEST_P(BytePropertyTest, CopyThatCannotBeAllocatedLeavesNone) {
 }
 
 TEST_P(BytePropertyTest, ArrayThatCannotBeLockedIsReported) {
+  EXPECT_OK(put(bytes({1, 2})));
   Variant given = bytes({3});
   given.safeArray()->cLocks = 0xFFFF;
   EXPECT_HR(E_UNEXPECTED, put(given));
   given.safeArray()->cLocks = 0;
+  // The former bytes are gone by then.
+  EXPECT_EQ(Bytes{0}, kept());
+}
+
+TEST_P(BytePropertyTest, VariantThatCannotBeClearedIsReported) {
+  Variant former = bytes({9});
+  ASSERT_OK(SafeArrayLock(former.safeArray()));
+  VARIANT variable = former.get();
+  Ptr<IDispatch> object = GetParam().make();
+  EXPECT_OK(GetParam().put(object, bytes({1})));
+  EXPECT_HR(DISP_E_ARRAYISLOCKED, GetParam().get(object, &variable));
+  EXPECT_OK(VariantClear(&variable));
+  EXPECT_OK(SafeArrayUnlock(former.safeArray()));
 }
 
 TEST_P(BytePropertyTest, GivenArrayIsUnlockedAfterwards) {
@@ -146,7 +160,7 @@ TEST_P(BytePropertyTest, ReadingThatCannotAllocateLeavesTheVariant) {
 
 TEST_P(BytePropertyTest, NullPointerForTheValueIsRefused) {
   Ptr<IDispatch> object = GetParam().make();
-  EXPECT_TRUE(FAILED(GetParam().get(object, nullptr)));
+  EXPECT_HR(E_POINTER, GetParam().get(object, nullptr));
 }
 
 INSTANTIATE_TEST_SUITE_P(Properties, BytePropertyTest, ::testing::ValuesIn(byteProperties()),

@@ -157,7 +157,7 @@ TEST_P(CertificateTimeTest, DateAfter2106LosesItsUpperHalf) {
 }
 
 TEST_P(CertificateTimeTest, NullPointerForTheDateIsRefused) {
-  EXPECT_TRUE(FAILED((certificate().get()->*GetParam().get)(nullptr)));
+  EXPECT_HR(E_POINTER, (certificate().get()->*GetParam().get)(nullptr));
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -2,6 +2,7 @@
 #include "contract/records.h"
 #include "support/certificates.h"
 #include "support/class_objects.h"
+#include "support/malloc_spy.h"
 
 namespace {
 
@@ -127,6 +128,15 @@ TEST_F(DecryptMemTest, FailureOfTheCertificateIsReturnedAfterTheOutput) {
   reply().output = {9};
   EXPECT_HR(E_NOINTERFACE, decrypt(bytes({1})));
   EXPECT_EQ((Bytes{9}), plainBytesOf(output));
+  EXPECT_EQ(nullptr, certificate.get());
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
+}
+
+TEST_F(DecryptMemTest, FailureOfTheOutputLeavesTheCertificateAlone) {
+  reply().output = {9};
+  reply().certificate = fullCertificate();
+  reply().during = [] { MallocSpy::get().failAllocation(0); };
+  EXPECT_HR(kOutOfMemory, decrypt(bytes({1})));
   EXPECT_EQ(nullptr, certificate.get());
   EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
 }

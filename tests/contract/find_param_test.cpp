@@ -107,7 +107,7 @@ TEST_F(FindParamTest, ObjectOfAnotherClassIsRefused) {
 }
 
 TEST_F(FindParamTest, NullPointerForTheTemplateIsRefused) {
-  EXPECT_TRUE(FAILED(make<FindParam>()->get_certTemplate(nullptr)));
+  EXPECT_HR(E_POINTER, make<FindParam>()->get_certTemplate(nullptr));
 }
 
 }  // namespace

@@ -146,7 +146,7 @@ TEST_P(MycertTest, ObjectOfAnotherClassIsRefused) {
 
 TEST_P(MycertTest, NullPointerForTheValueIsRefused) {
   Ptr<IDispatch> object = GetParam().make();
-  EXPECT_TRUE(FAILED(GetParam().get(object, nullptr)));
+  EXPECT_HR(E_POINTER, GetParam().get(object, nullptr));
 }
 
 INSTANTIATE_TEST_SUITE_P(Classes, MycertTest,

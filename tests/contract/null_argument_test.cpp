@@ -131,17 +131,26 @@ TEST_F(NullArgumentTest, NullOutputIsRefused) { expectAllRefused(kNullOutputs, O
 TEST_F(NullArgumentTest, SigningForScriptsWithoutParametersOrOutputFails) {
   Objects objects(openQuivo());
   Variant signature, text;
-  EXPECT_TRUE(FAILED(objects.quivo->SignFile2B64Mem(nullptr, Bstr(L"x"), signature.out(), text.out())));
-  EXPECT_TRUE(FAILED(objects.quivo->SignFile2B64Mem(objects.sign, Bstr(L"x"), nullptr, text.out())));
+  EXPECT_HR(kInvalidArgument, objects.quivo->SignFile2B64Mem(nullptr, Bstr(L"x"), signature.out(), text.out()));
+  EXPECT_HR(kInvalidArgument, objects.quivo->SignFile2B64Mem(objects.sign, Bstr(L"x"), nullptr, text.out()));
+  EXPECT_EQ(VT_EMPTY, text.type());
   EXPECT_EQ(0u, engine().count("QUIVO_SignMem"));
 }
 
 TEST_F(NullArgumentTest, UntrustedDataModeIsCheckedBeforeNullObjects) {
   Ptr<IQUIVO> quivo = untrustedQuivo();
   EXPECT_HR(kAccessDenied, quivo->SignFile(nullptr, nullptr, nullptr, nullptr));
+  EXPECT_HR(kAccessDenied, quivo->StrSignFile(nullptr, nullptr, nullptr, nullptr));
   EXPECT_HR(kAccessDenied, quivo->VerifyFile(nullptr, nullptr, nullptr, nullptr, nullptr));
+  EXPECT_HR(kAccessDenied, quivo->StrVerifyFile(nullptr, nullptr, nullptr, nullptr, nullptr));
+  EXPECT_HR(kAccessDenied, quivo->EncryptFile(nullptr, nullptr, nullptr));
+  EXPECT_HR(kAccessDenied, quivo->StrEncryptFile(nullptr, nullptr, nullptr));
   EXPECT_HR(kAccessDenied, quivo->DecryptFile(nullptr, nullptr, nullptr, nullptr));
+  EXPECT_HR(kAccessDenied, quivo->StrDecryptFile(nullptr, nullptr, nullptr, nullptr));
   EXPECT_HR(kAccessDenied, quivo->HashFile(nullptr, nullptr));
+  EXPECT_HR(kAccessDenied, quivo->StrHashFile(nullptr, nullptr, nullptr, VARIANT_FALSE));
+  EXPECT_HR(kAccessDenied, quivo->ExportFile(nullptr, nullptr));
+  EXPECT_HR(kAccessDenied, quivo->ImportFile(nullptr, nullptr));
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ TEST_P(NumberPropertyTest, OtherFieldsOfTheRecordStay) {
 
 TEST_P(NumberPropertyTest, NullPointerForTheValueIsRefused) {
   Ptr<IDispatch> object = GetParam().make();
-  EXPECT_TRUE(FAILED(GetParam().get(object, nullptr)));
+  EXPECT_HR(E_POINTER, GetParam().get(object, nullptr));
 }
 
 INSTANTIATE_TEST_SUITE_P(Properties, NumberPropertyTest, ::testing::ValuesIn(numberProperties()),

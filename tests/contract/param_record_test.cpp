@@ -45,13 +45,34 @@ TEST_F(ParamRecordTest, SizeStaysWhenEverythingIsSet) {
   EXPECT_EQ(32u, recordOf(remote.get()).u64(0));
 }
 
+template <class Interface>
+void expectRecordInside(const Ptr<Interface>& object) {
+  const auto start = reinterpret_cast<uintptr_t>(static_cast<void*>(object.get()));
+  const uintptr_t address = recordOf(object.get()).address;
+  EXPECT_GT(address, start);
+  EXPECT_LT(address, start + 64);
+}
+
 TEST_F(ParamRecordTest, EngineReadsEachRecordInsideItsObject) {
-  Ptr<ISignParam> param = make<SignParam>();
-  const uintptr_t address = recordOf(param.get()).address;
-  const auto object = reinterpret_cast<uintptr_t>(static_cast<void*>(param.get()));
-  EXPECT_EQ(address, recordOf(param.get()).address);
-  EXPECT_GT(address, object);
-  EXPECT_LT(address, object + 64);
+  expectRecordInside(make<SignParam>());
+  expectRecordInside(make<VerifyParam>());
+  expectRecordInside(make<EncryptParam>());
+  expectRecordInside(make<DecryptParam>());
+  expectRecordInside(make<FindParam>());
+  expectRecordInside(make<ExportParam>());
+  expectRecordInside(make<ImportParam>());
+  expectRecordInside(make<LocalParam>());
+  expectRecordInside(make<RSrvParam>());
+}
+
+TEST_F(ParamRecordTest, EngineReadsTheTemplateOfARequestInsideItsCertificate) {
+  Ptr<ICertificate> certificate = make<Certificate>();
+  EXPECT_OK(
+      openQuivo()->CreateXmlRequest(Flag_Xml_Request_Do_Not_Generate, certificate, Variant().out(), VARIANT_FALSE));
+  const auto start = reinterpret_cast<uintptr_t>(static_cast<void*>(certificate.get()));
+  const uint64_t address = engine().only("QUIVO_CreateXmlRequest").value(2);
+  EXPECT_GT(address, start);
+  EXPECT_LT(address, start + 64);
 }
 
 TEST_F(ParamRecordTest, EveryOperationSeesTheRecordOfTheMoment) {

@@ -99,6 +99,36 @@ TEST_F(ProfileNameTest, MissingNameGivesTheLastError) {
   EXPECT_EQ(VT_EMPTY, name.type());
 }
 
+TEST_F(ProfileNameTest, MissingSelectionWithoutALastErrorIsASuccessWithoutAName) {
+  writeKey(user(), kProfiles);
+  writeText(user(), std::wstring(kProfiles) + L"\\0", L"ProfileName", L"not selected");
+  Variant name = Variant::number(77);
+  EXPECT_OK(ask(name));
+  EXPECT_EQ(VT_I4, name.type());
+}
+
+TEST_F(ProfileNameTest, SelectionOfMoreThanFourBytesIsNoNumber) {
+  writeText(user(), kProfiles, L"CurSel", L"a text that is longer");
+  Variant name = Variant::number(77);
+  EXPECT_OK(ask(name));
+  EXPECT_EQ(VT_I4, name.type());
+}
+
+TEST_F(ProfileNameTest, MissingProfileWithoutALastErrorIsASuccessWithoutAName) {
+  writeDword(user(), kProfiles, L"CurSel", 4);
+  Variant name = Variant::number(77);
+  EXPECT_OK(ask(name));
+  EXPECT_EQ(VT_I4, name.type());
+}
+
+TEST_F(ProfileNameTest, MissingNameWithoutALastErrorIsAnEmptyName) {
+  writeDword(user(), kProfiles, L"CurSel", 3);
+  writeKey(user(), std::wstring(kProfiles) + L"\\3");
+  Variant name;
+  EXPECT_OK(ask(name));
+  EXPECT_EQ(L"", textOf(name));
+}
+
 TEST_F(ProfileNameTest, LastErrorFromBeforeFailsEvenASuccessfulRead) {
   profile(0, L"0", L"name");
   Variant name;
@@ -112,6 +142,20 @@ TEST_F(ProfileNameTest, LongestNameFits) {
   Variant name;
   EXPECT_OK(ask(name));
   EXPECT_EQ(longest, textOf(name));
+}
+
+TEST_F(ProfileNameTest, LongerNameIsNotRead) {
+  const std::wstring longer(261, L'x');
+  profile(0, L"0", longer.c_str());
+  Variant name;
+  EXPECT_OK(ask(name));
+  EXPECT_NE(longer, textOf(name));
+}
+
+TEST_F(ProfileNameTest, MissingKeyIsReportedBeforeTheNullPointer) {
+  Ptr<IQUIVO> quivo = make<QUIVO>();
+  SetLastError(ERROR_ACCESS_DENIED);
+  EXPECT_HR(0x80070005u, quivo->GetCurrentProfileNameVBS(nullptr));
 }
 
 TEST_F(ProfileNameTest, NameThatCannotBeAllocatedIsReported) {

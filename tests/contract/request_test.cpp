@@ -121,6 +121,8 @@ TEST_F(CheckOidTest, LongOidCannotBeConverted) {
   EXPECT_HR(E_FAIL, check(std::wstring(1022, L'1')));
   EXPECT_EQ(L"Ошибка преобразования BSTR", textOf(text));
   EXPECT_EQ((std::vector<std::string>{"QUIVO_FreeFindResult"}), engine().names());
+  EXPECT_NE(0u, engine().last().value(0));
+  EXPECT_TRUE(engine().last().record(1).allZero());
 }
 
 TEST_F(CheckOidTest, LongestOidIsComparedAndExplained) {

@@ -11,7 +11,9 @@ class SafetyTest : public ContractTest {
     safety_ = quivo_.as<IObjectSafety>();
     ASSERT_NE(nullptr, safety_.get());
   }
-  HRESULT set(DWORD mask, DWORD enabled) { return safety_->SetInterfaceSafetyOptions(IID_IDispatch, mask, enabled); }
+  HRESULT set(DWORD mask, DWORD enabled, REFIID iid = IID_IDispatch) {
+    return safety_->SetInterfaceSafetyOptions(iid, mask, enabled);
+  }
   /// The enabled options, as reported.
   DWORD enabled(REFIID iid = IID_IDispatch) {
     DWORD supported = 0, enabled = 0;
@@ -94,13 +96,17 @@ TEST_F(SafetyTest, EveryInterfaceIdentifierIsTreatedAlike) {
   EXPECT_EQ(kOn, enabled(IID_IUnknown));
   EXPECT_EQ(kOn, enabled(IID_IPersistStream));
   EXPECT_EQ(kOn, enabled(GUID_NULL));
+  EXPECT_OK(set(2, 0, IID_IPersistStream));
+  EXPECT_EQ(kOff, enabled());
+  EXPECT_OK(set(2, 2, GUID_NULL));
+  EXPECT_EQ(kOn, enabled());
 }
 
 TEST_F(SafetyTest, NullPointersForTheOptionsAreRefused) {
   Ptr<IObjectSafety> safety = make<QUIVO>().as<IObjectSafety>();
   DWORD options = 0;
-  EXPECT_TRUE(FAILED(safety->GetInterfaceSafetyOptions(IID_IDispatch, nullptr, &options)));
-  EXPECT_TRUE(FAILED(safety->GetInterfaceSafetyOptions(IID_IDispatch, &options, nullptr)));
+  EXPECT_HR(E_POINTER, safety->GetInterfaceSafetyOptions(IID_IDispatch, nullptr, &options));
+  EXPECT_HR(E_POINTER, safety->GetInterfaceSafetyOptions(IID_IDispatch, &options, nullptr));
 }
 
 class UntrustedFileTest : public ContractTest, public ::testing::WithParamInterface<EngineCall> {};
@@ -133,6 +139,25 @@ TEST_P(UntrustedMemoryTest, MemoryMethodIsNotAffected) {
 
 INSTANTIATE_TEST_SUITE_P(Arguments, UntrustedMemoryTest, ::testing::ValuesIn(kByteInputs), nameOfRow<ByteInput>);
 
+class UntrustedOtherTest : public ContractTest, public ::testing::WithParamInterface<EngineCall> {};
+
+TEST_P(UntrustedOtherTest, MethodWithoutFilesIsNotAffected) {
+  Objects objects(untrustedQuivo());
+  GetParam().call(objects);
+  EXPECT_EQ(1u, engine().count(GetParam().function));
+}
+
+std::vector<EngineCall> methodsWithoutFiles() {
+  std::vector<EngineCall> rest;
+  for (const EngineCall& row : kEngineCalls) {
+    if (rowsNamed(kFileMethods, {row.name}).empty()) rest.push_back(row);
+  }
+  return rest;
+}
+
+INSTANTIATE_TEST_SUITE_P(Methods, UntrustedOtherTest, ::testing::ValuesIn(methodsWithoutFiles()),
+                         nameOfRow<EngineCall>);
+
 using UntrustedSessionTest = ContractTest;
 
 TEST_F(UntrustedSessionTest, SessionMethodsAreNotAffected) {
@@ -141,6 +166,12 @@ TEST_F(UntrustedSessionTest, SessionMethodsAreNotAffected) {
   EXPECT_OK(quivo->Uninitialize());
   EXPECT_OK(quivo->InitializeEx(make<LocalParam>()));
   EXPECT_OK(quivo->UpdateCrl(Bstr().inOut()));
+  EXPECT_OK(quivo->Uninitialize());
+  EXPECT_OK(quivo->InitMinimal());
+  EXPECT_OK(quivo->GetPKIErrorText(5, Bstr().inOut()));
+  EXPECT_OK(quivo->GetPKIErrorTextVBS(5, Variant().out()));
+  EXPECT_HR(E_FAIL, quivo->CheckOID(Bstr(L"1.2"), Variant().out()));
+  EXPECT_EQ(1u, engine().count("QUIVO_FindCert"));
 }
 
 }  // namespace

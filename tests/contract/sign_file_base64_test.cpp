@@ -106,11 +106,19 @@ TEST_F(SignFileBase64Test, FileInUseIsExplained) {
   CloseHandle(writer);
 }
 
+TEST_F(SignFileBase64Test, FileIsNotReadBesideAWriter) {
+  TempFile file({1});
+  const HANDLE writer = CreateFileW(file.path().c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+  EXPECT_HR(kFailed, sign(file.path()));
+  EXPECT_EQ(L"Не удалось прочитать файл " + file.path() + L". Ошибка 32.", textOf(text));
+  CloseHandle(writer);
+}
+
 TEST_F(SignFileBase64Test, ExplanationHasAtMost300Characters) {
   const std::wstring path = L"C:\\" + std::wstring(400, L'x');
   EXPECT_HR(kFailed, sign(path));
-  EXPECT_LE(textOf(text).size(), 300u);
-  EXPECT_EQ(0u, textOf(text).find(L"Не удалось прочитать файл C:\\xxx"));
+  EXPECT_EQ((L"Не удалось прочитать файл " + path).substr(0, 300), textOf(text));
 }
 
 TEST_F(SignFileBase64Test, NullPathIsAFailure) {
@@ -177,6 +185,26 @@ TEST_F(SignFileBase64Test, TextBufferThatCannotBeAllocatedIsExplained) {
   EXPECT_HR(kFailed, sign(file.path()));
   EXPECT_EQ(L"Недостаточно памяти", textOf(text));
   EXPECT_EQ(1u, engine().count("QUIVO_FreeMem"));
+}
+
+TEST_F(SignFileBase64Test, SignatureTextThatCannotBeMadeIsExplained) {
+  TempFile file({1});
+  const Bstr path(file.path());
+  engine().on("QUIVO_EncodeMem").during = [] { MallocSpy::get().failAllocation(0); };
+  EXPECT_HR(kFailed, quivo()->SignFile2B64Mem(param(), path, signature.out(), text.out()));
+  EXPECT_EQ(L"Недостаточно памяти", textOf(text));
+  EXPECT_EQ(VT_EMPTY, signature.type());
+}
+
+TEST_F(SignFileBase64Test, SignatureIsOverwrittenWithoutBeingCleared) {
+  TempFile file({1});
+  Bstr kept(L"kept");
+  VARIANT variable;
+  V_VT(&variable) = VT_BSTR;
+  V_BSTR(&variable) = kept;
+  EXPECT_OK(quivo()->SignFile2B64Mem(param(), Bstr(file.path()), &variable, text.out()));
+  EXPECT_EQ(L"kept", kept.text());
+  VariantClear(&variable);
 }
 
 TEST_F(SignFileBase64Test, ErrorTextIsOptional) {

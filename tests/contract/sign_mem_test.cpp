@@ -38,6 +38,12 @@ TEST_F(SignMemTest, BothByteArraysAreHandedOverInPlace) {
   EXPECT_EQ(reinterpret_cast<uintptr_t>(signIn.safeArray()->pvData), call().blobData(3));
 }
 
+TEST_F(SignMemTest, FailureOfTheDataIsToldBeforeThatOfTheSignature) {
+  Variant vbs = vbsBytes({1});
+  Module::get().failAllocation(0);
+  EXPECT_HR(kOutOfMemory, sign(vbs, Variant::text(L"x")));
+}
+
 TEST_F(SignMemTest, EmptySignatureIsAbsent) {
   EXPECT_OK(sign(bytes({1}), Variant()));
   EXPECT_EQ(0u, call().blobLength(3));
@@ -85,6 +91,11 @@ TEST_F(SignMemTest, EmptyArgumentNeverMixes) {
   EXPECT_OK(sign(Variant(), vbsBytes({1})));
   EXPECT_OK(sign(Variant(), bytes({1})));
   EXPECT_OK(sign(Variant(), Variant()));
+}
+
+TEST_F(SignMemTest, ArrayWithoutElementsHasAFormAllTheSame) {
+  EXPECT_HR(kInvalidArgument, sign(bytes({}), vbsBytes({1})));
+  EXPECT_OK(sign(bytes({}), bytes({1})));
 }
 
 TEST_F(SignMemTest, SameArrayMayBeBothArguments) {

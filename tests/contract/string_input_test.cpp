@@ -86,4 +86,41 @@ TEST_F(StringOrderTest, OutputFileIsConvertedAfterTheInputFile) {
   EXPECT_HR(kInvalidArgument, quivo->EncryptFile(param, name, nullptr));
 }
 
+TEST_F(StringOrderTest, SignedFileIsConvertedBeforeTheSignature) {
+  Ptr<IQUIVO> quivo = openQuivo();
+  Ptr<ISignParam> param = make<SignParam>();
+  Bstr data(L"data"), signature(L"signature");
+  Module::get().failAllocation(0);
+  EXPECT_HR(kInvalidArgument, quivo->SignFile(param, data, signature, nullptr));
+  EXPECT_TRUE(Module::get().allocationFailed());
+}
+
+TEST_F(StringOrderTest, VerifiedFileIsConvertedBeforeTheSignature) {
+  Ptr<IQUIVO> quivo = openQuivo();
+  Ptr<IVerifyParam> param = make<VerifyParam>();
+  Variant results;
+  Bstr data(L"data");
+  Module::get().failAllocation(0);
+  EXPECT_HR(kInvalidArgument, quivo->VerifyFile(param, data, nullptr, nullptr, results.out()));
+  EXPECT_TRUE(Module::get().allocationFailed());
+}
+
+TEST_F(StringOrderTest, SignatureIsConvertedBeforeTheOutput) {
+  Ptr<IQUIVO> quivo = openQuivo();
+  Ptr<IVerifyParam> param = make<VerifyParam>();
+  Variant results;
+  Bstr output(L"output");
+  Module::get().failAllocation(0);
+  EXPECT_HR(kOutOfMemory, quivo->VerifyFile(param, nullptr, nullptr, output, results.out()));
+}
+
+TEST_F(StringOrderTest, DecryptedFileIsConvertedAfterTheInputFile) {
+  Ptr<IQUIVO> quivo = openQuivo();
+  Ptr<IDecryptParam> param = make<DecryptParam>();
+  Ptr<ICertificate> certificate;
+  Bstr name(L"name");
+  Module::get().failAllocation(0);
+  EXPECT_HR(kInvalidArgument, quivo->DecryptFile(param, name, nullptr, certificate.out()));
+}
+
 }  // namespace

@@ -62,8 +62,7 @@ TEST_F(UpdateCrlTest, TextThatCannotBeAllocatedIsReported) {
   reply().text = "text";
   reply().during = [] { Module::get().failAllocation(0); };
   Bstr description(L"before");
-  const Hresult result(update(description));
-  EXPECT_TRUE(result == Hresult(kOutOfMemory) || result == Hresult(E_OUTOFMEMORY));
+  EXPECT_HR(kOutOfMemory, update(description));
   EXPECT_EQ(L"before", description.text());
 }
 

@@ -119,13 +119,13 @@ fake::Certificate certificateOf(const std::string& subject) {
 
 std::wstring subjectOf(ICertificate* certificate) { return textOf(certificate, &ICertificate::get_subject); }
 
-void expectFullCertificate(ICertificate* certificate) {
+void expectFullCertificate(ICertificate* certificate, int fields) {
   ASSERT_NE(nullptr, certificate);
-  Certinfo_t fields{};
+  Certinfo_t shown{};
   Keyusage_t usage{};
   Variant usages, encoded, hash;
-  EXPECT_OK(certificate->get_fields(&fields));
-  EXPECT_EQ(0x4007FFFF, static_cast<int>(fields));
+  EXPECT_OK(certificate->get_fields(&shown));
+  EXPECT_EQ(fields, static_cast<int>(shown));
   EXPECT_EQ(L"CN=УЦ", textOf(certificate, &ICertificate::get_issuer));
   EXPECT_EQ(L"0A0B", textOf(certificate, &ICertificate::get_serialNumber));
   EXPECT_EQ(L"CN=Иванов", textOf(certificate, &ICertificate::get_subject));
