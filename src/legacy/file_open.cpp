@@ -185,8 +185,8 @@ class Opening {
   OpenPlan plan_{};
   bool executesResult_ = false;
   bool keepsSignedCopy_ = false;
-  com::RegKey userKey_;
   com::Ref<Ipkiobj> object_;
+  com::RegKey userKey_;
 };
 
 }  // namespace

@@ -87,6 +87,7 @@ BOOL WINAPI askForFile(OPENFILENAMEA* dialog) {
 BOOL WINAPI execute(SHELLEXECUTEINFOA* request) {
   desktop->executions.push_back(
       {request->fMask, wideOrEmpty(request->lpVerb), wideOrEmpty(request->lpFile), request->nShow});
+  if (desktop->duringExecution) desktop->duringExecution();
   return FALSE;
 }
 

@@ -94,6 +94,8 @@ class LegacyDesktop {
   std::function<bool(OPENFILENAMEA&)> saveAnswer = [](OPENFILENAMEA&) { return true; };
   /// What runs while a sheet is shown.
   std::function<void()> duringSheet;
+  /// What runs while the result is opened with its program.
+  std::function<void()> duringExecution;
   /// The runtime's clock.
   int64_t now = 1700000000;
   HWND foreground = reinterpret_cast<HWND>(0x1234);

@@ -1,4 +1,5 @@
 // The file-open entry, step by step: against an object of the test's under the name that the entry asks for.
+#include <functional>
 #include <map>
 
 #include "contract/legacy_test.h"
@@ -13,6 +14,7 @@ class ObjectDouble final : public Ipkiobj, public IClassFactory {
  public:
   std::vector<std::wstring> calls;
   std::map<std::wstring, std::vector<HRESULT>> answers;
+  std::function<void()> onRelease;
   int references = 0;
   int created = 0;
 
@@ -25,7 +27,10 @@ class ObjectDouble final : public Ipkiobj, public IClassFactory {
     return S_OK;
   }
   STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(++references); }
-  STDMETHODIMP_(ULONG) Release() override { return static_cast<ULONG>(--references); }
+  STDMETHODIMP_(ULONG) Release() override {
+    if (onRelease) onRelease();
+    return static_cast<ULONG>(--references);
+  }
   STDMETHODIMP CreateInstance(IUnknown*, REFIID iid, void** out) override {
     ++created;
     return QueryInterface(iid, out);
@@ -42,7 +47,7 @@ class ObjectDouble final : public Ipkiobj, public IClassFactory {
   STDMETHODIMP Verify(BSTR in, BSTR out) override { return answer(L"Verify", in, out); }
   STDMETHODIMP Encrypt(BSTR in, BSTR out) override { return answer(L"Encrypt", in, out); }
   STDMETHODIMP Unencrypt(BSTR in, BSTR out, LONG show) override {
-    return answer(show == 0 ? L"Unencrypt" : L"UnencryptAndShow", in, out);
+    return answer(show == 0 ? L"Unencrypt" : show == 1 ? L"UnencryptAndShow" : L"UnencryptOtherwise", in, out);
   }
   STDMETHODIMP SignAndEncrypt(BSTR in, BSTR out) override { return answer(L"SignAndEncrypt", in, out); }
   STDMETHODIMP VerifyAndUnencrypt(BSTR in, BSTR out) override { return answer(L"VerifyAndUnencrypt", in, out); }
@@ -251,7 +256,9 @@ TEST_F(FileOpenTest, TheStartFolderIsReadAsTextOfEitherType) {
   EXPECT_EQ(L"", write(REG_BINARY, "C:\\six"));
   EXPECT_EQ(L"", write(REG_DWORD, "four"));
   EXPECT_EQ(L"", write(REG_SZ, std::string(300, 'x')));
-  EXPECT_EQ(std::wstring(258, L'x'), write(REG_SZ, std::string(258, 'x')));
+  // With its terminator, 260 and 261 bytes.
+  EXPECT_EQ(std::wstring(259, L'x'), write(REG_SZ, std::string(259, 'x')));
+  EXPECT_EQ(L"", write(REG_SZ, std::string(260, 'x')));
 }
 
 TEST_F(FileOpenTest, ExecuteResultWritesAndOpensWithoutAsking) {
@@ -266,6 +273,71 @@ TEST_F(FileOpenTest, ExecuteResultWritesAndOpensWithoutAsking) {
   EXPECT_EQ(path(L"a.txt"), desktop.executions[0].file);
   EXPECT_EQ(SW_SHOWNORMAL, desktop.executions[0].show);
   EXPECT_EQ(folder, rememberedFolder());
+}
+
+TEST_F(FileOpenTest, TheResultIsOpenedBeforeItsFolderIsRemembered) {
+  setExecuteResult(1);
+  std::wstring during;
+  desktop.duringExecution = [&] { during = rememberedFolder(); };
+  open(create(L"a.txt.p7s"));
+  EXPECT_EQ(L"(none)", during);
+  EXPECT_EQ(folder, rememberedFolder());
+}
+
+TEST_F(FileOpenTest, AResultWithoutAFolderIsNotRemembered) {
+  desktop.saveAnswer = [](OPENFILENAMEA& dialog) { return lstrcpyA(dialog.lpstrFile, "b.txt") != nullptr; };
+  open(create(L"a.txt.p7s"));
+  EXPECT_EQ(2u, object.calls.size());
+  EXPECT_EQ(L"(none)", rememberedFolder());
+}
+
+std::vector<std::string> ends;
+
+HRESULT WINAPI enterApartment(void* reserved, DWORD model) {
+  EXPECT_EQ(nullptr, reserved);
+  EXPECT_EQ(static_cast<DWORD>(COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE), model);
+  ends.push_back("enter");
+  return CoInitializeEx(reserved, model);
+}
+
+void WINAPI leaveApartment() {
+  ends.push_back("leave");
+  CoUninitialize();
+}
+
+LSTATUS WINAPI closeKey(HKEY key) {
+  ends.push_back("close");
+  return RegCloseKey(key);
+}
+
+class FileOpenEndTest : public FileOpenTest {
+ protected:
+  void SetUp() override {
+    FileOpenTest::SetUp();
+    ends.clear();
+  }
+
+ private:
+  ImportPatch entering_{Module::get().handle(), "CoInitializeEx", reinterpret_cast<void*>(enterApartment)};
+  ImportPatch leaving_{Module::get().handle(), "CoUninitialize", reinterpret_cast<void*>(leaveApartment)};
+};
+
+TEST_F(FileOpenEndTest, TheApartmentIsLeftAfterEveryRun) {
+  open(path(L"missing.p7s"));
+  EXPECT_EQ((std::vector<std::string>{"enter", "leave"}), ends);
+  open(create(L"a.txt.p7s"));
+  EXPECT_EQ((std::vector<std::string>{"enter", "leave", "enter", "leave"}), ends);
+}
+
+TEST_F(FileOpenEndTest, KeysAreClosedBeforeTheObjectIsReleased) {
+  const std::wstring file = create(L"a.txt.p7s");
+  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(closeKey));
+  object.onRelease = [] { ends.push_back("release"); };
+  open(file);
+  object.onRelease = nullptr;
+  ASSERT_GE(ends.size(), 3u);
+  EXPECT_EQ((std::vector<std::string>{"close", "release", "leave"}),
+            (std::vector<std::string>(ends.end() - 3, ends.end())));
 }
 
 TEST_F(FileOpenTest, ExecuteResultAsksBeforeItOverwrites) {

@@ -66,11 +66,6 @@ class LegacyFiles : public LegacyTest {
     for (size_t offset : offsets) std::fill_n(record.bytes.begin() + static_cast<ptrdiff_t>(offset), 4, uint8_t{0});
     EXPECT_TRUE(record.allZero());
   }
-  std::vector<std::string> callsWithoutTexts() {
-    std::vector<std::string> all = engine().names();
-    std::erase(all, "QUIVO_GetErrorText");
-    return all;
-  }
 };
 
 using Names = std::vector<std::string>;
@@ -252,6 +247,49 @@ TEST_F(LegacyFiles, VerifyTellsAFailureAndReturnsItAsItStands) {
   EXPECT_EQ(3u, engine().count("QUIVO_FreeVerifyResult"));
 }
 
+TEST_F(LegacyFiles, AFailureIsToldBeforeItsResultIsGivenBack) {
+  InputFile in;
+  alreadySigned();
+  engine().on("QUIVO_VerifyFile").result = 0x7021;
+  engine().on("QUIVO_DecryptAndVerifyFile").result = 0x7021;
+  EXPECT_HR(0x7021u, verify());
+  EXPECT_EQ((Names{"QUIVO_VerifyFile", "QUIVO_GetErrorText", "QUIVO_FreeVerifyResult"}), engine().names());
+  engine().forgetCalls();
+  EXPECT_HR(0x7021u, sign());
+  EXPECT_EQ((Names{"QUIVO_SignedInfoFile", "QUIVO_FreeSignedInfoResult", "QUIVO_VerifyFile", "QUIVO_GetErrorText",
+                   "QUIVO_FreeVerifyResult"}),
+            engine().names());
+  engine().forgetCalls();
+  EXPECT_HR(0x7021u, verifyAndUnencrypt(in));
+  EXPECT_EQ(
+      (Names{"QUIVO_DecryptAndVerifyFile", "QUIVO_GetErrorText", "QUIVO_FreeVerifyResult", "QUIVO_FreeDecryptResult"}),
+      engine().names());
+}
+
+TEST_F(LegacyFiles, EveryCallIsOfTheObjectsSession) {
+  object->Uninit();
+  engine().on("QUIVO_Initialize").handle = reinterpret_cast<void*>(0x7000);
+  openSession();
+  InputFile in;
+  engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=B")};
+  fake::Certificate valid;
+  valid.notAfter = static_cast<uint32_t>(desktop.now) + 1;
+  engine().on("QUIVO_VerifyCert").certificate = valid;
+  EXPECT_OK(object->SetRecipients(Bstr(L"SMTP:b@b")));
+  EXPECT_OK(object->AddRecipDERCert(Bstr(L"der")));
+  EXPECT_HR(S_FALSE, object->IsSigned(Bstr(kIn)));
+  alreadySigned();
+  EXPECT_OK(sign());
+  EXPECT_OK(signAndEncrypt());
+  EXPECT_OK(verify());
+  EXPECT_OK(encrypt());
+  EXPECT_OK(unencrypt(in));
+  EXPECT_OK(verifyAndUnencrypt(in));
+  EXPECT_OK(object->FreeRecipCerts());
+  EXPECT_EQ(27u, engine().calls().size());
+  for (const fake::Call& call : engine().calls()) EXPECT_EQ(0x7000u, call.value(0)) << call.function;
+}
+
 TEST_F(LegacyFiles, ResultsLiveWhileTheSheetIsShown) {
   size_t freed = 1;
   desktop.duringSheet = [&] { freed = engine().count("QUIVO_FreeVerifyResult"); };
@@ -343,8 +381,11 @@ TEST_F(LegacyFiles, AMissingInputIsToldWithTheSystemsError) {
 }
 
 TEST_F(LegacyFiles, AFolderIsNoInput) {
+  // The attributes of a folder are read without a failure: the number is the thread's last error, whatever it is.
+  SetLastError(ERROR_BUSY);
   EXPECT_HR(S_FALSE, object->Unencrypt(Bstr(L"C:\\windows"), Bstr(kOut), 0));
   expectMessage(L"Ошибка доступа к файлу C:\\windows.");
+  EXPECT_EQ(ERROR_BUSY, engine().only("QUIVO_GetErrorText").number(0));
   desktop.messages.clear();
   EXPECT_HR(S_FALSE, object->VerifyAndUnencrypt(Bstr(L"C:\\windows"), Bstr(kOut)));
   expectMessage(L"Ошибка доступа к файлу C:\\windows.");

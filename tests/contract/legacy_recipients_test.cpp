@@ -332,6 +332,24 @@ TEST_F(LegacyRecipients, ValidityBeginsWithItsFirstSecondAndEndsBeforeItsLast) {
   EXPECT_EQ(0u, desktop.messages.size());
 }
 
+TEST_F(LegacyRecipients, ValidityIsOfUnsigned32BitTimes) {
+  fake::Certificate& certificate = *engine().on("QUIVO_VerifyCert").certificate;
+  desktop.now = 0x100000000 + 1000;
+  certificate.notBefore = 990;
+  certificate.notAfter = 1010;
+  EXPECT_OK(object->AddRecipDERCert(derOf({1})));
+  desktop.now = 0x7FFFFFFF;
+  certificate.notAfter = 0xFFFFFFFF;
+  EXPECT_OK(object->AddRecipDERCert(derOf({1})));
+  certificate.notBefore = 0x80000000;
+  EXPECT_HR(kNotValidNow, object->AddRecipDERCert(derOf({1})));
+}
+
+TEST_F(LegacyRecipients, VerifiedRecordIsGivenBackBeforeMemoryIsTaken) {
+  EXPECT_OK(object->AddRecipDERCert(derOf({1})));
+  EXPECT_EQ((std::vector<std::string>{"QUIVO_VerifyCert", "QUIVO_FreeCert", "QUIVO_AllocMem"}), engine().names());
+}
+
 TEST_F(LegacyRecipients, WithoutEngineMemoryNothingIsAdded) {
   engine().once("QUIVO_AllocMem").result = 1;
   EXPECT_HR(kNoMemory, object->AddRecipDERCert(derOf({1})));
@@ -372,6 +390,25 @@ TEST_F(LegacyRecipients, FreeRecipCertsGivesEveryRecordBack) {
   EXPECT_OK(object->FreeRecipCerts());
   EXPECT_EQ(3u, engine().count("QUIVO_FreeCert"));
   EXPECT_EQ(0u, recipients().size());
+}
+
+TEST_F(LegacyRecipients, RecordsAreGivenBackInTheirOrder) {
+  engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=A"), certificateOf("CN=B"), certificateOf("CN=C")};
+  EXPECT_OK(object->SetRecipients(Bstr(L"")));
+  engine().forgetCalls();
+  EXPECT_OK(object->FreeRecipCerts());
+  ASSERT_EQ(3u, engine().calls().size());
+  EXPECT_EQ("CN=A", engine().calls()[0].record(1).text(24));
+  EXPECT_EQ("CN=B", engine().calls()[1].record(1).text(24));
+  EXPECT_EQ("CN=C", engine().calls()[2].record(1).text(24));
+}
+
+TEST_F(LegacyRecipients, UninitWithoutASessionGivesThemBackToo) {
+  object->Uninit();
+  EXPECT_OK(object->SetRecipients(Bstr(L"SMTP:a")));
+  engine().forgetCalls();
+  EXPECT_HR(S_FALSE, object->Uninit());
+  EXPECT_EQ(std::vector<std::string>{"QUIVO_FreeCert"}, engine().names());
 }
 
 TEST_F(LegacyRecipients, UninitGivesThemBackBeforeItClosesTheSession) {

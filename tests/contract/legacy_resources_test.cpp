@@ -165,6 +165,7 @@ TEST(LegacyResources, TheControlsOfTheResultsPageHaveTheirStyles) {
   EXPECT_EQ(static_cast<DWORD>(LVS_REPORT), list & LVS_TYPEMASK);
   EXPECT_TRUE(list & LVS_SINGLESEL);
   EXPECT_TRUE(list & LVS_SHOWSELALWAYS);
+  EXPECT_TRUE(list & LVS_NOSORTHEADER);
   EXPECT_FALSE(list & (LVS_SORTASCENDING | LVS_SORTDESCENDING));
   for (const Control& control : page.controls) {
     EXPECT_EQ(static_cast<DWORD>(WS_CHILD | WS_VISIBLE), page.styleOf(control.id) & (WS_CHILD | WS_VISIBLE))

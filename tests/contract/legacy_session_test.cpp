@@ -41,6 +41,21 @@ TEST_F(LegacySession, AProfileOf260CharactersIsPassedWhole) {
   EXPECT_EQ(ansiOf(name), profileOfInit(name));
 }
 
+/// Lets the thread speak the language of `locale` while it lives.
+class ThreadLocale {
+ public:
+  explicit ThreadLocale(LCID locale) : former_(GetThreadLocale()) { SetThreadLocale(locale); }
+  ~ThreadLocale() { SetThreadLocale(former_); }
+
+ private:
+  LCID former_;
+};
+
+TEST_F(LegacySession, TextsAreInTheCodePageOfTheThread) {
+  const ThreadLocale english(MAKELCID(MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), SORT_DEFAULT));
+  EXPECT_EQ("\xE9", profileOfInit(L"\x00E9"));
+}
+
 TEST_F(LegacySession, AnEmptyProfileIsAnEmptyName) { EXPECT_EQ("", profileOfInit(L"")); }
 TEST_F(LegacySession, ANullProfileIsAnEmptyName) { EXPECT_EQ("", profileOfInit(Bstr())); }
 
@@ -99,6 +114,43 @@ TEST_F(LegacySession, AValueOfAnotherTypeKeepsItsDefault) {
   EXPECT_EQ(7u, flagsOfInit());
   writeText(HKEY_LOCAL_MACHINE, kLegacyKey, L"KeyCheckPeriod", L"1");
   EXPECT_EQ(5u, flagsOfInit());
+}
+
+TEST_F(LegacySession, FewerThanFourBytesAreNoNumber) {
+  const DWORD past = now() - 2880 * 60 - 1;
+  setPeriods(past, 1, past, 1);
+  HKEY key = nullptr;
+  const BYTE long_period[] = {0xFF, 0xFF};
+  RegOpenKeyExW(HKEY_LOCAL_MACHINE, kLegacyKey, 0, KEY_WRITE, &key);
+  RegSetValueExW(key, L"CrlUpdatePeriod", 0, REG_DWORD, long_period, sizeof long_period);
+  RegSetValueExW(key, L"KeyCheckPeriod", 0, REG_DWORD, long_period, sizeof long_period);
+  RegCloseKey(key);
+  EXPECT_EQ(6u, flagsOfInit());
+}
+
+std::vector<std::string> queries;
+
+LSTATUS WINAPI openKey(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
+  char entry[16];
+  wsprintfA(entry, "open 0x%X", access);
+  queries.push_back(entry);
+  return RegOpenKeyExA(root, path, options, access, key);
+}
+
+LSTATUS WINAPI queryValue(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
+  queries.push_back(name);
+  return RegQueryValueExA(key, name, reserved, type, data, size);
+}
+
+TEST_F(LegacySession, PeriodsAreReadInTheirOrderThroughAReadOnlyKey) {
+  writeKey(HKEY_LOCAL_MACHINE, kLegacyKey);
+  const ImportPatch opening(Module::get().handle(), "RegOpenKeyExA", reinterpret_cast<void*>(openKey));
+  const ImportPatch querying(Module::get().handle(), "RegQueryValueExA", reinterpret_cast<void*>(queryValue));
+  queries.clear();
+  flagsOfInit();
+  EXPECT_EQ((std::vector<std::string>{"open 0x20019", "LastCrlUpdateTime", "CrlUpdatePeriod", "LastKeyCheckTime",
+                                      "KeyCheckPeriod"}),
+            queries);
 }
 
 TEST_F(LegacySession, FourBytesOfAnotherTypeAreNoNumber) {
