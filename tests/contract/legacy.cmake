@@ -17,5 +17,5 @@ target_link_libraries(legacy_tests PRIVATE contract_support legacy_units)
 set_target_properties(legacy_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${contract_dir})
 add_dependencies(legacy_tests tavlcom_contract)
 tavl_test_suites(legacy_tests contract ENVIRONMENT oanocache=1)
-# Both write the name that the entry asks for into the classes of the whole prefix.
-set_tests_properties(contract.FileOpenTest contract.FileOpenKeepTest PROPERTIES RESOURCE_LOCK file_open_name)
+# All write the name that the entry asks for into the classes of the whole prefix.
+set_tests_properties(contract.FileOpenTest contract.FileOpenKeepTest contract.FileOpenEndTest PROPERTIES RESOURCE_LOCK file_open_name)

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "support/module.h"
+#include "support/values.h"
 
 namespace {
 
@@ -146,19 +147,4 @@ std::vector<std::wstring> LegacyDesktop::texts() const {
   std::vector<std::wstring> all;
   for (const ShownMessage& message : messages) all.push_back(message.text);
   return all;
-}
-
-std::wstring wideOf(const char* text) {
-  std::wstring wide(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0)), L'\0');
-  MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), static_cast<int>(wide.size()));
-  wide.resize(wide.empty() ? 0 : wide.size() - 1);
-  return wide;
-}
-
-std::string ansiOf(const std::wstring& text) {
-  std::string ansi(static_cast<size_t>(WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, nullptr, 0, nullptr, nullptr)),
-                   '\0');
-  WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, ansi.data(), static_cast<int>(ansi.size()), nullptr, nullptr);
-  ansi.resize(ansi.empty() ? 0 : ansi.size() - 1);
-  return ansi;
 }

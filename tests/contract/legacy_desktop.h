@@ -108,7 +108,3 @@ class LegacyDesktop {
  private:
   std::vector<ImportPatch*> patches_;
 };
-
-/// Text of the ANSI code page, and back.
-std::wstring wideOf(const char* text);
-std::string ansiOf(const std::wstring& text);

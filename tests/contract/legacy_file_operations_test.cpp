@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "contract/legacy_test.h"
+#include "support/certificates.h"
 
 namespace {
 
@@ -29,12 +30,6 @@ class InputFile {
  private:
   std::wstring path_;
 };
-
-fake::Certificate certificateOf(const char* subject) {
-  fake::Certificate certificate;
-  certificate.subject = subject;
-  return certificate;
-}
 
 class LegacyFiles : public LegacyTest {
  protected:

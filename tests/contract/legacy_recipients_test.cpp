@@ -1,5 +1,6 @@
 // The legacy object's recipients: found by address, selected by the user, given in DER, and given back.
 #include "contract/legacy_test.h"
+#include "support/certificates.h"
 
 namespace {
 
@@ -9,13 +10,6 @@ constexpr uint32_t kNotValidNow = 0xE0700036;
 constexpr int32_t kCancelled = static_cast<int32_t>(0xE072008A);
 constexpr size_t kTemplate = 16;
 constexpr size_t kSubjectAltName = kTemplate + 200;
-
-fake::Certificate certificateOf(const char* subject) {
-  fake::Certificate certificate;
-  certificate.subject = subject;
-  certificate.certHash = {1, 2, 3};
-  return certificate;
-}
 
 /// A BSTR that carries bytes, of any number.
 Bstr derOf(const Bytes& bytes) {

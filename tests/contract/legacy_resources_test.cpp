@@ -23,7 +23,7 @@ struct Control {
   bool operator==(const Control&) const = default;
 };
 
-std::string narrow(const std::wstring& text) {
+std::string utf8Of(const std::wstring& text) {
   std::string utf8(text.size() * 3 + 1, '\0');
   utf8.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
                                                       utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr)));
@@ -31,7 +31,7 @@ std::string narrow(const std::wstring& text) {
 }
 
 std::ostream& operator<<(std::ostream& out, const Control& control) {
-  return out << control.id << " " << narrow(control.kind) << " \"" << narrow(control.text) << "\" " << control.x << ","
+  return out << control.id << " " << utf8Of(control.kind) << " \"" << utf8Of(control.text) << "\" " << control.x << ","
              << control.y << " " << control.width << "x" << control.height;
 }
 

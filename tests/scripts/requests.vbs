@@ -47,7 +47,6 @@ arrays.save folder & "request.xml", request
 
 finish
 
-
 ' The words behind the identifier, in the code page 1251.
 Function absent
   Dim codes, i

@@ -170,3 +170,19 @@ std::wstring textOf(const Variant& value) {
   EXPECT_NE(nullptr, V_BSTR(&value.get()));
   return V_BSTR(&value.get()) == nullptr ? L"" : V_BSTR(&value.get());
 }
+
+std::string ansiOf(const std::wstring& text) {
+  const int length = static_cast<int>(text.size());
+  std::string ansi(2 * text.size(), '\0');
+  const int written =
+      WideCharToMultiByte(CP_ACP, 0, text.data(), length, ansi.data(), static_cast<int>(ansi.size()), nullptr, nullptr);
+  ansi.resize(static_cast<size_t>(written));
+  return ansi;
+}
+
+std::wstring wideOf(const std::string& text) {
+  const int length = static_cast<int>(text.size());
+  std::wstring wide(text.size(), L'\0');
+  wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), length)));
+  return wide;
+}

@@ -93,6 +93,9 @@ Bytes plainBytesOf(const Variant& value);
 Bytes vbsBytesOf(const Variant& value);
 std::vector<std::wstring> stringsOf(const Variant& value);
 std::vector<Ptr<IDispatch>> objectsOf(const Variant& value);
+/// A text in the ANSI code page, as the engine gives it; and back.
+std::string ansiOf(const std::wstring& text);
+std::wstring wideOf(const std::string& text);
 /// The text of a VT_BSTR up to its first NUL.
 std::wstring textOf(const Variant& value);
 

@@ -23,18 +23,6 @@ void removeTree(const std::wstring& folder) {
 
 }  // namespace
 
-std::string ansiOf(const std::wstring& text) {
-  char ansi[2048] = {};
-  WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, ansi, sizeof ansi, nullptr, nullptr);
-  return ansi;
-}
-
-std::wstring wideOf(const std::string& text) {
-  wchar_t wide[2048] = {};
-  MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, wide, 2048);
-  return wide;
-}
-
 void UiTest::SetUp() {
   ContractTest::SetUp();
   // Twice what the slowest test takes.

@@ -8,10 +8,6 @@
 constexpr const wchar_t* kSheetCaption = L"КОРВИС (x64)";
 constexpr const wchar_t* kLegacyKey = L"SOFTWARE\\KORVENTA\\tavlcom";
 
-/// A text in the ANSI code page, as the engine gives it; and back.
-std::string ansiOf(const std::wstring& text);
-std::wstring wideOf(const std::string& text);
-
 class UiTest : public ContractTest {
  protected:
   void SetUp() override;
