@@ -29,7 +29,8 @@ void Reset(char**& strings, int32_t& count) {
 HRESULT GetString(const char* field, BSTR* out) {
   if (!out) return E_POINTER;
   if (field) return AnsiToBstr(field, out);
-  return SysReAllocStringLen(out, nullptr, 0) ? S_OK : E_OUTOFMEMORY;
+  // TRUE alone is no proof, as in ReallocBstr.
+  return SysReAllocStringLen(out, nullptr, 0) && *out ? S_OK : E_OUTOFMEMORY;
 }
 
 HRESULT PutString(char*& field, BSTR value) {

@@ -82,6 +82,22 @@ TEST_F(InitializeExTest, ForeignObjectOfAnotherKindIsRefused) {
   EXPECT_HR(kInvalidArgument, make<QUIVO>()->InitializeEx(&param));
 }
 
+TEST_F(InitializeExTest, InterfaceWithoutANameGivesTheFailureOfItsConversion) {
+  // Type information made by the platform belongs to a library of no name and no interfaces.
+  METHODDATA method{};
+  wchar_t name[] = L"method";
+  method.szName = name;
+  method.dispid = 1;
+  method.wFlags = DISPATCH_METHOD;
+  method.vtReturn = VT_EMPTY;
+  INTERFACEDATA interface_data{&method, 1};
+  Ptr<ITypeInfo> info;
+  ASSERT_OK(CreateDispTypeInfo(&interface_data, LOCALE_NEUTRAL, info.out()));
+  LookAlike param(info);
+  EXPECT_HR(0x80070057u, make<QUIVO>()->InitializeEx(&param));
+  EXPECT_EQ(1u, param.references());
+}
+
 TEST_F(InitializeExTest, NameThatCannotBeAllocatedIsReported) {
   Ptr<IQUIVO> quivo = make<QUIVO>();
   Ptr<ILocalParam> param = make<LocalParam>();

@@ -102,8 +102,10 @@ TEST_P(StringPropertyTest, ReadingThatCannotAllocateLeavesTheString) {
 }
 
 TEST_P(StringPropertyTest, StringThatCannotBeMadeIsReported) {
-  for (const wchar_t* text : {L"value", L""}) {
-    EXPECT_OK(put(text));
+  for (const wchar_t* text : {static_cast<const wchar_t*>(nullptr), L"value", L""}) {
+    if (text != nullptr) {
+      EXPECT_OK(put(text));
+    }
     Bstr value;
     MallocSpy::get().failAllocation(0);
     const HRESULT result = get(value);

@@ -162,6 +162,13 @@ TEST_P(VerifyFileTest, NullSignaturePathIsRefused) {
   EXPECT_EQ(VT_EMPTY, results.type());
 }
 
+TEST_P(VerifyFileTest, UntrustedDataModeLeavesTheResultsAlone) {
+  quivo = untrustedQuivo();
+  results = Variant::text(L"before");
+  EXPECT_HR(kAccessDenied, verify(nullptr, Bstr(L"in"), nullptr));
+  EXPECT_EQ(L"before", textOf(results));
+}
+
 TEST_P(VerifyFileTest, ResultsAreFilledOnSuccess) {
   reply().signatures = {{0, 0, fullCertificate()}};
   EXPECT_OK(verify(nullptr, Bstr(L"in"), nullptr));

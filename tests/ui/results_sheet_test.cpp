@@ -393,4 +393,19 @@ TEST_F(CertificateButtons, ShowNothingForASignerWithoutACertificate) {
   EXPECT_EQ(std::vector<int>{}, shown());
 }
 
+TEST_F(CertificateButtons, ShowNothingForARecordThatCannotBeRead) {
+  addSigner("QUIVO_VerifyFile", 0, 1, L"CN=A", 5);
+  User user(kSheetCaption, [&](HWND sheet) {
+    // The pointer to the signer's record, in the first entry of the result.
+    const uint64_t entries = *reinterpret_cast<uint64_t*>(engine().only("QUIVO_VerifyFile").value(5) + 8);
+    void*& record = *reinterpret_cast<void**>(entries + 8);
+    void* const readable = std::exchange(record, reinterpret_cast<void*>(8));
+    click(sheet, 1004);
+    record = readable;
+    press(sheet, IDOK);
+  });
+  EXPECT_OK(verify());
+  EXPECT_EQ(std::vector<int>{}, shown());
+}
+
 }  // namespace
