@@ -31,7 +31,7 @@ class Buffers {
   /// Takes over memory that came from malloc.
   void adopt(void* buffer) { live_.insert(buffer); }
 
-  bool owns(const void* buffer) const { return live_.count(buffer) != 0; }
+  bool owns(const void* buffer) const { return live_.contains(buffer); }
   /// False when the buffer is none of this session's. Null is accepted.
   bool release(const void* buffer);
 

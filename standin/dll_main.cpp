@@ -8,7 +8,7 @@
 
 namespace __gnu_cxx {
 /// Gives back what the C++ runtime holds ready for exceptions when there is no memory left.
-void __freeres();
+void __freeres();  // NOLINT(bugprone-reserved-identifier): the runtime's name
 }  // namespace __gnu_cxx
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID process_ends) {

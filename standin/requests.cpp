@@ -109,7 +109,7 @@ std::string keyIdText(EVP_PKEY* key) {
   const unsigned char* bits = nullptr;
   int length = 0;
   X509_PUBKEY_get0_param(nullptr, &bits, &length, nullptr, encoded);
-  const std::string text = thumbprintText({bits, static_cast<size_t>(length)});
+  std::string text = thumbprintText({bits, static_cast<size_t>(length)});
   X509_PUBKEY_free(encoded);
   return text;
 }
@@ -202,7 +202,7 @@ Bytes newestRequest(const Store& store) {
     }
   }
   if (newest.empty()) fail(kNothingToExport);
-  const Bytes der = readWholeFile(newest.c_str(), kLargestObject);
+  Bytes der = readWholeFile(newest.c_str(), kLargestObject);
   if (requestFromDer(der) == nullptr) fail(kRequestDamaged);
   return der;
 }

@@ -11,6 +11,7 @@ namespace {
 
 std::vector<Bytes> copiesOf(const std::vector<ByteView>& elements) {
   std::vector<Bytes> copies;
+  copies.reserve(elements.size());
   for (const ByteView element : elements) copies.emplace_back(element.begin(), element.end());
   return copies;
 }

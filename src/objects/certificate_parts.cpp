@@ -29,7 +29,7 @@ static_assert(sizeof(kAltNames) / sizeof(*kAltNames) * sizeof(char*) == sizeof(A
 template <class... Steps>
 HRESULT AllOf(Steps... steps) {
   HRESULT hr = S_OK;
-  ((SUCCEEDED(hr = steps())) && ...);
+  static_cast<void>((SUCCEEDED(hr = steps()) && ...));
   return hr;
 }
 
