@@ -144,38 +144,68 @@ class FreshModule {
 
 using GetClassObject = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
 
+/// One of two threads that do the same with a module that has done nothing yet.
 struct Racer {
   GetClassObject getClassObject;
   HANDLE start;
-  void* factories[18];
+  /// What the thread got for each class; held.
+  IUnknown* got[18];
 };
+
+/// Runs two threads against each other; both have to get the same for every class.
+void race(const FreshModule& module, LPTHREAD_START_ROUTINE run) {
+  const HANDLE start = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  Racer racers[2]{{module.entry<GetClassObject>("DllGetClassObject"), start, {}},
+                  {module.entry<GetClassObject>("DllGetClassObject"), start, {}}};
+  ASSERT_NE(nullptr, racers[0].getClassObject);
+  HANDLE threads[2];
+  for (int i = 0; i < 2; ++i) threads[i] = CreateThread(nullptr, 0, run, &racers[i], 0, nullptr);
+  SetEvent(start);
+  WaitForMultipleObjects(2, threads, TRUE, INFINITE);
+  for (size_t i = 0; i < kClasses.size(); ++i) {
+    EXPECT_NE(nullptr, racers[0].got[i]) << kClasses[i];
+    EXPECT_EQ(racers[0].got[i], racers[1].got[i]) << kClasses[i];
+    for (const Racer& racer : racers) {
+      if (racer.got[i] != nullptr) racer.got[i]->Release();
+    }
+  }
+  for (HANDLE thread : threads) CloseHandle(thread);
+  CloseHandle(start);
+}
 
 DWORD WINAPI askForAllFactories(void* argument) {
   Racer& racer = *static_cast<Racer*>(argument);
   WaitForSingleObject(racer.start, INFINITE);
   for (size_t i = 0; i < kClasses.size(); ++i) {
-    racer.getClassObject(guidOf(kClasses[i].clsid), IID_IClassFactory, &racer.factories[i]);
+    racer.getClassObject(guidOf(kClasses[i].clsid), IID_IClassFactory, reinterpret_cast<void**>(&racer.got[i]));
   }
   return 0;
 }
 
+DWORD WINAPI describeAllClasses(void* argument) {
+  Racer& racer = *static_cast<Racer*>(argument);
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  WaitForSingleObject(racer.start, INFINITE);
+  for (size_t i = 0; i < kClasses.size(); ++i) {
+    Ptr<IClassFactory> factory;
+    Ptr<IDispatch> object;
+    racer.getClassObject(guidOf(kClasses[i].clsid), IID_IClassFactory, factory.voidOut());
+    factory->CreateInstance(nullptr, IID_IDispatch, object.voidOut());
+    object->GetTypeInfo(0, LOCALE_NEUTRAL, reinterpret_cast<ITypeInfo**>(&racer.got[i]));
+  }
+  CoUninitialize();
+  return 0;
+}
+
 TEST_F(ClassObjectTest, TwoThreadsNeverGetTwoFactories) {
+  for (int round = 0; round < 10; ++round) race(FreshModule(), askForAllFactories);
+}
+
+TEST_F(ClassObjectTest, TwoThreadsShareTypeInformationAndLeaveNoObject) {
   for (int round = 0; round < 10; ++round) {
-    FreshModule module;
-    const HANDLE start = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    Racer racers[2]{{module.entry<GetClassObject>("DllGetClassObject"), start, {}},
-                    {module.entry<GetClassObject>("DllGetClassObject"), start, {}}};
-    ASSERT_NE(nullptr, racers[0].getClassObject);
-    HANDLE threads[2];
-    for (int i = 0; i < 2; ++i) threads[i] = CreateThread(nullptr, 0, askForAllFactories, &racers[i], 0, nullptr);
-    SetEvent(start);
-    WaitForMultipleObjects(2, threads, TRUE, INFINITE);
-    for (size_t i = 0; i < kClasses.size(); ++i) {
-      EXPECT_EQ(racers[0].factories[i], racers[1].factories[i]) << kClasses[i];
-      for (const Racer& racer : racers) static_cast<IUnknown*>(racer.factories[i])->Release();
-    }
-    for (HANDLE thread : threads) CloseHandle(thread);
-    CloseHandle(start);
+    const FreshModule module;
+    race(module, describeAllClasses);
+    EXPECT_HR(S_OK, module.entry<HRESULT(WINAPI*)()>("DllCanUnloadNow")());
   }
 }
 
