@@ -149,6 +149,16 @@ TEST_P(CertificateTimeTest, DatesBefore1970AreRefused) {
   }
 }
 
+TEST_P(CertificateTimeTest, FirstHoursOf1970AreRefusedEastOfGreenwich) {
+  zone("TZ=MSK-3");
+  EXPECT_HR(E_INVALIDARG, put(kEpoch));
+  EXPECT_OK(put(kEpoch + 3 * 3600 * kSecond));
+  EXPECT_EQ(10800u, seconds());
+  zone("TZ=EST5");
+  EXPECT_OK(put(kEpoch));
+  EXPECT_EQ(0u, seconds());
+}
+
 TEST_P(CertificateTimeTest, DateAfter2106LosesItsUpperHalf) {
   EXPECT_OK(put(kEpoch + 49710 + 23296 * kSecond));  // 2^32 seconds
   EXPECT_EQ(0u, seconds());
