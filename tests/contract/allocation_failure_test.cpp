@@ -28,8 +28,10 @@ class AllocationFailureTest : public ContractTest, public ::testing::WithParamIn
  protected:
   void SetUp() override { answerRichly(engine()); }
 
-  /// Runs the call with each allocation failing in turn, until one run needs no more of them.
-  void sweep(const std::function<void(long)>& fail, const std::function<bool()>& failed) {
+  /// Runs the call with each allocation failing in turn, until one run needs no more of them. `first` is the result
+  /// when the first of them fails.
+  void sweep(const std::function<void(long)>& fail, const std::function<bool()>& failed,
+             uint32_t first = kOutOfMemory) {
     for (long succeeding = 0; succeeding < 2000; ++succeeding) {
       Objects objects(openQuivo());
       fail(succeeding);
@@ -41,7 +43,7 @@ class AllocationFailureTest : public ContractTest, public ::testing::WithParamIn
         EXPECT_OK(result);
         return;
       }
-      EXPECT_TRUE(FAILED(result)) << "with " << succeeding << " allocations";
+      EXPECT_HR(succeeding == 0 ? first : kOutOfMemory, result) << "with " << succeeding << " allocations";
     }
     FAIL() << "never succeeded";
   }
@@ -49,7 +51,20 @@ class AllocationFailureTest : public ContractTest, public ::testing::WithParamIn
 
 TEST_P(AllocationFailureTest, AllocationsOfTheModule) {
   const Module& module = Module::get();
-  sweep([&](long succeeding) { module.failAllocation(succeeding); }, [&] { return module.allocationFailed(); });
+  // Of this method alone the buffer of the text fails unmapped.
+  const uint32_t first = std::string(GetParam().name) == "GetMyCertB64" ? 0x8007000E : kOutOfMemory;
+  sweep([&](long succeeding) { module.failAllocation(succeeding); }, [&] { return module.allocationFailed(); }, first);
+}
+
+TEST_P(AllocationFailureTest, AllocationsOfThePlatformForTheResults) {
+  MallocSpy& spy = MallocSpy::get();
+  // Armed by the engine: what a row allocates for its arguments is the test's own affair.
+  const auto fail = [&](long succeeding) {
+    spy.failAllocation(-1);
+    engine().on(GetParam().function).during = [&spy, succeeding] { spy.failAllocation(succeeding); };
+  };
+  sweep(fail, [&] { return spy.allocationFailed(); });
+  engine().on(GetParam().function).during = nullptr;
 }
 
 INSTANTIATE_TEST_SUITE_P(Methods, AllocationFailureTest, ::testing::ValuesIn(kEngineCalls), nameOfRow<EngineCall>);
