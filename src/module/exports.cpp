@@ -37,7 +37,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEn
   if (reason == DLL_PROCESS_ATTACH) {
     DisableThreadLibraryCalls(instance);
     com::module::Attach(instance);
-    // The first to run: what the other clean-ups give up may serve a factory.
+    // Registered first, so that the factories go before all else.
     com::module::AtDetach(ReleaseFactories);
   }
   // At the end of the process nothing may be called any more; the system takes everything back.

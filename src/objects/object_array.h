@@ -32,7 +32,8 @@ class ObjectArray {
   HRESULT put(const VARIANT& value) { return assign(value, false); }
 
   /// As put; accepts a script's array of VARIANTs too, whose objects read back as null references. Kept on
-  /// purpose; the objects are referenced all the same while the engine may read their records.
+  /// purpose; the objects are referenced all the same while the engine may read their records. Such an array that
+  /// cannot be locked changes nothing.
   HRESULT putAlsoVariants(const VARIANT& value) { return assign(value, true); }
 
   /// Returns VT_ARRAY|VT_DISPATCH, empty for none.

@@ -129,25 +129,8 @@ TEST_P(ByteOutputTest, ArrayThatCannotBeCreatedIsReportedAndTheBufferGivenBack) 
   }
 }
 
-/// An output VARIANT that cannot be cleared: it holds an array that somebody has locked.
-class LockedOutput {
- public:
-  LockedOutput() {
-    EXPECT_OK(SafeArrayLock(array_.safeArray()));
-    value = array_.get();
-  }
-  ~LockedOutput() {
-    EXPECT_OK(SafeArrayUnlock(array_.safeArray()));
-    if (V_ARRAY(&value) != array_.safeArray()) VariantClear(&value);
-  }
-  VARIANT value;
-
- private:
-  Variant array_ = bytes({1});
-};
-
 TEST_P(ByteOutputTest, VariantThatCannotBeClearedIsReportedThoughTheBytesAreThere) {
-  LockedOutput output;
+  LockedVariant output;
   EXPECT_HR(DISP_E_ARRAYISLOCKED, GetParam().call(Objects(openQuivo()), false, &output.value));
   EXPECT_EQ(kByteArray, V_VT(&output.value));
   EXPECT_EQ(3u, V_ARRAY(&output.value)->rgsabound[0].cElements);
@@ -155,7 +138,7 @@ TEST_P(ByteOutputTest, VariantThatCannotBeClearedIsReportedThoughTheBytesAreTher
 
 TEST_P(ByteOutputTest, VariantThatCannotBeEmptiedIsReported) {
   reply().output = {};
-  LockedOutput output;
+  LockedVariant output;
   EXPECT_HR(DISP_E_ARRAYISLOCKED, GetParam().call(Objects(openQuivo()), false, &output.value));
 }
 

@@ -119,28 +119,8 @@ TEST_F(ClassObjectTest, ObjectsAreCreatedThroughComActivation) {
   EXPECT_NE(nullptr, id.get());
 }
 
-/// A module of its own, not yet asked for a factory: a copy of the file under another name.
-class FreshModule {
- public:
-  FreshModule() : path_(programFolder() + L"\\race" + std::to_wstring(GetCurrentProcessId()) + L".dll") {
-    CopyFileW(Module::get().path().c_str(), path_.c_str(), FALSE);
-    handle_ = LoadLibraryW(path_.c_str());
-  }
-  FreshModule(const FreshModule&) = delete;
-  FreshModule& operator=(const FreshModule&) = delete;
-  ~FreshModule() {
-    FreeLibrary(handle_);
-    DeleteFileW(path_.c_str());
-  }
-  template <class Function>
-  Function entry(const char* name) const {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(handle_, name)));
-  }
-
- private:
-  std::wstring path_;
-  HMODULE handle_ = nullptr;
-};
+/// The name of a copy that no other process makes.
+std::wstring copyName() { return L"copy" + std::to_wstring(GetCurrentProcessId()) + L".dll"; }
 
 using GetClassObject = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
 
@@ -153,7 +133,7 @@ struct Racer {
 };
 
 /// Runs two threads against each other; both have to get the same for every class.
-void race(const FreshModule& module, LPTHREAD_START_ROUTINE run) {
+void race(const ModuleCopy& module, LPTHREAD_START_ROUTINE run) {
   const HANDLE start = CreateEventW(nullptr, TRUE, FALSE, nullptr);
   Racer racers[2]{{module.entry<GetClassObject>("DllGetClassObject"), start, {}},
                   {module.entry<GetClassObject>("DllGetClassObject"), start, {}}};
@@ -198,33 +178,27 @@ DWORD WINAPI describeAllClasses(void* argument) {
 }
 
 TEST_F(ClassObjectTest, TwoThreadsNeverGetTwoFactories) {
-  for (int round = 0; round < 10; ++round) race(FreshModule(), askForAllFactories);
+  for (int round = 0; round < 10; ++round) race(ModuleCopy(copyName()), askForAllFactories);
 }
 
 TEST_F(ClassObjectTest, TwoThreadsShareTypeInformationAndLeaveNoObject) {
   for (int round = 0; round < 10; ++round) {
-    const FreshModule module;
+    const ModuleCopy module(copyName());
     race(module, describeAllClasses);
-    EXPECT_HR(S_OK, module.entry<HRESULT(WINAPI*)()>("DllCanUnloadNow")());
+    EXPECT_HR(S_OK, module.canUnloadNow());
   }
 }
 
 TEST_F(ClassObjectTest, ModuleThatWasNotInitialisedHasNoClassObjects) {
-  const std::wstring path = programFolder() + L"\\idle" + std::to_wstring(GetCurrentProcessId()) + L".dll";
-  CopyFileW(Module::get().path().c_str(), path.c_str(), FALSE);
-  const HMODULE idle = LoadLibraryExW(path.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
-  ASSERT_NE(nullptr, idle);
-  const auto getClassObject =
-      reinterpret_cast<GetClassObject>(reinterpret_cast<void*>(GetProcAddress(idle, "DllGetClassObject")));
+  const ModuleCopy idle(copyName(), {}, DONT_RESOLVE_DLL_REFERENCES);
+  ASSERT_TRUE(idle.loaded());
   void* object = this;
-  EXPECT_HR(0x8000FFFFu, getClassObject(__uuidof(CertId), IID_IClassFactory, &object));
+  EXPECT_HR(0x8000FFFFu, idle.entry<GetClassObject>("DllGetClassObject")(__uuidof(CertId), IID_IClassFactory, &object));
   EXPECT_EQ(nullptr, object);
-  FreeLibrary(idle);
-  DeleteFileW(path.c_str());
 }
 
 TEST_F(ClassObjectTest, UnloadingReleasesFactoriesWithoutAFault) {
-  FreshModule module;
+  const ModuleCopy module(copyName());
   Ptr<IClassFactory> factory;
   const auto getClassObject = module.entry<GetClassObject>("DllGetClassObject");
   ASSERT_NE(nullptr, getClassObject);
@@ -232,10 +206,10 @@ TEST_F(ClassObjectTest, UnloadingReleasesFactoriesWithoutAFault) {
   {
     Ptr<ICertId> id;
     ASSERT_OK(factory->CreateInstance(nullptr, __uuidof(ICertId), id.voidOut()));
-    EXPECT_HR(S_FALSE, module.entry<HRESULT(WINAPI*)()>("DllCanUnloadNow")());
+    EXPECT_HR(S_FALSE, module.canUnloadNow());
   }
   factory.reset();
-  EXPECT_HR(S_OK, module.entry<HRESULT(WINAPI*)()>("DllCanUnloadNow")());
+  EXPECT_HR(S_OK, module.canUnloadNow());
 }
 
 }  // namespace

@@ -162,103 +162,66 @@ TEST_F(RegistrationTest, FailureOfTheTypeLibraryIsReturned) {
   EXPECT_TREE(keysOfAllClasses(Module::get().path()), classesIn(root()));
 }
 
-/// The module in a folder whose name a script could misread.
-class MovedModule {
- public:
-  explicit MovedModule(const std::wstring& folder) : folder_(programFolder() + L"\\" + folder) {
-    CreateDirectoryW(folder_.c_str(), nullptr);
-    CopyFileW(Module::get().path().c_str(), path().c_str(), FALSE);
-    handle_ = LoadLibraryW(path().c_str());
-  }
-  /// As a copy with another content of one resource.
-  MovedModule(const std::wstring& folder, const wchar_t* type, WORD id, std::string content)
-      : folder_(programFolder() + L"\\" + folder) {
-    CreateDirectoryW(folder_.c_str(), nullptr);
-    CopyFileW(Module::get().path().c_str(), path().c_str(), FALSE);
-    const HANDLE update = BeginUpdateResourceW(path().c_str(), FALSE);
-    const WORD language = languageOf(type, id);
-    EXPECT_TRUE(UpdateResourceW(update, type, MAKEINTRESOURCEW(id), language, content.data(),
-                                static_cast<DWORD>(content.size())));
-    EXPECT_TRUE(EndUpdateResourceW(update, FALSE));
-    handle_ = LoadLibraryW(path().c_str());
-  }
-  MovedModule(const MovedModule&) = delete;
-  MovedModule& operator=(const MovedModule&) = delete;
-  ~MovedModule() {
-    FreeLibrary(handle_);
-    DeleteFileW(path().c_str());
-    RemoveDirectoryW(folder_.c_str());
-  }
-  std::wstring path() const { return folder_ + L"\\moved.dll"; }
-  bool loaded() const { return handle_ != nullptr; }
-  HRESULT install() const {
-    return reinterpret_cast<HRESULT(WINAPI*)()>(
-        reinterpret_cast<void*>(GetProcAddress(handle_, "DllRegisterServer")))();
-  }
-
-  HRESULT uninstall() const {
-    return reinterpret_cast<HRESULT(WINAPI*)()>(
-        reinterpret_cast<void*>(GetProcAddress(handle_, "DllUnregisterServer")))();
-  }
-
- private:
-  static WORD languageOf(const wchar_t* type, WORD id) {
-    WORD found = 0;
+/// Puts other content into a resource of a copy of the module.
+ModuleCopy::Change resource(const wchar_t* type, WORD id, const std::string& content) {
+  return [=](const std::wstring& path) {
+    WORD language = 0;
     EnumResourceLanguagesW(
         Module::get().handle(), type, MAKEINTRESOURCEW(id),
-        [](HMODULE, LPCWSTR, LPCWSTR, WORD language, LONG_PTR to) {
-          *reinterpret_cast<WORD*>(to) = language;
+        [](HMODULE, LPCWSTR, LPCWSTR, WORD found, LONG_PTR to) {
+          *reinterpret_cast<WORD*>(to) = found;
           return FALSE;
         },
-        reinterpret_cast<LONG_PTR>(&found));
-    return found;
-  }
-
-  std::wstring folder_;
-  HMODULE handle_ = nullptr;
-};
+        reinterpret_cast<LONG_PTR>(&language));
+    std::string bytes = content;
+    const HANDLE update = BeginUpdateResourceW(path.c_str(), FALSE);
+    EXPECT_TRUE(
+        UpdateResourceW(update, type, MAKEINTRESOURCEW(id), language, bytes.data(), static_cast<DWORD>(bytes.size())));
+    EXPECT_TRUE(EndUpdateResourceW(update, FALSE));
+  };
+}
 
 TEST_F(RegistrationTest, TypeLibraryThatCannotBeLoadedIsReportedAsItIs) {
-  const MovedModule module(L"broken library", L"TYPELIB", 1, "no library");
+  const ModuleCopy module(L"broken library.dll", resource(L"TYPELIB", 1, "no library"));
   ASSERT_TRUE(module.loaded());
   ITypeLib* library = nullptr;
   const HRESULT expected = LoadTypeLibEx(module.path().c_str(), REGKIND_NONE, &library);
   ASSERT_TRUE(FAILED(expected));
-  EXPECT_HR(expected, module.install());
+  EXPECT_HR(expected, module.registerServer());
   EXPECT_TREE(keysOfAllClasses(module.path()), classesIn(root()));
 }
 
 TEST_F(RegistrationTest, UnregisteringGoesOnAfterAFailureAndReturnsIt) {
   EXPECT_OK(install());
-  const MovedModule module(L"unreadable script", L"REGISTRY", 101, "HKCR {");
+  const ModuleCopy module(L"unreadable script.dll", resource(L"REGISTRY", 101, "HKCR {"));
   ASSERT_TRUE(module.loaded());
-  EXPECT_HR(HRESULT_FROM_WIN32(ERROR_INVALID_DATA), module.uninstall());
+  EXPECT_HR(HRESULT_FROM_WIN32(ERROR_INVALID_DATA), module.unregisterServer());
   for (const ClassFacts& facts : kClasses) EXPECT_EQ(facts.script == 101, keyExists(root(), classKey(facts))) << facts;
   EXPECT_FALSE(keyExists(root(), L"TypeLib\\" + std::wstring(kLibraryId) + L"\\1.0"));
 }
 
 TEST_F(RegistrationTest, KeyMarkedDeleteGoesOnRegistrationAndOnlyThen) {
-  const MovedModule module(L"another script", L"REGISTRY", 101, "HKCR { Delete TAVL.Former }");
+  const ModuleCopy module(L"another script.dll", resource(L"REGISTRY", 101, "HKCR { Delete TAVL.Former }"));
   ASSERT_TRUE(module.loaded());
   writeKey(root(), L"TAVL.Former\\CLSID", L"former");
-  EXPECT_OK(module.install());
+  EXPECT_OK(module.registerServer());
   EXPECT_FALSE(keyExists(root(), L"TAVL.Former"));
   writeKey(root(), L"TAVL.Former", L"new");
-  EXPECT_OK(module.uninstall());
+  EXPECT_OK(module.unregisterServer());
   EXPECT_EQ(L"new", textAt(root(), L"TAVL.Former"));
 }
 
 TEST_F(RegistrationTest, PathWithBlanksAndQuotesIsWrittenAsItIs) {
-  const MovedModule module(L"it's a 'quoted' folder");
+  const ModuleCopy module(L"it's a 'quoted' folder\\moved.dll");
   ASSERT_TRUE(module.loaded());
-  EXPECT_OK(module.install());
+  EXPECT_OK(module.registerServer());
   EXPECT_TREE(keysOfAllClasses(module.path()), classesIn(root()));
 }
 
 TEST_F(RegistrationTest, PathWithPercentSignsAndCyrillicIsWrittenAsItIs) {
-  const MovedModule module(L"100% %MODULE% \x043F\x0430\x043F\x043A\x0430");
+  const ModuleCopy module(L"100% %MODULE% \x043F\x0430\x043F\x043A\x0430\\moved.dll");
   ASSERT_TRUE(module.loaded());
-  EXPECT_OK(module.install());
+  EXPECT_OK(module.registerServer());
   EXPECT_TREE(keysOfAllClasses(module.path()), classesIn(root()));
 }
 

@@ -102,13 +102,9 @@ TEST_F(FindCertTest, ResultIsGivenBackBeforeTheVariantIsSet) {
 }
 
 TEST_F(FindCertTest, VariantThatCannotBeClearedIsReported) {
-  Variant former = bytes({1});
-  ASSERT_OK(SafeArrayLock(former.safeArray()));
-  VARIANT variable = former.get();
-  EXPECT_HR(DISP_E_ARRAYISLOCKED, quivo->FindCert(param, &variable));
-  EXPECT_EQ(kObjectArray, V_VT(&variable));
-  EXPECT_OK(VariantClear(&variable));
-  EXPECT_OK(SafeArrayUnlock(former.safeArray()));
+  LockedVariant locked;
+  EXPECT_HR(DISP_E_ARRAYISLOCKED, quivo->FindCert(param, &locked.value));
+  EXPECT_EQ(kObjectArray, V_VT(&locked.value));
 }
 
 class ParseCertTest : public ContractTest {

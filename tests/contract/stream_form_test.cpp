@@ -87,15 +87,15 @@ TEST_F(StreamWithoutDataTest, InitLeavesAnOpenFormOpen) {
 
 TEST_F(StreamWithoutDataTest, FormStaysAfterTheEnd) {
   Objects objects(openQuivo());
-  HRESULT (*const ends[])
-  (const Objects&) = {
+  using End = HRESULT (*)(const Objects&);
+  const End ends[] = {
       [](const Objects& o) { return o.quivo->StrSignFinalMem(o.sign, o.stream, Variant().out()); },
       [](const Objects& o) { return o.quivo->StrVerifyFinalMem(o.verify, o.stream, Variant().out(), Variant().out()); },
       [](const Objects& o) { return o.quivo->StrEncryptFinalMem(o.encrypt, o.stream, Variant().out()); },
       [](const Objects& o) { return o.quivo->StrDecryptFinalMem(o.decrypt, o.stream, Ptr<ICertificate>().out()); },
       [](const Objects& o) { return o.quivo->StrHashFinalMem(o.stream, Variant().out()); }};
   EXPECT_OK(objects.quivo->StrHashUpdateMem(objects.stream, vbsBytes({1})));
-  for (const auto& end : ends) {
+  for (End end : ends) {
     EXPECT_OK(end(objects));
     EXPECT_HR(kInvalidArgument, objects.quivo->StrHashUpdateMem(objects.stream, bytes({1})));
   }

@@ -86,7 +86,7 @@ TEST_F(StringOrderTest, OutputFileIsConvertedAfterTheInputFile) {
   EXPECT_HR(kInvalidArgument, quivo->EncryptFile(param, name, nullptr));
 }
 
-TEST_F(StringOrderTest, SignedFileIsConvertedBeforeTheSignature) {
+TEST_F(StringOrderTest, OutputOfASignatureIsConvertedLast) {
   Ptr<IQUIVO> quivo = openQuivo();
   Ptr<ISignParam> param = make<SignParam>();
   Bstr data(L"data"), signature(L"signature");

@@ -35,3 +35,23 @@ Module::Module() : path_(programFolder() + L"\\tavlcom.dll"), handle_(LoadLibrar
   if (getClassObject_ == nullptr || canUnloadNow_ == nullptr) fail("lacks an entry point");
   if (liveObjects_ == nullptr || liveAllocations_ == nullptr) fail("is not the build that counts");
 }
+
+namespace {
+
+std::wstring folderOf(const std::wstring& path) { return path.substr(0, path.rfind(L'\\')); }
+
+}  // namespace
+
+ModuleCopy::ModuleCopy(const std::wstring& name, const Change& change, DWORD flags)
+    : path_(programFolder() + L"\\" + name) {
+  CreateDirectoryW(folderOf(path_).c_str(), nullptr);
+  CopyFileW(Module::get().path().c_str(), path_.c_str(), FALSE);
+  if (change) change(path_);
+  handle_ = LoadLibraryExW(path_.c_str(), nullptr, flags);
+}
+
+ModuleCopy::~ModuleCopy() {
+  FreeLibrary(handle_);
+  DeleteFileW(path_.c_str());
+  if (folderOf(path_) != programFolder()) RemoveDirectoryW(folderOf(path_).c_str());
+}

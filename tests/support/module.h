@@ -5,6 +5,7 @@
 
 #include <unknwn.h>
 
+#include <functional>
 #include <string>
 
 class Module {
@@ -45,3 +46,31 @@ class Module {
 
 /// The folder of the test program, without a backslash at its end.
 std::wstring programFolder();
+
+/// A copy of the module, loaded beside it: one that has done nothing yet, or that stands elsewhere. Gone with its
+/// owner.
+class ModuleCopy {
+ public:
+  /// What is done to the file before it is loaded.
+  using Change = std::function<void(const std::wstring& path)>;
+
+  /// `name` is relative to the folder of the test program; a folder in it is made. `flags` are LoadLibraryEx's.
+  explicit ModuleCopy(const std::wstring& name, const Change& change = {}, DWORD flags = 0);
+  ModuleCopy(const ModuleCopy&) = delete;
+  ModuleCopy& operator=(const ModuleCopy&) = delete;
+  ~ModuleCopy();
+
+  const std::wstring& path() const { return path_; }
+  bool loaded() const { return handle_ != nullptr; }
+  template <class Function>
+  Function entry(const char* name) const {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(handle_, name)));
+  }
+  HRESULT registerServer() const { return entry<HRESULT(WINAPI*)()>("DllRegisterServer")(); }
+  HRESULT unregisterServer() const { return entry<HRESULT(WINAPI*)()>("DllUnregisterServer")(); }
+  HRESULT canUnloadNow() const { return entry<HRESULT(WINAPI*)()>("DllCanUnloadNow")(); }
+
+ private:
+  std::wstring path_;
+  HMODULE handle_;
+};

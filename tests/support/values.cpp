@@ -186,3 +186,13 @@ std::wstring wideOf(const std::string& text) {
   wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), length)));
   return wide;
 }
+
+LockedVariant::LockedVariant() : array_(bytes({1})) {
+  EXPECT_EQ(S_OK, SafeArrayLock(array_.safeArray()));
+  value = array_.get();
+}
+
+LockedVariant::~LockedVariant() {
+  EXPECT_EQ(S_OK, SafeArrayUnlock(array_.safeArray()));
+  if (V_ARRAY(&value) != array_.safeArray()) VariantClear(&value);
+}

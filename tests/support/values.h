@@ -66,6 +66,21 @@ class Variant {
   VARIANT value_;
 };
 
+/// A variable that cannot be cleared: it holds an array that somebody has locked. What replaced the array by the end is
+/// freed too.
+class LockedVariant {
+ public:
+  LockedVariant();
+  LockedVariant(const LockedVariant&) = delete;
+  LockedVariant& operator=(const LockedVariant&) = delete;
+  ~LockedVariant();
+
+  VARIANT value;
+
+ private:
+  Variant array_;
+};
+
 constexpr VARTYPE kByteArray = VT_ARRAY | VT_UI1;
 constexpr VARTYPE kVbsArray = VT_ARRAY | VT_VARIANT;
 constexpr VARTYPE kObjectArray = VT_ARRAY | VT_DISPATCH;
