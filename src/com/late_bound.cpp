@@ -2,65 +2,64 @@
 
 #include <oleauto.h>
 
-#include <utility>
+#include <cstring>
 
-#include "com/method.h"
 #include "com/output.h"
-#include "com/ref.h"
 #include "com/variant.h"
 
 namespace com {
 namespace {
 
-// More than any method of the module takes; a longer one is left to the platform.
+// More than any member of the module takes.
 constexpr UINT kMaxArguments = 8;
 
 /// One argument on its way into the call and, for an output, back.
 struct Argument {
-  VARIANT* given = nullptr;  // the caller's; null when left out
-  Variant converted;         // what the method receives by value
-  Variant value;             // where a VARIANT output is built
-  void* pointer = nullptr;   // where a BSTR or interface output is built
+  VARIANT* given = nullptr;  // the caller's; null if left out
+  Variant converted;         // what the member receives by value
+  VARIANT passed{};          // the value that is passed: the caller's own or the converted one
   Ref<IUnknown> object;      // an object input
+  Variant value;             // an output on its way back; a VARIANT output is built in it
+  uint64_t slot = 0;         // where any other output is built
   bool isHolder = false;
-  bool isDirect = false;     // the caller's own VARIANT is handed to the method
+  bool isDirect = false;     // the caller's own VARIANT, or its null reference, is handed to the member
   bool isDiscarded = false;  // given by value: nothing can be handed back
 };
 
-/// One call of a method with outputs.
+/// One call of a member.
 class Call {
  public:
-  explicit Call(const Method& method) : method_(method) {}
+  explicit Call(const Member& member) : member_(member) {}
 
   /// Assigns the caller's arguments, named and positional, to the declared parameters.
   HRESULT assign(DISPPARAMS* params, UINT* badArgument) {
-    UINT count = method_.count();
-    if (params->cArgs > count) return DISP_E_BADPARAMCOUNT;
+    params_ = params;
+    if (params->cArgs > count()) return DISP_E_BADPARAMCOUNT;
+    if (isPut() && (params->cNamedArgs == 0 || params->rgdispidNamedArgs[0] != DISPID_PROPERTYPUT))
+      return DISP_E_PARAMNOTFOUND;
     for (UINT i = 0; i < params->cNamedArgs; ++i) {
       DISPID position = params->rgdispidNamedArgs[i];
-      if (position < 0 || static_cast<UINT>(position) >= count || arguments_[position].given) {
+      if (isPut() && position == DISPID_PROPERTYPUT) position = static_cast<DISPID>(count()) - 1;
+      if (position < 0 || static_cast<UINT>(position) >= count() || arguments_[position].given) {
         if (badArgument) *badArgument = i;
         return DISP_E_PARAMNOTFOUND;
       }
       arguments_[position].given = &params->rgvarg[i];
     }
-    UINT lastOutput = method_.lastOutput();
-    bool leavesOut = params->cArgs == count - 1 && !arguments_[lastOutput].given;
+    UINT lastOutput = member_.lastOutput();
+    bool leavesOut = lastOutput < count() && params->cArgs == count() - 1 && !arguments_[lastOutput].given;
+    if (params->cArgs != count() - (leavesOut ? 1 : 0)) return DISP_E_BADPARAMCOUNT;
     UINT next = 0;
     for (UINT i = params->cArgs; i-- > params->cNamedArgs; ++next) {
-      while (next < count && (arguments_[next].given || (leavesOut && next == lastOutput))) ++next;
-      if (next == count) return DISP_E_BADPARAMCOUNT;
+      while (arguments_[next].given || (leavesOut && next == lastOutput)) ++next;
       arguments_[next].given = &params->rgvarg[i];
     }
-    for (UINT i = 0; i < count; ++i)
-      if (!arguments_[i].given && !(leavesOut && i == lastOutput)) return DISP_E_PARAMNOTOPTIONAL;
-    params_ = params;
     return S_OK;
   }
 
   HRESULT convert(UINT* badArgument) {
-    for (UINT i = 0; i < method_.count(); ++i) {
-      HRESULT hr = method_.isOutput(i) ? prepareOutput(i) : convertInput(i);
+    for (UINT i = 0; i < count(); ++i) {
+      HRESULT hr = parameter(i).isOutput ? prepareOutput(i) : convertInput(i);
       if (FAILED(hr)) {
         if (badArgument && arguments_[i].given) *badArgument = static_cast<UINT>(arguments_[i].given - params_->rgvarg);
         return hr;
@@ -69,24 +68,22 @@ class Call {
     return S_OK;
   }
 
-  /// Calls the method through its vtable slot; the method's HRESULT arrives in `outcome`.
+  /// Calls the member through its slot in the virtual table; the member's HRESULT arrives in `outcome`.
   HRESULT run(IDispatch* object, HRESULT* outcome) {
     VARTYPE types[kMaxArguments];
-    VARIANT values[kMaxArguments];
     VARIANT* pointers[kMaxArguments];
-    for (UINT i = 0; i < method_.count(); ++i) {
-      values[i] = passed(i);
-      types[i] = V_VT(&values[i]);
-      pointers[i] = &values[i];
+    for (UINT i = 0; i < count(); ++i) {
+      Argument& argument = arguments_[i];
+      types[i] = V_VT(&argument.passed);
+      pointers[i] = &argument.passed;
       // A VARIANT parameter is passed whole: the array of pointers then names the VARIANT itself.
-      if (!method_.isOutput(i) && method_.declared(i) == VT_VARIANT) {
+      if (!parameter(i).isOutput && parameter(i).type == VT_VARIANT) {
         types[i] = VT_VARIANT;
-        pointers[i] = arguments_[i].given;
+        pointers[i] = argument.given;
       }
     }
     VARIANT returned{};
-    HRESULT hr =
-        DispCallFunc(object, method_.slot(), CC_STDCALL, VT_ERROR, method_.count(), types, pointers, &returned);
+    HRESULT hr = DispCallFunc(object, member_.slot, CC_STDCALL, VT_ERROR, count(), types, pointers, &returned);
     if (SUCCEEDED(hr)) *outcome = V_ERROR(&returned);
     return hr;
   }
@@ -94,8 +91,8 @@ class Call {
   /// Hands the outputs to the caller: all of them after a success; after a failure only what was written.
   HRESULT store(bool succeeded, VARIANT* result) {
     HRESULT first = S_OK;
-    for (UINT i = 0; i < method_.count(); ++i) {
-      if (!method_.isOutput(i) || arguments_[i].isDirect || arguments_[i].isDiscarded) continue;
+    for (UINT i = 0; i < count(); ++i) {
+      if (!parameter(i).isOutput || arguments_[i].isDirect || arguments_[i].isDiscarded) continue;
       bool written = collect(i);
       // A host does not look at the result of a call that failed.
       if (!succeeded && (!written || !arguments_[i].given)) continue;
@@ -106,71 +103,76 @@ class Call {
   }
 
  private:
+  UINT count() const { return member_.count; }
+  const Parameter& parameter(UINT i) const { return member_.parameters[i]; }
+  bool isPut() const { return (member_.kind & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0; }
+
   HRESULT convertInput(UINT i) {
     Argument& argument = arguments_[i];
-    VARTYPE declared = method_.declared(i);
+    VARTYPE declared = parameter(i).type;
     if (declared == VT_VARIANT) return S_OK;
-    const VARIANT* source = Dereference(*argument.given);
-    if (!source) return E_INVALIDARG;
-    if (declared != VT_PTR && declared != VT_DISPATCH)
-      return VariantChangeType(argument.converted.inOut(), const_cast<VARIANT*>(source), 0, declared);
-    if (V_ISBYREF(source)) {
-      HRESULT hr = VariantCopyInd(argument.converted.inOut(), const_cast<VARIANT*>(source));
-      if (FAILED(hr)) return hr;
-      source = &argument.converted.get();
+    VARIANT* source = const_cast<VARIANT*>(Dereference(*argument.given));
+    if (!source || (V_ISBYREF(source) && !V_BYREF(source))) return E_INVALIDARG;
+    if (declared == VT_DISPATCH) return convertObject(i, *source);
+    // A value of the declared type is passed as it is: a conversion would make an empty string of a null one.
+    if (source == argument.given && V_VT(source) == declared) {
+      argument.passed = *source;
+      return S_OK;
     }
-    if (V_VT(source) != VT_DISPATCH && V_VT(source) != VT_UNKNOWN) return DISP_E_TYPEMISMATCH;
-    IUnknown* object = V_UNKNOWN(source);
-    if (!object) return S_OK;
-    return FAILED(object->QueryInterface(method_.interfaceOf(i), argument.object.receiveVoid())) ? DISP_E_TYPEMISMATCH
-                                                                                                 : S_OK;
+    HRESULT hr = VariantChangeType(argument.converted.inOut(), source, 0, declared);
+    argument.passed = argument.converted.get();
+    return hr;
+  }
+
+  HRESULT convertObject(UINT i, VARIANT& source) {
+    Argument& argument = arguments_[i];
+    VARTYPE type = V_VT(&source) & ~VT_BYREF;
+    IUnknown* object = nullptr;
+    if (type == VT_DISPATCH || type == VT_UNKNOWN) {
+      object = V_ISBYREF(&source) ? *V_UNKNOWNREF(&source) : V_UNKNOWN(&source);
+    } else {
+      HRESULT hr = VariantChangeType(argument.converted.inOut(), &source, 0, VT_DISPATCH);
+      if (FAILED(hr)) return hr;
+      object = V_UNKNOWN(&argument.converted.get());
+    }
+    if (object) {
+      HRESULT hr = object->QueryInterface(parameter(i).iid, argument.object.receiveVoid());
+      if (FAILED(hr)) return hr;
+      if (!argument.object) return E_NOINTERFACE;
+    }
+    V_VT(&argument.passed) = VT_UNKNOWN;
+    V_UNKNOWN(&argument.passed) = argument.object.get();
+    return S_OK;
   }
 
   HRESULT prepareOutput(UINT i) {
     Argument& argument = arguments_[i];
     VARIANT* given = argument.given;
+    bool wantsVariant = parameter(i).type == VT_VARIANT;
+    V_VT(&argument.passed) = VT_BYREF | VT_VARIANT;
+    V_BYREF(&argument.passed) = wantsVariant ? static_cast<void*>(argument.value.inOut()) : &argument.slot;
     if (!given) return S_OK;
-    bool wantsVariant = method_.pointee(i) == VT_VARIANT;
-    if (wantsVariant && V_VT(given) == (VT_BYREF | VT_VARIANT)) {
-      argument.isDirect = true;
-      return V_VARIANTREF(given) ? S_OK : E_POINTER;
+    if (V_ISBYREF(given)) {
+      // A null reference is the member's to refuse.
+      argument.isDirect = !V_BYREF(given) || (wantsVariant && V_VT(given) == (VT_BYREF | VT_VARIANT));
+      if (argument.isDirect) V_BYREF(&argument.passed) = V_BYREF(given);
+      return S_OK;
     }
-    if (V_ISBYREF(given)) return V_BYREF(given) ? S_OK : E_POINTER;
     argument.isHolder = V_VT(given) == VT_DISPATCH && V_DISPATCH(given);
     if (argument.isHolder) return S_OK;
     argument.isDiscarded = wantsVariant;
     return wantsVariant ? VariantCopy(argument.value.inOut(), given) : DISP_E_TYPEMISMATCH;
   }
 
-  /// The value of parameter `i` as the call passes it.
-  VARIANT passed(UINT i) {
-    Argument& argument = arguments_[i];
-    VARIANT value{};
-    if (method_.isOutput(i)) {
-      V_VT(&value) = VT_BYREF | VT_VARIANT;
-      V_BYREF(&value) = method_.pointee(i) != VT_VARIANT ? static_cast<void*>(&argument.pointer)
-                        : argument.isDirect              ? V_VARIANTREF(argument.given)
-                                                         : argument.value.inOut();
-    } else if (method_.declared(i) == VT_PTR || method_.declared(i) == VT_DISPATCH) {
-      V_VT(&value) = VT_UNKNOWN;
-      V_UNKNOWN(&value) = argument.object.get();
-    } else {
-      value = argument.converted.get();
-    }
-    return value;
-  }
-
-  /// Moves what the method wrote into `value`; false when it wrote nothing.
+  /// Moves what the member wrote into `value`; false if it wrote nothing.
   bool collect(UINT i) {
     Argument& argument = arguments_[i];
-    VARTYPE pointee = method_.pointee(i);
-    if (pointee == VT_VARIANT) return argument.value.type() != VT_EMPTY;
-    void* pointer = std::exchange(argument.pointer, nullptr);
-    if (pointee == VT_BSTR)
-      argument.value.reset(static_cast<BSTR>(pointer));
-    else
-      argument.value.reset(static_cast<IDispatch*>(pointer));
-    return pointer != nullptr;
+    if (parameter(i).type == VT_VARIANT) return argument.value.type() != VT_EMPTY;
+    bool written = argument.slot != 0;
+    VARIANT* value = argument.value.receive();
+    V_VT(value) = parameter(i).type;
+    std::memcpy(&V_BYREF(value), &argument.slot, sizeof(argument.slot));
+    return written;
   }
 
   static HRESULT deliver(Argument& argument, VARIANT* result) {
@@ -180,7 +182,7 @@ class Call {
     return S_OK;
   }
 
-  const Method& method_;
+  const Member& member_;
   Argument arguments_[kMaxArguments];
   DISPPARAMS* params_ = nullptr;
 };
@@ -193,18 +195,9 @@ HRESULT Raise(HRESULT failure, EXCEPINFO* exception) {
   return DISP_E_EXCEPTION;
 }
 
-}  // namespace
-
-HRESULT InvokeLateBound(ITypeInfo* info, IDispatch* object, DISPID member, WORD flags, DISPPARAMS* params,
-                        VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
-  if (!params) return E_INVALIDARG;
-  Method method(info);
-  if (!(flags & DISPATCH_METHOD) || !method.find(member) || method.count() > kMaxArguments ||
-      method.lastOutput() == method.count())
-    return info->Invoke(object, member, flags, params, result, exception, badArgument);
-
-  if (result) VariantInit(result);
-  Call call(method);
+HRESULT CallMember(const Member& member, IDispatch* object, DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
+                   UINT* badArgument) {
+  Call call(member);
   HRESULT hr = call.assign(params, badArgument);
   if (SUCCEEDED(hr)) hr = call.convert(badArgument);
   HRESULT outcome = S_OK;
@@ -212,6 +205,34 @@ HRESULT InvokeLateBound(ITypeInfo* info, IDispatch* object, DISPID member, WORD 
   if (FAILED(hr)) return hr;
   hr = call.store(SUCCEEDED(outcome), result);
   return FAILED(outcome) ? Raise(outcome, exception) : hr;
+}
+
+/// A property that is read with arguments: they are those of the object that it returns.
+HRESULT ReadWithArguments(const Member& member, IDispatch* object, DISPPARAMS* params, VARIANT* result,
+                          EXCEPINFO* exception, UINT* badArgument) {
+  if (!result) return DISP_E_BADPARAMCOUNT;
+  DISPPARAMS none{};
+  Variant value;
+  HRESULT hr = CallMember(member, object, &none, value.inOut(), exception, nullptr);
+  if (FAILED(hr)) return hr;
+  if (value.type() != VT_DISPATCH || !V_DISPATCH(&value.get())) return DISP_E_NOTACOLLECTION;
+  return V_DISPATCH(&value.get())
+      ->Invoke(DISPID_VALUE, IID_NULL, GetSystemDefaultLCID(), DISPATCH_PROPERTYGET, params, result, exception,
+               badArgument);
+}
+
+}  // namespace
+
+HRESULT InvokeLateBound(const InterfaceInfo& info, IDispatch* object, DISPID id, WORD flags, DISPPARAMS* params,
+                        VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
+  if (!params || (params->cArgs > 0 && !params->rgvarg) || (params->cNamedArgs > 0 && !params->rgdispidNamedArgs))
+    return E_INVALIDARG;
+  if (params->cNamedArgs > params->cArgs) return DISP_E_BADPARAMCOUNT;
+  const Member* member = info.find(id, flags);
+  if (!member || member->count > kMaxArguments) return DISP_E_MEMBERNOTFOUND;
+  if (result) VariantInit(result);
+  auto* call = member->kind == DISPATCH_PROPERTYGET && params->cArgs > 0 ? ReadWithArguments : CallMember;
+  return call(*member, object, params, result, exception, badArgument);
 }
 
 }  // namespace com

@@ -7,8 +7,8 @@
 #include <atomic>
 #include <new>
 
+#include "com/interface_info.h"
 #include "com/late_bound.h"
-#include "com/type_info.h"
 
 namespace com {
 
@@ -31,22 +31,22 @@ class Object : public PrimaryInterface, public More... {
     if (!info) return E_POINTER;
     *info = nullptr;
     if (index != 0) return DISP_E_BADINDEX;
-    HRESULT hr = TypeInfo<Primary>::get(info);
-    if (SUCCEEDED(hr)) (*info)->AddRef();
-    return hr;
+    const InterfaceInfo* known = nullptr;
+    HRESULT hr = InfoOf<Primary>(&known);
+    return FAILED(hr) ? hr : Ref<ITypeInfo>(known->typeInfo()).copyTo(info);
   }
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) final {
-    ITypeInfo* info = nullptr;
-    HRESULT hr = TypeInfo<Primary>::get(&info);
-    return FAILED(hr) ? hr : info->GetIDsOfNames(names, count, ids);
+    const InterfaceInfo* known = nullptr;
+    HRESULT hr = InfoOf<Primary>(&known);
+    return FAILED(hr) ? hr : known->typeInfo()->GetIDsOfNames(names, count, ids);
   }
   STDMETHODIMP Invoke(DISPID member, REFIID iid, LCID, WORD flags, DISPPARAMS* params, VARIANT* result,
                       EXCEPINFO* exception, UINT* badArgument) final {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
-    ITypeInfo* info = nullptr;
-    HRESULT hr = TypeInfo<Primary>::get(&info);
+    const InterfaceInfo* known = nullptr;
+    HRESULT hr = InfoOf<Primary>(&known);
     if (FAILED(hr)) return hr;
-    return InvokeLateBound(info, static_cast<Primary*>(this), member, flags, params, result, exception, badArgument);
+    return InvokeLateBound(*known, static_cast<Primary*>(this), member, flags, params, result, exception, badArgument);
   }
 
  protected:

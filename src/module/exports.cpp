@@ -5,8 +5,9 @@
 
 #include <atomic>
 
+#include "com/module.h"
 #include "com/ref.h"
-#include "com/type_info.h"
+#include "com/type_library.h"
 #include "legacy/file_open.h"
 #include "module/class_table.h"
 #include "module/registrar.h"

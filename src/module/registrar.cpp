@@ -1,7 +1,8 @@
 #include "module/registrar.h"
 
+#include "com/module.h"
 #include "com/owner.h"
-#include "com/type_info.h"
+#include "com/type_library.h"
 #include "module/registrar_script.h"
 
 namespace registrar {

@@ -1,128 +1,29 @@
 // Outputs of late-bound calls: in variables of any type, as the call's result, or in objects of the caller.
-#include <functional>
 #include <memory>
 
-#include "contract/calls.h"
+#include "contract/late_methods.h"
 #include "support/certificates.h"
 #include "support/invoke.h"
 #include "support/type_library.h"
 
 namespace {
 
-enum class Output { kBytes, kText, kObjects, kCertificate };
-
-struct LateMethod {
-  const wchar_t* name;
-  /// The arguments before the outputs, with their names.
-  std::function<std::vector<std::pair<std::wstring, Variant>>(const Objects&)> inputs;
-  std::vector<std::pair<std::wstring, Output>> outputs;
-};
-
-using Inputs = std::vector<std::pair<std::wstring, Variant>>;
-
-template <class... Pairs>
-Inputs inputs(Pairs&&... pairs) {
-  Inputs made;
-  (made.push_back(std::forward<Pairs>(pairs)), ...);
-  return made;
-}
-
-std::pair<std::wstring, Variant> in(const wchar_t* name, Variant value) { return {name, std::move(value)}; }
-std::pair<std::wstring, Variant> param(const wchar_t* name, IDispatch* object) {
-  return {name, Variant::object(object)};
-}
-std::pair<std::wstring, Variant> file(const wchar_t* name) { return {name, Variant::text(L"C:\\file")}; }
-
-std::vector<LateMethod> methods() {
-  using O = Output;
-  return {
-      {L"GetPKIErrorText",
-       [](const Objects&) { return inputs(in(L"err_code", Variant::number(5))); },
-       {{L"err_text", O::kText}}},
-      {L"GetPKIErrorTextVBS",
-       [](const Objects&) { return inputs(in(L"err_code", Variant::number(5))); },
-       {{L"err_text", O::kText}}},
-      {L"UpdateCrl", [](const Objects&) { return Inputs{}; }, {{L"description", O::kText}}},
-      {L"GetMyCertB64", [](const Objects&) { return Inputs{}; }, {{L"var_cert_str", O::kText}}},
-      {L"HashMem", [](const Objects&) { return inputs(in(L"in", bytes({1}))); }, {{L"hash", O::kBytes}}},
-      {L"HashFile", [](const Objects&) { return inputs(file(L"file_name")); }, {{L"hash", O::kBytes}}},
-      {L"SignMem",
-       [](const Objects& o) {
-         return inputs(param(L"param", o.sign), in(L"data", bytes({1})), in(L"sign_in", Variant()));
-       },
-       {{L"sign_out", O::kBytes}}},
-      {L"VerifyMem",
-       [](const Objects& o) {
-         return inputs(param(L"pIVerifyParam", o.verify), in(L"data", bytes({1})), in(L"sign_in", Variant()));
-       },
-       {{L"sign_out", O::kBytes}, {L"VerifyResults", O::kObjects}}},
-      {L"VerifyFile",
-       [](const Objects& o) {
-         return inputs(param(L"pIVerifyParam", o.verify), file(L"data"), file(L"sign_in"), file(L"sign_out"));
-       },
-       {{L"VerifyResults", O::kObjects}}},
-      {L"FindCert",
-       [](const Objects& o) { return inputs(param(L"pIFindParam", o.find)); },
-       {{L"FindResult", O::kObjects}}},
-      {L"GenRandom", [](const Objects&) { return inputs(in(L"len", Variant::number(1))); }, {{L"random", O::kBytes}}},
-      {L"ParseCert",
-       [](const Objects&) { return inputs(in(L"enccert", bytes({1})), in(L"info", Variant::number(4))); },
-       {{L"pICertificate", O::kCertificate}}},
-      {L"EncryptMem",
-       [](const Objects& o) { return inputs(param(L"pIParam", o.encrypt), in(L"in", bytes({1}))); },
-       {{L"out", O::kBytes}}},
-      {L"DecryptMem",
-       [](const Objects& o) { return inputs(param(L"pIParam", o.decrypt), in(L"in", bytes({1}))); },
-       {{L"out", O::kBytes}, {L"pICert", O::kCertificate}}},
-      {L"DecryptFile",
-       [](const Objects& o) { return inputs(param(L"pIParam", o.decrypt), file(L"file_in"), file(L"file_out")); },
-       {{L"pICert", O::kCertificate}}},
-      {L"StrSignFinalMem",
-       [](const Objects& o) { return inputs(param(L"param", o.sign), param(L"hStr", o.stream)); },
-       {{L"sign_out", O::kBytes}}},
-      {L"StrVerifyFinalMem",
-       [](const Objects& o) { return inputs(param(L"param", o.verify), param(L"hStr", o.stream)); },
-       {{L"sign_out", O::kBytes}, {L"VerifyResults", O::kObjects}}},
-      {L"StrDecryptFinalMem",
-       [](const Objects& o) { return inputs(param(L"pIParam", o.decrypt), param(L"hStr", o.stream)); },
-       {{L"pICert", O::kCertificate}}},
-      {L"StrHashFinalMem", [](const Objects& o) { return inputs(param(L"hStr", o.stream)); }, {{L"hash", O::kBytes}}},
-  };
-}
-
-void PrintTo(const LateMethod& row, std::ostream* out) { *out << narrow(row.name); }
-
 class LateBoundOutputTest : public ContractTest, public ::testing::WithParamInterface<LateMethod> {
  protected:
   void SetUp() override {
-    for (const char* function :
-         {"QUIVO_HashMem", "QUIVO_HashFile", "QUIVO_SignMem", "QUIVO_VerifyMem", "QUIVO_GenRandom", "QUIVO_EncryptMem",
-          "QUIVO_DecryptMem", "QUIVO_StrSignFinalMem", "QUIVO_StrVerifyFinalMem", "QUIVO_StrHashFinalMem"}) {
-      engine().on(function).output = {9, 8};
-    }
-    for (const char* function : {"QUIVO_GetErrorText", "QUIVO_Ctrl", "QUIVO_EncodeMem"}) {
-      engine().on(function).text = "text";
-    }
-    for (const char* function : {"QUIVO_VerifyMem", "QUIVO_VerifyFile", "QUIVO_StrVerifyFinalMem"}) {
-      engine().on(function).signatures = {{0, 0, {}}};
-    }
-    for (const char* function :
-         {"QUIVO_ParseCert", "QUIVO_DecryptMem", "QUIVO_DecryptFile", "QUIVO_StrDecryptFinalMem"}) {
-      engine().on(function).certificate = certificateOf("CN=x");
-    }
-    engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=x")};
+    answerLateMethods(engine());
     given_ = GetParam().inputs(objects);
   }
   size_t outputs() { return GetParam().outputs.size(); }
   Output kind(size_t index) { return GetParam().outputs[index].second; }
   /// A call with the inputs, to which a test adds the outputs.
   LateCall listed() {
-    LateCall call{GetParam().name, DISPATCH_METHOD, {}, {}, false};
+    LateCall call{GetParam().wideName(), DISPATCH_METHOD, {}, {}, false};
     for (const auto& [name, value] : given_) call.positional.push_back(value);
     return call;
   }
   LateCall byName() {
-    LateCall call{GetParam().name, DISPATCH_METHOD, {}, {}, false};
+    LateCall call{GetParam().wideName(), DISPATCH_METHOD, {}, {}, false};
     for (const auto& [name, value] : given_) call.named.emplace_back(name, value);
     return call;
   }
@@ -152,7 +53,7 @@ class LateBoundOutputTest : public ContractTest, public ::testing::WithParamInte
   Objects objects{openQuivo()};
 
  private:
-  Inputs given_;
+  std::vector<std::pair<std::wstring, Variant>> given_;
 };
 
 TEST_P(LateBoundOutputTest, VariablesOfAScriptReceiveTheOutputs) {
@@ -244,7 +145,7 @@ TEST_P(LateBoundOutputTest, ArgumentsMayBeNamed) {
 TEST_P(LateBoundOutputTest, NamedArgumentsMayStandInAnyOrder) {
   std::vector<Variant> variables(outputs());
   LateCall call;
-  call.member = GetParam().name;
+  call.member = GetParam().wideName();
   for (size_t i = outputs(); i-- > 0;) call.named.emplace_back(GetParam().outputs[i].first, byRef(variables[i]));
   LateCall forward = byName();
   call.named.insert(call.named.end(), forward.named.rbegin(), forward.named.rend());
@@ -284,8 +185,8 @@ TEST_P(LateBoundOutputTest, NamedHoldersReceiveTheOutputs) {
 
 TEST_P(LateBoundOutputTest, InputsMayBeVariables) {
   std::vector<Variant> variables(outputs());
-  Inputs given = GetParam().inputs(objects);
-  LateCall call{GetParam().name, DISPATCH_METHOD, {}, {}, false};
+  auto given = GetParam().inputs(objects);
+  LateCall call{GetParam().wideName(), DISPATCH_METHOD, {}, {}, false};
   for (auto& [name, value] : given) call.positional.push_back(byRef(value));
   for (Variant& variable : variables) call.positional.push_back(byRef(variable));
   EXPECT_OK(run(call).result);
@@ -334,7 +235,7 @@ TEST_P(LateBoundOutputTest, TooManyArgumentsAreRefused) {
 }
 
 TEST_P(LateBoundOutputTest, TooFewArgumentsAreRefused) {
-  LateCall call{GetParam().name, DISPATCH_METHOD, {}, {}, true};
+  LateCall call{GetParam().wideName(), DISPATCH_METHOD, {}, {}, true};
   if (listed().positional.empty()) return;
   EXPECT_TRUE(FAILED(run(call).result));
   EXPECT_EQ(std::vector<std::string>{}, engine().names());
@@ -351,7 +252,6 @@ TEST_P(LateBoundOutputTest, ObjectWithoutAValueIsRefused) {
   EXPECT_FALSE(holder.wasSet());
 }
 
-INSTANTIATE_TEST_SUITE_P(Methods, LateBoundOutputTest, ::testing::ValuesIn(methods()),
-                         [](const auto& info) { return narrow(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Methods, LateBoundOutputTest, ::testing::ValuesIn(kLateMethods), nameOfRow<LateMethod>);
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <oleauto.h>
 
 #include <cwchar>
+#include <functional>
 
 namespace {
 
@@ -21,7 +22,11 @@ LateResult finish(HRESULT raw, EXCEPINFO& exception) {
 
 }  // namespace
 
-LateResult invoke(IDispatch* object, const LateCall& call) {
+namespace {
+
+using Invoker = std::function<HRESULT(DISPID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*)>;
+
+LateResult invokeWith(const Invoker& invoker, IDispatch* object, const LateCall& call) {
   std::vector<LPOLESTR> names{const_cast<LPOLESTR>(call.member.c_str())};
   for (const auto& [name, value] : call.named) names.push_back(const_cast<LPOLESTR>(name.c_str()));
   std::vector<DISPID> ids(names.size());
@@ -44,12 +49,38 @@ LateResult invoke(IDispatch* object, const LateCall& call) {
   Variant value;
   EXCEPINFO exception{};
   UINT badArgument = 0xFFFF;
-  const HRESULT raw = object->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, call.kind, &parameters,
-                                     call.wantsResult ? value.out() : nullptr, &exception, &badArgument);
+  const HRESULT raw =
+      invoker(ids[0], call.kind, &parameters, call.wantsResult ? value.out() : nullptr, &exception, &badArgument);
   LateResult outcome = finish(raw, exception);
   outcome.badArgument = badArgument;
   outcome.value = std::move(value);
   return outcome;
+}
+
+}  // namespace
+
+LateResult invoke(IDispatch* object, const LateCall& call) {
+  return invokeWith(
+      [&](DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
+        return object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, parameters, result, exception, badArgument);
+      },
+      object, call);
+}
+
+LateResult invokeByPlatform(IDispatch* object, const LateCall& call) {
+  Ptr<ITypeInfo> info;
+  object->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.out());
+  // The platform calls through the virtual table of the described interface.
+  TYPEATTR* attributes = nullptr;
+  info->GetTypeAttr(&attributes);
+  Ptr<IDispatch> typed;
+  object->QueryInterface(attributes->guid, typed.voidOut());
+  info->ReleaseTypeAttr(attributes);
+  return invokeWith(
+      [&](DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
+        return info->Invoke(typed.get(), id, flags, parameters, result, exception, badArgument);
+      },
+      object, call);
 }
 
 LateResult getProperty(IDispatch* object, const wchar_t* name) {

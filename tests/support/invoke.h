@@ -33,6 +33,9 @@ struct LateResult {
 };
 
 LateResult invoke(IDispatch* object, const LateCall& call);
+/// The same call by the platform's ITypeInfo::Invoke over the object's type information: the yardstick for the module's
+/// own.
+LateResult invokeByPlatform(IDispatch* object, const LateCall& call);
 
 LateResult getProperty(IDispatch* object, const wchar_t* name);
 LateResult putProperty(IDispatch* object, const wchar_t* name, const VARIANT& value);

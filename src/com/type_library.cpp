@@ -1,8 +1,8 @@
-#include "com/type_info.h"
+#include "com/type_library.h"
 
 #include <oleauto.h>
 
-#include "com/ref.h"
+#include "com/module.h"
 
 namespace com {
 
@@ -16,20 +16,6 @@ HRESULT LoadOwnTypeLib(ITypeLib** library) {
   wchar_t path[MAX_PATH];
   HRESULT hr = ModulePath(path);
   return FAILED(hr) ? hr : LoadTypeLibEx(path, REGKIND_NONE, library);
-}
-
-HRESULT LoadTypeInfo(REFIID iid, std::atomic<ITypeInfo*>& cache, module::CleanUp cleanUp) {
-  module::Guard guard;
-  if (cache.load()) return S_OK;
-  Ref<ITypeLib> library;
-  HRESULT hr = LoadOwnTypeLib(library.receive());
-  if (FAILED(hr)) return hr;
-  ITypeInfo* info = nullptr;
-  hr = library->GetTypeInfoOfGuid(iid, &info);
-  if (FAILED(hr)) return hr;
-  cache.store(info);
-  module::AtDetach(cleanUp);
-  return S_OK;
 }
 
 }  // namespace com

@@ -1,0 +1,130 @@
+#include "com/interface_info.h"
+
+#include <new>
+
+#include "com/type_library.h"
+
+namespace com {
+namespace {
+
+/// The description of one function; given back with its owner.
+class Description {
+ public:
+  explicit Description(ITypeInfo* info) : info_(info) {}
+  Description(const Description&) = delete;
+  Description& operator=(const Description&) = delete;
+  ~Description() {
+    if (function_) info_->ReleaseFuncDesc(function_);
+  }
+  HRESULT read(UINT index) { return info_->GetFuncDesc(index, &function_); }
+  const FUNCDESC* operator->() const { return function_; }
+
+ private:
+  ITypeInfo* info_;
+  FUNCDESC* function_ = nullptr;
+};
+
+HRESULT ReadAttributes(ITypeInfo* info, TYPEATTR& out) {
+  TYPEATTR* attributes = nullptr;
+  HRESULT hr = info->GetTypeAttr(&attributes);
+  if (FAILED(hr)) return hr;
+  out = *attributes;
+  info->ReleaseTypeAttr(attributes);
+  return S_OK;
+}
+
+HRESULT ReadParameter(ITypeInfo* info, const ELEMDESC& declared, Parameter& out) {
+  out.isOutput = (declared.paramdesc.wParamFlags & (PARAMFLAG_FOUT | PARAMFLAG_FRETVAL)) != 0;
+  const TYPEDESC& type = out.isOutput ? *declared.tdesc.lptdesc : declared.tdesc;
+  out.type = type.vt;
+  if (type.vt == VT_USERDEFINED) out.type = VT_I4;
+  if (type.vt == VT_PTR) out.type = VT_DISPATCH;
+  out.iid = IID_IDispatch;
+  if (type.vt != VT_PTR || out.isOutput) return S_OK;
+  Ref<ITypeInfo> object;
+  TYPEATTR attributes{};
+  HRESULT hr = info->GetRefTypeInfo(type.lptdesc->hreftype, object.receive());
+  if (SUCCEEDED(hr)) hr = ReadAttributes(object.get(), attributes);
+  if (SUCCEEDED(hr)) out.iid = attributes.guid;
+  return hr;
+}
+
+/// The half of a dual interface in which every output is a parameter and every member has its slot.
+Ref<ITypeInfo> VirtualTableHalf(ITypeInfo* info) {
+  HREFTYPE half = 0;
+  Ref<ITypeInfo> found;
+  if (FAILED(info->GetRefTypeOfImplType(static_cast<UINT>(-1), &half)) ||
+      FAILED(info->GetRefTypeInfo(half, found.receive())))
+    return Ref<ITypeInfo>(info);
+  return found;
+}
+
+}  // namespace
+
+UINT Member::lastOutput() const {
+  for (UINT i = count; i-- > 0;)
+    if (parameters[i].isOutput) return i;
+  return count;
+}
+
+HRESULT InterfaceInfo::Load(REFIID iid, std::unique_ptr<InterfaceInfo>& out) {
+  std::unique_ptr<InterfaceInfo> loaded(new (std::nothrow) InterfaceInfo);
+  if (!loaded) return E_OUTOFMEMORY;
+  Ref<ITypeLib> library;
+  HRESULT hr = LoadOwnTypeLib(library.receive());
+  if (SUCCEEDED(hr)) hr = library->GetTypeInfoOfGuid(iid, loaded->info_.receive());
+  if (SUCCEEDED(hr)) hr = loaded->readMembers(VirtualTableHalf(loaded->typeInfo()).get());
+  if (SUCCEEDED(hr)) out = std::move(loaded);
+  return hr;
+}
+
+HRESULT InterfaceInfo::readMembers(ITypeInfo* described) {
+  TYPEATTR attributes{};
+  HRESULT hr = ReadAttributes(described, attributes);
+  if (FAILED(hr)) return hr;
+  UINT parameterCount = 0;
+  for (UINT i = 0; i < attributes.cFuncs; ++i) {
+    Description function(described);
+    hr = function.read(i);
+    if (FAILED(hr)) return hr;
+    parameterCount += static_cast<UINT>(function->cParams);
+  }
+  members_.reset(new (std::nothrow) Member[attributes.cFuncs]);
+  parameters_.reset(new (std::nothrow) Parameter[parameterCount]);
+  if (!members_ || !parameters_) return E_OUTOFMEMORY;
+
+  Parameter* next = parameters_.get();
+  for (UINT i = 0; i < attributes.cFuncs; ++i) {
+    Description function(described);
+    hr = function.read(i);
+    if (FAILED(hr)) return hr;
+    UINT count = static_cast<UINT>(function->cParams);
+    members_[i] = {function->memid, static_cast<WORD>(function->invkind), static_cast<ULONG_PTR>(function->oVft), count,
+                   next};
+    for (UINT k = 0; k < count; ++k) {
+      hr = ReadParameter(described, function->lprgelemdescParam[k], *next++);
+      if (FAILED(hr)) return hr;
+    }
+  }
+  memberCount_ = attributes.cFuncs;
+  return S_OK;
+}
+
+const Member* InterfaceInfo::find(DISPID id, WORD flags) const {
+  for (UINT i = 0; i < memberCount_; ++i)
+    if (members_[i].id == id && (members_[i].kind & flags)) return &members_[i];
+  return nullptr;
+}
+
+HRESULT LoadOnce(REFIID iid, std::atomic<InterfaceInfo*>& cache, module::CleanUp cleanUp) {
+  module::Guard guard;
+  if (cache.load()) return S_OK;
+  std::unique_ptr<InterfaceInfo> info;
+  HRESULT hr = InterfaceInfo::Load(iid, info);
+  if (FAILED(hr)) return hr;
+  cache.store(info.release());
+  module::AtDetach(cleanUp);
+  return S_OK;
+}
+
+}  // namespace com
