@@ -58,7 +58,7 @@ class SessionUse {
   }
 
   /// The session of the operation; null if none was open when the operation began: the engine then refuses its calls.
-  EngineSession get() const { return handle_; }
+  operator EngineSession() const { return handle_; }
   /// False once a nested call has closed the session or replaced it.
   bool isCurrent() const { return owner_.handle_ == handle_; }
 

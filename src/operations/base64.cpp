@@ -81,8 +81,9 @@ STDMETHODIMP QUIVO::SignFile2B64Mem(ISignParam* param, BSTR FileName, VARIANT* S
 
   DataBlob_t data{size, file.get()};
   DataBlob_t noSignature{};
-  EngineBuffer signature(session_);
-  int32_t code = QUIVO_SignMem(session_, options->record(), &data, &noSignature, signature.receive());
+  SessionUse session(session_);
+  EngineBuffer signature(session);
+  int32_t code = QUIVO_SignMem(session, options->record(), &data, &noSignature, signature.receive());
   file.reset();
   if (code != 0) {
     TellFailure(*this, code, var_err_text);
@@ -109,7 +110,7 @@ STDMETHODIMP QUIVO::SignFile2B64Mem(ISignParam* param, BSTR FileName, VARIANT* S
 STDMETHODIMP QUIVO::GetMyCertB64(VARIANT* var_cert_str) {
   AnsiString text;
   {
-    OwnCertificateSearch search(*this);
+    OwnCertificateSearch search(session_);
     if (int32_t code = search.run(Field_CertEncoded)) return ToModuleHResult(code);
     if (search.count() < 1) return E_FAIL;
     const DataBlob_t& encoded = search.first().certEncoded;

@@ -7,8 +7,8 @@
 STDMETHODIMP QUIVO::EncryptMem(IEncryptParam* pIParam, VARIANT in, VARIANT* out) {
   EncryptParam* options = com::Own<EncryptParam>(pIParam);
   if (!options) return E_QUIVO_INVALID_ARGUMENT;
-  return TransformBytes(*this, in, out, [&](const DataBlob_t* plain, DataBlob_t* encrypted) {
-    return QUIVO_EncryptMem(session_, options->record(), plain, encrypted);
+  return TransformBytes(session_, in, out, [&](EngineSession session, const DataBlob_t* plain, DataBlob_t* encrypted) {
+    return QUIVO_EncryptMem(session, options->record(), plain, encrypted);
   });
 }
 
@@ -17,21 +17,21 @@ STDMETHODIMP QUIVO::DecryptMem(IDecryptParam* pIParam, VARIANT in, VARIANT* out,
   if (!options || !out || !pICert) return E_QUIVO_INVALID_ARGUMENT;
   DecryptResultRecord result{};
   return TransformBytes(
-      *this, in, out,
-      [&](const DataBlob_t* encrypted, DataBlob_t* plain) {
-        return QUIVO_DecryptMem(session_, options->record(), encrypted, plain, &result);
+      session_, in, out,
+      [&](EngineSession session, const DataBlob_t* encrypted, DataBlob_t* plain) {
+        return QUIVO_DecryptMem(session, options->record(), encrypted, plain, &result);
       },
-      [&](HRESULT hr) {
+      [&](EngineSession session, HRESULT hr) {
         if (SUCCEEDED(hr)) hr = CertificateFromRecord(&result.cert, pICert);
-        QUIVO_FreeDecryptResult(session_, &result);
+        QUIVO_FreeDecryptResult(session, &result);
         return hr;
       });
 }
 
 namespace {
 
-HRESULT EncryptFileWith(decltype(QUIVO_EncryptFile) engineEncrypt, const QUIVO& quivo, IEncryptParam* param,
-                        BSTR file_in, BSTR file_out) {
+HRESULT EncryptFileWith(decltype(QUIVO_EncryptFile) engineEncrypt, QUIVO& quivo, IEncryptParam* param, BSTR file_in,
+                        BSTR file_out) {
   if (quivo.isUntrusted()) return E_QUIVO_ACCESS_DENIED;
   EncryptParam* options = com::Own<EncryptParam>(param);
   if (!options) return E_QUIVO_INVALID_ARGUMENT;
@@ -39,11 +39,12 @@ HRESULT EncryptFileWith(decltype(QUIVO_EncryptFile) engineEncrypt, const QUIVO& 
   const char* in = paths.required(file_in);
   const char* out = paths.required(file_out);
   if (FAILED(paths.failure())) return paths.failure();
-  return ToModuleHResult(engineEncrypt(quivo.session(), options->record(), in, out));
+  SessionUse session(quivo.session());
+  return ToModuleHResult(engineEncrypt(session, options->record(), in, out));
 }
 
-HRESULT DecryptFileWith(decltype(QUIVO_DecryptFile) engineDecrypt, const QUIVO& quivo, IDecryptParam* param,
-                        BSTR file_in, BSTR file_out, ICertificate** cert) {
+HRESULT DecryptFileWith(decltype(QUIVO_DecryptFile) engineDecrypt, QUIVO& quivo, IDecryptParam* param, BSTR file_in,
+                        BSTR file_out, ICertificate** cert) {
   if (quivo.isUntrusted()) return E_QUIVO_ACCESS_DENIED;
   DecryptParam* options = com::Own<DecryptParam>(param);
   if (!options || !cert) return E_QUIVO_INVALID_ARGUMENT;
@@ -51,11 +52,12 @@ HRESULT DecryptFileWith(decltype(QUIVO_DecryptFile) engineDecrypt, const QUIVO& 
   const char* in = paths.required(file_in);
   const char* out = paths.required(file_out);
   if (FAILED(paths.failure())) return paths.failure();
+  SessionUse session(quivo.session());
   DecryptResultRecord result{};
-  int32_t code = engineDecrypt(quivo.session(), options->record(), in, out, &result);
+  int32_t code = engineDecrypt(session, options->record(), in, out, &result);
   // Unlike the memory form the file forms tell the certificate, and give the result back, after a failure too.
   HRESULT hr = CertificateFromRecord(&result.cert, cert);
-  QUIVO_FreeDecryptResult(quivo.session(), &result);
+  QUIVO_FreeDecryptResult(session, &result);
   return ToModuleHResult(code != 0 ? code : hr);
 }
 

@@ -2,8 +2,8 @@
 #include "operations/steps.h"
 
 STDMETHODIMP QUIVO::HashMem(VARIANT in, VARIANT* hash) {
-  return TransformBytes(*this, in, hash, [&](const DataBlob_t* data, DataBlob_t* digest) {
-    return QUIVO_HashMem(session_, data, digest);
+  return TransformBytes(session_, in, hash, [&](EngineSession session, const DataBlob_t* data, DataBlob_t* digest) {
+    return QUIVO_HashMem(session, data, digest);
   });
 }
 
@@ -12,7 +12,8 @@ STDMETHODIMP QUIVO::HashFile(BSTR file_name, VARIANT* hash) {
   AnsiArguments strings;
   const char* path = strings.required(file_name);
   if (FAILED(strings.failure())) return strings.failure();
-  return ProduceBytes(*this, false, hash, [&](DataBlob_t* digest) { return QUIVO_HashFile(session_, path, digest); });
+  return ProduceBytes(session_, false, hash,
+                      [&](EngineSession session, DataBlob_t* digest) { return QUIVO_HashFile(session, path, digest); });
 }
 
 STDMETHODIMP QUIVO::StrHashFile(BSTR algorithm, BSTR file_name, VARIANT* hash, VARIANT_BOOL bVBS) {
@@ -21,10 +22,12 @@ STDMETHODIMP QUIVO::StrHashFile(BSTR algorithm, BSTR file_name, VARIANT* hash, V
   const char* path = strings.required(file_name);
   const char* name = strings.required(algorithm);
   if (FAILED(strings.failure())) return strings.failure();
-  return ProduceBytes(*this, bVBS != 0, hash,
-                      [&](DataBlob_t* digest) { return QUIVO_StrHashFile(session_, name, path, digest); });
+  return ProduceBytes(session_, bVBS != 0, hash, [&](EngineSession session, DataBlob_t* digest) {
+    return QUIVO_StrHashFile(session, name, path, digest);
+  });
 }
 
 STDMETHODIMP QUIVO::GenRandom(LONG len, VARIANT* random) {
-  return ProduceBytes(*this, false, random, [&](DataBlob_t* bytes) { return QUIVO_GenRandom(session_, len, bytes); });
+  return ProduceBytes(session_, false, random,
+                      [&](EngineSession session, DataBlob_t* bytes) { return QUIVO_GenRandom(session, len, bytes); });
 }

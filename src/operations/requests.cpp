@@ -10,8 +10,8 @@ STDMETHODIMP QUIVO::CreateXmlRequest(XmlRequest_Flag_t flag, ICertificate* pICer
                                      VARIANT_BOOL bVBS) {
   Certificate* certificate = com::Own<Certificate>(pICertTempl);
   if (!certificate) return E_QUIVO_INVALID_ARGUMENT;
-  return ProduceBytes(*this, bVBS != 0, pXmlReq, [&](DataBlob_t* request) {
-    return QUIVO_CreateXmlRequest(session_, static_cast<uint32_t>(flag), certificate->record(), request);
+  return ProduceBytes(session_, bVBS != 0, pXmlReq, [&](EngineSession session, DataBlob_t* request) {
+    return QUIVO_CreateXmlRequest(session, static_cast<uint32_t>(flag), certificate->record(), request);
   });
 }
 
@@ -26,7 +26,7 @@ bool CarriesUsage(const CertificateRecord& certificate, const char* oid) {
 }  // namespace
 
 STDMETHODIMP QUIVO::CheckOID(BSTR oid, VARIANT* var_err_text) {
-  OwnCertificateSearch search(*this);
+  OwnCertificateSearch search(session_);
   constexpr size_t kSize = 1022;
   char text[kSize];
   // By the locale of the process, not the ANSI code page, as this method has always compared.

@@ -9,19 +9,20 @@ STDMETHODIMP QUIVO::SignMem(ISignParam* param, VARIANT data, VARIANT sign_in, VA
   ByteInput signature;
   HRESULT hr = ReadDataAndSignature(data, bytes, sign_in, signature);
   if (FAILED(hr)) return hr;
+  SessionUse session(session_);
   DataBlob_t out{};
-  int32_t code = QUIVO_SignMem(session_, options->record(), bytes.blob(), signature.blob(), &out);
+  int32_t code = QUIVO_SignMem(session, options->record(), bytes.blob(), signature.blob(), &out);
   HRESULT released = FirstFailure(bytes.release(), signature.release());
   if (code != 0) return ToModuleHResult(code);
   // The form follows the data, never the existing signature.
-  hr = WriteByteVariant(session_, out, bytes.isVbsForm(), sign_out);
+  hr = WriteByteVariant(session, out, bytes.isVbsForm(), sign_out);
   return ToModuleHResult(FirstFailure(released, hr));
 }
 
 namespace {
 
-HRESULT SignFileWith(decltype(QUIVO_SignFile) engineSign, const QUIVO& quivo, ISignParam* param, BSTR data,
-                     BSTR sign_in, BSTR sign_out) {
+HRESULT SignFileWith(decltype(QUIVO_SignFile) engineSign, QUIVO& quivo, ISignParam* param, BSTR data, BSTR sign_in,
+                     BSTR sign_out) {
   if (quivo.isUntrusted()) return E_QUIVO_ACCESS_DENIED;
   SignParam* options = com::Own<SignParam>(param);
   if (!options) return E_QUIVO_INVALID_ARGUMENT;
@@ -30,7 +31,8 @@ HRESULT SignFileWith(decltype(QUIVO_SignFile) engineSign, const QUIVO& quivo, IS
   const char* signaturePath = paths.optional(sign_in);
   const char* outPath = paths.required(sign_out);
   if (FAILED(paths.failure())) return paths.failure();
-  return ToModuleHResult(engineSign(quivo.session(), options->record(), dataPath, signaturePath, outPath));
+  SessionUse session(quivo.session());
+  return ToModuleHResult(engineSign(session, options->record(), dataPath, signaturePath, outPath));
 }
 
 }  // namespace

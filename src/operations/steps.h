@@ -39,45 +39,50 @@ inline HRESULT FirstFailure(HRESULT first, HRESULT second) { return FAILED(first
 /// Reads data and an existing signature; two given ones must come in the same form. Failures are mapped.
 HRESULT ReadDataAndSignature(const VARIANT& data, ByteInput& dataIn, const VARIANT& signature, ByteInput& signatureIn);
 
-/// Bytes out: `call` fills a blob, which becomes `out`; after an engine failure `out` is untouched.
+/// Bytes out: `call` receives the session and fills a blob, which becomes `out`; after an engine failure `out` is
+/// untouched.
 template <class EngineCall>
-HRESULT ProduceBytes(const QUIVO& quivo, bool vbsForm, VARIANT* out, EngineCall call) {
+HRESULT ProduceBytes(SessionOwner& owner, bool vbsForm, VARIANT* out, EngineCall call) {
   if (!out) return E_QUIVO_INVALID_ARGUMENT;
+  SessionUse session(owner);
   DataBlob_t bytes{};
-  if (int32_t code = call(&bytes)) return ToModuleHResult(code);
-  return ToModuleHResult(WriteByteVariant(quivo.session(), bytes, vbsForm, out));
+  if (int32_t code = call(session, &bytes)) return ToModuleHResult(code);
+  return ToModuleHResult(WriteByteVariant(session, bytes, vbsForm, out));
 }
 
-/// Bytes in: `call` receives a blob.
+/// Bytes in: `call` receives the session and a blob.
 template <class EngineCall>
-HRESULT ConsumeBytes(const VARIANT& in, EngineCall call) {
+HRESULT ConsumeBytes(SessionOwner& owner, const VARIANT& in, EngineCall call) {
   ByteInput input;
   HRESULT hr = ReadByteVariant(in, input);
   if (FAILED(hr)) return ToModuleHResult(hr);
-  int32_t code = call(input.blob());
+  SessionUse session(owner);
+  int32_t code = call(session, input.blob());
   HRESULT released = input.release();
   return ToModuleHResult(code != 0 ? code : released);
 }
 
-/// Bytes in, bytes out in the same form: `call` receives a blob and fills another, `finish` runs after a
-/// success of the output (for what else the call returned). A failed release of the input wins at the end.
+/// Bytes in, bytes out in the same form: `call` receives the session, a blob, and another that it fills; `finish`
+/// receives the session and the result of the output (for what else the call returned). A failed release of the input
+/// wins at the end.
 template <class EngineCall, class Finish>
-HRESULT TransformBytes(const QUIVO& quivo, const VARIANT& in, VARIANT* out, EngineCall call, Finish finish) {
+HRESULT TransformBytes(SessionOwner& owner, const VARIANT& in, VARIANT* out, EngineCall call, Finish finish) {
   ByteInput input;
   HRESULT hr = ReadByteVariant(in, input);
   if (FAILED(hr)) return ToModuleHResult(hr);
+  SessionUse session(owner);
   DataBlob_t bytes{};
-  int32_t code = call(input.blob(), &bytes);
+  int32_t code = call(session, input.blob(), &bytes);
   HRESULT released = input.release();
   if (code != 0) return ToModuleHResult(code);
-  hr = finish(WriteByteVariant(quivo.session(), bytes, input.isVbsForm(), out));
+  hr = finish(session, WriteByteVariant(session, bytes, input.isVbsForm(), out));
   return ToModuleHResult(FirstFailure(released, hr));
 }
 
 template <class EngineCall>
-HRESULT TransformBytes(const QUIVO& quivo, const VARIANT& in, VARIANT* out, EngineCall call) {
+HRESULT TransformBytes(SessionOwner& owner, const VARIANT& in, VARIANT* out, EngineCall call) {
   if (!out) return E_QUIVO_INVALID_ARGUMENT;
-  return TransformBytes(quivo, in, out, call, [](HRESULT hr) { return hr; });
+  return TransformBytes(owner, in, out, call, [](EngineSession, HRESULT hr) { return hr; });
 }
 
 /// The message of an accepted verification into `out`, given that its signatures could be told (`told` is S_OK);
@@ -94,7 +99,7 @@ void TellText(const wchar_t* text, VARIANT* out);
 /// unless the search failed: the engine then has handed out nothing.
 class OwnCertificateSearch {
  public:
-  explicit OwnCertificateSearch(const QUIVO& quivo) : session_(quivo.session()) {}
+  explicit OwnCertificateSearch(SessionOwner& owner) : session_(owner) {}
   OwnCertificateSearch(const OwnCertificateSearch&) = delete;
   OwnCertificateSearch& operator=(const OwnCertificateSearch&) = delete;
   ~OwnCertificateSearch() {
@@ -113,7 +118,7 @@ class OwnCertificateSearch {
   const CertificateRecord& first() const { return result_.certificates[0]; }
 
  private:
-  EngineSession session_;
+  SessionUse session_;
   FindResultRecord result_{};
   bool isOwned_ = true;
 };

@@ -26,11 +26,12 @@ HRESULT NewCertificateArray(const FindResultRecord& found, com::Array& array) {
 STDMETHODIMP QUIVO::FindCert(IFindParam* pIFindParam, VARIANT* FindResult) {
   FindParam* options = com::Own<FindParam>(pIFindParam);
   if (!options || !FindResult) return E_QUIVO_INVALID_ARGUMENT;
+  SessionUse session(session_);
   FindResultRecord found{};
-  if (int32_t code = QUIVO_FindCert(session_, options->record(), &found)) return ToModuleHResult(code);
+  if (int32_t code = QUIVO_FindCert(session, options->record(), &found)) return ToModuleHResult(code);
   com::Array array;
   HRESULT hr = NewCertificateArray(found, array);
-  QUIVO_FreeFindResult(session_, &found);
+  QUIVO_FreeFindResult(session, &found);
   return ToModuleHResult(FAILED(hr) ? hr : com::SetArray(FindResult, VT_DISPATCH, std::move(array)));
 }
 
@@ -39,31 +40,38 @@ STDMETHODIMP QUIVO::ParseCert(VARIANT enccert, Certinfo_t info, ICertificate** p
   ByteInput encoded;
   HRESULT hr = ReadByteVariant(enccert, encoded);
   if (FAILED(hr)) return ToModuleHResult(hr);
+  SessionUse session(session_);
   CertificateRecord record{};
-  int32_t code = QUIVO_ParseCert(session_, encoded.blob(), static_cast<uint32_t>(info), &record);
+  int32_t code = QUIVO_ParseCert(session, encoded.blob(), static_cast<uint32_t>(info), &record);
   HRESULT released = encoded.release();
   if (code != 0) return ToModuleHResult(code);
   hr = CertificateFromRecord(&record, pICertificate);
-  QUIVO_FreeCert(session_, &record);
+  QUIVO_FreeCert(session, &record);
   return ToModuleHResult(FirstFailure(released, hr));
 }
 
 STDMETHODIMP QUIVO::ShowCertificate(VARIANT enccert) {
-  return ConsumeBytes(enccert, [&](const DataBlob_t* encoded) { return QUIVO_ShowCertificate(session_, encoded); });
+  return ConsumeBytes(session_, enccert, [&](EngineSession session, const DataBlob_t* encoded) {
+    return QUIVO_ShowCertificate(session, encoded);
+  });
 }
 
 STDMETHODIMP QUIVO::ShowCrl(VARIANT encCrl) {
-  return ConsumeBytes(encCrl, [&](const DataBlob_t* encoded) { return QUIVO_ShowCrl(session_, encoded); });
+  return ConsumeBytes(session_, encCrl, [&](EngineSession session, const DataBlob_t* encoded) {
+    return QUIVO_ShowCrl(session, encoded);
+  });
 }
 
 namespace {
 
 /// AddCertificate and AddCRL: the engine gets a record of its own that names the caller's certificate.
-HRESULT AddWith(decltype(QUIVO_AddCertificate) engineAdd, const QUIVO& quivo, ICertId* mycert, const VARIANT& added) {
+HRESULT AddWith(decltype(QUIVO_AddCertificate) engineAdd, QUIVO& quivo, ICertId* mycert, const VARIANT& added) {
   CertId* id = com::Own<CertId>(mycert);
   if (mycert && !id) return E_QUIVO_INVALID_ARGUMENT;
   SignParamRecord addition{0, id ? id->record() : nullptr};
-  return ConsumeBytes(added, [&](const DataBlob_t* encoded) { return engineAdd(quivo.session(), &addition, encoded); });
+  return ConsumeBytes(quivo.session(), added, [&](EngineSession session, const DataBlob_t* encoded) {
+    return engineAdd(session, &addition, encoded);
+  });
 }
 
 }  // namespace
@@ -77,27 +85,31 @@ STDMETHODIMP QUIVO::AddCRL(ICertId* mycert, VARIANT crl) { return AddWith(QUIVO_
 STDMETHODIMP QUIVO::ExportMem(IExportParam* pIParam, VARIANT* out, VARIANT_BOOL bVBS) {
   ExportParam* options = com::Own<ExportParam>(pIParam);
   if (!options) return E_QUIVO_INVALID_ARGUMENT;
-  return ProduceBytes(*this, bVBS != 0, out,
-                      [&](DataBlob_t* bytes) { return QUIVO_ExportMem(session_, options->record(), bytes); });
+  return ProduceBytes(session_, bVBS != 0, out, [&](EngineSession session, DataBlob_t* bytes) {
+    return QUIVO_ExportMem(session, options->record(), bytes);
+  });
 }
 
 STDMETHODIMP QUIVO::ImportMem(IImportParam* pIParam, VARIANT in) {
   ImportParam* options = com::Own<ImportParam>(pIParam);
   if (!options) return E_QUIVO_INVALID_ARGUMENT;
-  return ConsumeBytes(in, [&](const DataBlob_t* bytes) { return QUIVO_ImportMem(session_, options->record(), bytes); });
+  return ConsumeBytes(session_, in, [&](EngineSession session, const DataBlob_t* bytes) {
+    return QUIVO_ImportMem(session, options->record(), bytes);
+  });
 }
 
 namespace {
 
 template <class Param, class Interface>
-HRESULT MoveFileWith(decltype(QUIVO_ExportFile) engineMove, const QUIVO& quivo, Interface* param, BSTR file) {
+HRESULT MoveFileWith(decltype(QUIVO_ExportFile) engineMove, QUIVO& quivo, Interface* param, BSTR file) {
   if (quivo.isUntrusted()) return E_QUIVO_ACCESS_DENIED;
   Param* options = com::Own<Param>(param);
   if (!options) return E_QUIVO_INVALID_ARGUMENT;
   AnsiArguments paths;
   const char* path = paths.required(file);
   if (FAILED(paths.failure())) return paths.failure();
-  return ToModuleHResult(engineMove(quivo.session(), options->record(), path));
+  SessionUse session(quivo.session());
+  return ToModuleHResult(engineMove(session, options->record(), path));
 }
 
 }  // namespace

@@ -9,34 +9,37 @@
 
 namespace {
 
-/// Init with data: bytes that are given fix the form of the stream.
+/// Init with data: bytes that are given fix the form of the stream. `call` receives the session and the bytes.
 template <class EngineCall>
-HRESULT BeginStream(StreamCtx& stream, const VARIANT& in, EngineCall call) {
+HRESULT BeginStream(SessionOwner& owner, StreamCtx& stream, const VARIANT& in, EngineCall call) {
   ByteInput input;
   HRESULT hr = ReadByteVariant(in, input);
   if (FAILED(hr)) return ToModuleHResult(hr);
   if (input.isGiven()) stream.fixForm(input.isVbsForm());
-  int32_t code = call(input.blob());
+  SessionUse session(owner);
+  int32_t code = call(session, input.blob());
   HRESULT released = input.release();
   return ToModuleHResult(code != 0 ? code : released);
 }
 
-/// Update: `call` receives the bytes, `finish` writes what the engine produced, whatever it returned.
+/// Update: `call` receives the session and the bytes; `finish` receives the session and writes what the engine
+/// produced, whatever it returned.
 template <class EngineCall, class Finish>
-HRESULT FeedStream(StreamCtx& stream, const VARIANT& in, EngineCall call, Finish finish) {
+HRESULT FeedStream(SessionOwner& owner, StreamCtx& stream, const VARIANT& in, EngineCall call, Finish finish) {
   ByteInput input;
   HRESULT hr = ReadByteVariant(in, input);
   if (FAILED(hr)) return ToModuleHResult(hr);
   if (!stream.accepts(input.isVbsForm())) return E_QUIVO_INVALID_ARGUMENT;
-  int32_t code = call(input.blob());
+  SessionUse session(owner);
+  int32_t code = call(session, input.blob());
   HRESULT released = input.release();
-  hr = finish();
+  hr = finish(session);
   return ToModuleHResult(code != 0 ? code : FirstFailure(released, hr));
 }
 
 template <class EngineCall>
-HRESULT FeedStream(StreamCtx& stream, const VARIANT& in, EngineCall call) {
-  return FeedStream(stream, in, call, [] { return S_OK; });
+HRESULT FeedStream(SessionOwner& owner, StreamCtx& stream, const VARIANT& in, EngineCall call) {
+  return FeedStream(owner, stream, in, call, [](EngineSession) { return S_OK; });
 }
 
 /// Where the engine's count of bytes left goes: into the VARIANT itself, or through its reference, whose
@@ -68,8 +71,8 @@ STDMETHODIMP QUIVO::StrSignInitMem(ISignParam* param, VARIANT sign_in, IStreamCt
   SignParam* options = com::Own<SignParam>(param);
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
-  return BeginStream(*stream, sign_in, [&](const DataBlob_t* signature) {
-    return QUIVO_StrSignInitMem(session_, options->record(), signature, stream->stream());
+  return BeginStream(session_, *stream, sign_in, [&](EngineSession session, const DataBlob_t* signature) {
+    return QUIVO_StrSignInitMem(session, options->record(), signature, stream->stream());
   });
 }
 
@@ -77,8 +80,8 @@ STDMETHODIMP QUIVO::StrSignUpdateMem(ISignParam* param, IStreamCtx* hStr, VARIAN
   SignParam* options = com::Own<SignParam>(param);
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
-  return FeedStream(*stream, data, [&](const DataBlob_t* bytes) {
-    return QUIVO_StrSignUpdateMem(session_, options->record(), stream->stream(), bytes);
+  return FeedStream(session_, *stream, data, [&](EngineSession session, const DataBlob_t* bytes) {
+    return QUIVO_StrSignUpdateMem(session, options->record(), stream->stream(), bytes);
   });
 }
 
@@ -86,8 +89,8 @@ STDMETHODIMP QUIVO::StrSignFinalMem(ISignParam* param, IStreamCtx* hStr, VARIANT
   SignParam* options = com::Own<SignParam>(param);
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
-  return ProduceBytes(*this, stream->isVbsForm(), sign_out, [&](DataBlob_t* out) {
-    return QUIVO_StrSignFinalMem(session_, options->record(), stream->stream(), out);
+  return ProduceBytes(session_, stream->isVbsForm(), sign_out, [&](EngineSession session, DataBlob_t* out) {
+    return QUIVO_StrSignFinalMem(session, options->record(), stream->stream(), out);
   });
 }
 
@@ -95,8 +98,8 @@ STDMETHODIMP QUIVO::StrVerifyInitMem(IVerifyParam* param, VARIANT sign_in, IStre
   VerifyParam* options = com::Own<VerifyParam>(param);
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
-  return BeginStream(*stream, sign_in, [&](const DataBlob_t* signature) {
-    return QUIVO_StrVerifyInitMem(session_, options->record(), signature, stream->stream());
+  return BeginStream(session_, *stream, sign_in, [&](EngineSession session, const DataBlob_t* signature) {
+    return QUIVO_StrVerifyInitMem(session, options->record(), signature, stream->stream());
   });
 }
 
@@ -104,8 +107,8 @@ STDMETHODIMP QUIVO::StrVerifyUpdateMem(IVerifyParam* param, IStreamCtx* hStr, VA
   VerifyParam* options = com::Own<VerifyParam>(param);
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
-  return FeedStream(*stream, data, [&](const DataBlob_t* bytes) {
-    return QUIVO_StrVerifyUpdateMem(session_, options->record(), stream->stream(), bytes);
+  return FeedStream(session_, *stream, data, [&](EngineSession session, const DataBlob_t* bytes) {
+    return QUIVO_StrVerifyUpdateMem(session, options->record(), stream->stream(), bytes);
   });
 }
 
@@ -114,19 +117,21 @@ STDMETHODIMP QUIVO::StrVerifyFinalMem(IVerifyParam* param, IStreamCtx* hStr, VAR
   VerifyParam* options = com::Own<VerifyParam>(param);
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   if (!options || !stream || !sign_out || !VerifyResults) return E_QUIVO_INVALID_ARGUMENT;
+  SessionUse session(session_);
   VerifyResultRecord result{};
   DataBlob_t out{};
-  int32_t code = QUIVO_StrVerifyFinalMem(session_, options->record(), stream->stream(), &out, &result);
-  HRESULT hr = SignStatusArrayFromResult(session_, &result, VerifyResults);
+  int32_t code = QUIVO_StrVerifyFinalMem(session, options->record(), stream->stream(), &out, &result);
+  HRESULT hr = SignStatusArrayFromResult(session, &result, VerifyResults);
   if (code != 0) return ToModuleHResult(code);
-  return ToModuleHResult(WriteVerified(session_, hr, out, stream->isVbsForm(), sign_out));
+  return ToModuleHResult(WriteVerified(session, hr, out, stream->isVbsForm(), sign_out));
 }
 
 STDMETHODIMP QUIVO::StrEncryptInitMem(IEncryptParam* param, IStreamCtx* hStr) {
   EncryptParam* options = com::Own<EncryptParam>(param);
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
-  return ToModuleHResult(QUIVO_StrEncryptInitMem(session_, options->record(), stream->stream()));
+  SessionUse session(session_);
+  return ToModuleHResult(QUIVO_StrEncryptInitMem(session, options->record(), stream->stream()));
 }
 
 STDMETHODIMP QUIVO::StrEncryptUpdateMem(IEncryptParam* param, IStreamCtx* hStr, VARIANT in, VARIANT* out) {
@@ -135,19 +140,19 @@ STDMETHODIMP QUIVO::StrEncryptUpdateMem(IEncryptParam* param, IStreamCtx* hStr, 
   if (!options || !stream || !out) return E_QUIVO_INVALID_ARGUMENT;
   DataBlob_t encrypted{};
   return FeedStream(
-      *stream, in,
-      [&](const DataBlob_t* bytes) {
-        return QUIVO_StrEncryptUpdateMem(session_, options->record(), stream->stream(), bytes, &encrypted);
+      session_, *stream, in,
+      [&](EngineSession session, const DataBlob_t* bytes) {
+        return QUIVO_StrEncryptUpdateMem(session, options->record(), stream->stream(), bytes, &encrypted);
       },
-      [&] { return WriteByteVariant(session_, encrypted, stream->isVbsForm(), out); });
+      [&](EngineSession session) { return WriteByteVariant(session, encrypted, stream->isVbsForm(), out); });
 }
 
 STDMETHODIMP QUIVO::StrEncryptFinalMem(IEncryptParam* param, IStreamCtx* hStr, VARIANT* out) {
   EncryptParam* options = com::Own<EncryptParam>(param);
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   if (!options || !stream) return E_QUIVO_INVALID_ARGUMENT;
-  return ProduceBytes(*this, stream->isVbsForm(), out, [&](DataBlob_t* encrypted) {
-    return QUIVO_StrEncryptFinalMem(session_, options->record(), stream->stream(), encrypted);
+  return ProduceBytes(session_, stream->isVbsForm(), out, [&](EngineSession session, DataBlob_t* encrypted) {
+    return QUIVO_StrEncryptFinalMem(session, options->record(), stream->stream(), encrypted);
   });
 }
 
@@ -156,9 +161,9 @@ STDMETHODIMP QUIVO::StrDecryptInitMem(IDecryptParam* pIParam, VARIANT in, VARIAN
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   LeftOutput leftOut(left);
   if (!options || !stream || !leftOut) return E_QUIVO_INVALID_ARGUMENT;
-  return BeginStream(*stream, in, [&](const DataBlob_t* bytes) {
+  return BeginStream(session_, *stream, in, [&](EngineSession session, const DataBlob_t* bytes) {
     int32_t count = 0;
-    int32_t code = QUIVO_StrDecryptInitMem(session_, options->record(), bytes, &count, stream->stream());
+    int32_t code = QUIVO_StrDecryptInitMem(session, options->record(), bytes, &count, stream->stream());
     leftOut.write(count);
     return code;
   });
@@ -172,25 +177,26 @@ STDMETHODIMP QUIVO::StrDecryptUpdateMem(IDecryptParam* pIParam, IStreamCtx* hStr
   if (!options || !stream || !leftOut || !out) return E_QUIVO_INVALID_ARGUMENT;
   DataBlob_t decrypted{};
   return FeedStream(
-      *stream, in,
-      [&](const DataBlob_t* bytes) {
+      session_, *stream, in,
+      [&](EngineSession session, const DataBlob_t* bytes) {
         int32_t count = 0;
         int32_t code =
-            QUIVO_StrDecryptUpdateMem(session_, options->record(), stream->stream(), bytes, &count, &decrypted);
+            QUIVO_StrDecryptUpdateMem(session, options->record(), stream->stream(), bytes, &count, &decrypted);
         leftOut.write(count);
         return code;
       },
-      [&] { return WriteByteVariant(session_, decrypted, stream->isVbsForm(), out); });
+      [&](EngineSession session) { return WriteByteVariant(session, decrypted, stream->isVbsForm(), out); });
 }
 
 STDMETHODIMP QUIVO::StrDecryptFinalMem(IDecryptParam* pIParam, IStreamCtx* hStr, ICertificate** pICert) {
   DecryptParam* options = com::Own<DecryptParam>(pIParam);
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   if (!options || !stream || !pICert) return E_QUIVO_INVALID_ARGUMENT;
+  SessionUse session(session_);
   DecryptResultRecord result{};
-  int32_t code = QUIVO_StrDecryptFinalMem(session_, options->record(), stream->stream(), &result);
+  int32_t code = QUIVO_StrDecryptFinalMem(session, options->record(), stream->stream(), &result);
   HRESULT hr = CertificateFromRecord(&result.cert, pICert);
-  QUIVO_FreeDecryptResult(session_, &result);
+  QUIVO_FreeDecryptResult(session, &result);
   return ToModuleHResult(code != 0 ? code : hr);
 }
 
@@ -200,19 +206,22 @@ STDMETHODIMP QUIVO::StrHashInitMem(BSTR algorithm, IStreamCtx* hStr) {
   AnsiArguments strings;
   const char* name = strings.required(algorithm);
   if (FAILED(strings.failure())) return strings.failure();
-  return ToModuleHResult(QUIVO_StrHashInitMem(session_, name, stream->stream()));
+  SessionUse session(session_);
+  return ToModuleHResult(QUIVO_StrHashInitMem(session, name, stream->stream()));
 }
 
 STDMETHODIMP QUIVO::StrHashUpdateMem(IStreamCtx* hStr, VARIANT data) {
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   if (!stream) return E_QUIVO_INVALID_ARGUMENT;
-  return FeedStream(*stream, data,
-                    [&](const DataBlob_t* bytes) { return QUIVO_StrHashUpdateMem(session_, stream->stream(), bytes); });
+  return FeedStream(session_, *stream, data, [&](EngineSession session, const DataBlob_t* bytes) {
+    return QUIVO_StrHashUpdateMem(session, stream->stream(), bytes);
+  });
 }
 
 STDMETHODIMP QUIVO::StrHashFinalMem(IStreamCtx* hStr, VARIANT* hash) {
   StreamCtx* stream = com::Own<StreamCtx>(hStr);
   if (!stream) return E_QUIVO_INVALID_ARGUMENT;
-  return ProduceBytes(*this, stream->isVbsForm(), hash,
-                      [&](DataBlob_t* digest) { return QUIVO_StrHashFinalMem(session_, stream->stream(), digest); });
+  return ProduceBytes(session_, stream->isVbsForm(), hash, [&](EngineSession session, DataBlob_t* digest) {
+    return QUIVO_StrHashFinalMem(session, stream->stream(), digest);
+  });
 }

@@ -11,20 +11,21 @@ STDMETHODIMP QUIVO::VerifyMem(IVerifyParam* pIVerifyParam, VARIANT data, VARIANT
   ByteInput signature;
   HRESULT hr = ReadDataAndSignature(data, bytes, sign_in, signature);
   if (FAILED(hr)) return hr;
+  SessionUse session(session_);
   VerifyResultRecord result{};
   DataBlob_t out{};
-  int32_t code = QUIVO_VerifyMem(session_, options->record(), bytes.blob(), signature.blob(), &out, &result);
+  int32_t code = QUIVO_VerifyMem(session, options->record(), bytes.blob(), signature.blob(), &out, &result);
   HRESULT released = FirstFailure(bytes.release(), signature.release());
   // A failed verification tells its signatures too.
-  hr = SignStatusArrayFromResult(session_, &result, VerifyResults);
+  hr = SignStatusArrayFromResult(session, &result, VerifyResults);
   if (code != 0) return ToModuleHResult(code);
-  hr = WriteVerified(session_, hr, out, bytes.isVbsForm(), sign_out);
+  hr = WriteVerified(session, hr, out, bytes.isVbsForm(), sign_out);
   return ToModuleHResult(FirstFailure(released, hr));
 }
 
 namespace {
 
-HRESULT VerifyFileWith(decltype(QUIVO_VerifyFile) engineVerify, const QUIVO& quivo, IVerifyParam* param, BSTR data,
+HRESULT VerifyFileWith(decltype(QUIVO_VerifyFile) engineVerify, QUIVO& quivo, IVerifyParam* param, BSTR data,
                        BSTR sign_in, BSTR sign_out, VARIANT* results) {
   if (quivo.isUntrusted()) return E_QUIVO_ACCESS_DENIED;
   VerifyParam* options = com::Own<VerifyParam>(param);
@@ -34,9 +35,10 @@ HRESULT VerifyFileWith(decltype(QUIVO_VerifyFile) engineVerify, const QUIVO& qui
   const char* signaturePath = paths.required(sign_in);
   const char* outPath = paths.optional(sign_out);
   if (FAILED(paths.failure())) return paths.failure();
+  SessionUse session(quivo.session());
   VerifyResultRecord result{};
-  int32_t code = engineVerify(quivo.session(), options->record(), dataPath, signaturePath, outPath, &result);
-  HRESULT hr = SignStatusArrayFromResult(quivo.session(), &result, results);
+  int32_t code = engineVerify(session, options->record(), dataPath, signaturePath, outPath, &result);
+  HRESULT hr = SignStatusArrayFromResult(session, &result, results);
   return ToModuleHResult(code != 0 ? code : hr);
 }
 

@@ -4,7 +4,8 @@
 #include <objsafe.h>
 
 #include "com/object.h"
-#include "engine/functions.h"
+#include "engine/session.h"
+#include "errors/result.h"
 #include "quivocom.h"
 
 #ifdef __CRT_UUID_DECL
@@ -95,12 +96,18 @@ class QUIVO : public com::Object<IQUIVO, IObjectSafety> {
   STDMETHODIMP GetInterfaceSafetyOptions(REFIID iid, DWORD* supported, DWORD* enabled) override;
   STDMETHODIMP SetInterfaceSafetyOptions(REFIID iid, DWORD mask, DWORD enabled) override;
 
-  /// The session that every engine call gets; null while none is open: the engine then refuses the call.
-  EngineSession session() const { return session_; }
+  /// The session of the engine calls. Without an open one they get a null handle, and the engine refuses them.
+  SessionOwner& session() { return session_; }
   /// True once the host asked for safety with untrusted data: every file method then refuses to work.
   bool isUntrusted() const { return isUntrusted_; }
 
  private:
-  EngineSession session_ = nullptr;
+  /// Opens the session; the engine's code is mapped.
+  template <class OpenCall>
+  HRESULT open(OpenCall call) {
+    return ToModuleHResult(session_.open(call, E_QUIVO_ALREADY_INITIALIZED));
+  }
+
+  SessionOwner session_;
   bool isUntrusted_ = false;
 };

@@ -1,6 +1,5 @@
 // The life of the engine session: open, close, update of the revocation lists.
 #include <cstring>
-#include <utility>
 
 #include "com/owner.h"
 #include "com/ref.h"
@@ -10,21 +9,21 @@
 #include "session/quivo.h"
 
 QUIVO::~QUIVO() {
-  if (session_) QUIVO_Uninitialize(session_);
+  if (session_.isOpen()) session_.close();
 }
 
 STDMETHODIMP QUIVO::Initialize(BSTR profile, Init_Flag_t flag) {
-  if (session_) return E_QUIVO_ALREADY_INITIALIZED;
+  if (session_.isOpen()) return E_QUIVO_ALREADY_INITIALIZED;
   AnsiString name;
   HRESULT hr = BstrToAnsi(profile, name);
   // Not re-based: scripts know the conversion's failure by its Win32 form.
   if (FAILED(hr)) return hr;
-  return ToModuleHResult(QUIVO_Initialize(name.get(), static_cast<uint32_t>(flag), &session_));
+  return open([&](EngineSession* opened) { return QUIVO_Initialize(name.get(), static_cast<uint32_t>(flag), opened); });
 }
 
 STDMETHODIMP QUIVO::InitMinimal() {
-  if (session_) return E_QUIVO_ALREADY_INITIALIZED;
-  return ToModuleHResult(QUIVO_InitMinimal(&session_));
+  if (session_.isOpen()) return E_QUIVO_ALREADY_INITIALIZED;
+  return open(QUIVO_InitMinimal);
 }
 
 namespace {
@@ -34,17 +33,19 @@ HRESULT InterfaceName(IDispatch* object, com::Bstr& name) {
   com::Ref<ITypeInfo> info;
   HRESULT hr = object->GetTypeInfo(0, 0, info.receive());
   if (FAILED(hr)) return hr;
+  if (!info) return E_UNEXPECTED;
   com::Ref<ITypeLib> library;
   UINT index = 0;
   hr = info->GetContainingTypeLib(library.receive(), &index);
   if (FAILED(hr)) return hr;
+  if (!library) return E_UNEXPECTED;
   return library->GetDocumentation(static_cast<INT>(index), name.receive(), nullptr, nullptr, nullptr);
 }
 
 }  // namespace
 
 STDMETHODIMP QUIVO::InitializeEx(IDispatch* param) {
-  if (session_) return E_QUIVO_ALREADY_INITIALIZED;
+  if (session_.isOpen()) return E_QUIVO_ALREADY_INITIALIZED;
   if (!param) return E_QUIVO_INVALID_ARGUMENT;
   com::Bstr interfaceName;
   HRESULT hr = InterfaceName(param, interfaceName);
@@ -54,17 +55,18 @@ STDMETHODIMP QUIVO::InitializeEx(IDispatch* param) {
   if (FAILED(hr)) return hr == E_OUTOFMEMORY ? E_QUIVO_OUT_OF_MEMORY : hr;
 
   LocalParam* local = std::strcmp(name.get(), "ILocalParam") == 0 ? com::Own<LocalParam>(param) : nullptr;
-  if (local) return ToModuleHResult(QUIVO_InitializeEx(kEngineLocalParam, local->record(), &session_));
+  if (local)
+    return open([&](EngineSession* opened) { return QUIVO_InitializeEx(kEngineLocalParam, local->record(), opened); });
   RSrvParam* remote = std::strcmp(name.get(), "IRSrvParam") == 0 ? com::Own<RSrvParam>(param) : nullptr;
-  if (remote) return ToModuleHResult(QUIVO_InitializeEx(kEngineRemoteParam, remote->record(), &session_));
+  if (remote)
+    return open(
+        [&](EngineSession* opened) { return QUIVO_InitializeEx(kEngineRemoteParam, remote->record(), opened); });
   return E_QUIVO_INVALID_ARGUMENT;
 }
 
 STDMETHODIMP QUIVO::Uninitialize() {
-  // Forgotten first: a call that comes in while the engine closes must not reach the closing session.
-  EngineSession session = std::exchange(session_, nullptr);
   // The engine's code as it is, not mapped: existing scripts compare it.
-  return session ? QUIVO_Uninitialize(session) : S_OK;
+  return session_.isOpen() ? session_.close() : S_OK;
 }
 
 STDMETHODIMP QUIVO::UpdateCrl(BSTR* description) {
@@ -72,7 +74,8 @@ STDMETHODIMP QUIVO::UpdateCrl(BSTR* description) {
   constexpr uint32_t kSize = 4096;
   char text[kSize + 1] = {};
   DataBlob_t buffer{kSize, reinterpret_cast<uint8_t*>(text)};
-  int32_t code = QUIVO_Ctrl(session_, kEngineCtrlUpdateCrl, &buffer);
+  SessionUse session(session_);
+  int32_t code = QUIVO_Ctrl(session, kEngineCtrlUpdateCrl, &buffer);
   // A failure that left a description is told by the description alone.
   if (code != 0 && text[0] == '\0') return ToModuleHResult(code);
   return ToModuleHResult(AnsiToBstr(text, description));
