@@ -4,6 +4,8 @@ Option Explicit
 
 Const Flag_Sign_Pkcs7 = 1
 Const Flag_Sign_SendSert = 8
+' No file. On Windows a null string (vbNullString) says the same; Wine's script hosts cannot pass one.
+Const NoFile = "NUL"
 
 Dim quivo, param
 
@@ -16,7 +18,7 @@ Check "The session cannot be opened"
 ' The document is in the signed file: no data is given beside it.
 Set param = CreateObject("TAVL.SignParam")
 param.flag = Flag_Sign_Pkcs7 + Flag_Sign_SendSert
-quivo.SignFile param, vbNullString, WScript.Arguments(1), WScript.Arguments(2)
+quivo.SignFile param, NoFile, WScript.Arguments(1), WScript.Arguments(2)
 Check "SignFile"
 WScript.Echo "SignFile: a signature is added"
 quivo.Uninitialize

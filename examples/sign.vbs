@@ -8,6 +8,8 @@ Const Flag_Sign_Detached = 2
 Const Flag_Sign_SendSert = 8
 Const Flag_Init_Nocrlupdate = 1
 Const Flag_Init_Noldap = 4
+' No file. On Windows a null string (vbNullString) says the same; Wine's script hosts cannot pass one.
+Const NoFile = "NUL"
 
 Dim quivo, files, document, folder, param, bytes, signature
 
@@ -28,12 +30,12 @@ Set param = CreateObject("TAVL.SignParam")
 ' Files: a signature that contains the document, and one that stands beside it. Str methods read the file as a stream,
 ' so its size does not matter.
 param.flag = Flag_Sign_Pkcs7 + Flag_Sign_SendSert
-quivo.SignFile param, document, vbNullString, folder & "attached.p7s"
+quivo.SignFile param, document, NoFile, folder & "attached.p7s"
 Check "SignFile"
 WScript.Echo "SignFile    attached.p7s, contains the document"
 
 param.flag = Flag_Sign_Pkcs7 + Flag_Sign_SendSert + Flag_Sign_Detached
-quivo.StrSignFile param, document, vbNullString, folder & "detached.p7s"
+quivo.StrSignFile param, document, NoFile, folder & "detached.p7s"
 Check "StrSignFile"
 WScript.Echo "StrSignFile detached.p7s, stands beside the document"
 

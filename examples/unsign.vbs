@@ -6,6 +6,8 @@ Option Explicit
 Const Flag_Verify_Pkcs7 = 1
 Const Flag_Verify_DelSign = 4
 Const Delete_All_Signs = -1
+' No file. On Windows a null string (vbNullString) says the same; Wine's script hosts cannot pass one.
+Const NoFile = "NUL"
 
 Dim quivo, param, results
 
@@ -19,7 +21,7 @@ Set param = CreateObject("TAVL.VerifyParam")
 param.flag = Flag_Verify_Pkcs7 + Flag_Verify_DelSign
 param.nSignToDelete = Delete_All_Signs
 If WScript.Arguments.Count > 3 Then param.nSignToDelete = CLng(WScript.Arguments(3))
-quivo.VerifyFile param, vbNullString, WScript.Arguments(1), WScript.Arguments(2), results
+quivo.VerifyFile param, NoFile, WScript.Arguments(1), WScript.Arguments(2), results
 Check "VerifyFile"
 WScript.Echo "VerifyFile: removed"
 quivo.Uninitialize

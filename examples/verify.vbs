@@ -7,6 +7,8 @@ Const Flag_Verify_Pkcs7 = 1
 Const Flag_Verify_Detached = 2
 Const Field_Issuer = 2
 Const Field_Subject = 4
+' No file. On Windows a null string (vbNullString) says the same; Wine's script hosts cannot pass one.
+Const NoFile = "NUL"
 
 Dim quivo, param, document, results, status, code, text
 
@@ -19,14 +21,14 @@ If Err.Number <> 0 Then Fail "The session cannot be opened", Err.Number
 Set param = CreateObject("TAVL.VerifyParam")
 param.flag = Flag_Verify_Pkcs7
 param.info = Field_Issuer + Field_Subject
-document = vbNullString
+document = NoFile
 If WScript.Arguments.Count > 2 Then
   document = WScript.Arguments(2)
   param.flag = Flag_Verify_Pkcs7 + Flag_Verify_Detached
 End If
 
 ' A refused verification gives its results all the same: the number is kept, and told of at the end.
-quivo.StrVerifyFile param, document, WScript.Arguments(1), vbNullString, results
+quivo.StrVerifyFile param, document, WScript.Arguments(1), NoFile, results
 code = Err.Number
 Err.Clear
 

@@ -13,7 +13,7 @@ namespace standin {
 DataBlob_t signMemory(Session& session, const SignParamRecord* param, std::optional<ByteView> data,
                       std::optional<ByteView> existing);
 
-/// The same from files to a file; null and empty paths are absent. Memory does not grow with the files.
+/// The same from files to a file; a null path and the device NUL are absent files. Memory does not grow with the files.
 void signFile(Session& session, const SignParamRecord* param, const char* data, const char* existing, const char* out);
 
 /// Signing of data in pieces. Data is kept only when it becomes part of the message.

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -56,8 +57,9 @@ class InputFile {
   Bytes piece_;
 };
 
-/// The path, or null when it names no file: not every script host can pass a null string.
-inline const char* given(const char* path) { return path != nullptr && *path != '\0' ? path : nullptr; }
+/// The path, or null if it names the null device: script hosts that cannot pass a null string name no file that way.
+/// An empty path is not absent: it names a file that does not exist.
+inline const char* given(const char* path) { return path != nullptr && _stricmp(path, "NUL") != 0 ? path : nullptr; }
 
 /// The whole file, refused when it is longer than `limit`.
 Bytes readWholeFile(const char* path, uint64_t limit);

@@ -5,6 +5,8 @@ On Error Resume Next
 Const AlreadyInitialized = &hE0680001
 Const InvalidArgument = &hE0690057
 Const FileNotFound = &hE0690002
+' No file. On Windows a null string (vbNullString) says the same; Wine's script hosts cannot pass one.
+Const NoFile = "NUL"
 
 Dim quivo, other, text, code, parameters
 
@@ -65,9 +67,9 @@ quivo.SignMem parameters, Array("a"), Empty, other
 refused InvalidArgument, "SignMem of an array of strings"
 quivo.SignMem Nothing, bytes_of("abc"), Empty, other
 refused InvalidArgument, "SignMem without parameters"
-quivo.SignFile parameters, "Z:\no\such\file", vbNullString, "Z:\no\such\signature"
+quivo.SignFile parameters, "Z:\no\such\file", NoFile, "Z:\no\such\signature"
 refused_by_engine "SignFile of a missing file"
-quivo.SignFile parameters, WScript.ScriptFullName, vbNullString, ""
+quivo.SignFile parameters, WScript.ScriptFullName, NoFile, ""
 refused_by_engine "SignFile without an output"
 quivo.SignFile2B64Mem parameters, "Z:\no\such\file", other, text
 refused &hFFFFFFFF, "SignFile2B64Mem of a missing file"

@@ -1,5 +1,7 @@
 // Every method of QUIVO with a result, reached in the two ways that this language has: as the value of the call, and in an
 // object. Arguments: a folder, the names of two profiles, the folder of the PKI, the folder of the messages.
+// No file: this language cannot pass a null string.
+var noFile = "NUL";
 var argument = function (i) { return WScript.Arguments.Item(i); };
 var folder = argument(0) + "\\", pki = argument(3) + "\\", messages = argument(4) + "\\";
 var arrays = new ActiveXObject("TavlTests.Arrays");
@@ -87,12 +89,12 @@ both("SignMem",
   equal(arrays.item(results.value, 0).status, 0, what + ": the status");
   ok(arrays.item(results.value, 0).cert.subject.indexOf("anna@") >= 0, what + ": the signer");
 });
-anna.SignFile(sign, folder + "data.bin", "", folder + "file.p7s");
-boris.StrSignFile(sign, "", folder + "file.p7s", folder + "two.p7s");
+anna.SignFile(sign, folder + "data.bin", noFile, folder + "file.p7s");
+boris.StrSignFile(sign, noFile, folder + "file.p7s", folder + "two.p7s");
 function verified(method, file, count) {
   both(method, function (holder) {
-    return holder ? boris[method](verify, "", folder + file, folder + "content.bin", holder)
-                  : boris[method](verify, "", folder + file, folder + "content.bin");
+    return holder ? boris[method](verify, noFile, folder + file, folder + "content.bin", holder)
+                  : boris[method](verify, noFile, folder + file, folder + "content.bin");
   }, function (results, what) {
     equal(arrays.kind(results), ArrayOfObjects, what);
     equal(arrays.count(results), count, what + ": the results");

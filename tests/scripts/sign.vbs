@@ -9,6 +9,8 @@ Const SendCertificate = 8
 Const InvalidArgument = &hE0690057
 Const ArrayOfVariants = 8204
 Const ArrayOfBytes = 8209
+' No file. On Windows a null string (vbNullString) says the same; Wine's script hosts cannot pass one.
+Const NoFile = "NUL"
 
 Dim quivo, parameters, local_parameters, folder, files, text, signature, second, plain, message
 
@@ -52,14 +54,14 @@ refused InvalidArgument, "data in the form of scripts and a signature in the pla
 
 ' Files.
 parameters.flag = Pkcs7 + SendCertificate
-quivo.SignFile parameters, folder & "data.bin", vbNullString, folder & "file.attached.p7s"
+quivo.SignFile parameters, folder & "data.bin", NoFile, folder & "file.attached.p7s"
 ok files.FileExists(folder & "file.attached.p7s"), "SignFile, attached"
-quivo.StrSignFile parameters, folder & "data.bin", vbNullString, folder & "stream.attached.p7s"
+quivo.StrSignFile parameters, folder & "data.bin", NoFile, folder & "stream.attached.p7s"
 ok files.FileExists(folder & "stream.attached.p7s"), "StrSignFile, attached"
 parameters.flag = Pkcs7 + SendCertificate + Detached
-quivo.SignFile parameters, folder & "data.bin", vbNullString, folder & "file.detached.p7s"
+quivo.SignFile parameters, folder & "data.bin", NoFile, folder & "file.detached.p7s"
 ok files.FileExists(folder & "file.detached.p7s"), "SignFile, detached"
-quivo.StrSignFile parameters, folder & "data.bin", vbNullString, folder & "stream.detached.p7s"
+quivo.StrSignFile parameters, folder & "data.bin", NoFile, folder & "stream.detached.p7s"
 ok files.FileExists(folder & "stream.detached.p7s"), "StrSignFile, detached"
 
 ' As text.

@@ -164,3 +164,32 @@ TEST_F(Signing, FilesThatCannotBeUsedHaveTheSystemsCodes) {
   EXPECT_CODE(kContentMissing, sign_file(nullptr, scratchPath("out").c_str()));
   EXPECT_FALSE(fileExists(scratchPath("out")));
 }
+
+TEST_F(Signing, EmptyPathIsNotAnAbsentFile) {
+  const EngineSession session = open("alice");
+  const std::string data = scratchPath("data"), out = scratchPath("out");
+  writeFile(data, data_);
+  const SignParamRecord param{kSendCertificate, nullptr};
+  EXPECT_CODE(3, QUIVO_SignFile(session, &param, data.c_str(), "", out.c_str()));
+  EXPECT_CODE(3, QUIVO_SignFile(session, &param, "", nullptr, out.c_str()));
+  EXPECT_FALSE(fileExists(out));
+  EXPECT_CODE(0, QUIVO_SignFile(session, &param, data.c_str(), nullptr, out.c_str()));
+  VerifyParamRecord verify{};
+  VerifyResultRecord result{};
+  EXPECT_CODE(3, QUIVO_VerifyFile(session, &verify, "", out.c_str(), nullptr, &result));
+  QUIVO_FreeVerifyResult(session, &result);
+  EXPECT_CODE(kWinInvalidParameter, QUIVO_VerifyFile(session, &verify, nullptr, out.c_str(), "", &result));
+  QUIVO_FreeVerifyResult(session, &result);
+}
+
+TEST_F(Signing, NullDeviceIsAnAbsentFile) {
+  const EngineSession session = open("alice");
+  const std::string data = scratchPath("data"), out = scratchPath("out");
+  writeFile(data, data_);
+  const SignParamRecord param{kSendCertificate, nullptr};
+  EXPECT_CODE(0, QUIVO_SignFile(session, &param, data.c_str(), "NUL", out.c_str()));
+  VerifyParamRecord verify{};
+  VerifyResultRecord result{};
+  EXPECT_CODE(0, QUIVO_VerifyFile(session, &verify, "nul", out.c_str(), "NUL", &result));
+  QUIVO_FreeVerifyResult(session, &result);
+}

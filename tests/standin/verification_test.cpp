@@ -255,10 +255,10 @@ TEST_F(Verification, FilesGiveTheSameAsMemory) {
   EXPECT_EQ(1u, verify(session, rest.out).verdicts.size());
 }
 
-TEST_F(Verification, EmptyPathIsAnAbsentFile) {
-  const Verified verified = verifyFile(open("bob"), materialPath("messages/attached.p7s"), "", {}, "");
+TEST_F(Verification, NullDeviceIsAnAbsentFile) {
+  const Verified verified = verifyFile(open("bob"), materialPath("messages/attached.p7s"), "", {}, "NUL");
   EXPECT_CODE(0, verified.code);
-  EXPECT_CODE(kContentMissing, verifyFile(open("bob"), materialPath("messages/detached.p7s"), "", {}, "").code);
+  EXPECT_CODE(kContentMissing, verifyFile(open("bob"), materialPath("messages/detached.p7s"), "", {}, "nul").code);
 }
 
 TEST_F(Verification, NothingIsWrittenForABadSignature) {
