@@ -161,7 +161,7 @@ class Call {
     argument.isHolder = V_VT(given) == VT_DISPATCH && V_DISPATCH(given);
     if (argument.isHolder) return S_OK;
     argument.isDiscarded = wantsVariant;
-    return wantsVariant ? VariantCopy(argument.value.inOut(), given) : DISP_E_TYPEMISMATCH;
+    return wantsVariant ? S_OK : DISP_E_TYPEMISMATCH;
   }
 
   /// Moves what the member wrote into `value`; false if it wrote nothing.
