@@ -68,7 +68,10 @@ class EngineBuffer {
 
 STDMETHODIMP QUIVO::SignFile2B64Mem(ISignParam* param, BSTR FileName, VARIANT* Signature, VARIANT* var_err_text) {
   SignParam* options = com::Own<SignParam>(param);
-  if (!options || !Signature) return E_QUIVO_INVALID_ARGUMENT;
+  if (!options || !Signature) {
+    TellFailure(*this, E_QUIVO_INVALID_ARGUMENT, var_err_text);
+    return kFailed;
+  }
   std::unique_ptr<uint8_t[]> file;
   DWORD size = 0;
   if (DWORD error = ReadWholeFile(FileName, file, &size)) {
