@@ -4,8 +4,10 @@
 #include <oleauto.h>
 
 #include <atomic>
+#include <cstdio>
 
 #include "com/module.h"
+#include "com/owner.h"
 #include "com/ref.h"
 #include "com/type_library.h"
 #include "legacy/file_open.h"
@@ -30,6 +32,22 @@ IClassFactory* FactoryOf(size_t index) {
     if (!factories[index]) factories[index] = com::NewClassFactory(ClassTable()[index].create);
   }
   return factories[index];
+}
+
+/// Whether the type library is registered for this platform; a registry that cannot be read counts as "yes".
+bool IsLibraryRegistered() {
+  wchar_t id[39];
+  StringFromGUID2(LIBID_QUIVOCOMLib, id, std::size(id));
+  wchar_t path[80] = {};
+  _snwprintf(path, std::size(path) - 1, L"TypeLib\\%ls\\1.0\\0\\win64", id);
+  com::RegKey key;
+  return RegOpenKeyExW(HKEY_CLASSES_ROOT, path, 0, KEY_QUERY_VALUE, key.receive()) != ERROR_FILE_NOT_FOUND;
+}
+
+HRESULT UnregisterLibrary() {
+  HRESULT hr = UnRegisterTypeLib(LIBID_QUIVOCOMLib, 1, 0, LOCALE_NEUTRAL, SYS_WIN64);
+  // The result for a library that is not registered is not documented, and differs between platforms.
+  return FAILED(hr) && !IsLibraryRegistered() ? S_OK : hr;
 }
 
 }  // namespace
@@ -75,13 +93,13 @@ STDAPI DllRegisterServer() {
 }
 
 STDAPI DllUnregisterServer() {
-  // What cannot be removed does not keep the rest; the first failure is told.
+  // A failure does not stop the removal of the rest; the first one is returned.
   HRESULT result = S_OK;
   for (const ClassEntry& entry : ClassTable()) {
     HRESULT hr = registrar::Unregister(entry.script);
     if (SUCCEEDED(result)) result = hr;
   }
-  HRESULT hr = UnRegisterTypeLib(LIBID_QUIVOCOMLib, 1, 0, LOCALE_NEUTRAL, SYS_WIN64);
+  HRESULT hr = UnregisterLibrary();
   return FAILED(result) ? result : hr;
 }
 

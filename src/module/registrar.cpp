@@ -55,9 +55,17 @@ HRESULT SetText(HKEY key, const wchar_t* name, std::string_view text) {
       RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.get()), value.bytes()));
 }
 
+/// What is already gone needs no removal.
+HRESULT RemovalResult(LSTATUS status) { return status == ERROR_FILE_NOT_FOUND ? S_OK : HRESULT_FROM_WIN32(status); }
+
 HRESULT DeleteTree(HKEY parent, const wchar_t* name) {
-  LSTATUS status = RegDeleteTreeW(parent, name);
-  return status == ERROR_FILE_NOT_FOUND ? S_OK : HRESULT_FROM_WIN32(status);
+  // RegDeleteTree needs these rights of its handle, the last one as soon as there are values.
+  constexpr REGSAM kRights = DELETE | KEY_ENUMERATE_SUB_KEYS | KEY_QUERY_VALUE | KEY_SET_VALUE;
+  com::RegKey key;
+  LSTATUS status = RegOpenKeyExW(parent, name, 0, kRights, key.receive());
+  if (status == ERROR_SUCCESS) status = RegDeleteTreeW(key.get(), nullptr);
+  key.reset();
+  return RemovalResult(status == ERROR_SUCCESS ? RegDeleteKeyW(parent, name) : status);
 }
 
 HRESULT WriteKeys(HKEY parent, const Key* keys);
@@ -92,27 +100,43 @@ HRESULT WriteKeys(HKEY parent, const Key* keys) {
 
 HRESULT RemoveKeys(HKEY parent, const Key* keys);
 
-bool HasSubkeys(HKEY key) {
-  DWORD count = 0;
-  return RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                          nullptr) != ERROR_SUCCESS ||
-         count != 0;
+/// Removes what WriteContent writes.
+HRESULT RemoveContent(HKEY key, const Key& content) {
+  HRESULT hr = content.hasDefault ? RemovalResult(RegDeleteValueW(key, nullptr)) : S_OK;
+  for (const Value* value = content.values.get(); SUCCEEDED(hr) && value; value = value->next.get()) {
+    RegistryText name;
+    hr = name.assign(value->name);
+    if (SUCCEEDED(hr)) hr = RemovalResult(RegDeleteValueW(key, name.get()));
+  }
+  return FAILED(hr) ? hr : RemoveKeys(key, content.children.get());
 }
 
-/// A ForceRemove key goes with all that is in it, a NoRemove key stays, any other goes once it is empty.
+/// Deletes a key, opened as `key`, unless something is left in it.
+HRESULT DeleteIfEmpty(HKEY parent, const wchar_t* name, com::RegKey key) {
+  DWORD subkeys = 0;
+  DWORD values = 0;
+  LSTATUS status = RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, &values, nullptr,
+                                    nullptr, nullptr, nullptr);
+  key.reset();
+  if (status == ERROR_SUCCESS && subkeys == 0 && values == 0) status = RegDeleteKeyW(parent, name);
+  return RemovalResult(status);
+}
+
+/// A ForceRemove key goes with all that is in it and a NoRemove key stays. Any other loses what the script put into
+/// it, and goes unless others put something there too.
 HRESULT RemoveKey(HKEY parent, const Key& content) {
   RegistryText name;
   HRESULT hr = name.assign(content.name);
   if (FAILED(hr) || content.rule == Rule::kDelete) return hr;
   if (content.rule == Rule::kForceRemove) return DeleteTree(parent, name.get());
+  bool stays = content.rule == Rule::kNoRemove;
   com::RegKey key;
-  LSTATUS status = RegOpenKeyExW(parent, name.get(), 0, KEY_READ | KEY_WRITE, key.receive());
-  if (status == ERROR_FILE_NOT_FOUND) return S_OK;
-  if (status != ERROR_SUCCESS) return HRESULT_FROM_WIN32(status);
-  hr = RemoveKeys(key.get(), content.children.get());
-  if (FAILED(hr) || content.rule == Rule::kNoRemove || HasSubkeys(key.get())) return hr;
-  key.reset();
-  return DeleteTree(parent, name.get());
+  LSTATUS status =
+      RegOpenKeyExW(parent, name.get(), 0, stays ? KEY_READ : KEY_QUERY_VALUE | KEY_SET_VALUE, key.receive());
+  if (status != ERROR_SUCCESS) return RemovalResult(status);
+  if (stays) return RemoveKeys(key.get(), content.children.get());
+  hr = RemoveContent(key.get(), content);
+  return FAILED(hr) ? hr : DeleteIfEmpty(parent, name.get(), std::move(key));
 }
 
 HRESULT RemoveKeys(HKEY parent, const Key* keys) {

@@ -36,16 +36,9 @@ DWORD ReadWholeFile(const wchar_t* path, std::unique_ptr<uint8_t[]>& bytes, DWOR
   return read < *size ? ERROR_BAD_LENGTH : NO_ERROR;
 }
 
-/// Makes the VT_BSTR of SignFile2B64Mem: twice as long as its text and more, with the text ended by a NUL.
-/// Kept on purpose: callers cut the text at the first NUL.
-bool TellOverlongText(const char* text, VARIANT* out) {
-  UINT length = static_cast<UINT>(std::strlen(text));
-  com::Bstr wide(SysAllocStringLen(nullptr, 2 * length + 2));
-  if (!wide) return false;
-  MultiByteToWideChar(CP_ACP, 0, text, -1, wide.get(), static_cast<int>(2 * length + 2));
-  com::OverwriteWithText(out, std::move(wide));
-  return true;
-}
+/// The characters of the BSTR that SignFile2B64Mem returns: twice as many as its text has and more. Kept on purpose:
+/// callers cut the text at the first NUL.
+UINT OverlongSize(const char* text) { return 2 * static_cast<UINT>(std::strlen(text)) + 2; }
 
 /// Gives an engine buffer back when it dies.
 class EngineBuffer {
@@ -67,16 +60,23 @@ class EngineBuffer {
 }  // namespace
 
 STDMETHODIMP QUIVO::SignFile2B64Mem(ISignParam* param, BSTR FileName, VARIANT* Signature, VARIANT* var_err_text) {
+  auto failWith = [&](const wchar_t* text) {
+    TellText(text, var_err_text);
+    return kFailed;
+  };
+  auto failBecauseOf = [&](int32_t code) {
+    TellFailure(*this, code, var_err_text);
+    return kFailed;
+  };
   SignParam* options = com::Own<SignParam>(param);
-  if (!options || !Signature) return E_QUIVO_INVALID_ARGUMENT;
+  if (!options || !Signature) return failBecauseOf(E_QUIVO_INVALID_ARGUMENT);
   std::unique_ptr<uint8_t[]> file;
   DWORD size = 0;
   if (DWORD error = ReadWholeFile(FileName, file, &size)) {
     wchar_t text[301] = {};
     _snwprintf(text, 300, L"Не удалось прочитать файл %ls. Ошибка %ld.", FileName ? FileName : L"",
                static_cast<long>(error));
-    TellText(text, var_err_text);
-    return kFailed;
+    return failWith(text);
   }
 
   DataBlob_t data{size, file.get()};
@@ -85,25 +85,19 @@ STDMETHODIMP QUIVO::SignFile2B64Mem(ISignParam* param, BSTR FileName, VARIANT* S
   EngineBuffer signature(session);
   int32_t code = QUIVO_SignMem(session, options->record(), &data, &noSignature, signature.receive());
   file.reset();
-  if (code != 0) {
-    TellFailure(*this, code, var_err_text);
-    return kFailed;
-  }
+  if (code != 0) return failBecauseOf(code);
 
   AnsiString text = NewBase64Buffer(signature.get().len);
-  if (!text) {
-    TellText(kNoMemory, var_err_text);
-    return kFailed;
-  }
+  if (!text) return failWith(kNoMemory);
   code = QUIVO_EncodeMem(text.get(), signature.get().data, signature.get().len);
-  if (code < 0) {
-    TellFailure(*this, code, var_err_text);
-    return kFailed;
-  }
-  if (!TellOverlongText(text.get(), Signature)) {
-    TellText(kNoMemory, var_err_text);
-    return kFailed;
-  }
+  if (code < 0) return failBecauseOf(code);
+
+  UINT length = OverlongSize(text.get());
+  com::Bstr wide(SysAllocStringLen(nullptr, length));
+  if (!wide) return failWith(kNoMemory);
+  if (MultiByteToWideChar(CP_ACP, 0, text.get(), -1, wide.get(), static_cast<int>(length)) == 0)
+    return failBecauseOf(ToModuleHResult(LastErrorResult()));
+  com::OverwriteWithText(Signature, std::move(wide));
   return S_OK;
 }
 

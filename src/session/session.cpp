@@ -53,6 +53,7 @@ STDMETHODIMP QUIVO::InitializeEx(IDispatch* param) {
   AnsiString name;
   hr = BstrToAnsi(interfaceName.get(), name);
   if (FAILED(hr)) return hr == E_OUTOFMEMORY ? E_QUIVO_OUT_OF_MEMORY : hr;
+  if (!name) return E_QUIVO_INVALID_ARGUMENT;
 
   LocalParam* local = std::strcmp(name.get(), "ILocalParam") == 0 ? com::Own<LocalParam>(param) : nullptr;
   if (local)

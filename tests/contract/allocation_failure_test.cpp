@@ -3,6 +3,7 @@
 
 #include "contract/calls.h"
 #include "support/certificates.h"
+#include "support/import_patch.h"
 #include "support/invoke.h"
 #include "support/malloc_spy.h"
 
@@ -93,6 +94,16 @@ TEST_F(LateAllocationFailureTest, LateBoundCallWithEachFormOfItsOutput) {
       EXPECT_TRUE(FAILED(outcome.result)) << form << " " << succeeding;
     }
   }
+}
+
+TEST_F(LateAllocationFailureTest, NameOfTheValueThatAnObjectGetsCannotBeAllocated) {
+  engine().on("QUIVO_HashMem").output = {9};
+  Objects objects(openQuivo());
+  Holder holder(Holder::Kind::kExtendable);
+  Variant data = bytes({1}), argument = Variant::object(&holder);
+  ImportHook<"SysAllocString", decltype(SysAllocString)> hook([](const OLECHAR*) -> BSTR { return nullptr; });
+  EXPECT_HR(E_OUTOFMEMORY, invoke(objects.quivo, {L"HashMem", DISPATCH_METHOD, {data, argument}, {}, false}).result);
+  EXPECT_FALSE(holder.wasSet());
 }
 
 }  // namespace

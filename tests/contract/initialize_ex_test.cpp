@@ -63,6 +63,13 @@ TEST_F(InitializeExTest, ObjectWithoutTypeInformationGivesItsFailure) {
   EXPECT_EQ(1u, param.references());
 }
 
+TEST_F(InitializeExTest, TypeInformationIsAskedForByTheFirstIndexAndNoLocale) {
+  LookAlike param(nullptr);
+  EXPECT_HR(E_NOTIMPL, make<QUIVO>()->InitializeEx(&param));
+  EXPECT_EQ(0u, param.index());
+  EXPECT_EQ(0u, param.locale());
+}
+
 TEST_F(InitializeExTest, FailureOfTheWin32FacilityIsRebased) {
   LookAlike param(nullptr, static_cast<HRESULT>(0x80070005));
   EXPECT_HR(0xE0690005, make<QUIVO>()->InitializeEx(&param));

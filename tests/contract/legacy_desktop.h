@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "support/import_patch.h"
+
 struct ShownMessage {
   std::wstring text;
   std::wstring caption;
@@ -58,19 +60,6 @@ struct RegistryWrite {
   DWORD type;
   DWORD size;
   DWORD value;
-};
-
-/// Replaces a function that a module imports, for as long as it lives.
-class ImportPatch {
- public:
-  ImportPatch(HMODULE module, const char* function, void* replacement);
-  ImportPatch(const ImportPatch&) = delete;
-  ImportPatch& operator=(const ImportPatch&) = delete;
-  ~ImportPatch();
-
- private:
-  void** slot_;
-  void* original_;
 };
 
 class LegacyDesktop {

@@ -128,15 +128,6 @@ TEST_F(NullArgumentTest, NullStreamContextIsRefused) { expectAllRefused(kNullStr
 
 TEST_F(NullArgumentTest, NullOutputIsRefused) { expectAllRefused(kNullOutputs, Objects(openQuivo()), engine()); }
 
-TEST_F(NullArgumentTest, SigningForScriptsWithoutParametersOrOutputFails) {
-  Objects objects(openQuivo());
-  Variant signature, text;
-  EXPECT_HR(kInvalidArgument, objects.quivo->SignFile2B64Mem(nullptr, Bstr(L"x"), signature.out(), text.out()));
-  EXPECT_HR(kInvalidArgument, objects.quivo->SignFile2B64Mem(objects.sign, Bstr(L"x"), nullptr, text.out()));
-  EXPECT_EQ(VT_EMPTY, text.type());
-  EXPECT_EQ(0u, engine().count("QUIVO_SignMem"));
-}
-
 TEST_F(NullArgumentTest, UntrustedDataModeIsCheckedBeforeNullObjects) {
   Ptr<IQUIVO> quivo = untrustedQuivo();
   EXPECT_HR(kAccessDenied, quivo->SignFile(nullptr, nullptr, nullptr, nullptr));

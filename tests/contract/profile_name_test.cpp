@@ -1,5 +1,6 @@
 // The name of the selected profile, read from a registry of this process alone.
 #include "support/contract_test.h"
+#include "support/import_patch.h"
 #include "support/registry.h"
 
 namespace {
@@ -37,6 +38,28 @@ TEST_F(ProfileNameTest, NumberIsFormattedAsASignedDecimal) {
   Variant name;
   EXPECT_OK(ask(name));
   EXPECT_EQ(L"minus", textOf(name));
+}
+
+TEST_F(ProfileNameTest, KeysAreOpenedForReadingAndReservedArgumentsAreNull) {
+  profile(0, L"0", L"name");
+  int opened = 0, read = 0;
+  ImportHook<"RegOpenKeyExA", decltype(RegOpenKeyExA)> open(
+      [&](HKEY parent, LPCSTR path, DWORD options, REGSAM rights, HKEY* key) {
+        EXPECT_EQ(0u, options);
+        EXPECT_EQ(static_cast<REGSAM>(KEY_READ), rights);
+        ++opened;
+        return RegOpenKeyExA(parent, path, options, rights, key);
+      });
+  ImportHook<"RegQueryValueExA", decltype(RegQueryValueExA)> query(
+      [&](HKEY key, LPCSTR value, DWORD* reserved, DWORD* type, BYTE* data, DWORD* size) {
+        EXPECT_EQ(nullptr, reserved);
+        ++read;
+        return RegQueryValueExA(key, value, reserved, type, data, size);
+      });
+  Variant name;
+  EXPECT_OK(ask(name));
+  EXPECT_EQ(2, opened);
+  EXPECT_EQ(2, read);
 }
 
 TEST_F(ProfileNameTest, NoSessionIsNeeded) {

@@ -42,6 +42,15 @@ TEST_P(StreamInitTest, NoBytesLeaveTheFormOpen) {
   EXPECT_HR(kInvalidArgument, update(bytes({1})));
 }
 
+TEST_P(StreamInitTest, ArrayWithoutElementsFixesItsForm) {
+  EXPECT_OK(pass(bytes({})));
+  EXPECT_HR(kInvalidArgument, update(vbsBytes({1})));
+  EXPECT_OK(update(bytes({1})));
+  EXPECT_OK(pass(vbsBytes({})));
+  EXPECT_HR(kInvalidArgument, update(bytes({1})));
+  EXPECT_OK(update(vbsBytes({1})));
+}
+
 TEST_P(StreamInitTest, RefusedDataLeaveTheFormOpen) {
   EXPECT_HR(kInvalidArgument, pass(Variant::text(L"x")));
   EXPECT_OK(update(vbsBytes({1})));

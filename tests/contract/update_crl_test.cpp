@@ -53,6 +53,21 @@ TEST_F(UpdateCrlTest, FailureWithoutADescriptionIsReturnedMapped) {
   EXPECT_EQ(L"before", description.text());
 }
 
+TEST_F(UpdateCrlTest, ResultOneWithoutADescriptionIsReturnedAsItIs) {
+  reply().result = 1;
+  Bstr description(L"before");
+  EXPECT_HR(S_FALSE, update(description));
+  EXPECT_EQ(L"before", description.text());
+}
+
+TEST_F(UpdateCrlTest, ResultOneWithADescriptionIsToldByTheTextOnly) {
+  reply().result = 1;
+  reply().text = "nothing new";
+  Bstr description;
+  EXPECT_OK(update(description));
+  EXPECT_EQ(L"nothing new", description.text());
+}
+
 TEST_F(UpdateCrlTest, NullPointerIsRefusedBeforeTheEngineIsCalled) {
   EXPECT_HR(kInvalidArgument, openQuivo()->UpdateCrl(nullptr));
   EXPECT_EQ(0u, engine().count("QUIVO_Ctrl"));

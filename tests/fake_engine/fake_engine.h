@@ -52,10 +52,11 @@ struct Signature {
   std::optional<Certificate> cert;
 };
 
-/// What a function answers. Outputs are handed out whatever `result` is; members that a function has no use for
-/// are ignored.
+/// What a function answers. Outputs are handed out whatever `result` is, unless nothing is to be written; members
+/// that a function has no use for are ignored.
 struct Reply {
   int32_t result = 0;
+  bool writesNothing = false;              ///< leaves every output as the module passed it
   Bytes output;                            ///< of the output blob; empty hands out no buffer
   std::string text;                        ///< of QUIVO_GetErrorText, QUIVO_Ctrl and QUIVO_EncodeMem
   std::vector<Signature> signatures;       ///< of a verification

@@ -42,7 +42,7 @@ extern "C" {
 int32_t QUIVO_SignMem(void* session, const void* param, const void* data, const void* signIn, void* signOut) {
   Recorder call("QUIVO_SignMem", session);
   const Reply reply = call.record(param, fake::kSignParam).blob(data).blob(signIn).blob(signOut).reply();
-  fake::writeBlob(signOut, reply.output);
+  fake::writeBlob(signOut, reply);
   return reply.result;
 }
 
@@ -63,7 +63,7 @@ int32_t QUIVO_SignAndEncryptFile(void* session, const void* sign, const void* en
 int32_t QUIVO_SignedInfoFile(void* session, const char* file, void* info) {
   Recorder call("QUIVO_SignedInfoFile", session);
   const Reply reply = call.text(file).record(info, fake::kSignedInfoResult).reply();
-  if (info != nullptr) std::memcpy(static_cast<uint8_t*>(info) + 4, &reply.signatureCount, 4);
+  if (info != nullptr && !reply.writesNothing) std::memcpy(static_cast<uint8_t*>(info) + 4, &reply.signatureCount, 4);
   return reply.result;
 }
 
@@ -76,7 +76,7 @@ int32_t QUIVO_VerifyMem(void* session, const void* param, const void* data, cons
   Recorder call("QUIVO_VerifyMem", session);
   call.record(param, fake::kVerifyParam).blob(data).blob(signIn).blob(signOut).record(result, fake::kVerifyResult);
   const Reply reply = call.reply();
-  fake::writeBlob(signOut, reply.output);
+  fake::writeBlob(signOut, reply);
   fake::writeVerifyResult(result, reply);
   return reply.result;
 }
@@ -98,7 +98,7 @@ int32_t QUIVO_FreeVerifyResult(void* session, void* result) {
 int32_t QUIVO_EncryptMem(void* session, const void* param, const void* in, void* out) {
   const Reply reply =
       Recorder("QUIVO_EncryptMem", session).record(param, fake::kEncryptParam).blob(in).blob(out).reply();
-  fake::writeBlob(out, reply.output);
+  fake::writeBlob(out, reply);
   return reply.result;
 }
 
@@ -114,7 +114,7 @@ int32_t QUIVO_DecryptMem(void* session, const void* param, const void* in, void*
   Recorder call("QUIVO_DecryptMem", session);
   call.record(param, fake::kDecryptParam).blob(in).blob(out).record(result, fake::kDecryptResult);
   const Reply reply = call.reply();
-  fake::writeBlob(out, reply.output);
+  fake::writeBlob(out, reply);
   fake::writeDecryptResult(result, reply);
   return reply.result;
 }

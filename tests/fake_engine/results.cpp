@@ -34,6 +34,14 @@ void putAltName(void* record, size_t offset, const AltName& name) {
   for (size_t i = 0; i < name.size(); ++i) putText(record, offset + 8 * i, name[i]);
 }
 
+void putBytes(void* record, size_t offset, const Bytes& bytes) {
+  if (bytes.empty()) return;
+  void* buffer = state().handOut(bytes.size());
+  std::memcpy(buffer, bytes.data(), bytes.size());
+  put(record, offset, static_cast<uint32_t>(bytes.size()));
+  put(record, offset + 8, buffer);
+}
+
 void putPolicies(void* record, const std::vector<Policy>& policies) {
   void* array = putArray(record, 328, 336, policies.size(), 32);
   for (size_t i = 0; i < policies.size(); ++i) {
@@ -50,19 +58,15 @@ void putExtensions(void* record, const std::vector<Extension>& extensions) {
     putText(array, 32 * i, extensions[i].oid);
     put(array, 32 * i + 8, extensions[i].type);
     put(array, 32 * i + 12, extensions[i].critical);
-    writeBlob(at(array, 32 * i + 16), extensions[i].data);
+    putBytes(array, 32 * i + 16, extensions[i].data);
   }
 }
 
 }  // namespace
 
-void writeBlob(void* blob, const Bytes& bytes) {
+void writeBlob(void* blob, const Reply& reply) {
   if (blob == nullptr) return state().violate("a null output blob");
-  if (bytes.empty()) return;
-  void* buffer = state().handOut(bytes.size());
-  std::memcpy(buffer, bytes.data(), bytes.size());
-  put(blob, 0, static_cast<uint32_t>(bytes.size()));
-  put(blob, 8, buffer);
+  if (!reply.writesNothing) putBytes(blob, 0, reply.output);
 }
 
 void writeCertificate(void* record, const Certificate& certificate) {
@@ -85,12 +89,13 @@ void writeCertificate(void* record, const Certificate& certificate) {
   void* usages = putArray(record, 344, 352, certificate.extKeyUsage.size(), 8);
   for (size_t i = 0; i < certificate.extKeyUsage.size(); ++i) putText(usages, 8 * i, certificate.extKeyUsage[i]);
   putExtensions(record, certificate.extensions);
-  writeBlob(at(record, 376), certificate.certEncoded);
-  writeBlob(at(record, 392), certificate.certHash);
+  putBytes(record, 376, certificate.certEncoded);
+  putBytes(record, 392, certificate.certHash);
 }
 
 void writeVerifyResult(void* record, const Reply& reply) {
   if (record == nullptr) return state().violate("a null verification result");
+  if (reply.writesNothing) return;
   void* entries = putArray(record, 0, 8, reply.signatures.size(), 16);
   for (size_t i = 0; i < reply.signatures.size(); ++i) {
     const Signature& signature = reply.signatures[i];
@@ -105,6 +110,7 @@ void writeVerifyResult(void* record, const Reply& reply) {
 
 void writeFindResult(void* record, const Reply& reply) {
   if (record == nullptr) return state().violate("a null find result");
+  if (reply.writesNothing) return;
   void* array = putArray(record, 0, 8, reply.certificates.size(), 408);
   for (size_t i = 0; i < reply.certificates.size(); ++i) writeCertificate(at(array, 408 * i), reply.certificates[i]);
   if (reply.findCount) put(record, 0, *reply.findCount);
@@ -112,14 +118,15 @@ void writeFindResult(void* record, const Reply& reply) {
 
 void writeDecryptResult(void* record, const Reply& reply) {
   if (record == nullptr) return state().violate("a null decryption result");
+  if (reply.writesNothing) return;
   put(record, 0, reply.status);
   if (reply.certificate) writeCertificate(at(record, 8), *reply.certificate);
 }
 
-void writeText(char* buffer, uint32_t size, const std::string& text) {
-  if (buffer == nullptr || size == 0) return;
-  const size_t length = std::min<size_t>(text.size(), size - 1);
-  std::memcpy(buffer, text.data(), length);
+void writeText(char* buffer, uint32_t size, const Reply& reply) {
+  if (buffer == nullptr || size == 0 || reply.writesNothing) return;
+  const size_t length = std::min<size_t>(reply.text.size(), size - 1);
+  std::memcpy(buffer, reply.text.data(), length);
   buffer[length] = '\0';
 }
 

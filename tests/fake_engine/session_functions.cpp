@@ -13,7 +13,7 @@ namespace {
 int32_t open(const Reply& reply, void** session) {
   if (session == nullptr) {
     state().violate("a null address for the session");
-  } else if (reply.result == 0 || reply.handle) {
+  } else if (!reply.writesNothing && (reply.result == 0 || reply.handle)) {
     *session = state().openSession(reply);
   }
   return reply.result;
@@ -49,14 +49,14 @@ int32_t QUIVO_Ctrl(void* session, int32_t code, void* text) {
   const Reply reply = call.number(code).blob(text).reply();
   if (text != nullptr && !reply.text.empty()) {
     const auto blob = fake::copyBytes(text, 16);
-    fake::writeText(blob.read<char*>(8), blob.u32(0), reply.text);
+    fake::writeText(blob.read<char*>(8), blob.u32(0), reply);
   }
   return reply.result;
 }
 
 int32_t QUIVO_GetErrorText(int32_t code, char* buffer, uint32_t size) {
   const Reply reply = Recorder("QUIVO_GetErrorText").number(code).bytes(buffer, 0).number(size).reply();
-  fake::writeText(buffer, size, reply.text);
+  fake::writeText(buffer, size, reply);
   return reply.result;
 }
 
@@ -73,31 +73,31 @@ int32_t QUIVO_FreeMem(void* session, void* buffer) {
 
 int32_t QUIVO_EncodeMem(char* text, const uint8_t* bytes, uint32_t length) {
   const Reply reply = Recorder("QUIVO_EncodeMem").bytes(text, 0).bytes(bytes, length).number(length).reply();
-  std::memcpy(text, reply.text.c_str(), reply.text.size() + 1);
+  if (!reply.writesNothing) std::memcpy(text, reply.text.c_str(), reply.text.size() + 1);
   return reply.result;
 }
 
 int32_t QUIVO_HashMem(void* session, const void* in, void* hash) {
   const Reply reply = Recorder("QUIVO_HashMem", session).blob(in).blob(hash).reply();
-  fake::writeBlob(hash, reply.output);
+  fake::writeBlob(hash, reply);
   return reply.result;
 }
 
 int32_t QUIVO_HashFile(void* session, const char* file, void* hash) {
   const Reply reply = Recorder("QUIVO_HashFile", session).text(file).blob(hash).reply();
-  fake::writeBlob(hash, reply.output);
+  fake::writeBlob(hash, reply);
   return reply.result;
 }
 
 int32_t QUIVO_StrHashFile(void* session, const char* algorithm, const char* file, void* hash) {
   const Reply reply = Recorder("QUIVO_StrHashFile", session).text(algorithm).text(file).blob(hash).reply();
-  fake::writeBlob(hash, reply.output);
+  fake::writeBlob(hash, reply);
   return reply.result;
 }
 
 int32_t QUIVO_GenRandom(void* session, int32_t length, void* random) {
   const Reply reply = Recorder("QUIVO_GenRandom", session).number(length).blob(random).reply();
-  fake::writeBlob(random, reply.output);
+  fake::writeBlob(random, reply);
   return reply.result;
 }
 

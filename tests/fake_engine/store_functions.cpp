@@ -14,7 +14,7 @@ int32_t add(const char* function, void* session, const void* addition, const voi
 int32_t certificate(const Reply& reply, void* result) {
   if (result == nullptr) {
     fake::state().violate("a null certificate record");
-  } else if (reply.certificate) {
+  } else if (reply.certificate && !reply.writesNothing) {
     fake::writeCertificate(result, *reply.certificate);
   }
   return reply.result;
@@ -68,7 +68,7 @@ int32_t QUIVO_AddCRL(void* session, const void* addition, const void* encoded) {
 
 int32_t QUIVO_ExportMem(void* session, const void* param, void* out) {
   const Reply reply = Recorder("QUIVO_ExportMem", session).record(param, fake::kSignParam).blob(out).reply();
-  fake::writeBlob(out, reply.output);
+  fake::writeBlob(out, reply);
   return reply.result;
 }
 
@@ -87,7 +87,7 @@ int32_t QUIVO_ImportFile(void* session, const void* param, const char* file) {
 int32_t QUIVO_CreateXmlRequest(void* session, uint32_t flag, const void* certTemplate, void* request) {
   Recorder call("QUIVO_CreateXmlRequest", session);
   const Reply reply = call.number(flag).record(certTemplate, fake::kCertificate).blob(request).reply();
-  fake::writeBlob(request, reply.output);
+  fake::writeBlob(request, reply);
   return reply.result;
 }
 

@@ -10,7 +10,7 @@ namespace {
 int32_t begin(const Reply& reply, void** stream) {
   if (stream == nullptr) {
     fake::state().violate("a null address for the stream");
-  } else if (reply.result == 0 || reply.handle) {
+  } else if (!reply.writesNothing && (reply.result == 0 || reply.handle)) {
     *stream = reply.handle ? *reply.handle : fake::state().freshHandle();
   }
   return reply.result;
@@ -32,14 +32,14 @@ int32_t finish(const char* function, void* session, const void* param, const fak
                void* out) {
   Recorder call(function, session);
   const Reply reply = call.record(param, shape).record(stream, fake::kPointer).blob(out).reply();
-  fake::writeBlob(out, reply.output);
+  fake::writeBlob(out, reply);
   return reply.result;
 }
 
 void writeLeft(int32_t* left, const Reply& reply) {
   if (left == nullptr) {
     fake::state().violate("a null address for the count that is left");
-  } else {
+  } else if (!reply.writesNothing) {
     *left = reply.left;
   }
 }
@@ -72,7 +72,7 @@ int32_t QUIVO_StrVerifyFinalMem(void* session, const void* param, void** stream,
   Recorder call("QUIVO_StrVerifyFinalMem", session);
   call.record(param, fake::kVerifyParam).record(stream, fake::kPointer).blob(signOut);
   const Reply reply = call.record(result, fake::kVerifyResult).reply();
-  fake::writeBlob(signOut, reply.output);
+  fake::writeBlob(signOut, reply);
   fake::writeVerifyResult(result, reply);
   return reply.result;
 }
@@ -85,7 +85,7 @@ int32_t QUIVO_StrEncryptInitMem(void* session, const void* param, void** stream)
 int32_t QUIVO_StrEncryptUpdateMem(void* session, const void* param, void** stream, const void* in, void* out) {
   Recorder call("QUIVO_StrEncryptUpdateMem", session);
   const Reply reply = call.record(param, fake::kEncryptParam).record(stream, fake::kPointer).blob(in).blob(out).reply();
-  fake::writeBlob(out, reply.output);
+  fake::writeBlob(out, reply);
   return reply.result;
 }
 
@@ -107,7 +107,7 @@ int32_t QUIVO_StrDecryptUpdateMem(void* session, const void* param, void** strea
   call.record(param, fake::kDecryptParam).record(stream, fake::kPointer).blob(in);
   const Reply reply = call.record(left, fake::kPlainInteger).blob(out).reply();
   writeLeft(left, reply);
-  fake::writeBlob(out, reply.output);
+  fake::writeBlob(out, reply);
   return reply.result;
 }
 
@@ -130,7 +130,7 @@ int32_t QUIVO_StrHashUpdateMem(void* session, void** stream, const void* data) {
 
 int32_t QUIVO_StrHashFinalMem(void* session, void** stream, void* hash) {
   const Reply reply = Recorder("QUIVO_StrHashFinalMem", session).record(stream, fake::kPointer).blob(hash).reply();
-  fake::writeBlob(hash, reply.output);
+  fake::writeBlob(hash, reply);
   return reply.result;
 }
 

@@ -43,7 +43,9 @@ STDMETHODIMP LookAlike::GetTypeInfoCount(UINT* count) {
   return S_OK;
 }
 
-STDMETHODIMP LookAlike::GetTypeInfo(UINT, LCID, ITypeInfo** info) {
+STDMETHODIMP LookAlike::GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) {
+  index_ = index;
+  locale_ = locale;
   *info = info_;
   if (info_ == nullptr) return failure_;
   info_->AddRef();

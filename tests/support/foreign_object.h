@@ -46,9 +46,14 @@ class LookAlike final : public IDispatch {
     return DISP_E_MEMBERNOTFOUND;
   }
   ULONG references() const { return references_; }
+  /// What its type information was last asked for with.
+  UINT index() const { return index_; }
+  LCID locale() const { return locale_; }
 
  private:
   ITypeInfo* info_;
   HRESULT failure_;
   ULONG references_ = 1;
+  UINT index_ = 99;
+  LCID locale_ = 99;
 };

@@ -125,6 +125,7 @@ STDMETHODIMP Holder::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DI
 }
 
 STDMETHODIMP Holder::GetDispID(BSTR name, DWORD flags, DISPID* id) {
+  if (name == nullptr) return E_INVALIDARG;
   if (std::wcscmp(name, L"value") == 0 && (flags & fdexNameEnsure) != 0) known_ = true;
   *id = known_ ? kValue : DISPID_UNKNOWN;
   return known_ ? S_OK : DISP_E_UNKNOWNNAME;
