@@ -12,33 +12,6 @@ namespace {
 
 LegacyDesktop* desktop = nullptr;
 
-uint8_t* base(HMODULE module) { return reinterpret_cast<uint8_t*>(module); }
-
-void** importSlot(HMODULE module, const char* function) {
-  const auto dos = reinterpret_cast<IMAGE_DOS_HEADER*>(module);
-  const auto headers = reinterpret_cast<IMAGE_NT_HEADERS*>(base(module) + dos->e_lfanew);
-  const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-  auto import = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base(module) + directory.VirtualAddress);
-  for (; import->Name != 0; ++import) {
-    auto name = reinterpret_cast<IMAGE_THUNK_DATA*>(base(module) + import->OriginalFirstThunk);
-    auto slot = reinterpret_cast<void**>(base(module) + import->FirstThunk);
-    for (; name->u1.AddressOfData != 0; ++name, ++slot) {
-      if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
-      const auto hint = reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base(module) + name->u1.AddressOfData);
-      if (std::strcmp(reinterpret_cast<const char*>(hint->Name), function) == 0) return slot;
-    }
-  }
-  ADD_FAILURE() << "the module does not import " << function;
-  return nullptr;
-}
-
-void write(void** slot, void* value) {
-  DWORD protection = 0;
-  VirtualProtect(slot, sizeof(void*), PAGE_READWRITE, &protection);
-  *slot = value;
-  VirtualProtect(slot, sizeof(void*), protection, &protection);
-}
-
 std::wstring wideOrEmpty(const char* text) { return text == nullptr ? L"" : wideOf(text); }
 WORD resourceNumber(const char* name) { return IS_INTRESOURCE(name) ? LOWORD(name) : 0; }
 
@@ -46,6 +19,7 @@ WORD resourceNumber(const char* name) { return IS_INTRESOURCE(name) ? LOWORD(nam
 
 int WINAPI showMessage(HWND owner, LPCSTR text, LPCSTR caption, UINT style) {
   desktop->messages.push_back({wideOf(text), wideOf(caption), style, owner});
+  if (desktop->duringMessage) desktop->duringMessage();
   return desktop->messageAnswer;
 }
 
@@ -109,15 +83,6 @@ FARPROC WINAPI findProc(HMODULE module, LPCSTR name) {
 }
 
 }  // namespace
-
-ImportPatch::ImportPatch(HMODULE module, const char* function, void* replacement)
-    : slot_(importSlot(module, function)), original_(slot_ == nullptr ? nullptr : *slot_) {
-  if (slot_ != nullptr) write(slot_, replacement);
-}
-
-ImportPatch::~ImportPatch() {
-  if (slot_ != nullptr) write(slot_, original_);
-}
 
 LegacyDesktop::LegacyDesktop() {
   desktop = this;

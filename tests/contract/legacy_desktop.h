@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "support/import_patch.h"
+
 struct ShownMessage {
   std::wstring text;
   std::wstring caption;
@@ -60,19 +62,6 @@ struct RegistryWrite {
   DWORD value;
 };
 
-/// Replaces a function that a module imports, for as long as it lives.
-class ImportPatch {
- public:
-  ImportPatch(HMODULE module, const char* function, void* replacement);
-  ImportPatch(const ImportPatch&) = delete;
-  ImportPatch& operator=(const ImportPatch&) = delete;
-  ~ImportPatch();
-
- private:
-  void** slot_;
-  void* original_;
-};
-
 class LegacyDesktop {
  public:
   LegacyDesktop();
@@ -92,6 +81,8 @@ class LegacyDesktop {
   INT_PTR sheetAnswer = IDOK;
   /// What the user does in the save dialog; false cancels it.
   std::function<bool(OPENFILENAMEA&)> saveAnswer = [](OPENFILENAMEA&) { return true; };
+  /// What runs while a message box is shown.
+  std::function<void()> duringMessage;
   /// What runs while a sheet is shown.
   std::function<void()> duringSheet;
   /// What runs while the result is opened with its program.
