@@ -9,6 +9,8 @@ add_executable(legacy_tests
   legacy_file_open_test.cpp
   legacy_file_operations_test.cpp
   legacy_late_bound_test.cpp
+  legacy_nested_call_test.cpp
+  legacy_nested_recipients_test.cpp
   legacy_recipients_test.cpp
   legacy_resources_test.cpp
   legacy_results_model_test.cpp
