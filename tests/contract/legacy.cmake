@@ -5,6 +5,7 @@ target_include_directories(legacy_units PUBLIC ${PROJECT_SOURCE_DIR}/src)
 
 add_executable(legacy_tests
   legacy_desktop.cpp
+  legacy_file_open_keep_test.cpp
   legacy_file_open_plan_test.cpp
   legacy_file_open_test.cpp
   legacy_file_operations_test.cpp
