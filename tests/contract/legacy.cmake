@@ -6,6 +6,7 @@ target_include_directories(legacy_units PUBLIC ${PROJECT_SOURCE_DIR}/src)
 add_executable(legacy_tests
   legacy_desktop.cpp
   legacy_file_open_keep_test.cpp
+  legacy_file_open_path_test.cpp
   legacy_file_open_plan_test.cpp
   legacy_file_open_test.cpp
   legacy_file_operations_test.cpp
@@ -21,4 +22,5 @@ set_target_properties(legacy_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${contrac
 add_dependencies(legacy_tests tavlcom_contract)
 tavl_test_suites(legacy_tests contract ENVIRONMENT oanocache=1)
 # All write the name that the entry asks for into the classes of the whole prefix.
-set_tests_properties(contract.FileOpenTest contract.FileOpenKeepTest contract.FileOpenEndTest PROPERTIES RESOURCE_LOCK file_open_name)
+set_tests_properties(contract.FileOpenTest contract.FileOpenKeepTest contract.FileOpenEndTest
+  contract.FileOpenPathTest PROPERTIES RESOURCE_LOCK file_open_name)
