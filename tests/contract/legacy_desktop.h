@@ -59,7 +59,9 @@ struct RegistryWrite {
   std::wstring name;
   DWORD type;
   DWORD size;
+  /// Of four bytes.
   DWORD value;
+  std::vector<BYTE> data;
 };
 
 class LegacyDesktop {
@@ -89,6 +91,9 @@ class LegacyDesktop {
   std::function<void()> duringExecution;
   /// The runtime's clock.
   int64_t now = 1700000000;
+  size_t clockReads = 0;
+  /// A function that the platform's libraries do not have.
+  std::string missing;
   HWND foreground = reinterpret_cast<HWND>(0x1234);
   HWND active = reinterpret_cast<HWND>(0x5678);
 

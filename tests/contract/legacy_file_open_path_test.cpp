@@ -94,6 +94,18 @@ TEST_F(FileOpenPathTest, AResultThatTheShellCompletesToAProgramIsNotOpened) {
   EXPECT_EQ(folder, rememberedFolder());
 }
 
+TEST_F(FileOpenPathTest, ADotInTheFolderIsNoExtensionOfTheResult) {
+  setExecuteResult(1);
+  CreateDirectoryW(path(L"v1.0").c_str(), nullptr);
+  const std::wstring program = create(L"v1.0\\setup.exe"), file = create(L"v1.0\\setup.p7m");
+  open(file);
+  EXPECT_EQ(Calls{L"Init My"}, object.calls);
+  EXPECT_EQ(0u, desktop.executions.size());
+  DeleteFileW(program.c_str());
+  DeleteFileW(file.c_str());
+  EXPECT_TRUE(RemoveDirectoryW(path(L"v1.0").c_str()));
+}
+
 TEST_F(FileOpenPathTest, AResultWithoutAnExtensionIsOpened) {
   setExecuteResult(1);
   create(L"another.exe");
