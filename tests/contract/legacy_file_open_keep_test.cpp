@@ -24,6 +24,13 @@ class FileOpenKeepTest : public FileOpenTest {
       return true;
     };
   }
+  void expectFolderError(const std::wstring& wanted) {
+    const ShownMessage message = desktop.onlyMessage();
+    EXPECT_EQ(L"Ошибка создания директории " + wanted + L" для сохранения подписанного файла.", message.text);
+    EXPECT_EQ(L"Криптографическое расширение", message.caption);
+    EXPECT_EQ(static_cast<UINT>(MB_ICONERROR), message.style);
+    EXPECT_EQ(desktop.active, message.owner);
+  }
   std::wstring kept() { return path(L"P7S\\a.txt.p7s"); }
   ImportPatch check_{Module::get().handle(), "IsDlgButtonChecked", reinterpret_cast<void*>(isChecked)};
 };
@@ -61,25 +68,26 @@ TEST_F(FileOpenKeepTest, AFailedCopyIsToldAndEndsTheRun) {
   EXPECT_EQ(L"(none)", rememberedFolder());
 }
 
-TEST_F(FileOpenKeepTest, AFolderThatCannotBeMadeIsToldAndTheResultStays) {
+TEST_F(FileOpenKeepTest, AFolderThatCannotBeMadeIsReportedAndTheRunGoesOn) {
   desktop.saveAnswer = [answer = desktop.saveAnswer](OPENFILENAMEA& dialog) {
     lstrcpyA(dialog.lpstrFile, "Q:\\missing\\a.txt");
     return answer(dialog);
   };
-  open(create(L"a.txt.p7a"));
-  const ShownMessage message = desktop.onlyMessage();
-  EXPECT_EQ(L"Ошибка создания директории Q:\\missing\\P7S для сохранения подписанного файла.", message.text);
-  EXPECT_EQ(static_cast<UINT>(MB_ICONERROR), message.style);
-  EXPECT_EQ(2u, object.calls.size());
+  const std::wstring file = create(L"a.txt.p7a");
+  open(file);
+  expectFolderError(L"Q:\\missing\\P7S");
+  EXPECT_EQ((Calls{L"Init My", L"VerifyAndUnencrypt " + file + L" -> Q:\\missing\\a.txt"}), object.calls);
   EXPECT_EQ(L"Q:\\missing", rememberedFolder());
 }
 
-TEST_F(FileOpenKeepTest, AFileInThePlaceOfTheFolderIsToldToo) {
+TEST_F(FileOpenKeepTest, AFileInThePlaceOfTheFolderIsReportedAndTheRunGoesOn) {
   create(L"P7S");
-  open(create(L"a.txt.p7a"));
-  EXPECT_EQ(L"Ошибка создания директории " + path(L"P7S") + L" для сохранения подписанного файла.",
-            desktop.onlyMessage().text);
-  EXPECT_EQ(2u, object.calls.size());
+  const std::wstring file = create(L"a.txt.p7a");
+  open(file);
+  expectFolderError(path(L"P7S"));
+  EXPECT_EQ((Calls{L"Init My", L"VerifyAndUnencrypt " + file + L" -> " + path(L"a.txt")}), object.calls);
+  EXPECT_EQ(folder, rememberedFolder());
+  EXPECT_FALSE(GetFileAttributesW(path(L"P7S").c_str()) & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 TEST_F(FileOpenKeepTest, WithoutTheMarkNothingIsKept) {

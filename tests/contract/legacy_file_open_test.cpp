@@ -151,55 +151,6 @@ TEST_F(FileOpenTest, AResultWithoutAFolderIsNotRemembered) {
   EXPECT_EQ(L"(none)", rememberedFolder());
 }
 
-std::vector<std::string> ends;
-
-HRESULT WINAPI enterApartment(void* reserved, DWORD model) {
-  EXPECT_EQ(nullptr, reserved);
-  EXPECT_EQ(static_cast<DWORD>(COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE), model);
-  ends.push_back("enter");
-  return CoInitializeEx(reserved, model);
-}
-
-void WINAPI leaveApartment() {
-  ends.push_back("leave");
-  CoUninitialize();
-}
-
-LSTATUS WINAPI closeKey(HKEY key) {
-  ends.push_back("close");
-  return RegCloseKey(key);
-}
-
-class FileOpenEndTest : public FileOpenTest {
- protected:
-  void SetUp() override {
-    FileOpenTest::SetUp();
-    ends.clear();
-  }
-
- private:
-  ImportPatch entering_{Module::get().handle(), "CoInitializeEx", reinterpret_cast<void*>(enterApartment)};
-  ImportPatch leaving_{Module::get().handle(), "CoUninitialize", reinterpret_cast<void*>(leaveApartment)};
-};
-
-TEST_F(FileOpenEndTest, TheApartmentIsLeftAfterEveryRun) {
-  open(path(L"missing.p7s"));
-  EXPECT_EQ((std::vector<std::string>{"enter", "leave"}), ends);
-  open(create(L"a.txt.p7s"));
-  EXPECT_EQ((std::vector<std::string>{"enter", "leave", "enter", "leave"}), ends);
-}
-
-TEST_F(FileOpenEndTest, KeysAreClosedBeforeTheObjectIsReleased) {
-  const std::wstring file = create(L"a.txt.p7s");
-  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(closeKey));
-  object.onRelease = [] { ends.push_back("release"); };
-  open(file);
-  object.onRelease = nullptr;
-  ASSERT_GE(ends.size(), 3u);
-  EXPECT_EQ((std::vector<std::string>{"close", "release", "leave"}),
-            (std::vector<std::string>(ends.end() - 3, ends.end())));
-}
-
 TEST_F(FileOpenTest, ExecuteResultAsksBeforeItOverwrites) {
   setExecuteResult(7);
   create(L"a.txt");
