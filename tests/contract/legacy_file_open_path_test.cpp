@@ -68,6 +68,22 @@ TEST_F(FileOpenPathTest, AResultThatTheEnvironmentTurnsIntoAnotherIsNotOpened) {
   }
 }
 
+template <DWORD answer>
+DWORD WINAPI expandTo(LPCSTR text, LPSTR expanded, DWORD) {
+  lstrcpyA(expanded, text);
+  return answer;
+}
+
+TEST_F(FileOpenPathTest, AResultThatCannotBeExpandedIsNotOpened) {
+  setExecuteResult(1);
+  for (void* expand : {reinterpret_cast<void*>(expandTo<0>), reinterpret_cast<void*>(expandTo<100000>)}) {
+    const ImportPatch expanding(Module::get().handle(), "ExpandEnvironmentStringsA", expand);
+    open(create(L"a.txt.p7s"));
+    EXPECT_EQ(0u, desktop.executions.size());
+  }
+  EXPECT_EQ(4u, object.calls.size());
+}
+
 TEST_F(FileOpenPathTest, APercentSignThatMeansNoVariableIsPartOfTheName) {
   setExecuteResult(1);
   for (const wchar_t* result : {L"100% правда.txt", L"%TAVL_UNKNOWN%.txt", L"%%.txt"}) {

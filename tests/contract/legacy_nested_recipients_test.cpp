@@ -162,6 +162,16 @@ TEST_F(LegacyNestedRecipients, EncryptionAfterTheSheetIsForThoseSetWhenItWasCall
   }
 }
 
+TEST_F(LegacyNestedRecipients, AnAdditionWithoutGrowthIsForTheNextOperationToo) {
+  // Room that was made for a record, for which the engine then had no memory.
+  engine().once("QUIVO_AllocMem").result = 1;
+  EXPECT_HR(kNoMemory, object->AddRecipDERCert(Bstr(L"der")));
+  desktop.duringSheet = [&] { EXPECT_OK(object->AddRecipDERCert(Bstr(L"der"))); };
+  EXPECT_OK(signAndEncrypt(object));
+  EXPECT_EQ(2, encryption(engine().only("QUIVO_SignAndEncryptFile")).i32(16));
+  EXPECT_EQ(3u, recipients());
+}
+
 TEST_F(LegacyNestedRecipients, FoundForAClosedSessionAreGivenBack) {
   for (const wchar_t* addresses : {L"", L"SMTP:a@b", L"X400:a", L"SMTP:a;SMTP:b"}) {
     for (const auto& change : {std::function<void()>([&] { EXPECT_OK(object->Uninit()); }), {[&] { reopen(); }}}) {
@@ -202,6 +212,22 @@ TEST_F(LegacyNestedRecipients, AddedInsideAnAdditionAreBothKept) {
   const fake::Snapshot records = encryption(engine().only("QUIVO_EncryptFile")).at(24);
   EXPECT_EQ(2u * 5, records.element(2, kRecord).blob(376).size());
   EXPECT_EQ(2u * 6, records.element(3, kRecord).blob(376).size());
+}
+
+TEST_F(LegacyNestedRecipients, AListBegunWithoutASessionBelongsToTheFirstThatAddsToIt) {
+  object->Uninit();
+  EXPECT_OK(object->SetRecipients(Bstr(L"SMTP:a@b")));
+  engine().once("QUIVO_Initialize").handle = kFirst;
+  EXPECT_OK(object->Init(Bstr(L"My")));
+  EXPECT_OK(object->AddRecipDERCert(Bstr(L"der")));
+  EXPECT_EQ(3u, recipients());
+  engine().forgetCalls();
+  EXPECT_OK(object->FreeRecipCerts());
+  ASSERT_EQ(3u, engine().calls().size());
+  for (const fake::Call& call : engine().calls()) EXPECT_EQ(0x7000u, call.value(0));
+  // The fake engine hands records out without a session, and objects to their way back.
+  engine().reset();
+  object.reset();
 }
 
 TEST_F(LegacyNestedRecipients, AListThatIsGivenBackTakesNoOthers) {
