@@ -3,6 +3,9 @@
 #include <objbase.h>
 #include <shellapi.h>
 
+#include <cstdio>
+#include <cstring>
+
 #include "com/module.h"
 #include "com/ref.h"
 #include "convert/strings.h"
@@ -44,6 +47,25 @@ bool Exists(const char* path) { return GetFileAttributesA(path) != INVALID_FILE_
 bool IsFolder(const char* path) {
   DWORD attributes = GetFileAttributesA(path);
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+/// True if the shell expands variables of the environment in `path`.
+bool IsExpanded(const char* path) {
+  char expanded[2 * MAX_PATH];
+  DWORD size = ExpandEnvironmentStringsA(path, expanded, sizeof(expanded));
+  return size == 0 || size > sizeof(expanded) || std::strcmp(path, expanded) != 0;
+}
+
+/// True if the shell may complete `path`, whose name has no extension, to a program that lies beside it.
+bool IsCompleted(const char* path) {
+  const char* dot = std::strrchr(path, '.');
+  if (dot && !std::strpbrk(dot, "\\/")) return false;
+  for (const char* extension : {".pif", ".com", ".exe", ".bat", ".lnk", ".cmd"}) {
+    char program[MAX_PATH + 4];
+    static_cast<void>(std::snprintf(program, sizeof(program), "%s%s", path, extension));
+    if (Exists(program)) return true;
+  }
+  return false;
 }
 
 /// Whether results are written and opened without asking: the administrator's choice.
@@ -165,8 +187,10 @@ class Opening {
     return hr;
   }
 
-  /// Opens the result with its program; whether that succeeds is the program's matter.
+  /// Opens the result with its program; whether that succeeds is the program's matter. Nothing else is opened: not a
+  /// path that the shell makes of the result's.
   void execute() const {
+    if (IsExpanded(plan_.result) || IsCompleted(plan_.result)) return;
     SystemLibrary library(L"shell32.dll");
     auto* open = library.find<decltype(ShellExecuteExA)>("ShellExecuteExA");
     if (!open) return;

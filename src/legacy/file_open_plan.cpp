@@ -15,10 +15,13 @@ ProtectedKind KindOf(const char* extension) {
 }  // namespace
 
 bool PlanOpening(const char* path, OpenPlan& plan) {
-  constexpr size_t kCounted = 258;
+  constexpr size_t kLongest = 258;
   plan = {};
-  static_assert(kCounted < sizeof(plan.result));
-  std::strncpy(plan.result, path, kCounted);
+  static_assert(kLongest < sizeof(plan.result));
+  // A path that is cut loses its extension, and with it the check of what the file contains.
+  size_t length = std::strlen(path);
+  if (length > kLongest) return false;
+  std::memcpy(plan.result, path, length);
   char* dot = std::strrchr(plan.result, '.');
   if (!dot) return false;
   plan.kind = KindOf(dot + 1);

@@ -12,7 +12,7 @@ struct OpenPlan {
   ProtectedKind kind;
 };
 
-/// Plans the opening of `path`, of which the first 258 characters count. False for a path without a ".".
+/// Plans the opening of `path`. False for a path of more than 258 characters, and for one without a ".".
 bool PlanOpening(const char* path, OpenPlan& plan);
 
 /// The folder of `path`: the text before its last backslash. False, and an empty text, when it has none.

@@ -43,7 +43,7 @@ SignParamRecord SigningParam(bool detached) {
   return param;
 }
 
-EncryptParamRecord EncryptionParam(const RecipientList& recipients) {
+EncryptParamRecord EncryptionParam(const RecipientUse& recipients) {
   EncryptParamRecord param{};
   param.flag = Flag_Encrypt_Pkcs7;
   param.receiverCount = recipients.count();
@@ -112,60 +112,69 @@ bool PrepareInput(const char* file) {
 }  // namespace
 
 STDMETHODIMP pkiobj::Sign(BSTR fname_in, BSTR fname_out, LONG bDetached) {
+  Call call(*this);
   Files files(fname_in, fname_out);
   if (!files) return E_OUTOFMEMORY;
   const char* in = files.in.get();
-  HRESULT accepted = IsSignedFile(session_, in) ? AcceptSignatures(session_, in) : S_OK;
+  HRESULT accepted = IsSignedFile(call.session(), in) ? AcceptSignatures(call.session(), in) : S_OK;
   if (accepted != S_OK) return accepted;
   SignParamRecord param = SigningParam(bDetached != 0);
-  return Produced(QUIVO_SignFile(session_, &param, in, nullptr, files.out.get()), "Ошибка выполнения ЭП файла %s.", in);
+  return Produced(QUIVO_SignFile(call.session(), &param, in, nullptr, files.out.get()),
+                  "Ошибка выполнения ЭП файла %s.", in);
 }
 
 STDMETHODIMP pkiobj::Verify(BSTR fname_in, BSTR fname_out) {
+  Call call(*this);
   Files files(fname_in, fname_out);
   if (!files) return E_OUTOFMEMORY;
   VerifyParamRecord param = RemovalParam(kNames);
-  VerifyResult verified(session_);
-  int32_t code = QUIVO_VerifyFile(session_, &param, nullptr, files.in.get(), files.out.get(), verified.get());
+  VerifyResult verified(call.session());
+  int32_t code = QUIVO_VerifyFile(call.session(), &param, nullptr, files.in.get(), files.out.get(), verified.get());
   if (!IsVerified(code)) {
     ShowFailure(code, kVerifyFailed, files.in.get());
     return code;
   }
-  return ShowResults({session_, nullptr, verified.get(), code}) ? code : S_FALSE;
+  return ShowResults({call.session(), nullptr, verified.get(), code}) ? code : S_FALSE;
 }
 
 STDMETHODIMP pkiobj::Encrypt(BSTR fname_in, BSTR fname_out) {
+  Call call(*this);
+  RecipientUse recipients(recipients_);
   Files files(fname_in, fname_out);
   if (!files) return E_OUTOFMEMORY;
-  EncryptParamRecord param = EncryptionParam(recipients_);
-  return Produced(QUIVO_EncryptFile(session_, &param, files.in.get(), files.out.get()),
+  EncryptParamRecord param = EncryptionParam(recipients);
+  return Produced(QUIVO_EncryptFile(call.session(), &param, files.in.get(), files.out.get()),
                   "Ошибка выполнения шифрования файла %s.", files.in.get());
 }
 
 STDMETHODIMP pkiobj::Unencrypt(BSTR fname_in, BSTR fname_out, LONG bShowResult) {
+  Call call(*this);
   Files files(fname_in, fname_out);
   if (!files) return E_OUTOFMEMORY;
   if (!PrepareInput(files.in.get())) return S_FALSE;
   DecryptParamRecord param = DecryptionParam(kNames);
-  DecryptResult decrypted(session_);
-  int32_t code = QUIVO_DecryptFile(session_, &param, files.in.get(), files.out.get(), decrypted.get());
-  if (bShowResult && !ShowResults({session_, decrypted.get(), nullptr, 0})) return S_FALSE;
+  DecryptResult decrypted(call.session());
+  int32_t code = QUIVO_DecryptFile(call.session(), &param, files.in.get(), files.out.get(), decrypted.get());
+  if (bShowResult && !ShowResults({call.session(), decrypted.get(), nullptr, 0})) return S_FALSE;
   return code;
 }
 
 STDMETHODIMP pkiobj::SignAndEncrypt(BSTR fname_in, BSTR fname_out) {
+  Call call(*this);
+  RecipientUse recipients(recipients_);
   Files files(fname_in, fname_out);
   if (!files) return E_OUTOFMEMORY;
   const char* in = files.in.get();
-  HRESULT accepted = IsSignedFile(session_, in) ? AcceptSignatures(session_, in) : S_OK;
+  HRESULT accepted = IsSignedFile(call.session(), in) ? AcceptSignatures(call.session(), in) : S_OK;
   if (accepted != S_OK) return accepted;
   SignParamRecord sign = SigningParam(false);
-  EncryptParamRecord encrypt = EncryptionParam(recipients_);
-  return Produced(QUIVO_SignAndEncryptFile(session_, &sign, &encrypt, in, files.out.get()),
+  EncryptParamRecord encrypt = EncryptionParam(recipients);
+  return Produced(QUIVO_SignAndEncryptFile(call.session(), &sign, &encrypt, in, files.out.get()),
                   "Ошибка выполнения ЭП и шифрования файла %s.", in);
 }
 
 STDMETHODIMP pkiobj::VerifyAndUnencrypt(BSTR fname_in, BSTR fname_out) {
+  Call call(*this);
   Files files(fname_in, fname_out);
   if (!files) return E_OUTOFMEMORY;
   if (!PrepareInput(files.in.get())) return S_FALSE;
@@ -173,13 +182,13 @@ STDMETHODIMP pkiobj::VerifyAndUnencrypt(BSTR fname_in, BSTR fname_out) {
   // without being asked is all that the sheet shows.
   DecryptParamRecord decrypt = DecryptionParam(0);
   VerifyParamRecord verify = RemovalParam(0);
-  DecryptResult decrypted(session_);
-  VerifyResult verified(session_);
-  int32_t code = QUIVO_DecryptAndVerifyFile(session_, &decrypt, &verify, files.in.get(), files.out.get(),
+  DecryptResult decrypted(call.session());
+  VerifyResult verified(call.session());
+  int32_t code = QUIVO_DecryptAndVerifyFile(call.session(), &decrypt, &verify, files.in.get(), files.out.get(),
                                             decrypted.get(), verified.get());
   if (!IsVerified(code)) {
     ShowFailure(code, "Ошибка расшифрования/проверки ЭП файла %s.", files.in.get());
     return code;
   }
-  return ShowResults({session_, decrypted.get(), verified.get(), code}) ? code : S_FALSE;
+  return ShowResults({call.session(), decrypted.get(), verified.get(), code}) ? code : S_FALSE;
 }

@@ -3,14 +3,16 @@
 #pragma once
 
 #include "com/object.h"
-#include "engine/functions.h"
+#include "com/ref.h"
+#include "engine/session.h"
+#include "legacy/addresses.h"
 #include "legacy/recipient_list.h"
 #include "quivocom.h"
 
 class pkiobj : public com::Object<Ipkiobj> {
  public:
-  /// Gives the recipients back. The session stays open: closing it is the client's, with Uninit.
-  ~pkiobj();
+  /// Gives the recipients back, like FreeRecipCerts. The session stays open: closing it is the client's, with Uninit.
+  ~pkiobj() = default;
 
   // Session (session.cpp).
   STDMETHODIMP Init(BSTR profile) override;
@@ -31,8 +33,29 @@ class pkiobj : public com::Object<Ipkiobj> {
   STDMETHODIMP VerifyAndUnencrypt(BSTR fname_in, BSTR fname_out) override;
 
  private:
+  /// A method in progress: until it ends, the object lives and the session with which the method began stays open,
+  /// whatever calls arrive while it shows a window or while the engine works for it.
+  class Call {
+   public:
+    explicit Call(pkiobj& object) : object_(&object), use_(object.session_) {}
+
+    EngineSession session() const { return use_; }
+    /// False once a nested call has closed the session or replaced it.
+    bool isCurrent() const { return use_.isCurrent(); }
+
+   private:
+    const com::Ref<Ipkiobj> object_;
+    const SessionUse use_;
+  };
+
+  bool takesRecipients(const Call& call) const { return call.isCurrent() && !recipients_.isReleasing(); }
+  HRESULT takeRecipients(const Call& call, CertificateRecord* records, int32_t count);
+  HRESULT takeFound(const Call& call, const FindResultRecord& found);
+  HRESULT takeRecipientsOf(const Call& call, const RecipientAddress& address);
+  HRESULT takeSelected(const Call& call);
+
   /// What the last opening of a session returned; outlives the session.
   int32_t initResult_ = 0;
-  EngineSession session_ = nullptr;
+  SessionOwner session_;
   RecipientList recipients_;
 };

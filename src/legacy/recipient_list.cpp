@@ -5,21 +5,47 @@
 #include <cstring>
 #include <utility>
 
-RecipientList::~RecipientList() { std::free(records_); }
-
-CertificateRecord* RecipientList::reserve(int32_t more) {
-  if (more > INT_MAX - count_) return nullptr;
-  size_t total = static_cast<size_t>(count_) + static_cast<size_t>(more);
-  void* grown = std::realloc(records_, total * sizeof(CertificateRecord));
-  if (!grown) return nullptr;
-  records_ = static_cast<CertificateRecord*>(grown);
-  CertificateRecord* room = records_ + count_;
-  std::memset(room, 0, static_cast<size_t>(more) * sizeof(CertificateRecord));
-  return room;
+bool RecipientList::reserve(int32_t more) {
+  int32_t count = block_ ? block_->count : 0;
+  int32_t capacity = block_ ? block_->capacity : 0;
+  if (more <= capacity - count) return true;
+  if (more > INT_MAX - count) return false;
+  bool isInUse = block_ && block_->users > 1;
+  size_t size = sizeof(Block) + static_cast<size_t>(count + more) * sizeof(CertificateRecord);
+  auto* grown = static_cast<Block*>(std::realloc(isInUse ? nullptr : block_, size));
+  if (!grown) return false;
+  if (!block_) *grown = Block();
+  if (isInUse) {
+    std::memcpy(grown, block_, sizeof(Block) + static_cast<size_t>(count) * sizeof(CertificateRecord));
+    grown->users = 2;
+    --block_->users;
+    block_->movedTo = grown;
+  }
+  grown->capacity = count + more;
+  block_ = grown;
+  return true;
 }
 
-void RecipientList::release(EngineSession session) {
-  for (int32_t i = 0; i < count_; ++i) QUIVO_FreeCert(session, &records_[i]);
-  count_ = 0;
-  std::free(std::exchange(records_, nullptr));
+void RecipientList::add(EngineSession session, const CertificateRecord* records, int32_t count) {
+  if (count <= 0) return;
+  std::memcpy(block_->records() + block_->count, records, static_cast<size_t>(count) * sizeof(*records));
+  block_->count += count;
+  block_->session = session;
+}
+
+void RecipientList::release() {
+  if (!block_) return;
+  isReleasing_ = true;
+  Drop(std::exchange(block_, nullptr));
+  isReleasing_ = false;
+}
+
+void RecipientList::Drop(Block* block) {
+  while (block && --block->users == 0) {
+    Block* movedTo = block->movedTo;
+    int32_t owned = movedTo ? 0 : block->count;
+    for (int32_t i = 0; i < owned; ++i) QUIVO_FreeCert(block->session, &block->records()[i]);
+    std::free(block);
+    block = movedTo;
+  }
 }

@@ -1,7 +1,6 @@
 // The recipient list's methods: certificates found by address, selected by the user or given in DER.
 #include <cstring>
 
-#include "legacy/addresses.h"
 #include "legacy/periods.h"
 #include "legacy/pkiobj.h"
 #include "legacy/thread_ansi.h"
@@ -19,45 +18,6 @@ constexpr int32_t kSelectionCancelled = static_cast<int32_t>(0xE072008A);
 /// How QUIVO_VerifyCert checks a recipient's certificate.
 constexpr uint32_t kVerifyRecipient = 5;
 
-/// Moves what a search has found into the list. The array goes back to the engine, the records stay.
-HRESULT AppendFound(EngineSession session, const FindResultRecord& found, RecipientList& recipients) {
-  if (!found.certificates) return kInvalidParameter;
-  int32_t count = found.count > 0 ? found.count : 0;
-  CertificateRecord* room = count > 0 ? recipients.reserve(count) : nullptr;
-  for (int32_t i = 0; i < count; ++i) {
-    if (room)
-      room[i] = found.certificates[i];
-    else
-      QUIVO_FreeCert(session, &found.certificates[i]);
-  }
-  if (room) recipients.add(count);
-  QUIVO_FreeMem(session, found.certificates);
-  return room || count == 0 ? S_OK : kNotEnoughMemory;
-}
-
-/// The recipients of one address. Where the address finds nobody, the user selects.
-HRESULT AppendRecipientsOf(EngineSession session, const RecipientAddress& address, RecipientList& recipients) {
-  if (!address.address) return kInvalidParameter;
-  FindParamRecord search = SearchFor(address);
-  FindResultRecord found{};
-  int32_t code = QUIVO_FindCert(session, &search, &found);
-  if (code < 0 && code != kSelectionCancelled) {
-    LetUserSelect(search);
-    found = {};
-    code = QUIVO_FindCert(session, &search, &found);
-  }
-  if (code < 0) return code;
-  HRESULT hr = AppendFound(session, found, recipients);
-  return FAILED(hr) ? hr : code;
-}
-
-HRESULT AppendSelected(EngineSession session, RecipientList& recipients) {
-  FindParamRecord search = SearchBySelection();
-  FindResultRecord found{};
-  int32_t code = QUIVO_FindCert(session, &search, &found);
-  return code < 0 ? code : AppendFound(session, found, recipients);
-}
-
 /// S_OK for a certificate that verifies and is valid now; nothing is kept.
 HRESULT CheckRecipient(EngineSession session, const DataBlob_t& encoded) {
   VerifyCertParamRecord param{};
@@ -74,38 +34,83 @@ HRESULT CheckRecipient(EngineSession session, const DataBlob_t& encoded) {
 
 }  // namespace
 
+/// Puts records that the engine has handed out into the list, or gives them back. S_FALSE if the list no longer takes
+/// what this call brings.
+HRESULT pkiobj::takeRecipients(const Call& call, CertificateRecord* records, int32_t count) {
+  bool isWanted = takesRecipients(call);
+  if (isWanted && recipients_.reserve(count)) {
+    recipients_.add(call.session(), records, count);
+    return S_OK;
+  }
+  for (int32_t i = 0; i < count; ++i) QUIVO_FreeCert(call.session(), &records[i]);
+  return isWanted ? kNotEnoughMemory : S_FALSE;
+}
+
+/// Takes over what a search has found. The array goes back to the engine, the records stay.
+HRESULT pkiobj::takeFound(const Call& call, const FindResultRecord& found) {
+  if (!found.certificates) return kInvalidParameter;
+  HRESULT hr = takeRecipients(call, found.certificates, found.count);
+  QUIVO_FreeMem(call.session(), found.certificates);
+  return hr;
+}
+
+/// The recipients of one address. Where the address finds nobody, the user selects.
+HRESULT pkiobj::takeRecipientsOf(const Call& call, const RecipientAddress& address) {
+  if (!address.address) return kInvalidParameter;
+  FindParamRecord search = SearchFor(address);
+  FindResultRecord found{};
+  int32_t code = QUIVO_FindCert(call.session(), &search, &found);
+  if (code < 0 && code != kSelectionCancelled) {
+    LetUserSelect(search);
+    found = {};
+    code = QUIVO_FindCert(call.session(), &search, &found);
+  }
+  if (code < 0) return code;
+  HRESULT hr = takeFound(call, found);
+  return hr == S_OK ? code : hr;
+}
+
+HRESULT pkiobj::takeSelected(const Call& call) {
+  FindParamRecord search = SearchBySelection();
+  FindResultRecord found{};
+  int32_t code = QUIVO_FindCert(call.session(), &search, &found);
+  return code < 0 ? code : takeFound(call, found);
+}
+
 STDMETHODIMP pkiobj::SetRecipients(BSTR addresses) {
+  Call call(*this);
   ThreadAnsi list(addresses);
   if (!list) return E_OUTOFMEMORY;
   Ipkiobj* self = this;
   self->FreeRecipCerts();
   AddressList entries(list.inPlace());
-  if (entries.isEmpty()) return AppendSelected(session_, recipients_);
+  if (entries.isEmpty()) return takeSelected(call);
   HRESULT hr = S_OK;
   do {
-    hr = AppendRecipientsOf(session_, entries.takeLast(), recipients_);
-  } while (SUCCEEDED(hr) && !entries.isEmpty());
+    hr = takeRecipientsOf(call, entries.takeLast());
+  } while (SUCCEEDED(hr) && takesRecipients(call) && !entries.isEmpty());
   return hr;
 }
 
 STDMETHODIMP pkiobj::AddRecipDERCert(BSTR cert) {
   if (!cert) return kInvalidParameter;
+  Call call(*this);
   DataBlob_t encoded{SysStringByteLen(cert), reinterpret_cast<uint8_t*>(cert)};
-  HRESULT hr = CheckRecipient(session_, encoded);
+  HRESULT hr = CheckRecipient(call.session(), encoded);
   if (hr != S_OK) return hr;
-  CertificateRecord* record = recipients_.reserve(1);
-  if (!record) return kNotEnoughMemory;
+  if (!recipients_.reserve(1)) return kNotEnoughMemory;
   // From the engine, which frees it with the record.
-  void* copy = QUIVO_AllocMem(session_, encoded.len);
+  void* copy = QUIVO_AllocMem(call.session(), encoded.len);
   if (!copy) return kNotEnoughMemory;
   std::memcpy(copy, encoded.data, encoded.len);
-  record->fields = Field_CertEncoded;
-  record->certEncoded = {encoded.len, static_cast<uint8_t*>(copy)};
-  recipients_.add(1);
-  return S_OK;
+  CertificateRecord record{};
+  record.fields = Field_CertEncoded;
+  record.certEncoded = {encoded.len, static_cast<uint8_t*>(copy)};
+  return takeRecipients(call, &record, 1);
 }
 
 STDMETHODIMP pkiobj::FreeRecipCerts() {
-  recipients_.release(session_);
+  Call call(*this);
+  recipients_.release();
   return S_OK;
 }

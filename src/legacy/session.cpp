@@ -7,10 +7,9 @@
 #include "legacy/settings.h"
 #include "legacy/thread_ansi.h"
 
-pkiobj::~pkiobj() { recipients_.release(session_); }
-
 STDMETHODIMP pkiobj::Init(BSTR profile) {
-  if (session_) return initResult_;
+  if (session_.isOpen()) return initResult_;
+  Call call(*this);
   ThreadAnsi given(profile);
   if (!given) return E_OUTOFMEMORY;
   constexpr size_t kNameSize = 260 + 1;
@@ -26,28 +25,43 @@ STDMETHODIMP pkiobj::Init(BSTR profile) {
     periods = ReadPeriods(key.get());
   uint32_t flags = InitFlags(periods, now);
 
-  initResult_ = QUIVO_Initialize(name, flags, &session_);
-  if (initResult_ == 0)
+  bool isOpenedMeanwhile = false;
+  int32_t resultMeanwhile = 0;
+  int32_t result = session_.open(
+      [&](EngineSession* session) {
+        int32_t code = QUIVO_Initialize(name, flags, session);
+        isOpenedMeanwhile = session_.isOpen();
+        resultMeanwhile = initResult_;
+        return code;
+      },
+      0);
+  if (isOpenedMeanwhile) return resultMeanwhile;
+  initResult_ = result;
+  if (result == 0)
     RememberChecks(key.get(), flags, now);
   else
-    ShowFailure(initResult_, "Ошибка инициализации %s.", kLegacyCaption);
-  return initResult_;
+    ShowFailure(result, "Ошибка инициализации %s.", kLegacyCaption);
+  return result;
 }
 
 STDMETHODIMP pkiobj::Uninit() {
-  Ipkiobj* self = this;
-  self->FreeRecipCerts();
-  // Forgotten first: a call that comes in while the engine closes must not reach the closing session.
-  EngineSession session = std::exchange(session_, nullptr);
-  return session ? QUIVO_Uninitialize(session) : S_FALSE;
+  com::Ref<Ipkiobj> self(this);
+  {
+    Call call(*this);
+    self->FreeRecipCerts();
+    // A nested call has closed the session already; one that it opened is not this call's.
+    if (!call.isCurrent()) return S_FALSE;
+  }
+  return session_.isOpen() ? session_.close() : S_FALSE;
 }
 
 STDMETHODIMP pkiobj::IsSigned(BSTR fname) {
+  Call call(*this);
   ThreadAnsi file(fname);
   if (!file) return S_FALSE;
   SignedInfoResultRecord info{};
-  int32_t code = QUIVO_SignedInfoFile(session_, file.get(), &info);
+  int32_t code = QUIVO_SignedInfoFile(call.session(), file.get(), &info);
   bool isSigned = code == 0 && info.signatureCount != 0;
-  QUIVO_FreeSignedInfoResult(session_, &info);
+  QUIVO_FreeSignedInfoResult(call.session(), &info);
   return isSigned ? S_OK : S_FALSE;
 }

@@ -5,10 +5,18 @@ target_include_directories(legacy_units PUBLIC ${PROJECT_SOURCE_DIR}/src)
 
 add_executable(legacy_tests
   legacy_desktop.cpp
+  legacy_file_open_apartment_test.cpp
+  legacy_file_open_keep_test.cpp
+  legacy_file_open_path_test.cpp
   legacy_file_open_plan_test.cpp
+  legacy_file_open_registry_test.cpp
   legacy_file_open_test.cpp
   legacy_file_operations_test.cpp
   legacy_late_bound_test.cpp
+  legacy_missing_function_test.cpp
+  legacy_nested_call_test.cpp
+  legacy_nested_recipients_test.cpp
+  legacy_order_test.cpp
   legacy_recipients_test.cpp
   legacy_resources_test.cpp
   legacy_results_model_test.cpp
@@ -18,4 +26,6 @@ set_target_properties(legacy_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${contrac
 add_dependencies(legacy_tests tavlcom_contract)
 tavl_test_suites(legacy_tests contract ENVIRONMENT oanocache=1)
 # All write the name that the entry asks for into the classes of the whole prefix.
-set_tests_properties(contract.FileOpenTest contract.FileOpenKeepTest contract.FileOpenEndTest PROPERTIES RESOURCE_LOCK file_open_name)
+set_tests_properties(contract.FileOpenTest contract.FileOpenKeepTest contract.FileOpenApartmentTest
+  contract.FileOpenPathTest contract.FileOpenRegistryTest contract.FileOpenMissingFunctionTest
+  PROPERTIES RESOURCE_LOCK file_open_name)

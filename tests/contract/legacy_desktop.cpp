@@ -19,16 +19,21 @@ WORD resourceNumber(const char* name) { return IS_INTRESOURCE(name) ? LOWORD(nam
 
 int WINAPI showMessage(HWND owner, LPCSTR text, LPCSTR caption, UINT style) {
   desktop->messages.push_back({wideOf(text), wideOf(caption), style, owner});
+  if (desktop->duringMessage) desktop->duringMessage();
   return desktop->messageAnswer;
 }
 
 HWND WINAPI foregroundWindow() { return desktop->foreground; }
 HWND WINAPI activeWindow() { return desktop->active; }
-__time64_t theTime(__time64_t*) { return desktop->now; }
+__time64_t theTime(__time64_t*) {
+  ++desktop->clockReads;
+  return desktop->now;
+}
 
 LSTATUS WINAPI setValue(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size) {
-  RegistryWrite write{key, wideOf(name), type, size, 0};
+  RegistryWrite write{key, wideOf(name), type, size, 0, {}};
   if (size == sizeof(DWORD)) std::memcpy(&write.value, data, sizeof(DWORD));
+  write.data.assign(data, data + size);
   desktop->writes.push_back(write);
   return RegSetValueExA(key, name, reserved, type, data, size);
 }
@@ -73,6 +78,7 @@ FARPROC proc(Function* function) {
 FARPROC WINAPI findProc(HMODULE module, LPCSTR name) {
   if (!IS_INTRESOURCE(name)) {
     const std::string wanted = name;
+    if (wanted == desktop->missing) return nullptr;
     if (wanted == "CreatePropertySheetPageA") return proc(createPage);
     if (wanted == "PropertySheetA") return proc(showSheet);
     if (wanted == "GetSaveFileNameA") return proc(askForFile);

@@ -59,7 +59,9 @@ struct RegistryWrite {
   std::wstring name;
   DWORD type;
   DWORD size;
+  /// Of four bytes.
   DWORD value;
+  std::vector<BYTE> data;
 };
 
 class LegacyDesktop {
@@ -81,12 +83,17 @@ class LegacyDesktop {
   INT_PTR sheetAnswer = IDOK;
   /// What the user does in the save dialog; false cancels it.
   std::function<bool(OPENFILENAMEA&)> saveAnswer = [](OPENFILENAMEA&) { return true; };
+  /// What runs while a message box is shown.
+  std::function<void()> duringMessage;
   /// What runs while a sheet is shown.
   std::function<void()> duringSheet;
   /// What runs while the result is opened with its program.
   std::function<void()> duringExecution;
   /// The runtime's clock.
   int64_t now = 1700000000;
+  size_t clockReads = 0;
+  /// A function that the platform's libraries do not have.
+  std::string missing;
   HWND foreground = reinterpret_cast<HWND>(0x1234);
   HWND active = reinterpret_cast<HWND>(0x5678);
 

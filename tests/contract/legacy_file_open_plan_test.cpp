@@ -45,12 +45,13 @@ TEST(LegacyOpenPlan, WithoutADotThereIsNone) {
   EXPECT_FALSE(PlanOpening("", plan));
 }
 
-TEST(LegacyOpenPlan, Only258CharactersCount) {
-  EXPECT_EQ(ProtectedKind::kSigned, planOf(std::string(254, 'a') + ".p7s").kind);
-  EXPECT_EQ(ProtectedKind::kOther, planOf(std::string(255, 'a') + ".p7s").kind);
-  EXPECT_EQ(std::string(255, 'a'), planOf(std::string(255, 'a') + ".p7s").result);
+TEST(LegacyOpenPlan, APathOfMoreThan258CharactersIsRefused) {
+  const OpenPlan longest = planOf(std::string(254, 'a') + ".p7s");
+  EXPECT_EQ(ProtectedKind::kSigned, longest.kind);
+  EXPECT_EQ(std::string(254, 'a'), longest.result);
   OpenPlan plan{};
-  EXPECT_FALSE(PlanOpening((std::string(258, 'a') + ".p7s").c_str(), plan));
+  EXPECT_FALSE(PlanOpening((std::string(255, 'a') + ".p7s").c_str(), plan));
+  EXPECT_FALSE(PlanOpening(("a.p7s" + std::string(254, 'a')).c_str(), plan));
 }
 
 TEST(LegacyOpenPlan, TheFolderIsTheTextBeforeTheLastBackslash) {

@@ -173,6 +173,20 @@ TEST(LegacyResources, TheControlsOfTheResultsPageHaveTheirStyles) {
   }
 }
 
+TEST(LegacyResources, TheTextsOfTheResultsPageAreReadAndScrolledAsFitsTheirLines) {
+  constexpr DWORD kAll = WS_BORDER | WS_TABSTOP | WS_VSCROLL | WS_HSCROLL | ES_READONLY | ES_MULTILINE |
+                         ES_AUTOHSCROLL | ES_AUTOVSCROLL | ES_WANTRETURN | ES_CENTER | ES_RIGHT;
+  const Template page = templateOf(117);
+  EXPECT_EQ(static_cast<DWORD>(ES_READONLY | ES_AUTOHSCROLL | WS_TABSTOP), page.styleOf(1005) & kAll);
+  EXPECT_EQ(static_cast<DWORD>(ES_READONLY | ES_MULTILINE | WS_BORDER | WS_TABSTOP), page.styleOf(1006) & kAll);
+  EXPECT_EQ(static_cast<DWORD>(ES_READONLY | ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP), page.styleOf(1007) & kAll);
+}
+
+TEST(LegacyResources, TheButtonsAndTheListOfTheResultsPageAreTabStops) {
+  const Template page = templateOf(117);
+  for (DWORD id : {1003u, 1004u, 201u}) EXPECT_TRUE(page.styleOf(id) & WS_TABSTOP) << id;
+}
+
 TEST(LegacyResources, TheSavePanelHasItsCheckBox) {
   const Template panel = templateOf(118);
   EXPECT_EQ(30, panel.x);
