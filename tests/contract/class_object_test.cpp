@@ -212,4 +212,38 @@ TEST_F(ClassObjectTest, UnloadingReleasesFactoriesWithoutAFault) {
   EXPECT_HR(S_OK, module.canUnloadNow());
 }
 
+/// A copy of the module, asked for a class object that nobody holds.
+struct ModuleWithFactory {
+  const ModuleCopy copy{copyName()};
+  const GetClassObject getClassObject = copy.entry<GetClassObject>("DllGetClassObject");
+  BOOL (*const dllMain)(DWORD, void*) = copy.entry<BOOL (*)(DWORD, void*)>("TavlcomDllMain");
+  long (*const allocations)() = copy.entry<long (*)()>("TavlcomLiveAllocations");
+  const long allocationsBefore = allocations();
+  const HRESULT asked = ask();
+
+  HRESULT ask() const {
+    Ptr<IClassFactory> factory;
+    return getClassObject(__uuidof(CertId), IID_IClassFactory, factory.voidOut());
+  }
+};
+
+TEST_F(ClassObjectTest, UnloadingReleasesTheFactories) {
+  const ModuleWithFactory module;
+  ASSERT_OK(module.asked);
+  EXPECT_EQ(module.allocationsBefore + 1, module.allocations());
+  EXPECT_TRUE(module.dllMain(DLL_PROCESS_DETACH, nullptr));
+  EXPECT_EQ(module.allocationsBefore, module.allocations());
+  // The loader unloads the copy again, at the end.
+  EXPECT_TRUE(module.dllMain(DLL_PROCESS_ATTACH, nullptr));
+}
+
+TEST_F(ClassObjectTest, EndOfTheProcessReleasesNothing) {
+  const ModuleWithFactory module;
+  ASSERT_OK(module.asked);
+  int processEnds = 0;
+  EXPECT_TRUE(module.dllMain(DLL_PROCESS_DETACH, &processEnds));
+  EXPECT_EQ(module.allocationsBefore + 1, module.allocations());
+  EXPECT_OK(module.ask());
+}
+
 }  // namespace

@@ -8,6 +8,8 @@
 #include <iterator>
 #include <string>
 
+#include "harness/misbehave.h"
+
 namespace {
 
 // {6E0C52B8-2A3D-4C59-9C0B-5B0C0B6C7D11}, also in tools/register-arrays.
@@ -101,21 +103,22 @@ HRESULT Save(const VARIANT& path, const VARIANT& value) {
   return file ? S_OK : HRESULT_FROM_WIN32(ERROR_WRITE_FAULT);
 }
 
-enum Method : DISPID { kCount = 1, kItem, kBytes, kVariants, kText, kKind, kLoad, kSave };
+enum Method : DISPID { kCount = 1, kItem, kBytes, kVariants, kText, kKind, kLoad, kSave, kMisbehave };
 
 struct {
   const wchar_t* name;
   DISPID id;
   UINT arguments;
 } constexpr kMethods[] = {
-    {L"count", kCount, 1},        // how many elements
-    {L"item", kItem, 2},          // (array, index from 0)
-    {L"bytes", kBytes, 1},        // an array of bytes from a string or an array
-    {L"variants", kVariants, 1},  // an array of VARIANTs with a byte each, from the same
-    {L"text", kText, 1},          // a string with a character for each byte
-    {L"kind", kKind, 1},          // the type of the VARIANT, which JScript cannot tell
-    {L"load", kLoad, 1},          // (path): the bytes of a file
-    {L"save", kSave, 2},          // (path, bytes)
+    {L"count", kCount, 1},          // how many elements
+    {L"item", kItem, 2},            // (array, index from 0)
+    {L"bytes", kBytes, 1},          // an array of bytes from a string or an array
+    {L"variants", kVariants, 1},    // an array of VARIANTs with a byte each, from the same
+    {L"text", kText, 1},            // a string with a character for each byte
+    {L"kind", kKind, 1},            // the type of the VARIANT, which JScript cannot tell
+    {L"load", kLoad, 1},            // (path): the bytes of a file
+    {L"save", kSave, 2},            // (path, bytes)
+    {L"misbehave", kMisbehave, 1},  // (how), for the test of the runner
 };
 
 class Arrays final : public IDispatch, public IClassFactory {
@@ -148,7 +151,7 @@ class Arrays final : public IDispatch, public IClassFactory {
   }
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* params, VARIANT* result, EXCEPINFO*,
                                    UINT*) override {
-    if (id < kCount || id > kSave) return DISP_E_MEMBERNOTFOUND;
+    if (id < kCount || id > kMisbehave) return DISP_E_MEMBERNOTFOUND;
     if (params->cArgs != kMethods[id - 1].arguments) return DISP_E_BADPARAMCOUNT;
     const VARIANT& first = *Dereference(&params->rgvarg[params->cArgs - 1]);
     const VARIANT& last = *Dereference(&params->rgvarg[0]);
@@ -174,6 +177,7 @@ class Arrays final : public IDispatch, public IClassFactory {
     std::string bytes;
     HRESULT hr = BytesOf(first, &bytes);
     if (FAILED(hr)) return hr;
+    if (id == kMisbehave) return misbehave(bytes), S_OK;
     return id == kText ? TextFrom(bytes, result) : ArrayFrom(bytes, id == kBytes ? VT_UI1 : VT_VARIANT, result);
   }
 };

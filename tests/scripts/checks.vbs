@@ -79,5 +79,5 @@ End Function
 ' Without this marker the runner fails the test, whatever was printed before.
 Sub finish
   If Err.Number <> 0 Then ok True, "the last statements"
-  WScript.Echo "finished: " & checks_done & " checks, " & checks_failed & " failed"
+  WScript.Echo "finished: " & 0 + checks_done & " checks, " & 0 + checks_failed & " failed"
 End Sub

@@ -1,7 +1,7 @@
 // The engine's file and memory functions from the command line, for tests against the openssl command:
 //   standin_drive KEYS PIN STORE COMMAND ARGUMENTS...
-// "-" stands for an absent file. Prints what was found; the exit code is 0 for success, 1 for an engine code, which is
-// printed.
+// "-" stands for an absent file. Prints what was found, and in its last line "done", with the exit code 0, or the code
+// that the engine gave, with the exit code 1.
 #include <windows.h>
 
 #include <cstdio>
@@ -150,7 +150,10 @@ constexpr Command kCommands[] = {
 };
 
 int report(int32_t code) {
-  if (code == 0) return 0;
+  if (code == 0) {
+    std::puts("done");
+    return 0;
+  }
   char text[512];
   QUIVO_GetErrorText(code, text, sizeof text);
   std::printf("code %08X %s\n", static_cast<unsigned>(code), text);
@@ -169,12 +172,13 @@ int main(int count, char** values) {
   EngineSession session = nullptr;
   const int32_t opened = QUIVO_InitializeEx(kEngineLocalParam, &local, &session);
   if (opened != 0) return report(opened);
-  int result = 2;
   for (const Command& command : kCommands) {
     if (std::strcmp(command.name, values[4]) != 0) continue;
     const Arguments arguments(values + 5, values + count);
-    if (arguments.size() >= command.least_arguments) result = report(command.run(session, arguments));
+    if (arguments.size() < command.least_arguments) break;
+    const int32_t code = command.run(session, arguments);
+    const int32_t closed = QUIVO_Uninitialize(session);
+    return report(code == 0 ? closed : code);
   }
-  QUIVO_Uninitialize(session);
-  return result;
+  return 2;
 }

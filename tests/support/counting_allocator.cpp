@@ -1,5 +1,5 @@
-// Linked into the tested build of the module only: counts its allocations, can make one of them fail, and shows
-// both counts to the tests.
+// Linked into the tested build of the module only: counts its allocations, can make one of them fail, shows both counts
+// to the tests, and lets them call the entry point.
 #include <windows.h>
 
 #include <malloc.h>
@@ -10,6 +10,9 @@
 #include <new>
 
 #include "com/module.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEnds);
+extern "C" IMAGE_DOS_HEADER __ImageBase;
 
 namespace {
 
@@ -62,5 +65,9 @@ __declspec(dllexport) long TavlcomLiveObjects() { return com::module::LockCount(
 __declspec(dllexport) void TavlcomFailAllocation(long succeeding) { untilFailure = succeeding; }
 /// Whether the failure asked for has happened.
 __declspec(dllexport) bool TavlcomAllocationFailed() { return untilFailure == kFailed; }
+/// The entry point itself: the one in the file's header would also end the runtime of the module.
+__declspec(dllexport) BOOL TavlcomDllMain(DWORD reason, void* processEnds) {
+  return DllMain(reinterpret_cast<HINSTANCE>(&__ImageBase), reason, processEnds);
+}
 
 }  // extern "C"

@@ -1,8 +1,8 @@
 // Opens a protected file as the shell does, and answers every window that comes up:
 //   open_and_answer FILE [keep] [refuse]
 // Runs "rundll32 tavlcom.dll,FileOpen FILE" in the current folder. Windows are accepted; "keep" marks the save
-// dialog's box before, "refuse" cancels the results sheet. Prints each window with its texts, in UTF-8. The exit
-// code is 0, or 1 when the opening did not come to its end in time.
+// dialog's box before, "refuse" cancels the results sheet. Prints each window with its texts, in UTF-8, and at last the
+// exit code of rundll32, which is the program's own too; it is 1 when the opening did not come to its end in time.
 #include <windows.h>
 
 #include <commctrl.h>
@@ -120,8 +120,13 @@ int wmain(int count, wchar_t** arguments) {
     EnumWindows(answerNew, reinterpret_cast<LPARAM>(&search));
     waited += kStep;
   }
-  if (waited < kPatience) return 0;
-  say(L"the opening was ended: it waits for something");
-  TerminateProcess(process.hProcess, 1);
-  return 1;
+  DWORD code = 1;
+  if (waited < kPatience) {
+    GetExitCodeProcess(process.hProcess, &code);
+  } else {
+    say(L"the opening was ended: it waits for something");
+    TerminateProcess(process.hProcess, code);
+  }
+  say(L"rundll32 ended with " + std::to_wstring(code));
+  return static_cast<int>(code);
 }

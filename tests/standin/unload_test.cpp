@@ -1,10 +1,12 @@
-// Loads and unloads the engine again and again: standin_unload LIBRARY KEYS STORE. Each time it works on two threads
-// and leaves a session open. Ends with 0 when the process lives on and is no larger in the end.
+// The engine loaded and unloaded again and again, in a program that does not link it. Each time it works on two threads
+// and leaves a session open.
 #include <windows.h>
 
+#include <gtest/gtest.h>
 #include <psapi.h>
 
-#include <cstdio>
+#include <cstdlib>
+#include <string>
 
 #include "engine/functions.h"
 
@@ -40,17 +42,21 @@ DWORD WINAPI signOnce(void* argument) {
   return 0;
 }
 
-bool runOnce(const char* path, char* keys, char* store) {
-  const HMODULE library = LoadLibraryA(path);
-  if (library == nullptr) return false;
-  Work here{library, keys, store, false};
-  Work there{library, keys, store, false};
+void workOnce() {
+  const HMODULE library = LoadLibraryA("tavl1.dll");
+  ASSERT_NE(nullptr, library);
+  const char* material = std::getenv("TAVL_STANDIN_MATERIAL");
+  ASSERT_NE(nullptr, material);
+  std::string keys = std::string(material) + "/alice.p12", store = std::string(material) + "/store";
+  Work here{library, keys.data(), store.data(), false};
+  Work there{library, keys.data(), store.data(), false};
   signOnce(&here);
   const HANDLE thread = CreateThread(nullptr, 0, signOnce, &there, 0, nullptr);
   WaitForSingleObject(thread, INFINITE);
   CloseHandle(thread);
   FreeLibrary(library);
-  return here.done && there.done && GetModuleHandleA("tavl1.dll") == nullptr;
+  EXPECT_TRUE(here.done && there.done);
+  EXPECT_EQ(nullptr, GetModuleHandleA("tavl1.dll"));
 }
 
 size_t memory() {
@@ -61,19 +67,11 @@ size_t memory() {
 
 }  // namespace
 
-int main(int count, char** arguments) {
-  if (count != 4) return 2;
+TEST(Unload, LeavesNoMemoryBehind) {
   constexpr int kRounds = 40;
   constexpr size_t kMostGrowth = 128 * 1024;
-  size_t before = 0;
-  for (int round = 0; round < 2 * kRounds; ++round) {
-    if (round == kRounds) before = memory();
-    if (!runOnce(arguments[1], arguments[2], arguments[3])) {
-      std::printf("round %d failed\n", round);
-      return 1;
-    }
-  }
-  const size_t after = memory();
-  std::printf("memory %zu to %zu\n", before, after);
-  return after > before + kMostGrowth ? 1 : 0;
+  for (int round = 0; round < kRounds && !HasFailure(); ++round) workOnce();
+  const size_t before = memory();
+  for (int round = 0; round < kRounds && !HasFailure(); ++round) workOnce();
+  EXPECT_LE(memory(), before + kMostGrowth);
 }

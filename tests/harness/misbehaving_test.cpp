@@ -1,0 +1,54 @@
+// A test program that goes wrong in the way that TAVL_MISBEHAVIOUR names: the tests of the runners run it.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "harness/misbehave.h"
+
+namespace {
+
+DWORD WINAPI misbehaveHere(void*) {
+  const std::string how = requestedMisbehaviour();
+  misbehave(how.substr(0, how.find("-in-thread")));
+  return 0;
+}
+
+void misbehaveInThread() {
+  const HANDLE thread = CreateThread(nullptr, 0, misbehaveHere, nullptr, 0, nullptr);
+  WaitForSingleObject(thread, INFINITE);
+  CloseHandle(thread);
+}
+
+/// True if the runner's test left a mark beside the program; the mark is gone then.
+bool takeMark() {
+  wchar_t program[MAX_PATH];
+  GetModuleFileNameW(nullptr, program, MAX_PATH);
+  return DeleteFileW((std::wstring(program) + L".drop").c_str()) != FALSE;
+}
+
+/// What Wine does to a process now and then: it ends before it has said anything.
+const bool dropped = [] {
+  const std::string how = requestedMisbehaviour();
+  if (how == "silence" || (how == "drop" && takeMark())) ExitProcess(7);
+  if (how == "exit-before") ExitProcess(0);
+  return false;
+}();
+
+}  // namespace
+
+TEST(Misbehaviour, TestBefore) {}
+
+TEST(Misbehaviour, TestThatIsTold) {
+  const std::string how = requestedMisbehaviour();
+  if (how == "fail") FAIL();
+  if (how == "skip") GTEST_SKIP();
+  if (how == "_exit") _exit(0);
+  if (how.find("-in-thread") != std::string::npos) misbehaveInThread();
+  misbehave(how);
+}
+
+TEST(Misbehaviour, TestAfter) {}
+
+TEST(Disabled, DISABLED_Test) {}
