@@ -4,23 +4,23 @@ add_library(legacy_units STATIC $<TARGET_OBJECTS:legacy>)
 target_include_directories(legacy_units PUBLIC ${PROJECT_SOURCE_DIR}/src)
 
 add_executable(legacy_tests
-  legacy_desktop.cpp
-  legacy_file_open_apartment_test.cpp
-  legacy_file_open_keep_test.cpp
-  legacy_file_open_path_test.cpp
-  legacy_file_open_plan_test.cpp
-  legacy_file_open_registry_test.cpp
-  legacy_file_open_test.cpp
-  legacy_file_operations_test.cpp
-  legacy_late_bound_test.cpp
-  legacy_missing_function_test.cpp
-  legacy_nested_call_test.cpp
-  legacy_nested_recipients_test.cpp
-  legacy_order_test.cpp
-  legacy_recipients_test.cpp
-  legacy_resources_test.cpp
-  legacy_results_model_test.cpp
-  legacy_session_test.cpp)
+  legacy/desktop.cpp
+  legacy/file_open_apartment_test.cpp
+  legacy/file_open_keep_test.cpp
+  legacy/file_open_path_test.cpp
+  legacy/file_open_plan_test.cpp
+  legacy/file_open_registry_test.cpp
+  legacy/file_open_test.cpp
+  legacy/file_operations_test.cpp
+  legacy/late_bound_test.cpp
+  legacy/missing_function_test.cpp
+  legacy/nested_call_test.cpp
+  legacy/nested_recipients_test.cpp
+  legacy/order_test.cpp
+  legacy/recipients_test.cpp
+  legacy/resources_test.cpp
+  legacy/results_model_test.cpp
+  legacy/session_test.cpp)
 target_link_libraries(legacy_tests PRIVATE contract_support legacy_units)
 set_target_properties(legacy_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${contract_dir})
 add_dependencies(legacy_tests tavlcom_contract)

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "engine/functions.h"
-#include "standin/codes.h"
+#include "standin/base/codes.h"
 
 using Bytes = std::vector<uint8_t>;
 

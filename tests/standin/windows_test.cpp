@@ -5,7 +5,7 @@
 #include <string>
 
 #include "engine_test.h"
-#include "standin/selection_dialog_ids.h"
+#include "standin/windows/selection_dialog_ids.h"
 
 using namespace standin;
 

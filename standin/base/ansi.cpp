@@ -1,0 +1,51 @@
+// Conversions of text.
+#include "standin/base/ansi.h"
+
+#include <windows.h>
+
+namespace standin {
+namespace {
+
+std::wstring toWide(UINT code_page, std::string_view text) {
+  if (text.empty()) return {};
+  const int length = static_cast<int>(text.size());
+  const int needed = MultiByteToWideChar(code_page, 0, text.data(), length, nullptr, 0);
+  std::wstring wide(static_cast<size_t>(needed), L'\0');
+  MultiByteToWideChar(code_page, 0, text.data(), length, wide.data(), needed);
+  return wide;
+}
+
+std::string fromWide(UINT code_page, std::wstring_view text) {
+  if (text.empty()) return {};
+  const int length = static_cast<int>(text.size());
+  const int needed = WideCharToMultiByte(code_page, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+  std::string bytes(static_cast<size_t>(needed), '\0');
+  WideCharToMultiByte(code_page, 0, text.data(), length, bytes.data(), needed, nullptr, nullptr);
+  return bytes;
+}
+
+}  // namespace
+
+std::string ansiFromUtf8(std::string_view text) { return fromWide(CP_ACP, toWide(CP_UTF8, text)); }
+std::string utf8FromAnsi(std::string_view text) { return fromWide(CP_UTF8, toWide(CP_ACP, text)); }
+std::string utf8FromWide(std::wstring_view text) { return fromWide(CP_UTF8, text); }
+std::wstring wideFromUtf8(std::string_view text) { return toWide(CP_UTF8, text); }
+
+std::string hexOf(ByteView bytes) {
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string text;
+  text.reserve(bytes.size() * 2);
+  for (const uint8_t byte : bytes) {
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 15];
+  }
+  return text;
+}
+
+std::string foldCase(std::string_view utf8) {
+  std::wstring wide = toWide(CP_UTF8, utf8);
+  if (!wide.empty()) CharLowerBuffW(wide.data(), static_cast<DWORD>(wide.size()));
+  return fromWide(CP_UTF8, wide);
+}
+
+}  // namespace standin

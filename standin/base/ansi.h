@@ -1,0 +1,27 @@
+// Conversions between the system ANSI code page, in which callers give and take text, and UTF-8, which libcrypto uses;
+// and text forms of bytes and numbers.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "standin/base/bytes.h"
+
+namespace standin {
+
+/// Characters that the ANSI code page lacks become its default character.
+std::string ansiFromUtf8(std::string_view text);
+std::string utf8FromAnsi(std::string_view text);
+std::string utf8FromWide(std::wstring_view text);
+std::wstring wideFromUtf8(std::string_view text);
+
+/// Capital hexadecimal digits without separators.
+std::string hexOf(ByteView bytes);
+
+/// Lower case by the rules of Unicode; the argument and the result are UTF-8.
+std::string foldCase(std::string_view utf8);
+
+/// A null pointer is an empty text.
+inline std::string textOrEmpty(const char* text) { return text == nullptr ? std::string() : std::string(text); }
+
+}  // namespace standin

@@ -1,0 +1,8 @@
+// Byte sequences.
+#include "standin/base/bytes.h"
+
+namespace standin {
+
+void append(Bytes& bytes, ByteView more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
+
+}  // namespace standin

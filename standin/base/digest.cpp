@@ -1,0 +1,69 @@
+// Running digests.
+#include "standin/base/digest.h"
+
+#include <cctype>
+#include <string>
+
+#include "standin/base/codes.h"
+
+namespace standin {
+namespace {
+
+struct NamedDigest {
+  const char* name;  ///< capital letters and digits alone
+  const char* oid;
+  const EVP_MD* (*algorithm)();
+};
+
+constexpr NamedDigest kDigests[] = {
+    {"MD5", "1.2.840.113549.2.5", EVP_md5},
+    {"SHA1", "1.3.14.3.2.26", EVP_sha1},
+    {"SHA224", "2.16.840.1.101.3.4.2.4", EVP_sha224},
+    {"SHA256", "2.16.840.1.101.3.4.2.1", EVP_sha256},
+    {"SHA384", "2.16.840.1.101.3.4.2.2", EVP_sha384},
+    {"SHA512", "2.16.840.1.101.3.4.2.3", EVP_sha512},
+    {"SHA3256", "2.16.840.1.101.3.4.2.8", EVP_sha3_256},
+    {"SHA3384", "2.16.840.1.101.3.4.2.9", EVP_sha3_384},
+    {"SHA3512", "2.16.840.1.101.3.4.2.10", EVP_sha3_512},
+};
+
+std::string lettersAndDigits(const std::string& name) {
+  std::string kept;
+  for (const char c : name) {
+    const unsigned char code = static_cast<unsigned char>(c);
+    if (std::isalnum(code)) kept += static_cast<char>(std::toupper(code));
+  }
+  return kept;
+}
+
+}  // namespace
+
+Digest::Digest(const EVP_MD* algorithm) : context_(EVP_MD_CTX_new()) {
+  if (context_ == nullptr) fail(kWinOutOfMemory);
+  if (EVP_DigestInit_ex(context_.get(), algorithm, nullptr) != 1) fail(kHashUnknown);
+}
+
+void Digest::update(ByteView bytes) {
+  if (EVP_DigestUpdate(context_.get(), bytes.data(), bytes.size()) != 1) fail(kInternal);
+}
+
+Bytes Digest::finish() {
+  Bytes value(EVP_MAX_MD_SIZE);
+  unsigned int length = 0;
+  if (EVP_DigestFinal_ex(context_.get(), value.data(), &length) != 1) fail(kInternal);
+  value.resize(length);
+  return value;
+}
+
+const EVP_MD* defaultDigest() { return EVP_sha256(); }
+
+const EVP_MD* digestByName(const char* name) {
+  if (name == nullptr || *name == 0) return defaultDigest();
+  const std::string wanted = lettersAndDigits(name);
+  for (const NamedDigest& digest : kDigests) {
+    if (wanted == digest.name || std::string(name) == digest.oid) return digest.algorithm();
+  }
+  fail(kHashUnknown);
+}
+
+}  // namespace standin

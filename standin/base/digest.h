@@ -1,0 +1,26 @@
+// Hashing: one running digest, and the algorithms by name.
+#pragma once
+
+#include "standin/base/bytes.h"
+#include "standin/base/openssl_owners.h"
+
+namespace standin {
+
+class Digest {
+ public:
+  explicit Digest(const EVP_MD* algorithm);
+  void update(ByteView bytes);
+  /// Ends the digest.
+  Bytes finish();
+
+ private:
+  DigestContextPtr context_;
+};
+
+/// What is used where the caller names no algorithm.
+const EVP_MD* defaultDigest();
+/// MD5, SHA-1, SHA-224, SHA-256, SHA-384, SHA-512, SHA3-256, SHA3-384 and SHA3-512, with or without the hyphens, in any
+/// case, or their object identifiers. Null or an empty name is the default. Fails with kHashUnknown.
+const EVP_MD* digestByName(const char* name);
+
+}  // namespace standin

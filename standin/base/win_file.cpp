@@ -1,0 +1,157 @@
+// Reading and writing of files for the engine.
+#include "standin/base/win_file.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "standin/base/codes.h"
+
+namespace standin {
+
+void failWithLastError() {
+  const DWORD error = GetLastError();
+  fail(error == 0 ? kInternal : static_cast<int32_t>(error));
+}
+
+InputFile::InputFile(const char* path) {
+  if (path == nullptr) fail(kWinInvalidParameter);
+  handle_.reset(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                            FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+  if (!handle_.valid()) failWithLastError();
+  LARGE_INTEGER size;
+  if (!GetFileSizeEx(handle_.get(), &size)) failWithLastError();
+  size_ = static_cast<uint64_t>(size.QuadPart);
+}
+
+ByteView InputFile::next() {
+  if (piece_.empty()) piece_.resize(static_cast<size_t>(std::clamp<uint64_t>(size_, 1, kFilePiece)));
+  DWORD read = 0;
+  if (!ReadFile(handle_.get(), piece_.data(), static_cast<DWORD>(piece_.size()), &read, nullptr)) failWithLastError();
+  return {piece_.data(), read};
+}
+
+Bytes readWholeFile(const char* path, uint64_t limit) {
+  InputFile file(path);
+  if (file.size() > limit) fail(kTooLarge);
+  Bytes bytes;
+  bytes.reserve(static_cast<size_t>(file.size()));
+  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) {
+    append(bytes, piece);
+    if (bytes.size() > limit) fail(kTooLarge);
+  }
+  return bytes;
+}
+
+namespace {
+
+/// A free name in the folder of `path`, opened.
+FileHandle createBeside(const std::string& path, std::string& name) {
+  const size_t folder_length = path.find_last_of("\\/:") + 1;
+  for (unsigned attempt = 0; attempt < 100; ++attempt) {
+    char leaf[32];
+    std::snprintf(leaf, sizeof leaf, "~t%08lx.tmp",
+                  static_cast<unsigned long>(GetTickCount() ^ (GetCurrentThreadId() << 16) ^ (attempt * 0x9E3779B9u)));
+    name = path.substr(0, folder_length) + leaf;
+    FileHandle handle(CreateFileA(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (handle.valid()) return handle;
+    if (GetLastError() != ERROR_FILE_EXISTS) failWithLastError();
+  }
+  fail(ERROR_FILE_EXISTS);
+}
+
+}  // namespace
+
+OutputFile::OutputFile(const char* path) {
+  if (path == nullptr || *path == 0) fail(kWinInvalidParameter);
+  path_ = path;
+  // A folder under the wanted name would only be noticed at the end, after all the work.
+  const DWORD attributes = GetFileAttributesA(path);
+  if (attributes != INVALID_FILE_ATTRIBUTES &&
+      (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0) {
+    fail(ERROR_ACCESS_DENIED);
+  }
+  handle_ = createBeside(path_, temporary_);
+  buffer_.reserve(kFilePiece);
+}
+
+OutputFile::~OutputFile() {
+  if (temporary_.empty()) return;
+  handle_.reset();
+  DeleteFileA(temporary_.c_str());
+}
+
+void OutputFile::write(ByteView bytes) {
+  if (buffer_.size() + bytes.size() > kFilePiece) flush();
+  if (bytes.size() >= kFilePiece) {
+    writeThrough(bytes);
+  } else {
+    append(buffer_, bytes);
+  }
+}
+
+void OutputFile::overwrite(uint64_t offset, ByteView bytes) {
+  flush();
+  LARGE_INTEGER position;
+  position.QuadPart = static_cast<LONGLONG>(offset);
+  if (!SetFilePointerEx(handle_.get(), position, nullptr, FILE_BEGIN)) failWithLastError();
+  writeThrough(bytes);
+  if (!SetFilePointerEx(handle_.get(), LARGE_INTEGER{}, nullptr, FILE_END)) failWithLastError();
+}
+
+void OutputFile::commit() {
+  flush();
+  handle_.reset();
+  if (!MoveFileExA(temporary_.c_str(), path_.c_str(), MOVEFILE_REPLACE_EXISTING)) failWithLastError();
+  temporary_.clear();
+}
+
+void OutputFile::flush() {
+  writeThrough(buffer_);
+  buffer_.clear();
+}
+
+void OutputFile::writeThrough(ByteView bytes) {
+  while (!bytes.empty()) {
+    const DWORD wanted = static_cast<DWORD>(std::min<size_t>(bytes.size(), 64 * kFilePiece));
+    DWORD written = 0;
+    if (!WriteFile(handle_.get(), bytes.data(), wanted, &written, nullptr)) failWithLastError();
+    if (written == 0) fail(kWinDiskFull);
+    bytes = bytes.subspan(written);
+  }
+}
+
+std::string freeNameBeside(const std::string& path) {
+  std::string name;
+  createBeside(path, name);
+  return name;
+}
+
+void writeWholeFile(const char* path, ByteView bytes) {
+  OutputFile file(path);
+  file.write(bytes);
+  file.commit();
+}
+
+std::string joinPath(const std::string& folder, const std::string& name) {
+  if (folder.empty()) return name;
+  const char last = folder.back();
+  return last == '\\' || last == '/' ? folder + name : folder + '\\' + name;
+}
+
+std::vector<std::string> filesIn(const std::string& folder, const char* pattern) {
+  WIN32_FIND_DATAA entry{};
+  const HANDLE search = FindFirstFileA(joinPath(folder, pattern).c_str(), &entry);
+  std::vector<std::string> names;
+  if (search == INVALID_HANDLE_VALUE) {
+    if (GetLastError() == ERROR_FILE_NOT_FOUND) return names;
+    fail(kStoreUnreadable);
+  }
+  do {
+    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.emplace_back(entry.cFileName);
+  } while (FindNextFileA(search, &entry));
+  FindClose(search);
+  return names;
+}
+
+}  // namespace standin

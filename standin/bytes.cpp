@@ -1,8 +1,0 @@
-// Byte sequences.
-#include "standin/bytes.h"
-
-namespace standin {
-
-void append(Bytes& bytes, ByteView more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
-
-}  // namespace standin

@@ -1,0 +1,35 @@
+// What the extensions of a certificate say, apart from alternative names and key usage.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "standin/base/bytes.h"
+#include "standin/base/openssl_owners.h"
+
+namespace standin {
+
+/// The registered name of the object, or its dotted number when it has none or `as_number` is set.
+std::string objectText(const ASN1_OBJECT* object, bool as_number);
+
+/// The dotted numbers, in order; empty when the certificate does not state the extension.
+std::vector<std::string> extKeyUsageOf(const X509* certificate);
+
+/// A policy with its user notice: the texts are UTF-8. Without a notice, `text` is the address of the practice
+/// statement.
+struct CertPolicy {
+  std::string oid;
+  std::string organisation;
+  int32_t notice_number = 0;
+  std::string text;
+};
+std::vector<CertPolicy> policiesOf(const X509* certificate);
+
+struct CertExtension {
+  std::string oid;
+  bool critical;
+  Bytes value;  ///< DER
+};
+std::vector<CertExtension> extensionsOf(const X509* certificate);
+
+}  // namespace standin

@@ -1,0 +1,76 @@
+// Matching of certificates with identifiers.
+#include "standin/certificates/cert_id.h"
+
+#include <cstring>
+
+#include "standin/base/ansi.h"
+#include "standin/base/bytes.h"
+#include "standin/base/codes.h"
+#include "standin/certificates/names.h"
+
+namespace standin {
+namespace {
+
+constexpr int32_t kByIssuerAndSerial = 0;
+constexpr int32_t kByKeyId = 1;
+constexpr int32_t kByHash = 2;
+constexpr int32_t kNotChosen = -1;
+
+bool isComplete(const CertIdRecord& id) {
+  switch (id.type) {
+    case kByIssuerAndSerial:
+      return id.issuerAndSerial.issuer != nullptr && id.issuerAndSerial.serialNumber != nullptr;
+    case kByKeyId:
+      return id.keyId != nullptr;
+    case kByHash:
+      return id.certHash.data != nullptr && id.certHash.len != 0;
+    default:
+      return false;
+  }
+}
+
+const EVP_MD* digestOfLength(uint32_t length) {
+  switch (length) {
+    case 20:
+      return EVP_sha1();
+    case 32:
+      return EVP_sha256();
+    case 48:
+      return EVP_sha384();
+    case 64:
+      return EVP_sha512();
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace
+
+bool namesCertificate(const CertIdRecord* id) {
+  if (id == nullptr || id->type == kNotChosen) return false;
+  if (!isComplete(*id)) fail(kWinInvalidParameter);
+  return true;
+}
+
+bool isHashOf(const X509* certificate, const DataBlob_t& hash) {
+  const EVP_MD* digest = digestOfLength(hash.len);
+  if (digest == nullptr) return false;
+  unsigned char computed[EVP_MAX_MD_SIZE];
+  unsigned int length = 0;
+  return X509_digest(certificate, digest, computed, &length) == 1 && length == hash.len &&
+         std::memcmp(computed, hash.data, length) == 0;
+}
+
+bool matches(const X509* certificate, const CertIdRecord& id) {
+  switch (id.type) {
+    case kByIssuerAndSerial:
+      return isSameHex(id.issuerAndSerial.serialNumber, serialText(certificate)) &&
+             isNameText(X509_get_issuer_name(certificate), utf8FromAnsi(id.issuerAndSerial.issuer));
+    case kByKeyId:
+      return isSameHex(id.keyId, hexOf(keyIdOf(certificate)));
+    default:
+      return isHashOf(certificate, id.certHash);
+  }
+}
+
+}  // namespace standin

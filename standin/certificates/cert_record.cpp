@@ -1,0 +1,220 @@
+// Filling and freeing of certificate records.
+#include "standin/certificates/cert_record.h"
+
+#include "standin/base/ansi.h"
+#include "standin/base/digest.h"
+#include "standin/base/times.h"
+#include "standin/certificates/alt_name.h"
+#include "standin/certificates/cert_extensions.h"
+#include "standin/certificates/der_objects.h"
+#include "standin/certificates/names.h"
+
+namespace standin {
+namespace {
+
+class RecordFiller {
+ public:
+  RecordFiller(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers)
+      : record_(record), certificate_(certificate), mask_(mask), buffers_(buffers) {}
+
+  void fill() {
+    fillNames();
+    fillTimes();
+    fillUniqueIds();
+    fillExtensions();
+    if (wants(kFieldKeyId)) putText(record_.keyId, kFieldKeyId, hexOf(keyIdOf(certificate_)));
+    if (wants(kFieldCertEncoded)) putBytes(record_.certEncoded, kFieldCertEncoded, derOf(certificate_));
+    if (wants(kFieldCertHash)) putBytes(record_.certHash, kFieldCertHash, hash());
+  }
+
+ private:
+  bool wants(uint32_t field) const { return (mask_ & field) != 0; }
+  void putText(char*& place, uint32_t field, const std::string& ansi) {
+    if (ansi.empty()) return;
+    place = buffers_.copyText(ansi);
+    record_.fields |= field;
+  }
+  void putBytes(DataBlob_t& place, uint32_t field, const Bytes& bytes) {
+    place = buffers_.copyBytes(bytes);
+    record_.fields |= field;
+  }
+  void putTime(uint32_t& place, uint32_t field, time_t seconds) {
+    if (seconds == 0) return;
+    place = recordTime(seconds);
+    record_.fields |= field;
+  }
+
+  void fillNames() {
+    if (wants(kFieldSerial)) putText(record_.serialNumber, kFieldSerial, serialText(certificate_));
+    if (wants(kFieldIssuer)) {
+      putText(record_.issuer, kFieldIssuer, ansiFromUtf8(nameText(X509_get_issuer_name(certificate_))));
+    }
+    if (wants(kFieldSubject | kFieldSubjectQualified)) {
+      const NameForm form = wants(kFieldSubjectQualified) ? NameForm::kQualified : NameForm::kShort;
+      putText(record_.subject, kFieldSubject, ansiFromUtf8(nameText(X509_get_subject_name(certificate_), form)));
+    }
+    if (wants(kFieldAlgorithm | kFieldAlgorithmOid)) putText(record_.algorithm, kFieldAlgorithm, algorithmText());
+  }
+
+  std::string algorithmText() const {
+    const X509_ALGOR* algorithm = X509_get0_tbs_sigalg(certificate_);
+    const ASN1_OBJECT* object = nullptr;
+    X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
+    return objectText(object, wants(kFieldAlgorithmOid));
+  }
+
+  void fillTimes() {
+    if (wants(kFieldNotBefore)) {
+      putTime(record_.notBefore, kFieldNotBefore, secondsOf(X509_get0_notBefore(certificate_)));
+    }
+    if (wants(kFieldNotAfter)) putTime(record_.notAfter, kFieldNotAfter, secondsOf(X509_get0_notAfter(certificate_)));
+    if (!wants(kFieldNotBeforePrivate | kFieldNotAfterPrivate)) return;
+    const KeyPeriod period = privateKeyPeriod(certificate_);
+    if (wants(kFieldNotBeforePrivate)) putTime(record_.notBeforePrivate, kFieldNotBeforePrivate, period.not_before);
+    if (wants(kFieldNotAfterPrivate)) putTime(record_.notAfterPrivate, kFieldNotAfterPrivate, period.not_after);
+  }
+
+  void fillUniqueIds() {
+    const ASN1_BIT_STRING* issuer = nullptr;
+    const ASN1_BIT_STRING* subject = nullptr;
+    X509_get0_uids(certificate_, &issuer, &subject);
+    if (wants(kFieldIssuerId)) putText(record_.issuerUID, kFieldIssuerId, bitsText(issuer));
+    if (wants(kFieldSubjectId)) putText(record_.subjectUID, kFieldSubjectId, bitsText(subject));
+  }
+
+  static std::string bitsText(const ASN1_BIT_STRING* bits) {
+    return bits == nullptr ? std::string() : hexOf({bits->data, static_cast<size_t>(bits->length)});
+  }
+
+  void fillExtensions() {
+    if (wants(kFieldKeyUsage)) {
+      record_.keyUsage = keyUsageOf(certificate_);
+      if (record_.keyUsage != 0) record_.fields |= kFieldKeyUsage;
+    }
+    if (wants(kFieldIssuerAltName) && fillAltName(record_.issuerAltName, certificate_, NID_issuer_alt_name, buffers_)) {
+      record_.fields |= kFieldIssuerAltName;
+    }
+    if (wants(kFieldSubjectAltName) &&
+        fillAltName(record_.subjectAltName, certificate_, NID_subject_alt_name, buffers_)) {
+      record_.fields |= kFieldSubjectAltName;
+    }
+    if (wants(kFieldExtKeyUsage)) fillExtKeyUsage();
+    if (wants(kFieldPolicy)) fillPolicies();
+    if (wants(kFieldExtensions)) fillExtensionList();
+  }
+
+  void fillExtKeyUsage() {
+    const std::vector<std::string> oids = extKeyUsageOf(certificate_);
+    if (oids.empty()) return;
+    record_.extKeyUsage = buffers_.allocateArray<char*>(oids.size());
+    for (const std::string& oid : oids) {
+      record_.extKeyUsage[record_.extKeyUsageCount++] = buffers_.copyText(oid);
+    }
+    record_.fields |= kFieldExtKeyUsage;
+  }
+
+  void fillPolicies() {
+    const std::vector<CertPolicy> policies = policiesOf(certificate_);
+    if (policies.empty()) return;
+    record_.policies = buffers_.allocateArray<PolicyRecord>(policies.size());
+    for (const CertPolicy& policy : policies) {
+      PolicyRecord& target = record_.policies[record_.policyCount++];
+      target.oid = buffers_.copyText(policy.oid);
+      if (!policy.organisation.empty()) target.org_name = buffers_.copyText(ansiFromUtf8(policy.organisation));
+      target.not_num = policy.notice_number;
+      if (!policy.text.empty()) target.text = buffers_.copyText(ansiFromUtf8(policy.text));
+    }
+    record_.fields |= kFieldPolicy;
+  }
+
+  void fillExtensionList() {
+    const std::vector<CertExtension> extensions = extensionsOf(certificate_);
+    if (extensions.empty()) return;
+    record_.extensions = buffers_.allocateArray<ExtensionRecord>(extensions.size());
+    for (const CertExtension& extension : extensions) {
+      ExtensionRecord& target = record_.extensions[record_.extensionCount++];
+      target.oid = buffers_.copyText(extension.oid);
+      target.type = extension.value.empty() ? 0 : extension.value[0];
+      target.critical = extension.critical ? 1 : 0;
+      target.data = buffers_.copyBytes(extension.value);
+    }
+    record_.fields |= kFieldExtensions;
+  }
+
+  Bytes hash() const {
+    Digest digest(EVP_sha1());
+    digest.update(derOf(certificate_));
+    return digest.finish();
+  }
+
+  CertificateRecord& record_;
+  X509* certificate_;
+  uint32_t mask_;
+  Buffers& buffers_;
+};
+
+struct UsageBit {
+  uint32_t record;
+  uint32_t certificate;
+};
+
+constexpr UsageBit kUsageBits[] = {
+    {1, KU_DIGITAL_SIGNATURE}, {2, KU_NON_REPUDIATION}, {4, KU_KEY_ENCIPHERMENT},
+    {8, KU_DATA_ENCIPHERMENT}, {16, KU_KEY_AGREEMENT},  {32, KU_KEY_CERT_SIGN},
+    {64, KU_CRL_SIGN},         {128, KU_ENCIPHER_ONLY}, {256, KU_DECIPHER_ONLY},
+};
+
+}  // namespace
+
+void fillRecord(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers) {
+  record = {};
+  RecordFiller(record, certificate, mask, buffers).fill();
+}
+
+void freeRecord(CertificateRecord& record, Buffers& buffers) {
+  for (char* text : {record.issuer, record.serialNumber, record.subject, record.algorithm, record.issuerUID,
+                     record.subjectUID, record.keyId}) {
+    buffers.release(text);
+  }
+  freeAltName(record.issuerAltName, buffers);
+  freeAltName(record.subjectAltName, buffers);
+  // A record whose arrays are none of ours was made elsewhere; its counts are not to be believed either.
+  if (buffers.owns(record.policies)) {
+    for (int32_t i = 0; i < record.policyCount; ++i) {
+      const PolicyRecord& policy = record.policies[i];
+      for (char* text : {policy.oid, policy.org_name, policy.text}) buffers.release(text);
+    }
+    buffers.release(record.policies);
+  }
+  if (buffers.owns(record.extKeyUsage)) {
+    for (int32_t i = 0; i < record.extKeyUsageCount; ++i) buffers.release(record.extKeyUsage[i]);
+    buffers.release(record.extKeyUsage);
+  }
+  if (buffers.owns(record.extensions)) {
+    for (int32_t i = 0; i < record.extensionCount; ++i) {
+      buffers.release(record.extensions[i].oid);
+      buffers.release(record.extensions[i].data.data);
+    }
+    buffers.release(record.extensions);
+  }
+  buffers.release(record.certEncoded.data);
+  buffers.release(record.certHash.data);
+  record = {};
+}
+
+uint32_t keyUsageOf(X509* certificate) {
+  if ((X509_get_extension_flags(certificate) & EXFLAG_KUSAGE) == 0) return 0;
+  const uint32_t stated = X509_get_key_usage(certificate);
+  uint32_t bits = 0;
+  for (const UsageBit& bit : kUsageBits) {
+    if ((stated & bit.certificate) != 0) bits |= bit.record;
+  }
+  return bits;
+}
+
+bool allowsKeyUsage(X509* certificate, uint32_t bits) {
+  const bool stated = (X509_get_extension_flags(certificate) & EXFLAG_KUSAGE) != 0;
+  return !stated || (keyUsageOf(certificate) & bits) == bits;
+}
+
+}  // namespace standin

@@ -1,0 +1,131 @@
+// Comparison of certificates with templates.
+#include "standin/certificates/certificate_match.h"
+
+#include <algorithm>
+#include <string>
+
+#include "standin/base/ansi.h"
+#include "standin/base/text_of_asn1.h"
+#include "standin/certificates/alt_name.h"
+#include "standin/certificates/cert_extensions.h"
+#include "standin/certificates/cert_id.h"
+#include "standin/certificates/cert_record.h"
+#include "standin/certificates/der_objects.h"
+#include "standin/certificates/names.h"
+
+namespace standin {
+namespace {
+
+bool isSet(const char* text) { return text != nullptr && *text != 0; }
+
+bool sameText(const std::string& left_ansi, const std::string& right_ansi) {
+  return foldCase(utf8FromAnsi(left_ansi)) == foldCase(utf8FromAnsi(right_ansi));
+}
+
+bool subjectHasAddress(const X509* certificate, const char* address) {
+  const X509_NAME* subject = X509_get_subject_name(certificate);
+  for (int i = X509_NAME_get_index_by_NID(subject, NID_pkcs9_emailAddress, -1); i >= 0;
+       i = X509_NAME_get_index_by_NID(subject, NID_pkcs9_emailAddress, i)) {
+    const std::string text = textOf(X509_NAME_ENTRY_get_data(X509_NAME_get_entry(subject, i)));
+    if (sameText(ansiFromUtf8(text), address)) return true;
+  }
+  return false;
+}
+
+class Comparison {
+ public:
+  Comparison(X509* certificate, const CertificateRecord& wanted) : certificate_(certificate), wanted_(wanted) {}
+
+  bool counts(uint32_t field) const { return wanted_.fields == 0 || (wanted_.fields & field) != 0; }
+
+  bool names(bool partial_subject) const {
+    if (counts(kFieldIssuer) && isSet(wanted_.issuer) &&
+        !isNameText(X509_get_issuer_name(certificate_), utf8FromAnsi(wanted_.issuer))) {
+      return false;
+    }
+    if (counts(kFieldSubject) && isSet(wanted_.subject)) {
+      const X509_NAME* subject = X509_get_subject_name(certificate_);
+      const std::string text = utf8FromAnsi(wanted_.subject);
+      if (!(partial_subject ? nameContains(subject, text) : isNameText(subject, text))) return false;
+    }
+    return altName(kFieldSubjectAltName, wanted_.subjectAltName, NID_subject_alt_name) &&
+           altName(kFieldIssuerAltName, wanted_.issuerAltName, NID_issuer_alt_name);
+  }
+
+  bool numbers() const {
+    if (counts(kFieldSerial) && isSet(wanted_.serialNumber) &&
+        !isSameHex(wanted_.serialNumber, serialText(certificate_))) {
+      return false;
+    }
+    if (counts(kFieldKeyId) && isSet(wanted_.keyId) && !isSameHex(wanted_.keyId, hexOf(keyIdOf(certificate_)))) {
+      return false;
+    }
+    if (counts(kFieldCertHash) && wanted_.certHash.len != 0 && !isHashOf(certificate_, wanted_.certHash)) return false;
+    if (!counts(kFieldCertEncoded) || wanted_.certEncoded.len == 0) return true;
+    const ByteView encoded = viewOf(&wanted_.certEncoded);
+    const Bytes der = derOf(certificate_);
+    return std::equal(encoded.begin(), encoded.end(), der.begin(), der.end());
+  }
+
+  bool uses() const {
+    if (counts(kFieldKeyUsage) && !allowsKeyUsage(certificate_, wanted_.keyUsage)) return false;
+    if (counts(kFieldExtKeyUsage) && wanted_.extKeyUsage != nullptr) {
+      const std::vector<std::string> stated = extKeyUsageOf(certificate_);
+      for (int32_t i = 0; i < wanted_.extKeyUsageCount; ++i) {
+        const std::string oid = textOrEmpty(wanted_.extKeyUsage[i]);
+        if (std::find(stated.begin(), stated.end(), oid) == stated.end()) return false;
+      }
+    }
+    if (!counts(kFieldPolicy) || wanted_.policies == nullptr) return true;
+    const std::vector<CertPolicy> stated = policiesOf(certificate_);
+    for (int32_t i = 0; i < wanted_.policyCount; ++i) {
+      const std::string oid = textOrEmpty(wanted_.policies[i].oid);
+      if (std::none_of(stated.begin(), stated.end(), [&](const CertPolicy& one) { return one.oid == oid; })) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+ private:
+  bool altName(uint32_t field, const AltNameRecord& wanted, int extension_nid) const {
+    if (!counts(field)) return true;
+    Buffers buffers;
+    AltNameRecord stated{};
+    fillAltName(stated, certificate_, extension_nid, buffers);
+    for (const AltNameField& member : altNameFields()) {
+      const char* text = wanted.*member.text;
+      if (!isSet(text)) continue;
+      const char* here = stated.*member.text;
+      if (here != nullptr && sameText(here, text)) continue;
+      // Older certificates have the e-mail address in the subject itself.
+      const bool in_subject = extension_nid == NID_subject_alt_name && member.place == AltNameField::Place::kEmail;
+      if (!in_subject || !subjectHasAddress(certificate_, text)) return false;
+    }
+    return true;
+  }
+
+  X509* certificate_;
+  const CertificateRecord& wanted_;
+};
+
+}  // namespace
+
+bool fits(X509* certificate, const CertificateRecord& wanted, bool partial_subject) {
+  const Comparison comparison(certificate, wanted);
+  return comparison.numbers() && comparison.uses() && comparison.names(partial_subject);
+}
+
+bool statesAnything(const CertificateRecord& wanted) {
+  const auto counts = [&](uint32_t field) { return wanted.fields == 0 || (wanted.fields & field) != 0; };
+  const bool has_address = counts(kFieldSubjectAltName) &&
+                           std::any_of(altNameFields().begin(), altNameFields().end(), [&](const AltNameField& member) {
+                             return isSet(wanted.subjectAltName.*member.text);
+                           });
+  return has_address || (counts(kFieldSubject) && isSet(wanted.subject)) ||
+         (counts(kFieldSerial) && isSet(wanted.serialNumber)) || (counts(kFieldKeyId) && isSet(wanted.keyId)) ||
+         (counts(kFieldCertHash) && wanted.certHash.len != 0) ||
+         (counts(kFieldCertEncoded) && wanted.certEncoded.len != 0);
+}
+
+}  // namespace standin

@@ -1,0 +1,16 @@
+// Whether a certificate fits the template of a search or the description of a recipient.
+#pragma once
+
+#include "engine/records.h"
+#include "standin/base/openssl_owners.h"
+
+namespace standin {
+
+/// Everything that the record states must hold; texts are compared without regard to case. When `fields` is 0, all
+/// members that are set count, otherwise only those of its mask. `partial_subject`: the subject need only occur.
+bool fits(X509* certificate, const CertificateRecord& wanted, bool partial_subject);
+
+/// Whether the record states anything at all that a certificate could be told by.
+bool statesAnything(const CertificateRecord& wanted);
+
+}  // namespace standin

@@ -1,0 +1,112 @@
+// Decoding and encoding of certificates, lists and requests.
+#include "standin/certificates/der_objects.h"
+
+#include <openssl/err.h>
+#include <openssl/pem.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "standin/base/codes.h"
+
+namespace standin {
+namespace {
+
+template <typename Owner, typename Decode>
+Owner decodeWhole(ByteView der, Decode decode) {
+  if (der.empty() || der.size() > kLargestObject) return nullptr;
+  const unsigned char* cursor = der.data();
+  Owner object(decode(nullptr, &cursor, static_cast<long>(der.size())));
+  if (object == nullptr || cursor != der.data() + der.size()) {
+    ERR_clear_error();
+    return nullptr;
+  }
+  return object;
+}
+
+template <typename Object, typename Encode>
+Bytes encode(Object* object, Encode encode_object) {
+  unsigned char* raw = nullptr;
+  const int length = encode_object(object, &raw);
+  if (length < 0) fail(kInternal);
+  const OctetsPtr owner(raw);
+  return Bytes(raw, raw + length);
+}
+
+bool looksLikePem(ByteView bytes) {
+  static constexpr char kMark[] = "-----BEGIN ";
+  const ByteView start = bytes.first(std::min<size_t>(bytes.size(), 64 * 1024));
+  return std::search(start.begin(), start.end(), kMark, kMark + sizeof kMark - 1) != start.end();
+}
+
+void addFromMessage(ByteView der, FoundObjects& found) {
+  const unsigned char* cursor = der.data();
+  const CmsPtr message(d2i_CMS_ContentInfo(nullptr, &cursor, static_cast<long>(der.size())));
+  if (message == nullptr) {
+    ERR_clear_error();
+    return;
+  }
+  if (OBJ_obj2nid(CMS_get0_type(message.get())) != NID_pkcs7_signed) return;
+  // A message that somebody signed is a document, not a bundle.
+  if (sk_CMS_SignerInfo_num(CMS_get0_SignerInfos(message.get())) > 0) return;
+  const CertStackPtr certificates(CMS_get1_certs(message.get()));
+  for (int i = 0; certificates != nullptr && i < sk_X509_num(certificates.get()); ++i) {
+    found.certificates.push_back(share(sk_X509_value(certificates.get(), i)));
+  }
+  STACK_OF(X509_CRL)* crls = CMS_get1_crls(message.get());
+  for (int i = 0; crls != nullptr && i < sk_X509_CRL_num(crls); ++i) {
+    found.crls.emplace_back(sk_X509_CRL_value(crls, i));
+  }
+  sk_X509_CRL_free(crls);
+}
+
+void addFromDer(ByteView der, bool bundles_too, FoundObjects& found) {
+  if (CertPtr certificate = certificateFromDer(der)) {
+    found.certificates.push_back(std::move(certificate));
+  } else if (CrlPtr crl = crlFromDer(der)) {
+    found.crls.push_back(std::move(crl));
+  } else if (RequestPtr request = requestFromDer(der)) {
+    found.requests.push_back(std::move(request));
+  } else if (bundles_too) {
+    addFromMessage(der, found);
+  }
+}
+
+void addFromPem(ByteView text, bool bundles_too, FoundObjects& found) {
+  const BioPtr source(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
+  char* name = nullptr;
+  char* header = nullptr;
+  unsigned char* data = nullptr;
+  long length = 0;
+  while (PEM_read_bio(source.get(), &name, &header, &data, &length) == 1) {
+    const TextPtr name_owner(name);
+    const TextPtr header_owner(header);
+    const OctetsPtr data_owner(data);
+    const bool is_secret = std::strstr(name, "PRIVATE KEY") != nullptr;
+    if (!is_secret) addFromDer({data, static_cast<size_t>(length)}, bundles_too, found);
+  }
+  ERR_clear_error();
+}
+
+FoundObjects find(ByteView bytes, bool bundles_too) {
+  FoundObjects found;
+  if (bytes.empty() || bytes.size() > kLargestObject) return found;
+  if (bytes[0] == 0x30) addFromDer(bytes, bundles_too, found);
+  if (found.empty() && looksLikePem(bytes)) addFromPem(bytes, bundles_too, found);
+  return found;
+}
+
+}  // namespace
+
+CertPtr certificateFromDer(ByteView der) { return decodeWhole<CertPtr>(der, d2i_X509); }
+CrlPtr crlFromDer(ByteView der) { return decodeWhole<CrlPtr>(der, d2i_X509_CRL); }
+RequestPtr requestFromDer(ByteView der) { return decodeWhole<RequestPtr>(der, d2i_X509_REQ); }
+
+Bytes derOf(const X509* certificate) { return encode(certificate, i2d_X509); }
+Bytes derOf(const X509_CRL* crl) { return encode(crl, i2d_X509_CRL); }
+Bytes derOf(X509_REQ* request) { return encode(request, i2d_X509_REQ); }
+
+FoundObjects objectsIn(ByteView bytes) { return find(bytes, false); }
+FoundObjects objectsInBundle(ByteView bytes) { return find(bytes, true); }
+
+}  // namespace standin

@@ -1,0 +1,105 @@
+// Texts of names and numbers.
+#include "standin/certificates/names.h"
+
+#include <openssl/x509v3.h>
+
+#include <cctype>
+
+#include "standin/base/ansi.h"
+#include "standin/base/codes.h"
+
+namespace standin {
+namespace {
+
+/// Escapes as RFC 2253 has them, but leaves letters of any script readable.
+constexpr unsigned long kTextFlags =
+    (ASN1_STRFLGS_RFC2253 & ~static_cast<unsigned long>(ASN1_STRFLGS_ESC_MSB)) | ASN1_STRFLGS_UTF8_CONVERT;
+
+std::string print(const X509_NAME* name, unsigned long flags) {
+  const BioPtr out(BIO_new(BIO_s_mem()));
+  if (out == nullptr) fail(kWinOutOfMemory);
+  X509_NAME_print_ex(out.get(), name, 0, kTextFlags | XN_FLAG_SEP_CPLUS_SPC | flags);
+  char* text = nullptr;
+  const long length = BIO_get_mem_data(out.get(), &text);
+  return std::string(text, static_cast<size_t>(length));
+}
+
+/// Folded case, and no spaces beside separators.
+std::string normalised(const std::string& text) {
+  const std::string folded = foldCase(text);
+  std::string result;
+  for (size_t i = 0; i < folded.size(); ++i) {
+    if (folded[i] == ' ') {
+      const size_t next = folded.find_first_not_of(' ', i);
+      const bool at_edge = result.empty() || next == std::string::npos;
+      const bool at_separator = at_edge || std::string_view(",=+").find(result.back()) != std::string_view::npos ||
+                                std::string_view(",=+").find(folded[next]) != std::string_view::npos;
+      if (at_separator || result.back() == ' ') continue;
+    }
+    result += folded[i];
+  }
+  return result;
+}
+
+constexpr unsigned long kForms[] = {
+    XN_FLAG_FN_SN | XN_FLAG_DN_REV,
+    XN_FLAG_FN_SN,
+    XN_FLAG_FN_LN | XN_FLAG_DN_REV,
+    XN_FLAG_FN_LN,
+};
+
+template <typename Compare>
+bool anyForm(const X509_NAME* name, Compare compare) {
+  for (const unsigned long form : kForms) {
+    if (compare(normalised(print(name, form)))) return true;
+  }
+  return false;
+}
+
+std::string hexDigits(const std::string& text) {
+  std::string digits;
+  size_t start = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0 ? 2 : 0;
+  for (; start < text.size(); ++start) {
+    const unsigned char c = static_cast<unsigned char>(text[start]);
+    if (c == ' ' || c == ':') continue;
+    digits += static_cast<char>(std::toupper(c));
+  }
+  return digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
+}
+
+}  // namespace
+
+std::string nameText(const X509_NAME* name, NameForm form) {
+  return print(name, XN_FLAG_DN_REV | (form == NameForm::kQualified ? XN_FLAG_FN_LN : XN_FLAG_FN_SN));
+}
+
+bool isNameText(const X509_NAME* name, const std::string& text) {
+  const std::string wanted = normalised(text);
+  return anyForm(name, [&](const std::string& form) { return form == wanted; });
+}
+
+bool nameContains(const X509_NAME* name, const std::string& part) {
+  const std::string wanted = normalised(part);
+  return anyForm(name, [&](const std::string& form) { return form.find(wanted) != std::string::npos; });
+}
+
+std::string serialText(const X509* certificate) {
+  const ASN1_INTEGER* serial = X509_get0_serialNumber(certificate);
+  const std::string digits = hexOf({serial->data, static_cast<size_t>(serial->length)});
+  const bool negative = (serial->type & V_ASN1_NEG) != 0;
+  return (negative ? "-" : "") + (digits.empty() ? "00" : digits);
+}
+
+bool isSameHex(const std::string& left, const std::string& right) { return hexDigits(left) == hexDigits(right); }
+
+Bytes keyIdOf(const X509* certificate) {
+  // The function only fills the certificate's cache of extensions.
+  const ASN1_OCTET_STRING* stated = X509_get0_subject_key_id(const_cast<X509*>(certificate));
+  if (stated != nullptr) return Bytes(stated->data, stated->data + stated->length);
+  unsigned char hash[EVP_MAX_MD_SIZE];
+  unsigned int length = 0;
+  if (X509_pubkey_digest(certificate, EVP_sha1(), hash, &length) != 1) return {};
+  return Bytes(hash, hash + length);
+}
+
+}  // namespace standin

@@ -1,0 +1,52 @@
+// What every exported function does around its work: finds and holds the session, and turns whatever is thrown into a
+// code.
+#pragma once
+
+#include <windows.h>
+
+#include <openssl/err.h>
+
+#include <new>
+
+#include "standin/base/codes.h"
+#include "standin/sessions/session.h"
+
+namespace standin {
+
+/// Runs `work()`, which throws or returns nothing.
+template <typename Work>
+int32_t guarded(Work work) noexcept {
+  // Errors of earlier calls on this thread would be taken for those of this one.
+  ERR_clear_error();
+  int32_t code = kOk;
+  try {
+    work();
+  } catch (const EngineError& error) {
+    code = error.code;
+  } catch (const std::bad_alloc&) {
+    code = kWinOutOfMemory;
+  } catch (...) {
+    code = kInternal;
+  }
+  ERR_clear_error();
+  return code;
+}
+
+/// Runs `work(session)` on the live session behind the handle; kBadSession when there is none.
+template <typename Work>
+int32_t inSession(EngineSession handle, Work work) noexcept {
+  return guarded([&] {
+    const std::shared_ptr<Session> session = findSession(handle);
+    LockScope scope(session->lock);
+    work(*session);
+  });
+}
+
+/// A pointer that the caller must give.
+template <typename T>
+T& required(T* pointer) {
+  if (pointer == nullptr) fail(kWinInvalidParameter);
+  return *pointer;
+}
+
+}  // namespace standin

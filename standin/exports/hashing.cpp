@@ -1,0 +1,79 @@
+// Exported functions: hashing and random numbers.
+#include <openssl/rand.h>
+
+#include "standin/base/digest.h"
+#include "standin/base/win_file.h"
+#include "standin/exports/guard.h"
+
+using namespace standin;
+
+namespace {
+
+constexpr int32_t kMostRandomBytes = 64 * 1024 * 1024;
+
+class HashStream : public Stream {
+ public:
+  explicit HashStream(const EVP_MD* algorithm) : digest_(algorithm) {}
+  void update(ByteView data) { digest_.update(data); }
+  Bytes finish() { return digest_.finish(); }
+
+ private:
+  Digest digest_;
+};
+
+Bytes hashFile(const char* algorithm, const char* path) {
+  Digest digest(digestByName(algorithm));
+  InputFile file(path);
+  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) digest.update(piece);
+  return digest.finish();
+}
+
+}  // namespace
+
+int32_t QUIVO_HashMem(EngineSession session, const DataBlob_t* in, DataBlob_t* hash) {
+  return inSession(session, [&](Session& s) {
+    DataBlob_t& target = required(hash);
+    Digest digest(defaultDigest());
+    digest.update(viewOf(in));
+    target = s.buffers.copyBytes(digest.finish());
+  });
+}
+
+int32_t QUIVO_HashFile(EngineSession session, const char* file, DataBlob_t* hash) {
+  return QUIVO_StrHashFile(session, nullptr, file, hash);
+}
+
+int32_t QUIVO_StrHashFile(EngineSession session, const char* algorithm, const char* file, DataBlob_t* hash) {
+  return inSession(session, [&](Session& s) {
+    DataBlob_t& target = required(hash);
+    target = s.buffers.copyBytes(hashFile(algorithm, file));
+  });
+}
+
+int32_t QUIVO_StrHashInitMem(EngineSession session, const char* algorithm, EngineStream* stream) {
+  return inSession(session, [&](Session& s) {
+    EngineStream& handle = required(stream);
+    handle = s.addStream(std::make_unique<HashStream>(digestByName(algorithm)));
+  });
+}
+
+int32_t QUIVO_StrHashUpdateMem(EngineSession session, EngineStream* stream, const DataBlob_t* data) {
+  return inSession(session, [&](Session& s) { s.stream<HashStream>(stream).update(viewOf(data)); });
+}
+
+int32_t QUIVO_StrHashFinalMem(EngineSession session, EngineStream* stream, DataBlob_t* hash) {
+  return inSession(session, [&](Session& s) {
+    DataBlob_t& target = required(hash);
+    target = s.buffers.copyBytes(s.endStream<HashStream>(stream)->finish());
+  });
+}
+
+int32_t QUIVO_GenRandom(EngineSession session, int32_t length, DataBlob_t* random) {
+  return inSession(session, [&](Session& s) {
+    DataBlob_t& target = required(random);
+    if (length < 0 || length > kMostRandomBytes) fail(kLengthRefused);
+    Bytes bytes(static_cast<size_t>(length));
+    if (RAND_bytes(bytes.data(), length) != 1) fail(kRandomFailed);
+    target = s.buffers.copyBytes(bytes);
+  });
+}

@@ -1,0 +1,138 @@
+// Reading and writing of BER elements.
+#include "standin/messages/ber.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "standin/base/codes.h"
+
+namespace standin::ber {
+namespace {
+
+constexpr int kDeepestNesting = 32;
+/// Lengths of more bytes than this cannot be meant.
+constexpr size_t kLongestLength = 7;
+
+size_t wholeSize(ByteView bytes, int depth) {
+  if (depth > kDeepestNesting) fail(kMessageDamaged);
+  const Header header = readHeader(bytes);
+  if (!header.indefinite) {
+    if (header.length > bytes.size() - header.size) throw NeedMore{};
+    return header.size + static_cast<size_t>(header.length);
+  }
+  size_t position = header.size;
+  for (;;) {
+    const Header inner = readHeader(bytes.subspan(position));
+    if (inner.isEndOfContents()) return position + inner.size;
+    position += wholeSize(bytes.subspan(position), depth + 1);
+  }
+}
+
+}  // namespace
+
+Header readHeader(ByteView bytes) {
+  if (bytes.size() < 2) throw NeedMore{};
+  const uint8_t tag = bytes[0];
+  // Tags of more than one byte do not occur in messages.
+  if ((tag & 0x1F) == 0x1F) fail(kMessageDamaged);
+  const uint8_t first = bytes[1];
+  if (first < 0x80) return {tag, false, first, 2};
+  if (first == 0x80) {
+    if ((tag & 0x20) == 0) fail(kMessageDamaged);
+    return {tag, true, 0, 2};
+  }
+  const size_t count = first & 0x7F;
+  if (count > kLongestLength) fail(kMessageDamaged);
+  if (bytes.size() < 2 + count) throw NeedMore{};
+  uint64_t length = 0;
+  for (size_t i = 0; i < count; ++i) length = length << 8 | bytes[2 + i];
+  return {tag, false, length, 2 + count};
+}
+
+Header Cursor::open(uint8_t tag) {
+  const Header header = readHeader(rest());
+  if (header.tag != tag) fail(kMessageDamaged);
+  position_ += header.size;
+  return header;
+}
+
+ByteView Cursor::element(uint8_t tag) {
+  if (readHeader(rest()).tag != tag) fail(kMessageDamaged);
+  return anyElement();
+}
+
+ByteView Cursor::anyElement() {
+  const ByteView element = rest().first(wholeSize(rest(), 0));
+  position_ += element.size();
+  return element;
+}
+
+void Cursor::skip(size_t count) {
+  if (count > rest().size()) throw NeedMore{};
+  position_ += count;
+}
+
+ByteView contentOf(ByteView element) {
+  const Header header = readHeader(element);
+  if (header.indefinite || header.length != element.size() - header.size) fail(kMessageDamaged);
+  return element.subspan(header.size);
+}
+
+std::vector<ByteView> childrenOf(ByteView element) {
+  const Header header = readHeader(element);
+  Cursor cursor(element.subspan(header.size));
+  std::vector<ByteView> children;
+  try {
+    while (!cursor.atEnd()) {
+      if (header.indefinite && readHeader(cursor.rest()).isEndOfContents()) break;
+      children.push_back(cursor.anyElement());
+    }
+  } catch (const NeedMore&) {
+    fail(kMessageDamaged);
+  }
+  return children;
+}
+
+Bytes encodeHeader(uint8_t tag, uint64_t length) {
+  if (length < 0x80) return {tag, static_cast<uint8_t>(length)};
+  Bytes digits;
+  for (uint64_t rest = length; rest != 0; rest >>= 8) digits.insert(digits.begin(), static_cast<uint8_t>(rest));
+  Bytes header = {tag, static_cast<uint8_t>(0x80 | digits.size())};
+  append(header, digits);
+  return header;
+}
+
+Bytes encode(uint8_t tag, ByteView content) {
+  Bytes element = encodeHeader(tag, content.size());
+  append(element, content);
+  return element;
+}
+
+Bytes encodeStart(uint8_t tag, ByteView start, uint64_t more) {
+  Bytes bytes = encodeHeader(tag, start.size() + more);
+  append(bytes, start);
+  return bytes;
+}
+
+Bytes join(std::initializer_list<ByteView> parts) {
+  Bytes joined;
+  for (const ByteView part : parts) append(joined, part);
+  return joined;
+}
+
+void sortAsSet(std::vector<Bytes>& elements) {
+  std::sort(elements.begin(), elements.end(), [](const Bytes& left, const Bytes& right) {
+    const int order = std::memcmp(left.data(), right.data(), std::min(left.size(), right.size()));
+    return order != 0 ? order < 0 : left.size() < right.size();
+  });
+  elements.erase(std::unique(elements.begin(), elements.end()), elements.end());
+}
+
+Bytes joinSorted(std::vector<Bytes> elements) {
+  sortAsSet(elements);
+  Bytes joined;
+  for (const Bytes& element : elements) append(joined, element);
+  return joined;
+}
+
+}  // namespace standin::ber

@@ -1,0 +1,78 @@
+// Elements of BER, as far as messages need them: reading of headers and of whole elements, writing of DER.
+#pragma once
+
+#include <initializer_list>
+#include <vector>
+
+#include "standin/base/bytes.h"
+
+namespace standin::ber {
+
+enum Tag : uint8_t {
+  kInteger = 0x02,
+  kOctetString = 0x04,
+  kOid = 0x06,
+  kSequence = 0x30,
+  kSet = 0x31,
+  kContext0 = 0x80,
+  kContext1 = 0x81,
+  kContext0Constructed = 0xA0,
+  kContext1Constructed = 0xA1,
+  kConstructedOctetString = 0x24,
+};
+
+/// Thrown when the bytes end inside an element: more of them may make it whole.
+struct NeedMore {};
+
+struct Header {
+  uint8_t tag;
+  bool indefinite;
+  uint64_t length;  ///< of the content; 0 for an indefinite one
+  size_t size;      ///< of the header itself
+
+  bool constructed() const { return (tag & 0x20) != 0; }
+  bool isEndOfContents() const { return tag == 0 && length == 0 && !indefinite; }
+};
+
+/// The header at the start of `bytes`. Throws NeedMore, or EngineError with kMessageDamaged when no element can begin
+/// so.
+Header readHeader(ByteView bytes);
+
+/// Reads elements one after the other; throws as readHeader does.
+class Cursor {
+ public:
+  explicit Cursor(ByteView bytes) : bytes_(bytes) {}
+
+  size_t position() const { return position_; }
+  bool atEnd() const { return position_ == bytes_.size(); }
+  ByteView rest() const { return bytes_.subspan(position_); }
+  /// The tag of the next element; 0 at the end and at an end-of-contents mark.
+  uint8_t peekTag() const { return atEnd() ? 0 : bytes_[position_]; }
+  /// Reads a header that must have this tag.
+  Header open(uint8_t tag);
+  /// Steps over a whole element with this tag, its end included, and gives its bytes, header included.
+  ByteView element(uint8_t tag);
+  ByteView anyElement();
+  void skip(size_t count);
+
+ private:
+  ByteView bytes_;
+  size_t position_ = 0;
+};
+
+/// The bytes inside a definite element.
+ByteView contentOf(ByteView element);
+/// The elements inside a constructed element of either form.
+std::vector<ByteView> childrenOf(ByteView element);
+
+Bytes encodeHeader(uint8_t tag, uint64_t length);
+Bytes encode(uint8_t tag, ByteView content);
+/// The header of an element and what it begins with, where `more` bytes of the element are still to come.
+Bytes encodeStart(uint8_t tag, ByteView start, uint64_t more);
+Bytes join(std::initializer_list<ByteView> parts);
+/// Puts elements into the order of a SET OF in DER, each once.
+void sortAsSet(std::vector<Bytes>& elements);
+/// The elements as the content of a SET OF.
+Bytes joinSorted(std::vector<Bytes> elements);
+
+}  // namespace standin::ber

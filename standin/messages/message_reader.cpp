@@ -1,0 +1,211 @@
+// The incremental parser of messages.
+#include "standin/messages/message_reader.h"
+
+#include <algorithm>
+
+#include "standin/base/codes.h"
+#include "standin/base/oids.h"
+
+namespace standin {
+namespace {
+
+/// What stands before and behind the content is kept in memory; no honest message comes near this.
+constexpr size_t kLargestPending = 16 * 1024 * 1024;
+constexpr size_t kDeepestContent = 8;
+/// The longest header of an element that readHeader accepts.
+constexpr size_t kLongestHeader = 9;
+
+Bytes copyOf(ByteView bytes) { return Bytes(bytes.begin(), bytes.end()); }
+
+bool equals(ByteView left, ByteView right) { return std::equal(left.begin(), left.end(), right.begin(), right.end()); }
+
+}  // namespace
+
+MessageReader::MessageReader(OnHead on_head, OnContent on_content)
+    : on_head_(std::move(on_head)), on_content_(std::move(on_content)) {}
+
+void MessageReader::feed(ByteView bytes) {
+  Bytes behind_head;
+  if (stage_ == Stage::kHead) {
+    append(pending_, bytes);
+    if (pending_.size() > kLargestPending) fail(kMessageDamaged);
+    if (!tryHead()) return;
+    behind_head = std::move(pending_);
+    behind_head.erase(behind_head.begin(), behind_head.begin() + static_cast<ptrdiff_t>(offset_));
+    pending_.clear();
+    bytes = behind_head;
+    on_head_(head_);
+  }
+  while (stage_ == Stage::kContent && !bytes.empty()) bytes = takeContent(bytes);
+  if (stage_ == Stage::kTail) {
+    append(pending_, bytes);
+    if (pending_.size() > kLargestPending) fail(kMessageDamaged);
+  }
+}
+
+void MessageReader::finish() {
+  if (stage_ != Stage::kTail) fail(kMessageDamaged);
+  try {
+    parseTail();
+  } catch (const ber::NeedMore&) {
+    fail(kMessageDamaged);
+  }
+}
+
+bool MessageReader::tryHead() {
+  levels_.clear();
+  head_ = {};
+  ber::Cursor cursor(pending_);
+  try {
+    parseHead(cursor);
+  } catch (const ber::NeedMore&) {
+    return false;
+  }
+  offset_ = cursor.position();
+  stage_ = Stage::kContent;
+  closeEndedContent();
+  return true;
+}
+
+void MessageReader::parseHead(ber::Cursor& cursor) {
+  levels_.push_back(openLevel(cursor, ber::kSequence));
+  const ByteView type = cursor.element(ber::kOid);
+  if (equals(type, kOidSignedData)) {
+    head_.kind = MessageKind::kSigned;
+  } else if (equals(type, kOidEnvelopedData)) {
+    head_.kind = MessageKind::kEnveloped;
+  } else {
+    fail(kMessageDamaged);
+  }
+  levels_.push_back(openLevel(cursor, ber::kContext0Constructed));
+  levels_.push_back(openLevel(cursor, ber::kSequence));
+  head_.elements.push_back(copyOf(cursor.element(ber::kInteger)));
+  if (head_.kind == MessageKind::kEnveloped && cursor.peekTag() == ber::kContext0Constructed) {
+    head_.elements.push_back(copyOf(cursor.anyElement()));
+  }
+  head_.elements.push_back(copyOf(cursor.element(ber::kSet)));
+  levels_.push_back(openLevel(cursor, ber::kSequence));
+  parseContentInfo(cursor);
+}
+
+void MessageReader::parseContentInfo(ber::Cursor& cursor) {
+  head_.content_type = copyOf(cursor.element(ber::kOid));
+  if (head_.kind == MessageKind::kEnveloped) head_.content_cipher = copyOf(cursor.element(ber::kSequence));
+  if (!moreInside(cursor, levels_.back())) return;
+  if (head_.kind == MessageKind::kSigned) levels_.push_back(openLevel(cursor, ber::kContext0Constructed));
+  const ber::Header content = ber::readHeader(cursor.rest());
+  const bool is_signed = head_.kind == MessageKind::kSigned;
+  const uint8_t primitive = is_signed ? ber::kOctetString : ber::kContext0;
+  const uint8_t constructed = is_signed ? ber::kConstructedOctetString : ber::kContext0Constructed;
+  if (content.tag != primitive && content.tag != constructed) fail(kMessageDamaged);
+  cursor.skip(content.size);
+  head_.has_content = true;
+  offset_ = cursor.position();
+  beginContent(content);
+}
+
+bool MessageReader::moreInside(const ber::Cursor& cursor, const Level& level) const {
+  if (!level.indefinite) return cursor.position() < level.end;
+  return !ber::readHeader(cursor.rest()).isEndOfContents();
+}
+
+MessageReader::Level MessageReader::levelOf(const ber::Header& header, uint64_t content_offset, const Level* parent) {
+  const uint64_t end = content_offset + header.length;
+  if (parent != nullptr && !parent->indefinite && (content_offset > parent->end || end > parent->end)) {
+    fail(kMessageDamaged);
+  }
+  return {header.indefinite, end};
+}
+
+MessageReader::Level MessageReader::openLevel(ber::Cursor& cursor, uint8_t tag) {
+  const ber::Header header = cursor.open(tag);
+  return levelOf(header, cursor.position(), levels_.empty() ? nullptr : &levels_.back());
+}
+
+/// Expects `offset_` behind the header.
+void MessageReader::beginContent(const ber::Header& header) {
+  const Level* parent = content_levels_.empty() ? &levels_.back() : &content_levels_.back();
+  const Level level = levelOf(header, offset_, parent);
+  if (!header.constructed()) {
+    primitive_left_ = header.length;
+  } else if (content_levels_.size() == kDeepestContent) {
+    fail(kMessageDamaged);
+  } else {
+    content_levels_.push_back(level);
+  }
+}
+
+ByteView MessageReader::takeContent(ByteView bytes) {
+  if (primitive_left_ != 0) {
+    const size_t count = static_cast<size_t>(std::min<uint64_t>(primitive_left_, bytes.size()));
+    primitive_left_ -= count;
+    offset_ += count;
+    on_content_(bytes.first(count));
+    bytes = bytes.subspan(count);
+  } else {
+    bytes = nextContentHeader(bytes);
+  }
+  closeEndedContent();
+  return bytes;
+}
+
+void MessageReader::closeEndedContent() {
+  if (primitive_left_ != 0) return;
+  while (!content_levels_.empty() && !content_levels_.back().indefinite && content_levels_.back().end == offset_) {
+    content_levels_.pop_back();
+  }
+  if (content_levels_.empty()) stage_ = Stage::kTail;
+}
+
+ByteView MessageReader::nextContentHeader(ByteView bytes) {
+  ber::Header header;
+  if (pending_.empty() && bytes.size() >= kLongestHeader) {
+    header = ber::readHeader(bytes);
+    bytes = bytes.subspan(header.size);
+  } else {
+    // The header is cut by the end of a piece: gather it byte by byte.
+    pending_.push_back(bytes[0]);
+    bytes = bytes.subspan(1);
+    try {
+      header = ber::readHeader(pending_);
+    } catch (const ber::NeedMore&) {
+      return bytes;
+    }
+    pending_.clear();
+  }
+  offset_ += header.size;
+  if (header.isEndOfContents()) {
+    if (!content_levels_.back().indefinite) fail(kMessageDamaged);
+    content_levels_.pop_back();
+  } else if (header.tag == ber::kOctetString || header.tag == ber::kConstructedOctetString) {
+    beginContent(header);
+  } else {
+    fail(kMessageDamaged);
+  }
+  return bytes;
+}
+
+void MessageReader::parseTail() {
+  constexpr size_t kMessageLevels = 3;
+  ber::Cursor cursor(pending_);
+  while (levels_.size() > kMessageLevels) closeLevel(cursor);
+  const Level message = levels_.back();
+  while (message.indefinite ? !ber::readHeader(cursor.rest()).isEndOfContents()
+                            : offset_ + cursor.position() < message.end) {
+    tail_.push_back(copyOf(cursor.anyElement()));
+  }
+  while (!levels_.empty()) closeLevel(cursor);
+  if (!cursor.atEnd()) fail(kMessageDamaged);
+}
+
+void MessageReader::closeLevel(ber::Cursor& cursor) {
+  const Level level = levels_.back();
+  levels_.pop_back();
+  if (level.indefinite) {
+    if (!cursor.open(0).isEndOfContents()) fail(kMessageDamaged);
+  } else if (offset_ + cursor.position() != level.end) {
+    fail(kMessageDamaged);
+  }
+}
+
+}  // namespace standin

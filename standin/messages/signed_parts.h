@@ -1,0 +1,41 @@
+// A signed message without its content, in parts that can be taken out, added and put together again. Parts that are
+// kept keep their bytes.
+#pragma once
+
+#include <vector>
+
+#include "standin/base/bytes.h"
+#include "standin/base/openssl_owners.h"
+#include "standin/messages/message_reader.h"
+
+namespace standin {
+
+struct SignedParts {
+  int version = 1;
+  std::vector<Bytes> digest_algorithms;  ///< AlgorithmIdentifiers
+  Bytes content_type;                    ///< the OID element
+  std::vector<Bytes> certificates;
+  std::vector<Bytes> crls;
+  std::vector<Bytes> signers;  ///< SignerInfos, in the order of DER
+
+  /// Of a message that has been read to its end.
+  static SignedParts of(const MessageReader& reader);
+  /// Of a message without content made by libcrypto.
+  static SignedParts of(CMS_ContentInfo* message);
+
+  /// Adds the signers of `other` and what belongs to them.
+  void merge(const SignedParts& other);
+  /// What follows the content in a message.
+  Bytes trailer() const;
+  /// What precedes a content of that length, in DER.
+  Bytes header(uint64_t content_length, size_t trailer_length) const;
+  Bytes withoutContent() const;
+};
+
+/// The AlgorithmIdentifiers of the digests that the signers of a message use, from its head.
+std::vector<Bytes> digestAlgorithmsOf(const MessageReader::Head& head);
+
+/// The message as libcrypto knows it; fails with kMessageDamaged.
+CmsPtr messageFromDer(ByteView der);
+
+}  // namespace standin

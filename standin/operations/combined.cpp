@@ -1,0 +1,59 @@
+// Two operations in a row, with a file between them that nobody else sees the end of.
+#include "standin/operations/combined.h"
+
+#include <windows.h>
+
+#include "standin/base/codes.h"
+#include "standin/base/win_file.h"
+#include "standin/operations/decryption.h"
+#include "standin/operations/encryption.h"
+#include "standin/operations/recipients.h"
+#include "standin/operations/signing.h"
+
+namespace standin {
+namespace {
+
+/// The name of a file beside another, which is deleted in the end.
+class IntermediateFile {
+ public:
+  explicit IntermediateFile(const char* beside) : path_(freeNameBeside(beside)) {}
+  ~IntermediateFile() { DeleteFileA(path_.c_str()); }
+  IntermediateFile(const IntermediateFile&) = delete;
+  IntermediateFile& operator=(const IntermediateFile&) = delete;
+
+  const char* path() const { return path_.c_str(); }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace
+
+void signAndEncryptFile(Session& session, const SignParamRecord& sign, const EncryptParamRecord& encrypt,
+                        const char* in, const char* out) {
+  if (in == nullptr || out == nullptr) fail(kWinInvalidParameter);
+  // Recipients that cannot be found are noticed before the file is signed.
+  resolveRecipients(session, encrypt);
+  const IntermediateFile signed_file(out);
+  // Without its content the signed message would leave nothing to read for the recipients.
+  SignParamRecord attached = sign;
+  attached.flag &= ~kSignDetached;
+  signFile(session, &attached, in, nullptr, signed_file.path());
+  encryptFile(session, encrypt, signed_file.path(), out);
+}
+
+Verification decryptAndVerifyFile(Session& session, const DecryptParamRecord& decrypt, const VerifyParamRecord& verify,
+                                  const char* in, const char* out, DecryptResultRecord& decrypted) {
+  if (in == nullptr || out == nullptr) fail(kWinInvalidParameter);
+  const IntermediateFile signed_file(out);
+  try {
+    decryptFile(session, decrypt, in, signed_file.path(), decrypted);
+  } catch (const EngineError& error) {
+    decrypted = {};
+    decrypted.status = error.code;
+    throw;
+  }
+  return verifyFile(session, verify, nullptr, signed_file.path(), out);
+}
+
+}  // namespace standin

@@ -1,0 +1,151 @@
+// The forms of decryption.
+#include "standin/operations/decryption.h"
+
+#include "standin/base/codes.h"
+#include "standin/base/win_file.h"
+#include "standin/certificates/cert_id.h"
+#include "standin/certificates/cert_record.h"
+#include "standin/messages/enveloped_parts.h"
+#include "standin/messages/signed_parts.h"
+
+namespace standin {
+namespace {
+
+/// The recipients of a message beyond this many only mean to keep us busy.
+constexpr int kMostRecipients = 4096;
+
+/// Opens the content key when this entry of the message is for the own key; false when it is for somebody else.
+bool openFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& own) {
+  EVP_PKEY* key = own.key.get();
+  switch (CMS_RecipientInfo_type(entry)) {
+    case CMS_RECIPINFO_TRANS:
+      if (CMS_RecipientInfo_ktri_cert_cmp(entry, own.certificate.get()) != 0) return false;
+      EVP_PKEY_up_ref(key);
+      if (CMS_RecipientInfo_set0_pkey(entry, key) != 1) {
+        EVP_PKEY_free(key);
+        fail(kDecryptionFailed);
+      }
+      if (CMS_RecipientInfo_decrypt(message, entry) != 1) fail(kDecryptionFailed);
+      return true;
+    case CMS_RECIPINFO_AGREE: {
+      STACK_OF(CMS_RecipientEncryptedKey)* keys = CMS_RecipientInfo_kari_get0_reks(entry);
+      for (int i = 0; i < sk_CMS_RecipientEncryptedKey_num(keys); ++i) {
+        CMS_RecipientEncryptedKey* sealed = sk_CMS_RecipientEncryptedKey_value(keys, i);
+        if (CMS_RecipientEncryptedKey_cert_cmp(sealed, own.certificate.get()) != 0) continue;
+        const bool opened = CMS_RecipientInfo_kari_set0_pkey(entry, key) == 1 &&
+                            CMS_RecipientInfo_kari_decrypt(message, entry, sealed) == 1;
+        if (!opened) fail(kDecryptionFailed);
+        return true;
+      }
+      return false;
+    }
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+Decryptor::Decryptor(const Session& session, const CertIdRecord* id, MessageReader::OnContent on_plain)
+    : session_(session),
+      id_(id),
+      on_plain_(std::move(on_plain)),
+      reader_([this](const MessageReader::Head& head) { open(head); }, [this](ByteView piece) { decrypt(piece); }) {
+  if (session.keys.own().empty()) fail(kOwnCertificateNotFound);
+  // A key that is named must be there, whatever the message says.
+  if (namesCertificate(id)) session.keys.pick(id, KeyPurpose::kDecryption);
+}
+
+void Decryptor::feed(ByteView bytes) {
+  reader_.feed(bytes);
+  if (reader_.contentEnded()) endContent();
+}
+
+void Decryptor::finish() {
+  reader_.finish();
+  if (!ended_) fail(kMessageDamaged);
+}
+
+void Decryptor::open(const MessageReader::Head& head) {
+  const EnvelopedParts parts = EnvelopedParts::of(head);
+  if (!head.has_content) fail(kMessageDamaged);
+  message_ = messageFromDer(parts.withoutContent());
+  STACK_OF(CMS_RecipientInfo)* entries = CMS_get0_RecipientInfos(message_.get());
+  if (sk_CMS_RecipientInfo_num(entries) > kMostRecipients) fail(kTooLarge);
+  bool opened = false;
+  for (const OwnKey& own : session_.keys.own()) {
+    if (namesCertificate(id_) && !matches(own.certificate.get(), *id_)) continue;
+    for (int i = 0; !opened && i < sk_CMS_RecipientInfo_num(entries); ++i) {
+      opened = openFor(message_.get(), sk_CMS_RecipientInfo_value(entries, i), own);
+    }
+    if (opened) break;
+  }
+  // The identifier is the caller's and need not outlive the call that opened the message.
+  id_ = nullptr;
+  if (!opened) fail(kNotARecipient);
+  cipher_ = std::make_unique<ContentCipher>(message_.get());
+  const CertStackPtr stated(CMS_get1_certs(message_.get()));
+  if (stated != nullptr && sk_X509_num(stated.get()) > 0) sender_ = share(sk_X509_value(stated.get(), 0));
+}
+
+void Decryptor::decrypt(ByteView piece) {
+  cipher_->update(piece, plain_);
+  on_plain_(plain_.view());
+  plain_.clear();
+}
+
+void Decryptor::endContent() {
+  if (ended_) return;
+  ended_ = true;
+  if (!cipher_->finish(plain_)) fail(kDecryptionFailed);
+  on_plain_(plain_.view());
+  plain_.clear();
+}
+
+void fillResult(DecryptResultRecord& result, const Decryptor& decryptor, uint32_t info, Buffers& buffers) {
+  result = {};
+  if (decryptor.sender() != nullptr) fillRecord(result.cert, decryptor.sender(), info, buffers);
+}
+
+DataBlob_t decryptMemory(Session& session, const DecryptParamRecord& param, ByteView message,
+                         DecryptResultRecord& result) {
+  GrowingBuffer plain;
+  plain.reserve(message.size());
+  Decryptor decryptor(session, param.mycert, [&](ByteView piece) { plain.append(piece); });
+  decryptor.feed(message);
+  decryptor.finish();
+  const DataBlob_t out = plain.handOut(session.buffers);
+  fillResult(result, decryptor, param.info, session.buffers);
+  return out;
+}
+
+void decryptFile(Session& session, const DecryptParamRecord& param, const char* in, const char* out,
+                 DecryptResultRecord& result) {
+  InputFile input(in);
+  OutputFile output(out);
+  Decryptor decryptor(session, param.mycert, [&](ByteView piece) { output.write(piece); });
+  for (ByteView piece = input.next(); !piece.empty(); piece = input.next()) decryptor.feed(piece);
+  input.close();
+  decryptor.finish();
+  output.commit();
+  fillResult(result, decryptor, param.info, session.buffers);
+}
+
+DecryptStream::DecryptStream(Session& session, const CertIdRecord* id, ByteView start)
+    : session_(session), decryptor_(session, id, [this](ByteView piece) { plain_.append(piece); }) {
+  decryptor_.feed(start);
+}
+
+DataBlob_t DecryptStream::update(ByteView piece) {
+  decryptor_.feed(piece);
+  return plain_.handOut(session_.buffers);
+}
+
+void DecryptStream::finish(uint32_t info, DecryptResultRecord& result) {
+  decryptor_.finish();
+  // What came with Init was never fetched by an Update: the caller would lose it without a word.
+  if (!plain_.view().empty()) fail(kStreamOrder);
+  fillResult(result, decryptor_, info, session_.buffers);
+}
+
+}  // namespace standin

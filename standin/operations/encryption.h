@@ -1,0 +1,46 @@
+// Encryption to recipients: in memory, of files and of streams. The cipher of the content is AES-256 in CBC mode.
+#pragma once
+
+#include "standin/messages/content_cipher.h"
+#include "standin/messages/enveloped_parts.h"
+#include "standin/sessions/session.h"
+
+namespace standin {
+
+/// An envelope whose content key is made and sealed for every recipient.
+class Envelope {
+ public:
+  /// Fails as resolveRecipients does, or with kRecipientUnsuitable when a recipient's key cannot seal. The message
+  /// names the session's own certificate, if there is one, as its sender's.
+  Envelope(const Session& session, const EncryptParamRecord& param);
+
+  const EnvelopedParts& parts() const { return parts_; }
+  ContentCipher& cipher() { return *cipher_; }
+
+ private:
+  CmsPtr message_;
+  std::unique_ptr<ContentCipher> cipher_;
+  EnvelopedParts parts_;
+};
+
+DataBlob_t encryptMemory(Session& session, const EncryptParamRecord& param, ByteView data);
+/// Memory does not grow with the file.
+void encryptFile(Session& session, const EncryptParamRecord& param, const char* in, const char* out);
+
+/// Encryption of data in pieces; each call gives what is ready of the message.
+class EncryptStream : public Stream {
+ public:
+  EncryptStream(Session& session, const EncryptParamRecord& param);
+  DataBlob_t update(ByteView data);
+  DataBlob_t finish();
+
+ private:
+  void begin(GrowingBuffer& out);
+  static void addPiece(ByteView ciphertext, GrowingBuffer& out);
+
+  Session& session_;
+  Envelope envelope_;
+  bool begun_ = false;
+};
+
+}  // namespace standin

@@ -1,0 +1,210 @@
+// Making of certificate requests.
+#include "standin/operations/requests.h"
+
+#include <windows.h>
+
+#include "standin/base/ansi.h"
+#include "standin/base/codes.h"
+#include "standin/base/win_file.h"
+#include "standin/certificates/alt_name.h"
+#include "standin/certificates/cert_record.h"
+#include "standin/certificates/der_objects.h"
+#include "standin/certificates/distinguished_name.h"
+#include "standin/certificates/names.h"
+
+namespace standin {
+namespace {
+
+using ExtensionPtr = std::unique_ptr<X509_EXTENSION, FreeWith<X509_EXTENSION_free>>;
+using BitsPtr = std::unique_ptr<ASN1_BIT_STRING, FreeWith<ASN1_BIT_STRING_free>>;
+using UsagesPtr = std::unique_ptr<EXTENDED_KEY_USAGE, FreeWith<EXTENDED_KEY_USAGE_free>>;
+using OctetStringPtr = std::unique_ptr<ASN1_OCTET_STRING, FreeWith<ASN1_OCTET_STRING_free>>;
+using ObjectPtr = std::unique_ptr<ASN1_OBJECT, FreeWith<ASN1_OBJECT_free>>;
+
+struct FreeExtensions {
+  void operator()(STACK_OF(X509_EXTENSION) * stack) const { sk_X509_EXTENSION_pop_free(stack, X509_EXTENSION_free); }
+};
+
+constexpr int kKeyUsageBits = 9;
+constexpr unsigned kRsaBits = 2048;
+
+/// The extensions that a request asks for.
+class RequestedExtensions {
+ public:
+  explicit RequestedExtensions(const CertificateRecord& wanted) : stack_(sk_X509_EXTENSION_new_null()) {
+    addKeyUsage(wanted.keyUsage);
+    addExtKeyUsage(wanted);
+    if (const GeneralNamesPtr names = generalNamesOf(wanted.subjectAltName)) {
+      add(ExtensionPtr(X509V3_EXT_i2d(NID_subject_alt_name, 0, names.get())));
+    }
+    for (int32_t i = 0; wanted.extensions != nullptr && i < wanted.extensionCount; ++i) {
+      addOther(wanted.extensions[i]);
+    }
+  }
+
+  STACK_OF(X509_EXTENSION) * get() const { return stack_.get(); }
+
+ private:
+  void add(ExtensionPtr extension) {
+    if (extension == nullptr) fail(kRequestFailed);
+    if (sk_X509_EXTENSION_push(stack_.get(), extension.get()) == 0) fail(kWinOutOfMemory);
+    extension.release();
+  }
+
+  void addKeyUsage(uint32_t uses) {
+    if (uses == 0) return;
+    const BitsPtr bits(ASN1_BIT_STRING_new());
+    for (int bit = 0; bit < kKeyUsageBits; ++bit) {
+      if ((uses >> bit & 1) != 0) ASN1_BIT_STRING_set_bit(bits.get(), bit, 1);
+    }
+    add(ExtensionPtr(X509V3_EXT_i2d(NID_key_usage, 1, bits.get())));
+  }
+
+  void addExtKeyUsage(const CertificateRecord& wanted) {
+    if (wanted.extKeyUsage == nullptr || wanted.extKeyUsageCount <= 0) return;
+    const UsagesPtr usages(EXTENDED_KEY_USAGE_new());
+    for (int32_t i = 0; i < wanted.extKeyUsageCount; ++i) {
+      ObjectPtr usage(OBJ_txt2obj(textOrEmpty(wanted.extKeyUsage[i]).c_str(), 0));
+      if (usage == nullptr || sk_ASN1_OBJECT_push(usages.get(), usage.get()) == 0) fail(kRequestFailed);
+      usage.release();
+    }
+    add(ExtensionPtr(X509V3_EXT_i2d(NID_ext_key_usage, 0, usages.get())));
+  }
+
+  void addOther(const ExtensionRecord& wanted) {
+    const ObjectPtr type(OBJ_txt2obj(textOrEmpty(wanted.oid).c_str(), 1));
+    const OctetStringPtr value(ASN1_OCTET_STRING_new());
+    const ByteView data = viewOf(&wanted.data);
+    if (type == nullptr || ASN1_OCTET_STRING_set(value.get(), data.data(), static_cast<int>(data.size())) != 1) {
+      fail(kRequestFailed);
+    }
+    add(ExtensionPtr(X509_EXTENSION_create_by_OBJ(nullptr, type.get(), wanted.critical != 0 ? 1 : 0, value.get())));
+  }
+
+  std::unique_ptr<STACK_OF(X509_EXTENSION), FreeExtensions> stack_;
+};
+
+NamePtr subjectOf(const CertificateRecord& wanted, const X509* own) {
+  const std::string text = utf8FromAnsi(textOrEmpty(wanted.subject));
+  if (text.empty() && own != nullptr) return NamePtr(X509_NAME_dup(X509_get_subject_name(own)));
+  NamePtr name = nameFromText(text);
+  if (name == nullptr) fail(kWinInvalidParameter);
+  return name;
+}
+
+RequestPtr makeRequest(const X509_NAME* subject, EVP_PKEY* key, const RequestedExtensions& extensions) {
+  RequestPtr request(X509_REQ_new());
+  const bool made =
+      request != nullptr && X509_REQ_set_version(request.get(), 0) == 1 &&
+      X509_REQ_set_subject_name(request.get(), subject) == 1 && X509_REQ_set_pubkey(request.get(), key) == 1 &&
+      (sk_X509_EXTENSION_num(extensions.get()) == 0 || X509_REQ_add_extensions(request.get(), extensions.get()) == 1) &&
+      X509_REQ_sign(request.get(), key, EVP_sha256()) > 0;
+  if (!made) fail(kRequestFailed);
+  return request;
+}
+
+std::string keyIdText(EVP_PKEY* key) {
+  X509_PUBKEY* encoded = nullptr;
+  if (X509_PUBKEY_set(&encoded, key) != 1) fail(kRequestFailed);
+  const unsigned char* bits = nullptr;
+  int length = 0;
+  X509_PUBKEY_get0_param(nullptr, &bits, &length, nullptr, encoded);
+  std::string text = thumbprintText({bits, static_cast<size_t>(length)});
+  X509_PUBKEY_free(encoded);
+  return text;
+}
+
+std::string escaped(const std::string& text) {
+  std::string result;
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        result += "&amp;";
+        break;
+      case '<':
+        result += "&lt;";
+        break;
+      case '>':
+        result += "&gt;";
+        break;
+      case '"':
+        result += "&quot;";
+        break;
+      default:
+        result += c;
+    }
+  }
+  return result;
+}
+
+void addElement(std::string& xml, const char* name, const std::string& text) {
+  xml += std::string("  <") + name + ">" + escaped(text) + "</" + name + ">\n";
+}
+
+std::string base64Of(ByteView bytes) {
+  std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0');
+  const int length =
+      EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), bytes.data(), static_cast<int>(bytes.size()));
+  text.resize(static_cast<size_t>(length));
+  return text;
+}
+
+std::string xmlOf(const CertificateRecord& wanted, const X509_NAME* subject, EVP_PKEY* key, ByteView request) {
+  std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<CertificateRequest version=\"1\">\n";
+  addElement(xml, "Subject", nameText(subject));
+  addElement(xml, "KeyAlgorithm", OBJ_nid2ln(EVP_PKEY_get_base_id(key)));
+  addElement(xml, "KeyId", keyIdText(key));
+  if (wanted.keyUsage != 0) addElement(xml, "KeyUsage", std::to_string(wanted.keyUsage));
+  for (int32_t i = 0; wanted.extKeyUsage != nullptr && i < wanted.extKeyUsageCount; ++i) {
+    addElement(xml, "ExtKeyUsage", utf8FromAnsi(textOrEmpty(wanted.extKeyUsage[i])));
+  }
+  addElement(xml, "Pkcs10", base64Of(request));
+  return xml + "</CertificateRequest>\n";
+}
+
+}  // namespace
+
+Bytes makeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& wanted) {
+  if ((flags & kRequestTokens) != 0) fail(kNotSupported);
+  const bool uses_own = (flags & kRequestDoNotGenerate) != 0;
+  const OwnKey* own = uses_own ? &session.keys.pick(nullptr, KeyPurpose::kAny) : nullptr;
+  const NamePtr subject = subjectOf(wanted, own == nullptr ? nullptr : own->certificate.get());
+  const RequestedExtensions extensions(wanted);
+  if (own == nullptr && !session.store.isOpen()) fail(kNoStore);
+
+  KeyPtr made;
+  if (own == nullptr) {
+    made.reset(EVP_RSA_gen(kRsaBits));
+    if (made == nullptr) fail(kRequestFailed);
+  }
+  EVP_PKEY* key = own == nullptr ? made.get() : own->key.get();
+  const RequestPtr request = makeRequest(subject.get(), key, extensions);
+  const Bytes der = derOf(request.get());
+  const std::string name = keyIdText(key);
+  if (made != nullptr) session.keys.keep(key, session.store.folder(), name);
+  if (session.store.isOpen()) writeWholeFile(joinPath(session.store.folder(), name + ".req").c_str(), der);
+
+  const std::string xml = xmlOf(wanted, subject.get(), key, der);
+  return Bytes(xml.begin(), xml.end());
+}
+
+Bytes newestRequest(const Store& store) {
+  if (!store.isOpen()) fail(kNoStore);
+  std::string newest;
+  FILETIME newest_time{};
+  for (const std::string& name : filesIn(store.folder(), "*.req")) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    const std::string path = joinPath(store.folder(), name);
+    if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data)) continue;
+    if (newest.empty() || CompareFileTime(&data.ftLastWriteTime, &newest_time) > 0) {
+      newest = path;
+      newest_time = data.ftLastWriteTime;
+    }
+  }
+  if (newest.empty()) fail(kNothingToExport);
+  Bytes der = readWholeFile(newest.c_str(), kLargestObject);
+  if (requestFromDer(der) == nullptr) fail(kRequestDamaged);
+  return der;
+}
+
+}  // namespace standin

@@ -1,0 +1,193 @@
+// The forms of signing.
+#include "standin/operations/signing.h"
+
+#include <algorithm>
+
+#include "standin/base/codes.h"
+#include "standin/base/win_file.h"
+
+namespace standin {
+namespace {
+
+/// A message that was read whole: its signatures, and its content if it has one.
+struct ReadMessage {
+  SignedParts parts;
+  bool has_content = false;
+  uint64_t content_length = 0;
+};
+
+using Sink = MessageReader::OnContent;
+
+ReadMessage finishReading(MessageReader& reader) {
+  reader.finish();
+  return {SignedParts::of(reader), reader.head().has_content, 0};
+}
+
+ReadMessage readSigned(ByteView message, const Sink& on_content) {
+  MessageReader reader([](const MessageReader::Head&) {}, on_content);
+  reader.feed(message);
+  return finishReading(reader);
+}
+
+ReadMessage readSignedFile(const char* path, const Sink& on_content) {
+  uint64_t length = 0;
+  MessageReader reader([](const MessageReader::Head&) {},
+                       [&](ByteView piece) {
+                         length += piece.size();
+                         on_content(piece);
+                       });
+  InputFile file(path);
+  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) reader.feed(piece);
+  ReadMessage message = finishReading(reader);
+  message.content_length = length;
+  return message;
+}
+
+void ignore(ByteView) {}
+
+/// Where the content of a signed file comes from; it can be gone through more than once.
+struct ContentFile {
+  const char* path;
+  bool inside_message;
+  uint64_t length;
+
+  void pump(const Sink& sink) const {
+    uint64_t seen = 0;
+    const auto counted = [&](ByteView piece) {
+      seen += piece.size();
+      sink(piece);
+    };
+    if (inside_message) {
+      readSignedFile(path, counted);
+    } else {
+      InputFile file(path);
+      for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) counted(piece);
+    }
+    if (seen != length) fail(kFileChanged);
+  }
+};
+
+void requireSameContent(const char* data, const char* message) {
+  Digest in_file(defaultDigest());
+  Digest in_message(defaultDigest());
+  InputFile file(data);
+  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) in_file.update(piece);
+  readSignedFile(message, [&](ByteView piece) { in_message.update(piece); });
+  if (in_file.finish() != in_message.finish()) fail(kContentMismatch);
+}
+
+ContentFile contentOf(SignatureMaker& maker, const char* data, const char* existing) {
+  if (data == nullptr && existing == nullptr) fail(kContentMissing);
+  ContentFile content{data, false, data == nullptr ? 0 : InputFile(data).size()};
+  if (existing == nullptr) return content;
+  ReadMessage message = readSignedFile(existing, ignore);
+  maker.addTo(std::move(message.parts));
+  if (data == nullptr) {
+    if (!message.has_content) fail(kContentMissing);
+    return {existing, true, message.content_length};
+  }
+  if (message.has_content) requireSameContent(data, existing);
+  return content;
+}
+
+void writeAttached(SignatureMaker& maker, const ContentFile& content, const char* out) {
+  // The header states lengths that are only known when the signature is made: leave room for it, and fill it in then.
+  const SignedParts estimate = maker.estimate();
+  const Bytes room = estimate.header(content.length, estimate.trailer().size());
+  SignedParts signed_parts;
+  Bytes header;
+  {
+    OutputFile file(out);
+    file.write(room);
+    content.pump([&](ByteView piece) {
+      maker.update(piece);
+      file.write(piece);
+    });
+    signed_parts = maker.finish();
+    const Bytes trailer = signed_parts.trailer();
+    header = signed_parts.header(content.length, trailer.size());
+    file.write(trailer);
+    if (header.size() == room.size()) {
+      file.overwrite(0, header);
+      file.commit();
+      return;
+    }
+  }
+  OutputFile file(out);
+  file.write(header);
+  content.pump([&](ByteView piece) { file.write(piece); });
+  file.write(signed_parts.trailer());
+  file.commit();
+}
+
+DataBlob_t outputOf(Session& session, SignatureMaker& maker, ByteView content) {
+  const SignedParts parts = maker.finish();
+  if (maker.isDetached()) return session.buffers.copyBytes(parts.withoutContent());
+  const Bytes trailer = parts.trailer();
+  return session.buffers.join({parts.header(content.size(), trailer.size()), content, trailer});
+}
+
+}  // namespace
+
+DataBlob_t signMemory(Session& session, const SignParamRecord* param, std::optional<ByteView> data,
+                      std::optional<ByteView> existing) {
+  SignatureMaker maker(session.keys, param);
+  Bytes kept;
+  ByteView content = data.value_or(ByteView());
+  if (existing) {
+    ReadMessage message = readSigned(*existing, [&](ByteView piece) { append(kept, piece); });
+    if (!data && !message.has_content) fail(kContentMissing);
+    if (data && message.has_content && !std::equal(content.begin(), content.end(), kept.begin(), kept.end())) {
+      fail(kContentMismatch);
+    }
+    if (!data) content = kept;
+    maker.addTo(std::move(message.parts));
+  }
+  maker.update(content);
+  return outputOf(session, maker, content);
+}
+
+void signFile(Session& session, const SignParamRecord* param, const char* data, const char* existing, const char* out) {
+  if (out == nullptr) fail(kWinInvalidParameter);
+  SignatureMaker maker(session.keys, param);
+  const ContentFile content = contentOf(maker, given(data), given(existing));
+  if (!maker.isDetached()) {
+    writeAttached(maker, content, out);
+    return;
+  }
+  content.pump([&](ByteView piece) { maker.update(piece); });
+  writeWholeFile(out, maker.finish().withoutContent());
+}
+
+SignStream::SignStream(Session& session, const SignParamRecord* param, std::optional<ByteView> existing)
+    : session_(session), maker_(session.keys, param) {
+  if (!existing) return;
+  Bytes content;
+  ReadMessage message = readSigned(*existing, [&](ByteView piece) { append(content, piece); });
+  maker_.addTo(std::move(message.parts));
+  if (message.has_content) existing_content_ = std::move(content);
+}
+
+void SignStream::update(ByteView data) {
+  if (existing_content_) {
+    // The content is in the message already; data beside it can only be the same again.
+    const ByteView expected = ByteView(*existing_content_).subspan(matched_);
+    if (data.size() > expected.size() || !std::equal(data.begin(), data.end(), expected.begin()))
+      fail(kContentMismatch);
+    matched_ += data.size();
+    return;
+  }
+  maker_.update(data);
+  if (!maker_.isDetached()) append(content_, data);
+}
+
+DataBlob_t SignStream::finish() {
+  if (existing_content_) {
+    if (matched_ != 0 && matched_ != existing_content_->size()) fail(kContentMismatch);
+    content_ = std::move(*existing_content_);
+    maker_.update(content_);
+  }
+  return outputOf(session_, maker_, content_);
+}
+
+}  // namespace standin

@@ -1,0 +1,109 @@
+// The own keys of a session.
+#include "standin/sessions/key_store.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+#include "standin/base/ansi.h"
+#include "standin/base/codes.h"
+#include "standin/base/times.h"
+#include "standin/base/win_file.h"
+#include "standin/certificates/cert_id.h"
+#include "standin/sessions/pkcs12_file.h"
+
+namespace standin {
+namespace {
+
+constexpr uint64_t kLargestKeyFile = 4 * 1024 * 1024;
+
+Bytes readKeyFile(const std::string& path) {
+  try {
+    return readWholeFile(path.c_str(), kLargestKeyFile);
+  } catch (const EngineError& error) {
+    const bool missing = error.code == ERROR_FILE_NOT_FOUND || error.code == ERROR_PATH_NOT_FOUND;
+    fail(missing ? kKeyFileMissing : error.code == kTooLarge ? kKeyFileDamaged : error.code);
+  }
+}
+
+bool suits(X509* certificate, KeyPurpose purpose) {
+  if (purpose == KeyPurpose::kAny) return true;
+  const uint32_t wanted = purpose == KeyPurpose::kSigning ? KU_DIGITAL_SIGNATURE | KU_NON_REPUDIATION
+                                                          : KU_KEY_ENCIPHERMENT | KU_KEY_AGREEMENT;
+  // A certificate without the extension answers with every bit set.
+  return (X509_get_key_usage(certificate) & wanted) != 0;
+}
+
+}  // namespace
+
+KeyStore::~KeyStore() { OPENSSL_cleanse(pin_.data(), pin_.size()); }
+
+void KeyStore::setPin(const std::string& pin) { pin_ = utf8FromAnsi(pin); }
+
+void KeyStore::open(const std::string& path) {
+  Pkcs12Content content = readPkcs12(readKeyFile(path), pin_);
+  for (KeyPtr& key : content.keys) keys_.push_back(std::move(key));
+  for (CertPtr& certificate : content.certificates) {
+    if (hasKeyOf(certificate.get())) {
+      adopt(certificate.get());
+    } else {
+      chain_.push_back(std::move(certificate));
+    }
+  }
+}
+
+void KeyStore::openFolder(const std::string& folder) {
+  for (const std::string& name : filesIn(folder, "*.key")) {
+    try {
+      if (KeyPtr key = readSealedKey(readKeyFile(joinPath(folder, name)), pin_)) keys_.push_back(std::move(key));
+    } catch (const EngineError&) {
+      // The folder is shared: what is unreadable here need not be ours.
+    }
+  }
+}
+
+void KeyStore::keep(EVP_PKEY* key, const std::string& folder, const std::string& name) {
+  writeWholeFile(joinPath(folder, name + ".key").c_str(), sealKey(key, pin_));
+  EVP_PKEY_up_ref(key);
+  keys_.emplace_back(key);
+}
+
+EVP_PKEY* KeyStore::keyOf(X509* certificate) const {
+  for (const KeyPtr& key : keys_) {
+    if (X509_check_private_key(certificate, key.get()) == 1) return key.get();
+  }
+  return nullptr;
+}
+
+void KeyStore::adopt(X509* certificate) {
+  EVP_PKEY* key = keyOf(certificate);
+  if (key == nullptr || owns(certificate)) return;
+  EVP_PKEY_up_ref(key);
+  own_.push_back({share(certificate), KeyPtr(key)});
+}
+
+bool KeyStore::owns(const X509* certificate) const {
+  return std::any_of(own_.begin(), own_.end(),
+                     [&](const OwnKey& own) { return X509_cmp(own.certificate.get(), certificate) == 0; });
+}
+
+const OwnKey& KeyStore::pick(const CertIdRecord* id, KeyPurpose purpose) const {
+  const OwnKey* best = nullptr;
+  int best_score = -1;
+  for (const OwnKey& own : own_) {
+    if (namesCertificate(id)) {
+      if (matches(own.certificate.get(), *id)) return own;
+      continue;
+    }
+    const int score = (suits(own.certificate.get(), purpose) ? 2 : 0) +
+                      (isWithinValidity(own.certificate.get(), currentTime()) ? 1 : 0);
+    if (score > best_score) {
+      best = &own;
+      best_score = score;
+    }
+  }
+  if (best == nullptr) fail(kOwnCertificateNotFound);
+  return *best;
+}
+
+}  // namespace standin

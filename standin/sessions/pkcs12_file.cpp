@@ -1,0 +1,187 @@
+// The bags of a PKCS#12 file, and single sealed keys.
+#include "standin/sessions/pkcs12_file.h"
+
+#include <openssl/err.h>
+#include <openssl/pem.h>
+#include <openssl/pkcs12.h>
+
+#include <string>
+
+#include "standin/base/codes.h"
+
+namespace standin {
+namespace {
+
+struct FreeSafes {
+  void operator()(STACK_OF(PKCS7) * stack) const { sk_PKCS7_pop_free(stack, PKCS7_free); }
+};
+struct FreeBags {
+  void operator()(STACK_OF(PKCS12_SAFEBAG) * stack) const { sk_PKCS12_SAFEBAG_pop_free(stack, PKCS12_SAFEBAG_free); }
+};
+using SafesPtr = std::unique_ptr<STACK_OF(PKCS7), FreeSafes>;
+using BagsPtr = std::unique_ptr<STACK_OF(PKCS12_SAFEBAG), FreeBags>;
+using KeyInfoPtr = std::unique_ptr<PKCS8_PRIV_KEY_INFO, FreeWith<PKCS8_PRIV_KEY_INFO_free>>;
+using SealedKeyPtr = std::unique_ptr<X509_SIG, FreeWith<X509_SIG_free>>;
+using PbeParamPtr = std::unique_ptr<PBEPARAM, FreeWith<PBEPARAM_free>>;
+using Pbe2ParamPtr = std::unique_ptr<PBE2PARAM, FreeWith<PBE2PARAM_free>>;
+using Pbkdf2ParamPtr = std::unique_ptr<PBKDF2PARAM, FreeWith<PBKDF2PARAM_free>>;
+
+/// A file may ask for any number of rounds of key derivation; beyond this many in all it only means to keep us busy.
+constexpr long kMostRounds = 2'000'000;
+constexpr int kDeepestNesting = 4;
+
+template <typename Owner>
+Owner unpack(const X509_ALGOR* algorithm, const ASN1_ITEM* item) {
+  const ASN1_OBJECT* object = nullptr;
+  int type = 0;
+  const void* value = nullptr;
+  X509_ALGOR_get0(&object, &type, &value, algorithm);
+  if (type != V_ASN1_SEQUENCE) return nullptr;
+  return Owner(static_cast<typename Owner::pointer>(ASN1_item_unpack(static_cast<const ASN1_STRING*>(value), item)));
+}
+
+/// The rounds of key derivation that the algorithm asks for; 0 when it states none.
+long roundsOf(const X509_ALGOR* algorithm) {
+  const ASN1_OBJECT* object = nullptr;
+  X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
+  if (OBJ_obj2nid(object) != NID_pbes2) {
+    const PbeParamPtr param = unpack<PbeParamPtr>(algorithm, ASN1_ITEM_rptr(PBEPARAM));
+    return param == nullptr ? 0 : ASN1_INTEGER_get(param->iter);
+  }
+  const Pbe2ParamPtr outer = unpack<Pbe2ParamPtr>(algorithm, ASN1_ITEM_rptr(PBE2PARAM));
+  if (outer == nullptr) return 0;
+  const Pbkdf2ParamPtr param = unpack<Pbkdf2ParamPtr>(outer->keyfunc, ASN1_ITEM_rptr(PBKDF2PARAM));
+  return param == nullptr ? 0 : ASN1_INTEGER_get(param->iter);
+}
+
+class Reader {
+ public:
+  explicit Reader(const std::string& pin) : pin_(pin) {}
+
+  Pkcs12Content read(PKCS12* file) {
+    checkPin(file);
+    const SafesPtr safes(PKCS12_unpack_authsafes(file));
+    if (safes == nullptr) fail(kKeyFileDamaged);
+    for (int i = 0; i < sk_PKCS7_num(safes.get()); ++i) readSafe(sk_PKCS7_value(safes.get(), i));
+    return std::move(content_);
+  }
+
+ private:
+  void spend(long rounds) {
+    // -1 is a number that does not fit.
+    if (rounds < 0 || rounds > kMostRounds - rounds_) fail(kKeyFileDamaged);
+    rounds_ += rounds;
+  }
+
+  void checkPin(PKCS12* file) {
+    if (PKCS12_mac_present(file) != 1) {
+      password_ = pin_.c_str();
+      return;
+    }
+    const ASN1_INTEGER* rounds = nullptr;
+    PKCS12_get0_mac(nullptr, nullptr, nullptr, &rounds, file);
+    const long stated = rounds == nullptr ? 1 : ASN1_INTEGER_get(rounds);
+    spend(stated);
+    if (PKCS12_verify_mac(file, pin_.c_str(), -1) == 1) {
+      password_ = pin_.c_str();
+      return;
+    }
+    // An empty PIN is written in two ways: as no text and as a text of no characters.
+    spend(stated);
+    if (!pin_.empty() || PKCS12_verify_mac(file, nullptr, 0) != 1) fail(kWrongPin);
+    password_ = nullptr;
+  }
+
+  void readSafe(PKCS7* safe) {
+    if (PKCS7_type_is_data(safe)) {
+      readBags(BagsPtr(PKCS12_unpack_p7data(safe)), 0);
+    } else if (PKCS7_type_is_encrypted(safe) && safe->d.encrypted != nullptr &&
+               safe->d.encrypted->enc_data != nullptr) {
+      spend(roundsOf(safe->d.encrypted->enc_data->algorithm));
+      readBags(BagsPtr(PKCS12_unpack_p7encdata(safe, password_, -1)), 0);
+    }
+  }
+
+  void readBags(const BagsPtr& bags, int depth) {
+    if (bags == nullptr) fail(kKeyFileDamaged);
+    for (int i = 0; i < sk_PKCS12_SAFEBAG_num(bags.get()); ++i) {
+      readBag(sk_PKCS12_SAFEBAG_value(bags.get(), i), depth);
+    }
+  }
+
+  void readBag(PKCS12_SAFEBAG* bag, int depth) {
+    switch (PKCS12_SAFEBAG_get_nid(bag)) {
+      case NID_keyBag:
+        addKey(PKCS12_SAFEBAG_get0_p8inf(bag));
+        break;
+      case NID_pkcs8ShroudedKeyBag: {
+        const X509_SIG* sealed = PKCS12_SAFEBAG_get0_pkcs8(bag);
+        const X509_ALGOR* algorithm = nullptr;
+        X509_SIG_get0(sealed, &algorithm, nullptr);
+        spend(roundsOf(algorithm));
+        const KeyInfoPtr key(PKCS12_decrypt_skey(bag, password_, -1));
+        if (key == nullptr) fail(kKeyFileDamaged);
+        addKey(key.get());
+        break;
+      }
+      case NID_certBag:
+        if (CertPtr certificate{PKCS12_SAFEBAG_get1_cert(bag)}) content_.certificates.push_back(std::move(certificate));
+        break;
+      case NID_safeContentsBag:
+        if (depth >= kDeepestNesting) fail(kKeyFileDamaged);
+        for (int i = 0; i < sk_PKCS12_SAFEBAG_num(PKCS12_SAFEBAG_get0_safes(bag)); ++i) {
+          readBag(sk_PKCS12_SAFEBAG_value(PKCS12_SAFEBAG_get0_safes(bag), i), depth + 1);
+        }
+        break;
+      default:
+        break;
+    }
+  }
+
+  void addKey(const PKCS8_PRIV_KEY_INFO* info) {
+    KeyPtr key(EVP_PKCS82PKEY(info));
+    if (key == nullptr) fail(kKeyFileDamaged);
+    content_.keys.push_back(std::move(key));
+  }
+
+  const std::string& pin_;
+  const char* password_ = nullptr;
+  long rounds_ = 0;
+  Pkcs12Content content_;
+};
+
+}  // namespace
+
+Pkcs12Content readPkcs12(ByteView der, const std::string& pin) {
+  const unsigned char* cursor = der.data();
+  const Pkcs12Ptr file(d2i_PKCS12(nullptr, &cursor, static_cast<long>(der.size())));
+  if (file == nullptr) fail(kKeyFileDamaged);
+  return Reader(pin).read(file.get());
+}
+
+KeyPtr readSealedKey(ByteView der, const std::string& pin) {
+  const unsigned char* cursor = der.data();
+  const SealedKeyPtr sealed(d2i_X509_SIG(nullptr, &cursor, static_cast<long>(der.size())));
+  if (sealed == nullptr) return nullptr;
+  const X509_ALGOR* algorithm = nullptr;
+  X509_SIG_get0(sealed.get(), &algorithm, nullptr);
+  const long rounds = roundsOf(algorithm);
+  if (rounds < 0 || rounds > kMostRounds) return nullptr;
+  const KeyInfoPtr info(PKCS8_decrypt(sealed.get(), pin.c_str(), static_cast<int>(pin.size())));
+  return KeyPtr(info == nullptr ? nullptr : EVP_PKCS82PKEY(info.get()));
+}
+
+Bytes sealKey(EVP_PKEY* key, const std::string& pin) {
+  const BioPtr out(BIO_new(BIO_s_mem()));
+  // The function does not change the text, whatever its type says.
+  char* text = const_cast<char*>(pin.c_str());
+  if (out == nullptr || i2d_PKCS8PrivateKey_bio(out.get(), key, EVP_aes_256_cbc(), text, static_cast<int>(pin.size()),
+                                                nullptr, nullptr) != 1) {
+    fail(kRequestFailed);
+  }
+  char* der = nullptr;
+  const long length = BIO_get_mem_data(out.get(), &der);
+  return Bytes(der, der + length);
+}
+
+}  // namespace standin

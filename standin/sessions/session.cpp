@@ -1,0 +1,107 @@
+// Sessions and the table of those that are open.
+#include "standin/sessions/session.h"
+
+#include "standin/base/codes.h"
+#include "standin/base/times.h"
+
+namespace standin {
+namespace {
+
+/// Handles of sessions and of streams come from one counter, so that neither is ever taken for the other.
+void* nextHandle() {
+  static volatile LONG64 last = 0x1000;
+  return reinterpret_cast<void*>(static_cast<uintptr_t>(InterlockedAdd64(&last, 16)));
+}
+
+struct SessionTable {
+  Lock lock;
+  std::map<EngineSession, std::shared_ptr<Session>> sessions;
+};
+
+/// Not an object with static duration: when a process ends with sessions open, nothing may be done about them any more.
+SessionTable& table() {
+  static SessionTable* const the_table = new SessionTable;
+  return *the_table;
+}
+
+}  // namespace
+
+Session::Session(const SessionSource& source) {
+  if (!source.folder.empty()) store.open(source.folder);
+  if ((source.flags & kInitVerifyContext) == 0) openKeys(source);
+  if ((source.flags & kInitCheckExpired) == 0) return;
+  for (const OwnKey& own : keys.own()) {
+    if (!isWithinValidity(own.certificate.get(), currentTime())) fail(kOwnCertificateExpired);
+  }
+}
+
+void Session::openKeys(const SessionSource& source) {
+  keys.setPin(source.pin);
+  if (!source.key_file.empty()) keys.open(source.key_file);
+  if (store.isOpen()) keys.openFolder(store.folder());
+  for (const CertPtr& certificate : store.certificates()) keys.adopt(certificate.get());
+  store.addTrusted(keys.chainCertificates());
+}
+
+void Session::addCertificate(X509* certificate) {
+  store.add(certificate);
+  keys.adopt(certificate);
+}
+
+std::vector<CertPtr> Session::knownCertificates() const {
+  std::vector<CertPtr> known;
+  for (const OwnKey& own : keys.own()) known.push_back(share(own.certificate.get()));
+  for (const CertPtr& certificate : store.certificates()) {
+    if (!keys.owns(certificate.get())) known.push_back(share(certificate.get()));
+  }
+  return known;
+}
+
+EngineStream Session::addStream(std::unique_ptr<Stream> stream) {
+  const EngineStream handle = nextHandle();
+  streams_.emplace(handle, std::move(stream));
+  return handle;
+}
+
+void Session::failStream() { fail(kBadStream); }
+
+Stream* Session::findStream(const EngineStream* handle) {
+  if (handle == nullptr) fail(kWinInvalidParameter);
+  const auto found = streams_.find(*handle);
+  return found == streams_.end() ? nullptr : found->second.get();
+}
+
+std::unique_ptr<Stream> Session::takeStream(EngineStream* handle) {
+  const auto found = streams_.find(*handle);
+  std::unique_ptr<Stream> stream = std::move(found->second);
+  streams_.erase(found);
+  *handle = nullptr;
+  return stream;
+}
+
+EngineSession addSession(std::shared_ptr<Session> session) {
+  LockScope scope(table().lock);
+  const EngineSession handle = nextHandle();
+  table().sessions.emplace(handle, std::move(session));
+  return handle;
+}
+
+std::shared_ptr<Session> findSession(EngineSession handle) {
+  LockScope scope(table().lock);
+  const auto found = table().sessions.find(handle);
+  if (found == table().sessions.end()) fail(kBadSession);
+  return found->second;
+}
+
+std::shared_ptr<Session> removeSession(EngineSession handle) {
+  LockScope scope(table().lock);
+  const auto found = table().sessions.find(handle);
+  if (found == table().sessions.end()) fail(kBadSession);
+  std::shared_ptr<Session> session = std::move(found->second);
+  table().sessions.erase(found);
+  return session;
+}
+
+void removeAllSessions() { delete &table(); }
+
+}  // namespace standin

@@ -1,0 +1,140 @@
+// The folder of certificates and revocation lists.
+#include "standin/sessions/store.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+#include "standin/base/ansi.h"
+#include "standin/base/codes.h"
+#include "standin/base/times.h"
+#include "standin/base/win_file.h"
+#include "standin/certificates/der_objects.h"
+
+namespace standin {
+namespace {
+
+/// A file that cannot be read is passed over: a store is shared, and a file may be on its way in or out.
+FoundObjects objectsInFile(const std::string& path) {
+  try {
+    return objectsIn(readWholeFile(path.c_str(), kLargestObject));
+  } catch (const EngineError&) {
+    return {};
+  }
+}
+
+time_t issuedAt(const X509_CRL* crl) { return secondsOf(X509_CRL_get0_lastUpdate(crl)); }
+
+bool isOutdated(const X509_CRL* crl) {
+  const ASN1_TIME* next = X509_CRL_get0_nextUpdate(crl);
+  return next != nullptr && secondsOf(next) < currentTime();
+}
+
+}  // namespace
+
+std::string thumbprintText(ByteView der) {
+  unsigned char hash[EVP_MAX_MD_SIZE];
+  unsigned int length = 0;
+  if (EVP_Digest(der.data(), der.size(), hash, &length, EVP_sha1(), nullptr) != 1) fail(kInternal);
+  return hexOf({hash, length});
+}
+
+void Store::open(const std::string& folder) {
+  const DWORD attributes = GetFileAttributesA(folder.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) fail(kStoreUnreadable);
+  folder_ = folder;
+  readFolder(true);
+}
+
+void Store::readFolder(bool certificates_too) {
+  for (const std::string& name : filesIn(folder_, "*")) {
+    FoundObjects found = objectsInFile(joinPath(folder_, name));
+    for (CrlPtr& crl : found.crls) remember(std::move(crl));
+    if (!certificates_too) continue;
+    for (CertPtr& certificate : found.certificates) remember(std::move(certificate));
+  }
+}
+
+void Store::addTrusted(const std::vector<CertPtr>& certificates) {
+  for (const CertPtr& certificate : certificates) remember(share(certificate.get()));
+}
+
+Store::CrlReload Store::reloadCrls() {
+  if (!isOpen()) fail(kNoStore);
+  std::vector<CrlPtr> before = std::move(crls_);
+  crls_.clear();
+  try {
+    readFolder(false);
+  } catch (...) {
+    crls_ = std::move(before);
+    throw;
+  }
+  CrlReload result;
+  result.lists = crls_.size();
+  for (const CrlPtr& crl : crls_) {
+    const bool is_old = std::any_of(before.begin(), before.end(),
+                                    [&](const CrlPtr& known) { return X509_CRL_match(known.get(), crl.get()) == 0; });
+    if (!is_old) ++result.added;
+    if (isOutdated(crl.get())) ++result.outdated;
+  }
+  return result;
+}
+
+void Store::add(X509* certificate) {
+  if (!isOpen()) fail(kNoStore);
+  const Bytes der = derOf(certificate);
+  if (!knows(certificate)) writeWholeFile(joinPath(folder_, thumbprintText(der) + ".cer").c_str(), der);
+  remember(share(certificate));
+}
+
+void Store::add(X509_CRL* crl) {
+  if (!isOpen()) fail(kNoStore);
+  const X509_NAME* issuer = X509_CRL_get_issuer(crl);
+  const bool issuer_known = std::any_of(certificates_.begin(), certificates_.end(), [&](const CertPtr& certificate) {
+    return X509_NAME_cmp(X509_get_subject_name(certificate.get()), issuer) == 0;
+  });
+  if (issuer_known && issuerOf(crl) == nullptr) fail(kCrlForged);
+  const X509_CRL* known = crlOf(issuer);
+  if (known != nullptr && X509_CRL_match(known, crl) == 0) return;
+  if (known != nullptr && issuedAt(crl) < issuedAt(known)) fail(kCrlOlder);
+  const Bytes der = derOf(crl);
+  writeWholeFile(joinPath(folder_, thumbprintText(der) + ".crl").c_str(), der);
+  X509_CRL_up_ref(crl);
+  remember(CrlPtr(crl));
+}
+
+X509_CRL* Store::crlOf(const X509_NAME* issuer) const {
+  X509_CRL* newest = nullptr;
+  for (const CrlPtr& crl : crls_) {
+    if (X509_NAME_cmp(X509_CRL_get_issuer(crl.get()), issuer) != 0) continue;
+    if (newest == nullptr || issuedAt(crl.get()) > issuedAt(newest)) newest = crl.get();
+  }
+  return newest;
+}
+
+X509* Store::issuerOf(X509_CRL* crl) const {
+  for (const CertPtr& certificate : certificates_) {
+    if (X509_NAME_cmp(X509_get_subject_name(certificate.get()), X509_CRL_get_issuer(crl)) != 0) continue;
+    EVP_PKEY* key = X509_get0_pubkey(certificate.get());
+    if (key != nullptr && X509_CRL_verify(crl, key) == 1) return certificate.get();
+  }
+  return nullptr;
+}
+
+bool Store::knows(const X509* certificate) const {
+  return std::any_of(certificates_.begin(), certificates_.end(),
+                     [&](const CertPtr& known) { return X509_cmp(known.get(), certificate) == 0; });
+}
+
+void Store::remember(CertPtr certificate) {
+  if (!knows(certificate.get())) certificates_.push_back(std::move(certificate));
+}
+
+bool Store::remember(CrlPtr crl) {
+  const bool known = std::any_of(crls_.begin(), crls_.end(),
+                                 [&](const CrlPtr& other) { return X509_CRL_match(other.get(), crl.get()) == 0; });
+  if (!known) crls_.push_back(std::move(crl));
+  return !known;
+}
+
+}  // namespace standin

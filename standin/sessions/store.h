@@ -1,0 +1,60 @@
+// The certificate store of a session: a folder with one certificate or revocation list (DER or PEM) a file.
+// A self-signed certificate in the folder is a trusted root.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "standin/base/bytes.h"
+#include "standin/base/openssl_owners.h"
+
+namespace standin {
+
+class Store {
+ public:
+  /// Reads the folder; fails with kStoreUnreadable.
+  void open(const std::string& folder);
+  bool isOpen() const { return !folder_.empty(); }
+  const std::string& folder() const { return folder_; }
+
+  /// Further certificates that are known as if they lay in the folder.
+  void addTrusted(const std::vector<CertPtr>& certificates);
+
+  const std::vector<CertPtr>& certificates() const { return certificates_; }
+  const std::vector<CrlPtr>& crls() const { return crls_; }
+
+  /// What a reload of the folder's revocation lists found.
+  struct CrlReload {
+    size_t lists = 0;
+    size_t added = 0;
+    size_t outdated = 0;
+  };
+  CrlReload reloadCrls();
+
+  /// Writes the object into the folder and makes it known. One that is there already is left as it is.
+  /// Without a folder: kNoStore.
+  void add(X509* certificate);
+  /// The list takes the place of an older one of the same issuer; one that is older itself is refused with kCrlOlder,
+  /// one that its known issuer has not signed with kCrlForged.
+  void add(X509_CRL* crl);
+
+  /// The newest list of the issuer, or null.
+  X509_CRL* crlOf(const X509_NAME* issuer) const;
+  /// The certificate of that name with which the list verifies, or null.
+  X509* issuerOf(X509_CRL* crl) const;
+  bool knows(const X509* certificate) const;
+
+ private:
+  void remember(CertPtr certificate);
+  bool remember(CrlPtr crl);
+  void readFolder(bool certificates_too);
+
+  std::string folder_;
+  std::vector<CertPtr> certificates_;
+  std::vector<CrlPtr> crls_;
+};
+
+/// SHA-1 of the DER form, as capital hexadecimal digits: the name of the file of an object.
+std::string thumbprintText(ByteView der);
+
+}  // namespace standin

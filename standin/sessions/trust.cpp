@@ -1,0 +1,105 @@
+// Checking of certificate chains.
+#include "standin/sessions/trust.h"
+
+#include <algorithm>
+
+#include "standin/base/codes.h"
+#include "standin/base/times.h"
+
+namespace standin {
+namespace {
+
+/// What went wrong in a chain, the weightiest first.
+constexpr int32_t kBySeverity[] = {
+    kIssuerUnknown, kChainBroken, kCrlForged, kRevoked, kExpired, kNotYetValid, kVerifiedWithRemarks, kOk,
+};
+
+int32_t codeOf(int verify_error) {
+  switch (verify_error) {
+    case X509_V_OK:
+    // A store without a list of this issuer simply knows of no revocation.
+    case X509_V_ERR_UNABLE_TO_GET_CRL:
+    case X509_V_ERR_UNABLE_TO_GET_CRL_ISSUER:
+      return kOk;
+    case X509_V_ERR_CRL_HAS_EXPIRED:
+    case X509_V_ERR_CRL_NOT_YET_VALID:
+      return kVerifiedWithRemarks;
+    case X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT:
+    case X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY:
+    case X509_V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE:
+    case X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT:
+    case X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN:
+    case X509_V_ERR_CERT_UNTRUSTED:
+      return kIssuerUnknown;
+    case X509_V_ERR_CERT_REVOKED:
+      return kRevoked;
+    case X509_V_ERR_CERT_HAS_EXPIRED:
+      return kExpired;
+    case X509_V_ERR_CERT_NOT_YET_VALID:
+      return kNotYetValid;
+    case X509_V_ERR_CRL_SIGNATURE_FAILURE:
+      return kCrlForged;
+    default:
+      return kChainBroken;
+  }
+}
+
+class Findings {
+ public:
+  void add(int32_t code) { codes_.push_back(code); }
+  int32_t weightiest() const {
+    for (const int32_t code : kBySeverity) {
+      if (std::find(codes_.begin(), codes_.end(), code) != codes_.end()) return code;
+    }
+    return kOk;
+  }
+
+ private:
+  std::vector<int32_t> codes_;
+};
+
+/// Notes the error and goes on: one verdict is chosen from all that is found.
+int noteError(int ok, X509_STORE_CTX* context) {
+  if (ok == 1) return 1;
+  static_cast<Findings*>(X509_STORE_CTX_get_app_data(context))->add(codeOf(X509_STORE_CTX_get_error(context)));
+  return 1;
+}
+
+void push(STACK_OF(X509) * stack, X509* certificate) {
+  if (sk_X509_push(stack, certificate) == 0) fail(kWinOutOfMemory);
+}
+
+}  // namespace
+
+TrustChecker::TrustChecker(const Session& session, const STACK_OF(X509) * helpers)
+    : store_(X509_STORE_new()), helpers_(sk_X509_new_null()) {
+  if (store_ == nullptr || helpers_ == nullptr) fail(kWinOutOfMemory);
+  for (const CertPtr& certificate : session.store.certificates()) {
+    if ((X509_get_extension_flags(certificate.get()) & EXFLAG_SS) != 0) {
+      X509_STORE_add_cert(store_.get(), certificate.get());
+    } else {
+      push(helpers_.get(), certificate.get());
+    }
+  }
+  for (const CrlPtr& crl : session.store.crls()) X509_STORE_add_crl(store_.get(), crl.get());
+  for (int i = 0; helpers != nullptr && i < sk_X509_num(helpers); ++i) push(helpers_.get(), sk_X509_value(helpers, i));
+}
+
+int32_t TrustChecker::check(X509* certificate, const TrustOptions& options) const {
+  const TrustContextPtr context(X509_STORE_CTX_new());
+  if (context == nullptr || X509_STORE_CTX_init(context.get(), store_.get(), certificate, helpers_.get()) != 1) {
+    fail(kWinOutOfMemory);
+  }
+  X509_VERIFY_PARAM* param = X509_STORE_CTX_get0_param(context.get());
+  unsigned long flags = X509_V_FLAG_CRL_CHECK | X509_V_FLAG_CRL_CHECK_ALL;
+  if (!options.check_time) flags |= X509_V_FLAG_NO_CHECK_TIME;
+  X509_VERIFY_PARAM_set_flags(param, flags);
+  if (options.at != 0) X509_VERIFY_PARAM_set_time(param, options.at);
+  Findings findings;
+  X509_STORE_CTX_set_app_data(context.get(), &findings);
+  X509_STORE_CTX_set_verify_cb(context.get(), noteError);
+  if (X509_verify_cert(context.get()) < 0) return kChainBroken;
+  return findings.weightiest();
+}
+
+}  // namespace standin

@@ -1,0 +1,109 @@
+// Every operation with every one of its allocations failing: a failure is reported, nothing is lost or left locked.
+#include <functional>
+
+#include "contract/operations/calls.h"
+#include "support/certificates.h"
+#include "support/import_patch.h"
+#include "support/invoke.h"
+#include "support/malloc_spy.h"
+
+namespace {
+
+/// Answers with everything that an engine can hand out.
+void answerRichly(fake::FakeEngine& engine) {
+  for (const ByteOutput& row : kByteOutputs) engine.on(row.function).output = {1, 2, 3};
+  for (const char* function :
+       {"QUIVO_VerifyMem", "QUIVO_VerifyFile", "QUIVO_StrVerifyFile", "QUIVO_StrVerifyFinalMem"}) {
+    engine.on(function).signatures = {{0, 0, fullCertificate()}, {5, 0, {}}};
+  }
+  for (const char* function : {"QUIVO_DecryptMem", "QUIVO_DecryptFile", "QUIVO_StrDecryptFile",
+                               "QUIVO_StrDecryptFinalMem", "QUIVO_ParseCert"}) {
+    engine.on(function).certificate = fullCertificate();
+  }
+  engine.on("QUIVO_FindCert").certificates = {fullCertificate()};
+  engine.on("QUIVO_EncodeMem").text = "text";
+  engine.on("QUIVO_Ctrl").text = "text";
+}
+
+class AllocationFailureTest : public ContractTest, public ::testing::WithParamInterface<EngineCall> {
+ protected:
+  void SetUp() override { answerRichly(engine()); }
+
+  /// Runs the call with each allocation failing in turn, until one run needs no more of them. `first` is the result
+  /// when the first of them fails.
+  void sweep(const std::function<void(long)>& fail, const std::function<bool()>& failed,
+             uint32_t first = kOutOfMemory) {
+    for (long succeeding = 0; succeeding < 2000; ++succeeding) {
+      Objects objects(openQuivo());
+      fail(succeeding);
+      const HRESULT result = GetParam().call(objects);
+      const bool happened = failed();
+      fail(-1);
+      EXPECT_EQ(std::vector<std::string>{}, engine().outstanding()) << "with " << succeeding << " allocations";
+      if (!happened) {
+        EXPECT_OK(result);
+        return;
+      }
+      EXPECT_HR(succeeding == 0 ? first : kOutOfMemory, result) << "with " << succeeding << " allocations";
+    }
+    FAIL() << "never succeeded";
+  }
+};
+
+TEST_P(AllocationFailureTest, AllocationsOfTheModule) {
+  const Module& module = Module::get();
+  // Of this method alone the buffer of the text fails unmapped.
+  const uint32_t first = std::string(GetParam().name) == "GetMyCertB64" ? 0x8007000E : kOutOfMemory;
+  sweep([&](long succeeding) { module.failAllocation(succeeding); }, [&] { return module.allocationFailed(); }, first);
+}
+
+TEST_P(AllocationFailureTest, AllocationsOfThePlatformForTheResults) {
+  MallocSpy& spy = MallocSpy::get();
+  // Armed by the engine: what a row allocates for its arguments is the test's own affair.
+  const auto fail = [&](long succeeding) {
+    spy.failAllocation(-1);
+    engine().on(GetParam().function).during = [&spy, succeeding] { spy.failAllocation(succeeding); };
+  };
+  sweep(fail, [&] { return spy.allocationFailed(); });
+  engine().on(GetParam().function).during = nullptr;
+}
+
+INSTANTIATE_TEST_SUITE_P(Methods, AllocationFailureTest, ::testing::ValuesIn(kEngineCalls), nameOfRow<EngineCall>);
+
+using LateAllocationFailureTest = ContractTest;
+
+TEST_F(LateAllocationFailureTest, LateBoundCallWithEachFormOfItsOutput) {
+  engine().on("QUIVO_HashMem").output = {9};
+  for (int form = 0; form < 3; ++form) {
+    for (long succeeding = 0;; ++succeeding) {
+      ASSERT_LT(succeeding, 100);
+      Objects objects(openQuivo());
+      Holder holder(Holder::Kind::kExtendable);
+      Variant data = vbsBytes({1}), variable, holderArgument = Variant::object(&holder), reference = byRef(variable);
+      LateCall call{L"HashMem", DISPATCH_METHOD, {data}, {}, form == 1};
+      if (form == 0) call.positional.push_back(reference);
+      if (form == 2) call.positional.push_back(holderArgument);
+      Module::get().failAllocation(succeeding);
+      const LateResult outcome = invoke(objects.quivo, call);
+      const bool failed = Module::get().allocationFailed();
+      Module::get().failAllocation(-1);
+      if (!failed) {
+        EXPECT_OK(outcome.result);
+        break;
+      }
+      EXPECT_TRUE(FAILED(outcome.result)) << form << " " << succeeding;
+    }
+  }
+}
+
+TEST_F(LateAllocationFailureTest, NameOfTheValueThatAnObjectGetsCannotBeAllocated) {
+  engine().on("QUIVO_HashMem").output = {9};
+  Objects objects(openQuivo());
+  Holder holder(Holder::Kind::kExtendable);
+  Variant data = bytes({1}), argument = Variant::object(&holder);
+  ImportHook<"SysAllocString", decltype(SysAllocString)> hook([](const OLECHAR*) -> BSTR { return nullptr; });
+  EXPECT_HR(E_OUTOFMEMORY, invoke(objects.quivo, {L"HashMem", DISPATCH_METHOD, {data, argument}, {}, false}).result);
+  EXPECT_FALSE(holder.wasSet());
+}
+
+}  // namespace

@@ -1,0 +1,184 @@
+// How every byte result is written, and when the engine gets its buffer back.
+#include "contract/operations/calls.h"
+#include "support/malloc_spy.h"
+
+namespace {
+
+class ByteOutputTest : public ContractTest, public ::testing::WithParamInterface<ByteOutput> {
+ protected:
+  void SetUp() override {
+    objects_.emplace(openQuivo());
+    reply().output = {10, 0, 255};
+  }
+  HRESULT run(bool vbs, Variant& output) { return GetParam().call(*objects_, vbs, output.out()); }
+  fake::Reply& reply() { return engine().on(GetParam().function); }
+  uintptr_t freed() { return engine().only("QUIVO_FreeMem").value(1); }
+
+ private:
+  std::optional<Objects> objects_;
+};
+
+TEST_P(ByteOutputTest, BytesAreAByteArray) {
+  Variant output;
+  EXPECT_OK(run(false, output));
+  EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
+}
+
+TEST_P(ByteOutputTest, BytesInVbsFormAreAnArrayOfByteVariants) {
+  Variant output;
+  EXPECT_OK(run(true, output));
+  if (GetParam().hasVbsForm) {
+    EXPECT_EQ((Bytes{10, 0, 255}), vbsBytesOf(output));
+  } else {
+    EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
+  }
+}
+
+TEST_P(ByteOutputTest, OutputBlobIsAbsentBeforeTheCall) {
+  Variant output;
+  EXPECT_OK(run(false, output));
+  const fake::Call& call = engine().only(GetParam().function);
+  bool foundBlob = false;
+  for (size_t i = 1; i < call.arguments.size(); ++i) {
+    const fake::Snapshot& target = call.argument(i).target;
+    foundBlob |= target.bytes.size() == 16 && target.allZero();
+  }
+  EXPECT_TRUE(foundBlob);
+}
+
+TEST_P(ByteOutputTest, BufferIsGivenBackOnce) {
+  Variant output;
+  EXPECT_OK(run(false, output));
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeMem"));
+  EXPECT_EQ(engine().handedOut(), engine().givenBack());
+}
+
+TEST_P(ByteOutputTest, BufferIsGivenBackBeforeTheVariantIsSet) {
+  Variant output = Variant::text(L"before");
+  VARTYPE during = 0;
+  engine().on("QUIVO_FreeMem").during = [&] { during = output.type(); };
+  EXPECT_OK(run(false, output));
+  EXPECT_EQ(VT_BSTR, during);
+  EXPECT_EQ(kByteArray, output.type());
+}
+
+TEST_P(ByteOutputTest, FormerContentsAreCleared) {
+  Variant output = Variant::text(L"before");
+  EXPECT_OK(run(false, output));
+  EXPECT_EQ(kByteArray, output.type());
+}
+
+TEST_P(ByteOutputTest, FormerArrayIsReplaced) {
+  Variant output = vbsBytes({1, 2, 3, 4});
+  EXPECT_OK(run(false, output));
+  EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
+}
+
+TEST_P(ByteOutputTest, NoBytesLeaveAnEmptyVariant) {
+  reply().output = {};
+  for (bool vbs : {false, true}) {
+    Variant output = Variant::text(L"before");
+    EXPECT_OK(run(vbs && GetParam().hasVbsForm, output));
+    EXPECT_EQ(VT_EMPTY, output.type());
+    if (GetParam().always || vbs) break;
+  }
+  EXPECT_EQ(0u, engine().count("QUIVO_FreeMem"));
+}
+
+TEST_P(ByteOutputTest, EngineFailureLeavesTheVariantAlone) {
+  if (GetParam().always) return;
+  reply().output = {};
+  reply().result = 0x1234;
+  Variant output = Variant::text(L"before");
+  EXPECT_HR(0xE0691234, run(false, output));
+  EXPECT_EQ(L"before", textOf(output));
+}
+
+TEST_P(ByteOutputTest, EngineResultOneIsNoSuccess) {
+  if (GetParam().always) return;
+  reply().output = {};
+  reply().result = 1;
+  Variant output = Variant::text(L"before");
+  EXPECT_HR(S_FALSE, run(false, output));
+  EXPECT_EQ(L"before", textOf(output));
+}
+
+TEST_P(ByteOutputTest, UpdatesAreWrittenWhateverTheEngineReports) {
+  if (!GetParam().always) return;
+  reply().result = 0x1234;
+  Variant output = Variant::text(L"before");
+  EXPECT_HR(0xE0691234, run(false, output));
+  EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
+}
+
+TEST_P(ByteOutputTest, ArrayThatCannotBeCreatedIsReportedAndTheBufferGivenBack) {
+  for (int succeeding = 0;; ++succeeding) {
+    Variant output = Variant::number(77);
+    reply().during = [&] { MallocSpy::get().failAllocation(succeeding); };
+    const HRESULT result = run(false, output);
+    const bool failed = MallocSpy::get().allocationFailed();
+    MallocSpy::get().failAllocation(-1);
+    reply().during = nullptr;
+    if (!failed) {
+      EXPECT_GE(succeeding, 1) << "an array needs allocations";
+      break;
+    }
+    EXPECT_HR(kOutOfMemory, result) << succeeding;
+    EXPECT_EQ(VT_I4, output.type()) << succeeding;
+    EXPECT_EQ(std::vector<std::string>{}, engine().outstanding()) << succeeding;
+  }
+}
+
+TEST_P(ByteOutputTest, VariantThatCannotBeClearedIsReportedThoughTheBytesAreThere) {
+  LockedVariant output;
+  EXPECT_HR(DISP_E_ARRAYISLOCKED, GetParam().call(Objects(openQuivo()), false, &output.value));
+  EXPECT_EQ(kByteArray, V_VT(&output.value));
+  EXPECT_EQ(3u, V_ARRAY(&output.value)->rgsabound[0].cElements);
+}
+
+TEST_P(ByteOutputTest, VariantThatCannotBeEmptiedIsReported) {
+  reply().output = {};
+  LockedVariant output;
+  EXPECT_HR(DISP_E_ARRAYISLOCKED, GetParam().call(Objects(openQuivo()), false, &output.value));
+}
+
+TEST_P(ByteOutputTest, NullPointerIsRefusedBeforeTheEngineIsCalled) {
+  Objects objects(openQuivo());
+  EXPECT_HR(kInvalidArgument, GetParam().call(objects, false, nullptr));
+  EXPECT_EQ(std::vector<std::string>{}, engine().names());
+}
+
+INSTANTIATE_TEST_SUITE_P(Results, ByteOutputTest, ::testing::ValuesIn(kByteOutputs), nameOfRow<ByteOutput>);
+
+class ByteOutputOfDataTest : public ByteOutputTest {};
+
+TEST_P(ByteOutputOfDataTest, CopyOfTheDataIsGoneBeforeTheOutputIsMade) {
+  Variant output;
+  const long before = Module::get().liveAllocations();
+  long during = -1;
+  engine().on("QUIVO_FreeMem").during = [&] { during = Module::get().liveAllocations(); };
+  EXPECT_OK(run(true, output));
+  EXPECT_EQ(before, during);
+}
+
+INSTANTIATE_TEST_SUITE_P(Results, ByteOutputOfDataTest,
+                         ::testing::ValuesIn(rowsNamed(kByteOutputs,
+                                                       {"HashMem", "SignMem", "VerifyMem", "EncryptMem", "DecryptMem",
+                                                        "StrEncryptUpdateMem", "StrDecryptUpdateMem"})),
+                         nameOfRow<ByteOutput>);
+
+using EmptyBufferTest = ContractTest;
+
+TEST_F(EmptyBufferTest, BufferOfNoBytesIsLeftToTheEngine) {
+  static uint8_t buffer;
+  engine().on("QUIVO_HashMem").during = [&] {
+    // The pointer of the blob, behind its length.
+    *reinterpret_cast<uint8_t**>(engine().only("QUIVO_HashMem").value(2) + 8) = &buffer;
+  };
+  Variant output = Variant::number(77);
+  EXPECT_OK(openQuivo()->HashMem(bytes({1}), output.out()));
+  EXPECT_EQ(VT_EMPTY, output.type());
+  EXPECT_EQ(0u, engine().count("QUIVO_FreeMem"));
+}
+
+}  // namespace

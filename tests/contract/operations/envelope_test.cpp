@@ -1,0 +1,252 @@
+// Encrypting and decrypting bytes and files.
+#include "contract/properties/records.h"
+#include "support/certificates.h"
+#include "support/class_objects.h"
+#include "support/malloc_spy.h"
+
+namespace {
+
+class EncryptMemTest : public ContractTest {
+ protected:
+  fake::Reply& reply() { return engine().on("QUIVO_EncryptMem"); }
+  const fake::Call& call() { return engine().only("QUIVO_EncryptMem"); }
+
+  Ptr<IQUIVO> quivo = openQuivo();
+  Ptr<IEncryptParam> param = make<EncryptParam>();
+  Variant output;
+};
+
+TEST_F(EncryptMemTest, ParametersAndDataReachTheEngine) {
+  Ptr<ICertificate> receiver = make<Certificate>();
+  EXPECT_OK(receiver->put_certEncoded(bytes({0x30, 1})));
+  EXPECT_OK(param->put_flag(Flag_Encrypt_Pkcs7));
+  EXPECT_OK(param->put_Receivers(objects({receiver})));
+  EXPECT_OK(quivo->EncryptMem(param, bytes({1, 2}), output.out()));
+  EXPECT_EQ(1u, call().record(1).u32(0));
+  EXPECT_EQ(1, call().record(1).i32(16));
+  EXPECT_EQ((Bytes{0x30, 1}), call().record(1).at(24).blob(376));
+  EXPECT_EQ((Bytes{1, 2}), call().blobBytes(2));
+  EXPECT_TRUE(call().record(3).allZero());
+}
+
+TEST_F(EncryptMemTest, EmptyInputIsEncryptedAsUsual) {
+  reply().output = {9};
+  EXPECT_OK(quivo->EncryptMem(param, Variant(), output.out()));
+  EXPECT_EQ(0u, call().blobLength(2));
+  EXPECT_EQ((Bytes{9}), plainBytesOf(output));
+}
+
+TEST_F(EncryptMemTest, FailedUnlockWinsThoughTheOutputIsWritten) {
+  Variant data = bytes({1});
+  reply().output = {9};
+  reply().during = [&] { data.safeArray()->cLocks = 0; };
+  EXPECT_HR(E_UNEXPECTED, quivo->EncryptMem(param, data, output.out()));
+  data.safeArray()->cLocks = 0;
+  EXPECT_EQ((Bytes{9}), plainBytesOf(output));
+}
+
+TEST_F(EncryptMemTest, OutputMayBeTheDataVariable) {
+  Variant variable = bytes({1});
+  reply().output = {9};
+  EXPECT_OK(quivo->EncryptMem(param, byRef(variable), variable.out()));
+  EXPECT_EQ((Bytes{9}), plainBytesOf(variable));
+}
+
+class DecryptMemTest : public ContractTest {
+ protected:
+  HRESULT decrypt(VARIANT data) { return quivo->DecryptMem(param, data, output.out(), certificate.inOut()); }
+  fake::Reply& reply() { return engine().on("QUIVO_DecryptMem"); }
+  const fake::Call& call() { return engine().only("QUIVO_DecryptMem"); }
+
+  Ptr<IQUIVO> quivo = openQuivo();
+  Ptr<IDecryptParam> param = make<DecryptParam>();
+  Variant output;
+  Ptr<ICertificate> certificate;
+};
+
+TEST_F(DecryptMemTest, ParametersAndDataReachTheEngine) {
+  EXPECT_OK(param->put_flag(Flag_Decrypt_NoCrlCheck));
+  EXPECT_OK(param->put_info(Field_Issuer));
+  EXPECT_OK(decrypt(bytes({1, 2})));
+  EXPECT_EQ(4u, call().record(1).u32(0));
+  EXPECT_EQ(2u, call().record(1).u32(16));
+  EXPECT_EQ((Bytes{1, 2}), call().blobBytes(2));
+  EXPECT_TRUE(call().record(3).allZero());
+  EXPECT_TRUE(call().record(4).allZero());
+  EXPECT_EQ(416u, call().record(4).bytes.size());
+}
+
+TEST_F(DecryptMemTest, BytesAndCertificateAreReturned) {
+  reply().output = {9};
+  reply().certificate = fullCertificate();
+  EXPECT_OK(decrypt(vbsBytes({1})));
+  EXPECT_EQ((Bytes{9}), vbsBytesOf(output));
+  expectFullCertificate(certificate);
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
+}
+
+TEST_F(DecryptMemTest, ResultIsGivenBackAfterTheOutput) {
+  reply().output = {9};
+  EXPECT_OK(decrypt(bytes({1})));
+  EXPECT_EQ((std::vector<std::string>{"QUIVO_DecryptMem", "QUIVO_FreeMem", "QUIVO_FreeDecryptResult"}),
+            engine().names());
+  EXPECT_EQ(call().value(4), engine().last().value(1));
+}
+
+TEST_F(DecryptMemTest, ResultWithoutACertificateGivesAnEmptyOne) {
+  EXPECT_OK(decrypt(bytes({1})));
+  ASSERT_NE(nullptr, certificate.get());
+  EXPECT_EQ(L"", subjectOf(certificate));
+}
+
+TEST_F(DecryptMemTest, RefusedMessageLeavesTheOutputsAsTheyAre) {
+  for (int32_t code : {1, 0x19}) {
+    reply().result = code;
+    output = Variant::text(L"before");
+    ICertificate* const before = certificate = make<Certificate>();
+    EXPECT_HR(code == 1 ? 1u : 0xE0690019u, decrypt(bytes({1})));
+    EXPECT_EQ(L"before", textOf(output));
+    EXPECT_EQ(before, certificate.get());
+  }
+  EXPECT_EQ(0u, engine().count("QUIVO_FreeDecryptResult"));
+}
+
+TEST_F(DecryptMemTest, FailedUnlockWinsThoughTheOutputsAreWritten) {
+  Variant data = bytes({1});
+  reply().output = {9};
+  reply().during = [&] { data.safeArray()->cLocks = 0; };
+  EXPECT_HR(E_UNEXPECTED, decrypt(data));
+  data.safeArray()->cLocks = 0;
+  EXPECT_EQ((Bytes{9}), plainBytesOf(output));
+  EXPECT_NE(nullptr, certificate.get());
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
+}
+
+TEST_F(DecryptMemTest, FailureOfTheCertificateIsReturnedAfterTheOutput) {
+  SubstituteFactory factory(__uuidof(Certificate));
+  factory.failAfter(0, E_NOINTERFACE);
+  reply().output = {9};
+  EXPECT_HR(E_NOINTERFACE, decrypt(bytes({1})));
+  EXPECT_EQ((Bytes{9}), plainBytesOf(output));
+  EXPECT_EQ(nullptr, certificate.get());
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
+}
+
+TEST_F(DecryptMemTest, FailureOfTheOutputLeavesTheCertificateAlone) {
+  reply().output = {9};
+  reply().certificate = fullCertificate();
+  reply().during = [] { MallocSpy::get().failAllocation(0); };
+  EXPECT_HR(kOutOfMemory, decrypt(bytes({1})));
+  EXPECT_EQ(nullptr, certificate.get());
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
+}
+
+struct EncryptFileMethod {
+  const char* function;
+  HRESULT (STDMETHODCALLTYPE IQUIVO::*method)(IEncryptParam*, BSTR, BSTR);
+};
+
+void PrintTo(const EncryptFileMethod& row, std::ostream* out) { *out << row.function; }
+
+class EncryptFileTest : public ContractTest, public ::testing::WithParamInterface<EncryptFileMethod> {};
+
+TEST_P(EncryptFileTest, PathsReachTheEngineInOrder) {
+  Ptr<IQUIVO> quivo = openQuivo();
+  Ptr<IEncryptParam> param = make<EncryptParam>();
+  EXPECT_OK(param->put_flag(Flag_Encrypt_NoVerify));
+  EXPECT_OK((quivo.get()->*GetParam().method)(param, Bstr(L"in"), Bstr(L"out")));
+  const fake::Call& call = engine().only(GetParam().function);
+  EXPECT_EQ(32u, call.record(1).u32(0));
+  EXPECT_EQ("in", call.text(2));
+  EXPECT_EQ("out", call.text(3));
+}
+
+INSTANTIATE_TEST_SUITE_P(Methods, EncryptFileTest,
+                         ::testing::Values(EncryptFileMethod{"QUIVO_EncryptFile", &IQUIVO::EncryptFile},
+                                           EncryptFileMethod{"QUIVO_StrEncryptFile", &IQUIVO::StrEncryptFile}),
+                         [](const auto& info) { return std::string(info.param.function); });
+
+struct DecryptFileMethod {
+  const char* function;
+  HRESULT (STDMETHODCALLTYPE IQUIVO::*method)(IDecryptParam*, BSTR, BSTR, ICertificate**);
+};
+
+void PrintTo(const DecryptFileMethod& row, std::ostream* out) { *out << row.function; }
+
+class DecryptFileTest : public ContractTest, public ::testing::WithParamInterface<DecryptFileMethod> {
+ protected:
+  HRESULT decrypt(BSTR in = Bstr(L"in"), BSTR out = Bstr(L"out")) {
+    return (quivo.get()->*GetParam().method)(param, in, out, certificate.inOut());
+  }
+  fake::Reply& reply() { return engine().on(GetParam().function); }
+  const fake::Call& call() { return engine().only(GetParam().function); }
+
+  Ptr<IQUIVO> quivo = openQuivo();
+  Ptr<IDecryptParam> param = make<DecryptParam>();
+  Ptr<ICertificate> certificate;
+};
+
+TEST_P(DecryptFileTest, PathsReachTheEngineInOrder) {
+  EXPECT_OK(param->put_info(Field_Subject));
+  EXPECT_OK(decrypt(Bstr(L"first"), Bstr(L"second")));
+  EXPECT_EQ(4u, call().record(1).u32(16));
+  EXPECT_EQ("first", call().text(2));
+  EXPECT_EQ("second", call().text(3));
+  EXPECT_TRUE(call().record(4).allZero());
+}
+
+TEST_P(DecryptFileTest, CertificateIsReturned) {
+  reply().certificate = fullCertificate();
+  EXPECT_OK(decrypt());
+  expectFullCertificate(certificate);
+}
+
+TEST_P(DecryptFileTest, CertificateIsReturnedOnFailureToo) {
+  reply().result = 0x19;
+  reply().certificate = certificateOf("CN=recipient");
+  EXPECT_HR(0xE0690019, decrypt());
+  ASSERT_NE(nullptr, certificate.get());
+  EXPECT_EQ(L"CN=recipient", subjectOf(certificate));
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
+}
+
+TEST_P(DecryptFileTest, RefusedMessageWithoutACertificateGivesAnEmptyOne) {
+  reply().result = 0x19;
+  EXPECT_HR(0xE0690019, decrypt());
+  ASSERT_NE(nullptr, certificate.get());
+  EXPECT_EQ(L"", subjectOf(certificate));
+}
+
+TEST_P(DecryptFileTest, ResultIsGivenBackToTheSameRecord) {
+  EXPECT_OK(decrypt());
+  EXPECT_EQ(call().value(4), engine().only("QUIVO_FreeDecryptResult").value(1));
+}
+
+TEST_P(DecryptFileTest, NullPathLeavesTheCertificateAlone) {
+  EXPECT_HR(kInvalidArgument, decrypt(nullptr, Bstr(L"out")));
+  EXPECT_HR(kInvalidArgument, decrypt(Bstr(L"in"), nullptr));
+  EXPECT_EQ(nullptr, certificate.get());
+  EXPECT_EQ(std::vector<std::string>{}, engine().names());
+}
+
+TEST_P(DecryptFileTest, FailureOfTheCertificateIsReturnedMapped) {
+  SubstituteFactory factory(__uuidof(Certificate));
+  factory.failAfter(0, static_cast<HRESULT>(0x80070005));
+  EXPECT_HR(kAccessDenied, decrypt());
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
+}
+
+TEST_P(DecryptFileTest, EngineCodeWinsOverAFailureOfTheCertificate) {
+  SubstituteFactory factory(__uuidof(Certificate));
+  factory.failAfter(0, E_NOINTERFACE);
+  reply().result = 0x19;
+  EXPECT_HR(0xE0690019, decrypt());
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Methods, DecryptFileTest,
+                         ::testing::Values(DecryptFileMethod{"QUIVO_DecryptFile", &IQUIVO::DecryptFile},
+                                           DecryptFileMethod{"QUIVO_StrDecryptFile", &IQUIVO::StrDecryptFile}),
+                         [](const auto& info) { return std::string(info.param.function); });
+
+}  // namespace

@@ -1,0 +1,219 @@
+// The certificate store: searching, parsing, adding, exporting, importing.
+#include "contract/properties/records.h"
+#include "support/certificates.h"
+#include "support/class_objects.h"
+#include "support/malloc_spy.h"
+
+namespace {
+
+class FindCertTest : public ContractTest {
+ protected:
+  HRESULT find() { return quivo->FindCert(param, result.out()); }
+  fake::Reply& reply() { return engine().on("QUIVO_FindCert"); }
+  const fake::Call& call() { return engine().only("QUIVO_FindCert"); }
+
+  Ptr<IQUIVO> quivo = openQuivo();
+  Ptr<IFindParam> param = make<FindParam>();
+  Variant result = Variant::text(L"before");
+};
+
+TEST_F(FindCertTest, ParametersReachTheEngine) {
+  EXPECT_OK(param->put_flag(Flag_Find_PartialSubject));
+  EXPECT_OK(param->put_info(Field_All));
+  EXPECT_OK(find());
+  EXPECT_EQ(512u, call().record(1).u32(0));
+  EXPECT_EQ(0x7FFFFu, call().record(1).u32(424));
+  EXPECT_TRUE(call().record(2).part(0, 4).allZero());
+  EXPECT_EQ(0u, call().record(2).pointer(8));
+}
+
+TEST_F(FindCertTest, FoundCertificatesAreInOrder) {
+  reply().certificates = {certificateOf("CN=1"), fullCertificate(), certificateOf("CN=3")};
+  EXPECT_OK(find());
+  const auto found = objectsOf<ICertificate>(result);
+  ASSERT_EQ(3u, found.size());
+  EXPECT_EQ(L"CN=1", subjectOf(found[0]));
+  expectFullCertificate(found[1]);
+  EXPECT_EQ(L"CN=3", subjectOf(found[2]));
+}
+
+TEST_F(FindCertTest, NothingFoundIsAnEmptyArray) {
+  EXPECT_OK(find());
+  EXPECT_EQ(0u, objectsOf(result).size());
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeFindResult"));
+}
+
+TEST_F(FindCertTest, NegativeCountIsAnEmptyArray) {
+  reply().findCount = -3;
+  EXPECT_OK(find());
+  EXPECT_EQ(0u, objectsOf(result).size());
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeFindResult"));
+}
+
+TEST_F(FindCertTest, ResultIsGivenBackToTheSameRecord) {
+  reply().certificates = {fullCertificate()};
+  EXPECT_OK(find());
+  EXPECT_EQ(call().value(2), engine().only("QUIVO_FreeFindResult").value(1));
+}
+
+TEST_F(FindCertTest, FailedSearchLeavesEverythingAlone) {
+  for (int32_t code : {1, 0x19}) {
+    engine().forgetCalls();
+    reply().result = code;
+    EXPECT_HR(code == 1 ? 1u : 0xE0690019u, find());
+    EXPECT_EQ(L"before", textOf(result));
+    EXPECT_EQ(0u, engine().count("QUIVO_FreeFindResult"));
+  }
+}
+
+TEST_F(FindCertTest, CertificatesAreHeldByTheArrayAlone) {
+  reply().certificates = {certificateOf("CN=1")};
+  EXPECT_OK(find());
+  Ptr<ICertificate> found = objectsOf<ICertificate>(result).at(0);
+  result = Variant();
+  EXPECT_EQ(1u, found.references());
+}
+
+TEST_F(FindCertTest, FailingCreationIsReturnedMapped) {
+  for (int succeeding : {0, 1}) {
+    SubstituteFactory factory(__uuidof(Certificate));
+    factory.failAfter(succeeding, static_cast<HRESULT>(0x80070005));
+    reply().certificates = {certificateOf("CN=1"), certificateOf("CN=2")};
+    EXPECT_HR(kAccessDenied, find());
+    EXPECT_EQ(L"before", textOf(result));
+    EXPECT_EQ(1u, engine().count("QUIVO_FreeFindResult"));
+    engine().forgetCalls();
+  }
+}
+
+TEST_F(FindCertTest, ArrayThatCannotBeCreatedIsReported) {
+  reply().certificates = {certificateOf("CN=1")};
+  reply().during = [] { MallocSpy::get().failAllocation(0); };
+  EXPECT_HR(kOutOfMemory, find());
+  EXPECT_EQ(L"before", textOf(result));
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeFindResult"));
+}
+
+TEST_F(FindCertTest, ResultIsGivenBackBeforeTheVariantIsSet) {
+  VARTYPE during = VT_EMPTY;
+  engine().on("QUIVO_FreeFindResult").during = [&] { during = result.type(); };
+  EXPECT_OK(find());
+  EXPECT_EQ(VT_BSTR, during);
+}
+
+TEST_F(FindCertTest, VariantThatCannotBeClearedIsReported) {
+  LockedVariant locked;
+  EXPECT_HR(DISP_E_ARRAYISLOCKED, quivo->FindCert(param, &locked.value));
+  EXPECT_EQ(kObjectArray, V_VT(&locked.value));
+}
+
+class ParseCertTest : public ContractTest {
+ protected:
+  fake::Reply& reply() { return engine().on("QUIVO_ParseCert"); }
+  const fake::Call& call() { return engine().only("QUIVO_ParseCert"); }
+
+  Ptr<IQUIVO> quivo = openQuivo();
+  Ptr<ICertificate> certificate;
+};
+
+TEST_F(ParseCertTest, EncodingAndMaskReachTheEngine) {
+  for (Certinfo_t mask : {Field_All, static_cast<Certinfo_t>(Field_AlgorithmOidFormat), static_cast<Certinfo_t>(0)}) {
+    engine().forgetCalls();
+    EXPECT_OK(quivo->ParseCert(bytes({0x30}), mask, certificate.out()));
+    EXPECT_EQ((Bytes{0x30}), call().blobBytes(1));
+    EXPECT_EQ(static_cast<uint32_t>(mask), static_cast<uint32_t>(call().value(2)));
+    EXPECT_TRUE(call().record(3).allZero());
+    EXPECT_EQ(408u, call().record(3).bytes.size());
+  }
+}
+
+TEST_F(ParseCertTest, RecordIsGivenBackAfterTheObjectIsBuilt) {
+  reply().certificate = fullCertificate();
+  EXPECT_OK(quivo->ParseCert(bytes({0x30}), Field_All, certificate.out()));
+  EXPECT_EQ(call().value(3), engine().only("QUIVO_FreeCert").value(1));
+  expectFullCertificate(certificate);
+}
+
+TEST_F(ParseCertTest, RejectedBytesLeaveTheCertificateAlone) {
+  reply().result = 0x19;
+  ICertificate* const before = certificate = make<Certificate>();
+  EXPECT_HR(0xE0690019, quivo->ParseCert(bytes({0x30}), Field_All, certificate.inOut()));
+  EXPECT_EQ(before, certificate.get());
+  EXPECT_EQ(0u, engine().count("QUIVO_FreeCert"));
+}
+
+TEST_F(ParseCertTest, FailedUnlockWins) {
+  Variant data = bytes({0x30});
+  reply().during = [&] { data.safeArray()->cLocks = 0; };
+  EXPECT_HR(E_UNEXPECTED, quivo->ParseCert(data, Field_All, certificate.out()));
+  data.safeArray()->cLocks = 0;
+  EXPECT_NE(nullptr, certificate.get());
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeCert"));
+}
+
+TEST_F(ParseCertTest, FailureOfTheCertificateIsReturnedMapped) {
+  SubstituteFactory factory(__uuidof(AltName));
+  factory.failAfter(0, static_cast<HRESULT>(0x80070005));
+  EXPECT_HR(kAccessDenied, quivo->ParseCert(bytes({0x30}), Field_All, certificate.out()));
+  EXPECT_EQ(nullptr, certificate.get());
+  EXPECT_EQ(1u, engine().count("QUIVO_FreeCert"));
+}
+
+struct AddMethod {
+  const char* function;
+  HRESULT (STDMETHODCALLTYPE IQUIVO::*method)(ICertId*, VARIANT);
+};
+
+void PrintTo(const AddMethod& row, std::ostream* out) { *out << row.function; }
+
+class AddToStoreTest : public ContractTest, public ::testing::WithParamInterface<AddMethod> {
+ protected:
+  HRESULT add(ICertId* id) { return (openQuivo().get()->*GetParam().method)(id, bytes({0x30, 1})); }
+  const fake::Call& call() { return engine().only(GetParam().function); }
+};
+
+TEST_P(AddToStoreTest, IdentifierAndBytesReachTheEngine) {
+  Ptr<ICertId> id = make<CertId>();
+  EXPECT_OK(id->put_type(Id_KeyId));
+  EXPECT_OK(id->put_keyId(Bstr(L"key")));
+  EXPECT_OK(add(id));
+  EXPECT_EQ(0u, call().record(1).u32(0));
+  EXPECT_EQ("key", call().record(1).at(8).text(8));
+  EXPECT_EQ(recordOf(id.get()).address, engine().calls().at(0).record(1).pointer(8));
+}
+
+TEST_P(AddToStoreTest, BytesReachTheEngine) {
+  EXPECT_OK(add(nullptr));
+  EXPECT_EQ((Bytes{0x30, 1}), call().blobBytes(2));
+}
+
+TEST_P(AddToStoreTest, NullIdentifierIsANullPointerInTheRecord) {
+  EXPECT_OK(add(nullptr));
+  EXPECT_FALSE(call().null(1));
+  EXPECT_TRUE(call().record(1).allZero());
+}
+
+INSTANTIATE_TEST_SUITE_P(Methods, AddToStoreTest,
+                         ::testing::Values(AddMethod{"QUIVO_AddCertificate", &IQUIVO::AddCertificate},
+                                           AddMethod{"QUIVO_AddCRL", &IQUIVO::AddCRL}),
+                         [](const auto& info) { return std::string(info.param.function); });
+
+using StoreTest = ContractTest;
+
+TEST_F(StoreTest, ParametersOfExportAndImportReachTheEngine) {
+  Ptr<IQUIVO> quivo = openQuivo();
+  Ptr<IExportParam> exporting = make<ExportParam>();
+  Ptr<IImportParam> importing = make<ImportParam>();
+  EXPECT_OK(exporting->put_flag(Flag_Export_RutokenGost));
+  EXPECT_OK(importing->put_flag(Flag_Import_Update));
+  EXPECT_OK(quivo->ExportMem(exporting, Variant().out(), VARIANT_FALSE));
+  EXPECT_OK(quivo->ExportFile(exporting, Bstr(L"file")));
+  EXPECT_OK(quivo->ImportMem(importing, Variant()));
+  EXPECT_OK(quivo->ImportFile(importing, Bstr(L"file")));
+  EXPECT_EQ(64u, engine().only("QUIVO_ExportMem").record(1).u32(0));
+  EXPECT_EQ(64u, engine().only("QUIVO_ExportFile").record(1).u32(0));
+  EXPECT_EQ(16u, engine().only("QUIVO_ImportMem").record(1).u32(0));
+  EXPECT_EQ(16u, engine().only("QUIVO_ImportFile").record(1).u32(0));
+}
+
+}  // namespace
