@@ -8,6 +8,7 @@
 #include "convert/bytes.h"
 #include "convert/dates.h"
 #include "convert/strings.h"
+#include "engine/layout.h"
 
 void Reset(char*& field) {
   delete[] field;
