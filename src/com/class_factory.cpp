@@ -1,47 +1,37 @@
 #include "com/class_factory.h"
 
-#include <atomic>
-#include <new>
-
-#include "com/module.h"
+#include "com/object.h"
 
 namespace com {
 namespace {
 
-class ClassFactory final : public IClassFactory {
+/// Lives as long as the module: unlike every other object it does not lock it.
+class ClassFactory : public IClassFactory {
  public:
+  using Primary = IClassFactory;
+
   explicit ClassFactory(Creator creator) : creator_(creator) {}
 
-  STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
-    if (!out) return E_POINTER;
-    *out = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
-    if (!*out) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-  STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
+  STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** out) final {
     if (!out) return E_POINTER;
     *out = nullptr;
     return creator_(outer, iid, out);
   }
-  STDMETHODIMP LockServer(BOOL lock) override {
+  STDMETHODIMP LockServer(BOOL lock) final {
     lock ? module::Lock() : module::Unlock();
     return S_OK;
   }
 
+ protected:
+  ~ClassFactory() = default;
+  void* find(REFIID iid) { return iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr; }
+
  private:
-  Creator creator_;
-  std::atomic<ULONG> references_ = 1;
+  const Creator creator_;
 };
 
 }  // namespace
 
-IClassFactory* NewClassFactory(Creator creator) { return new (std::nothrow) ClassFactory(creator); }
+IClassFactory* NewClassFactory(Creator creator) { return new (std::nothrow) Plain<ClassFactory>(creator); }
 
 }  // namespace com

@@ -46,6 +46,8 @@ class Object : public PrimaryInterface, public More... {
     const InterfaceInfo* known = nullptr;
     HRESULT hr = InfoOf<Primary>(&known);
     if (FAILED(hr)) return hr;
+    // A call may show a window, and the host may let go of the object meanwhile.
+    Ref<Primary> self(this);
     return InvokeLateBound(*known, static_cast<Primary*>(this), member, flags, params, result, exception, badArgument);
   }
 
@@ -68,7 +70,10 @@ inline const void* VtableOf(const IUnknown* object) { return *reinterpret_cast<c
 template <class Class>
 class Plain final : public Class {
  public:
-  Plain() { vtable = VtableOf(static_cast<typename Class::Primary*>(this)); }
+  template <class... Arguments>
+  explicit Plain(Arguments... arguments) : Class(arguments...) {
+    vtable = VtableOf(static_cast<typename Class::Primary*>(this));
+  }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
     if (!out) return E_POINTER;

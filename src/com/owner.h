@@ -55,14 +55,10 @@ struct CloseFile {
 struct DestroyArray {
   void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }
 };
-struct UnloadLibrary {
-  void operator()(HMODULE library) const { FreeLibrary(library); }
-};
 
 using Bstr = Owner<BSTR, FreeBstr>;
 using RegKey = Owner<HKEY, CloseRegKey>;
 using File = Owner<HANDLE, CloseFile>;
 using Array = Owner<SAFEARRAY*, DestroyArray>;
-using Library = Owner<HMODULE, UnloadLibrary>;
 
 }  // namespace com

@@ -5,6 +5,8 @@
 
 #include "com/variant.h"
 
+namespace convert {
+
 HRESULT ByteInput::viewBytes(SAFEARRAY* array) {
   if (array->cbElements == 0) return E_INVALIDARG;
   HRESULT hr = view_.lock(array);
@@ -65,13 +67,17 @@ HRESULT NewArray(const DataBlob_t& bytes, VARTYPE type, com::Array& array) {
 
 }  // namespace
 
-HRESULT WriteByteVariant(EngineSession session, const DataBlob_t& bytes, bool vbsForm, VARIANT* out) {
-  // The engine hands out no buffer for zero bytes, so there is none to give back.
-  if (bytes.len == 0) return VariantClear(out);
+HRESULT WriteByteVariant(engine::Buffer& bytes, bool vbsForm, VARIANT* out) {
+  if (bytes.get().len == 0) {
+    // The engine hands out no buffer for zero bytes.
+    bytes.leave();
+    return VariantClear(out);
+  }
   com::Array array;
   VARTYPE element = vbsForm ? VT_VARIANT : VT_UI1;
-  HRESULT hr = vbsForm ? NewArray<VARIANT>(bytes, element, array) : NewArray<uint8_t>(bytes, element, array);
-  QUIVO_FreeMem(session, bytes.data);
+  HRESULT hr =
+      vbsForm ? NewArray<VARIANT>(bytes.get(), element, array) : NewArray<uint8_t>(bytes.get(), element, array);
+  bytes.giveBack();
   return FAILED(hr) ? hr : com::SetArray(out, element, std::move(array));
 }
 
@@ -81,3 +87,5 @@ HRESULT CopyToByteArray(const DataBlob_t& bytes, VARIANT* out) {
   HRESULT hr = NewArray<uint8_t>(bytes, VT_UI1, array);
   return FAILED(hr) ? hr : com::SetArray(out, VT_UI1, std::move(array));
 }
+
+}  // namespace convert

@@ -6,7 +6,9 @@
 #include <memory>
 
 #include "com/array.h"
-#include "engine/functions.h"
+#include "engine/owned.h"
+
+namespace convert {
 
 /// Bytes that a caller passed, readable for as long as this object lives.
 class ByteInput {
@@ -40,9 +42,11 @@ class ByteInput {
 /// each also by reference. Any other type is E_INVALIDARG; a failing lock and E_OUTOFMEMORY are returned.
 HRESULT ReadByteVariant(const VARIANT& in, ByteInput& out);
 
-/// Builds `out` from an engine buffer, in VBS form or as a byte array, and gives the buffer back to the
-/// engine in every case. No bytes: `out` becomes VT_EMPTY. E_OUTOFMEMORY when the array cannot be made.
-HRESULT WriteByteVariant(EngineSession session, const DataBlob_t& bytes, bool vbsForm, VARIANT* out);
+/// Builds `out` from what the engine has handed out, in VBS form or as a byte array, and gives the buffer back before
+/// `out` is set. No bytes: `out` becomes VT_EMPTY. E_OUTOFMEMORY when the array cannot be made.
+HRESULT WriteByteVariant(engine::Buffer& bytes, bool vbsForm, VARIANT* out);
 
-/// Builds `out` as VT_ARRAY|VT_UI1 from bytes of the module's; VT_EMPTY for none.
+/// Builds `out` as VT_ARRAY|VT_UI1 from bytes of the module; VT_EMPTY for none.
 HRESULT CopyToByteArray(const DataBlob_t& bytes, VARIANT* out);
+
+}  // namespace convert

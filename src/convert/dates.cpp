@@ -3,6 +3,8 @@
 #include <cmath>
 #include <ctime>
 
+namespace convert {
+
 namespace {
 
 constexpr double kSecond = 1.1574074074074073e-5;
@@ -78,3 +80,5 @@ HRESULT DateToUnixTime(DATE date, int64_t* seconds) {
   *seconds = local - _timezone;
   return S_OK;
 }
+
+}  // namespace convert

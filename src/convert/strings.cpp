@@ -4,13 +4,16 @@
 
 #include "errors/result.h"
 
+namespace convert {
+
 HRESULT MeasureAnsi(BSTR text, int* size) {
   *size = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
-  return *size == 0 ? LastErrorResult() : S_OK;
+  return *size == 0 ? errors::LastErrorResult() : S_OK;
 }
 
 HRESULT FillAnsi(BSTR text, char* buffer, int size) {
-  return WideCharToMultiByte(CP_ACP, 0, text, -1, buffer, size, nullptr, nullptr) == 0 ? LastErrorResult() : S_OK;
+  return WideCharToMultiByte(CP_ACP, 0, text, -1, buffer, size, nullptr, nullptr) == 0 ? errors::LastErrorResult()
+                                                                                       : S_OK;
 }
 
 HRESULT BstrToAnsi(BSTR text, AnsiString& out) {
@@ -26,13 +29,13 @@ HRESULT BstrToAnsi(BSTR text, AnsiString& out) {
 
 HRESULT MeasureWide(const char* text, int* size) {
   *size = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-  return *size == 0 ? LastErrorResult() : S_OK;
+  return *size == 0 ? errors::LastErrorResult() : S_OK;
 }
 
 HRESULT ReallocBstr(const char* text, int size, BSTR* out) {
   std::unique_ptr<wchar_t[]> wide(new (std::nothrow) wchar_t[size]);
   if (!wide) return E_OUTOFMEMORY;
-  if (MultiByteToWideChar(CP_ACP, 0, text, -1, wide.get(), size) == 0) return LastErrorResult();
+  if (MultiByteToWideChar(CP_ACP, 0, text, -1, wide.get(), size) == 0) return errors::LastErrorResult();
   // TRUE alone is no proof: a platform that frees the former string first may answer it without a new one.
   return SysReAllocString(out, wide.get()) && *out ? S_OK : E_OUTOFMEMORY;
 }
@@ -42,3 +45,5 @@ HRESULT AnsiToBstr(const char* text, BSTR* out) {
   HRESULT hr = MeasureWide(text, &size);
   return size == 0 ? hr : ReallocBstr(text, size, out);
 }
+
+}  // namespace convert

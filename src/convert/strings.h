@@ -7,6 +7,8 @@
 
 #include <memory>
 
+namespace convert {
+
 /// A NUL-terminated ANSI string of the module's, allocated with array-new.
 using AnsiString = std::unique_ptr<char[]>;
 
@@ -27,3 +29,5 @@ HRESULT AnsiToBstr(const char* text, BSTR* out);
 /// characters with the terminator, and the conversion of that many.
 HRESULT MeasureWide(const char* text, int* size);
 HRESULT ReallocBstr(const char* text, int size, BSTR* out);
+
+}  // namespace convert

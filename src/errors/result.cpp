@@ -1,5 +1,7 @@
 #include "errors/result.h"
 
+namespace errors {
+
 HRESULT ToModuleHResult(int32_t result) {
   if (result == S_OK || result == S_FALSE) return result;
   if (result < 0 && HRESULT_FACILITY(result) != FACILITY_WIN32) return result;
@@ -18,3 +20,5 @@ const char* ModuleErrorText(uint16_t code) {
       return "Неизвестная дополнительная ошибка";
   }
 }
+
+}  // namespace errors

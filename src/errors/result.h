@@ -15,6 +15,8 @@ constexpr HRESULT E_QUIVO_INVALID_ARGUMENT = static_cast<HRESULT>(0xE0690057);
 constexpr HRESULT E_QUIVO_ACCESS_DENIED = static_cast<HRESULT>(0xE0690005);
 constexpr HRESULT E_QUIVO_OUT_OF_MEMORY = static_cast<HRESULT>(0xE069000E);
 
+namespace errors {
+
 /// High words of the two ranges.
 constexpr uint32_t kModuleRange = 0xE068;
 constexpr uint32_t kEngineRange = 0xE069;
@@ -28,3 +30,5 @@ HRESULT LastErrorResult();
 
 /// The text of a module code (the low 16 bits of 0xE068xxxx), NUL-terminated, Windows-1251.
 const char* ModuleErrorText(uint16_t code);
+
+}  // namespace errors

@@ -4,6 +4,7 @@
 
 #include "quivocom.h"
 
+namespace legacy {
 namespace {
 
 /// The member of the alternative name that an address of `kind` belongs to; null for an unknown kind.
@@ -57,3 +58,5 @@ void LetUserSelect(FindParamRecord& search) {
   search.flag = Flag_Find_SelectUI;
   search.certTemplate.fields = Field_KeyUsage;
 }
+
+}  // namespace legacy

@@ -3,6 +3,8 @@
 
 #include "engine/records.h"
 
+namespace legacy {
+
 /// One entry; both texts live in the list. `address` is null where the entry has no ":".
 struct RecipientAddress {
   char* kind;
@@ -31,3 +33,5 @@ FindParamRecord SearchBySelection();
 
 /// Turns a search into one in which the user selects; an address that it names stays in place.
 void LetUserSelect(FindParamRecord& search);
+
+}  // namespace legacy

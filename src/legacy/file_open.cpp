@@ -17,6 +17,7 @@
 #include "legacy/system_library.h"
 #include "quivocom.h"
 
+namespace legacy {
 namespace {
 
 constexpr char kInputDirectory[] = "InputDirectory";
@@ -147,7 +148,8 @@ class Opening {
     if (plan_.kind == ProtectedKind::kOther) return S_OK;
     com::Bstr in;
     com::Bstr out;
-    if (FAILED(AnsiToBstr(path_, in.inOut())) || FAILED(AnsiToBstr(plan_.result, out.inOut()))) return E_OUTOFMEMORY;
+    if (FAILED(convert::AnsiToBstr(path_, in.inOut())) || FAILED(convert::AnsiToBstr(plan_.result, out.inOut())))
+      return E_OUTOFMEMORY;
     if (plan_.kind == ProtectedKind::kSigned) return object_->Verify(in.get(), out.get());
     if (plan_.kind == ProtectedKind::kEncrypted) return object_->Unencrypt(in.get(), out.get(), TRUE);
     HRESULT hr = object_->VerifyAndUnencrypt(in.get(), out.get());
@@ -169,7 +171,7 @@ class Opening {
       return S_OK;
     }
     com::Bstr out;
-    HRESULT hr = AnsiToBstr(copy.file, out.inOut());
+    HRESULT hr = convert::AnsiToBstr(copy.file, out.inOut());
     if (SUCCEEDED(hr)) hr = object_->Unencrypt(in, out.get(), FALSE);
     if (hr == S_OK) {
       FormatText(text,
@@ -219,3 +221,5 @@ void OpenProtectedFile(const char* path) {
   Apartment apartment;
   if (path && Exists(path)) Opening(path).run();
 }
+
+}  // namespace legacy

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+namespace legacy {
 namespace {
 
 ProtectedKind KindOf(const char* extension) {
@@ -47,3 +48,5 @@ SignedCopy SignedCopyOf(const char* result) {
   static_cast<void>(std::snprintf(copy.file, sizeof(copy.file), "%s\\%s.p7s", copy.folder, name));
   return copy;
 }
+
+}  // namespace legacy

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+namespace legacy {
+
 /// What is done with a file, by its extension in any case: p7s, p7e, p7a. Anything else is left alone.
 enum class ProtectedKind { kSigned, kEncrypted, kSignedAndEncrypted, kOther };
 
@@ -26,3 +28,5 @@ struct SignedCopy {
   char file[3 * MAX_PATH];
 };
 SignedCopy SignedCopyOf(const char* result);
+
+}  // namespace legacy

@@ -6,6 +6,8 @@
 
 #include "engine/functions.h"
 
+namespace legacy {
+
 void FormatText(char (&text)[kMessageSize], const char* format, ...) {
   std::memset(text, 0, kMessageSize);
   va_list arguments;
@@ -32,3 +34,5 @@ void ShowFailure(int32_t code, const char* format, const char* argument) {
   static_cast<void>(std::snprintf(shown, sizeof(shown), "%s%s", first, second));
   MessageBoxA(GetForegroundWindow(), shown, kLegacyCaption, MB_ICONHAND | MB_SETFOREGROUND);
 }
+
+}  // namespace legacy

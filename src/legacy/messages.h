@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+namespace legacy {
+
 /// The name under which the legacy object's windows appear.
 constexpr char kLegacyCaption[] = "КОРВИС (x64)";
 
@@ -25,3 +27,5 @@ constexpr int32_t kNoCode = -1;
 /// Shows a failure over the foreground window: `format` filled with `argument`, and the engine's text of `code`
 /// on the next line.
 void ShowFailure(int32_t code, const char* format, const char* argument);
+
+}  // namespace legacy

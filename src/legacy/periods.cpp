@@ -5,6 +5,7 @@
 #include "legacy/settings.h"
 #include "quivocom.h"
 
+namespace legacy {
 namespace {
 
 constexpr char kLastCrlUpdate[] = "LastCrlUpdateTime";
@@ -40,3 +41,5 @@ void RememberChecks(HKEY key, uint32_t flags, uint32_t now) {
 }
 
 uint32_t SecondsNow() { return static_cast<uint32_t>(_time64(nullptr)); }
+
+}  // namespace legacy

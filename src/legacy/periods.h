@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+namespace legacy {
+
 /// Times in seconds since 1970-01-01 UTC, periods in minutes.
 struct Periods {
   DWORD lastCrlUpdate = 0;
@@ -24,3 +26,5 @@ void RememberChecks(HKEY key, uint32_t flags, uint32_t now);
 
 /// The present, as the low 32 bits of the runtime's clock.
 uint32_t SecondsNow();
+
+}  // namespace legacy

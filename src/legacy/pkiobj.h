@@ -4,7 +4,7 @@
 
 #include "com/object.h"
 #include "com/ref.h"
-#include "engine/session.h"
+#include "engine/session_owner.h"
 #include "legacy/addresses.h"
 #include "legacy/recipient_list.h"
 #include "quivocom.h"
@@ -14,17 +14,17 @@ class pkiobj : public com::Object<Ipkiobj> {
   /// Gives the recipients back, like FreeRecipCerts. The session stays open: closing it is the client's, with Uninit.
   ~pkiobj() = default;
 
-  // Session (session.cpp).
+  // Session (pkiobj_session.cpp).
   STDMETHODIMP Init(BSTR profile) override;
   STDMETHODIMP Uninit() override;
   STDMETHODIMP IsSigned(BSTR fname) override;
 
-  // Recipients of Encrypt and SignAndEncrypt (recipients.cpp).
+  // Recipients of Encrypt and SignAndEncrypt (pkiobj_recipients.cpp).
   STDMETHODIMP SetRecipients(BSTR addresses) override;
   STDMETHODIMP AddRecipDERCert(BSTR cert) override;
   STDMETHODIMP FreeRecipCerts() override;
 
-  // Files (file_operations.cpp).
+  // Files (pkiobj_files.cpp).
   STDMETHODIMP Sign(BSTR fname_in, BSTR fname_out, LONG bDetached) override;
   STDMETHODIMP Verify(BSTR fname_in, BSTR fname_out) override;
   STDMETHODIMP Encrypt(BSTR fname_in, BSTR fname_out) override;
@@ -45,17 +45,17 @@ class pkiobj : public com::Object<Ipkiobj> {
 
    private:
     const com::Ref<Ipkiobj> object_;
-    const SessionUse use_;
+    const engine::SessionUse use_;
   };
 
   bool takesRecipients(const Call& call) const { return call.isCurrent() && !recipients_.isReleasing(); }
   HRESULT takeRecipients(const Call& call, CertificateRecord* records, int32_t count);
   HRESULT takeFound(const Call& call, const FindResultRecord& found);
-  HRESULT takeRecipientsOf(const Call& call, const RecipientAddress& address);
+  HRESULT takeRecipientsOf(const Call& call, const legacy::RecipientAddress& address);
   HRESULT takeSelected(const Call& call);
 
   /// What the last opening of a session returned; outlives the session.
   int32_t initResult_ = 0;
-  SessionOwner session_;
-  RecipientList recipients_;
+  engine::SessionOwner session_;
+  legacy::RecipientList recipients_;
 };

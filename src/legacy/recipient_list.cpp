@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+namespace legacy {
+
 bool RecipientList::reserve(int32_t more) {
   int32_t count = block_ ? block_->count : 0;
   int32_t capacity = block_ ? block_->capacity : 0;
@@ -49,3 +51,5 @@ void RecipientList::Drop(Block* block) {
     block = movedTo;
   }
 }
+
+}  // namespace legacy

@@ -3,6 +3,8 @@
 
 #include "engine/functions.h"
 
+namespace legacy {
+
 /// Owns the records until `release` gives them back to the engine. The engine reads the array in place while it
 /// encrypts, and may call out: an array that an operation uses stays as it is until the operation ends.
 class RecipientList {
@@ -63,3 +65,5 @@ class RecipientUse {
   RecipientList::Block* const block_;
   const int32_t count_;
 };
+
+}  // namespace legacy

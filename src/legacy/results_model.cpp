@@ -7,8 +7,10 @@
 #include <ctime>
 #include <iterator>
 
+#include "engine/layout.h"
 #include "legacy/legacy_resources.h"
 
+namespace legacy {
 namespace {
 
 constexpr int kDecryptionControls[] = {IDC_DECRYPTION_LABEL, IDC_DECRYPTION_STATUS, IDC_DECRYPTION_ICON,
@@ -26,16 +28,23 @@ void Hide(ResultsModel::Hidden& hidden, const int (&controls)[count]) {
 }
 
 /// True for the record that stands for "no certificate": nothing was asked for and nothing is pointed to.
-bool IsAbsent(const CertificateRecord& cert) {
-  const AltNameRecord none{};
-  const void* pointers[] = {cert.issuer,           cert.serialNumber, cert.subject,  cert.algorithm,   cert.issuerUID,
-                            cert.subjectUID,       cert.keyId,        cert.policies, cert.extKeyUsage, cert.extensions,
-                            cert.certEncoded.data, cert.certHash.data};
-  for (const void* pointer : pointers)
-    if (pointer) return false;
-  return cert.fields == 0 && std::memcmp(&cert.issuerAltName, &none, sizeof(none)) == 0 &&
-         std::memcmp(&cert.subjectAltName, &none, sizeof(none)) == 0;
-}
+class IsAbsent {
+ public:
+  explicit IsAbsent(const CertificateRecord& cert) : isAbsent_(cert.fields == 0) { engine::ForEachMember(*this, cert); }
+  explicit operator bool() const { return isAbsent_; }
+
+  void operator()(uint32_t) {}
+  void operator()(const char* text) { isAbsent_ = isAbsent_ && !text; }
+  void operator()(const DataBlob_t& bytes) { isAbsent_ = isAbsent_ && !bytes.data; }
+  void operator()(const AltNameRecord& name) { engine::ForEachMember(*this, name); }
+  template <class Element>
+  void operator()(std::pair<Element* const&, const int32_t&> list) {
+    isAbsent_ = isAbsent_ && !list.first;
+  }
+
+ private:
+  bool isAbsent_;
+};
 
 void DescribeTime(uint32_t seconds, char (&text)[256]) {
   text[0] = '\0';
@@ -123,3 +132,5 @@ ResultsModel::Hidden ResultsModel::hidden() const {
   if (!hasVerification()) Hide(hidden, kVerificationControls);
   return hidden;
 }
+
+}  // namespace legacy

@@ -10,6 +10,7 @@
 #include "legacy/results_model.h"
 #include "legacy/system_library.h"
 
+namespace legacy {
 namespace {
 
 // The number of the system's error icon, which the module's own resources lack: loading it fails, and the rows of
@@ -219,3 +220,5 @@ bool ShowResults(const Results& results) {
   sheet.pfnCallback = SheetCallback;
   return controls.showSheet(&sheet) == IDOK;
 }
+
+}  // namespace legacy

@@ -6,6 +6,7 @@
 #include "legacy/legacy_resources.h"
 #include "legacy/system_library.h"
 
+namespace legacy {
 namespace {
 
 constexpr DWORD kFlags = OFN_EXPLORER | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR | OFN_HIDEREADONLY | OFN_OVERWRITEPROMPT;
@@ -41,3 +42,5 @@ bool AskWhereToSave(SaveRequest& request) {
   }
   return show(&dialog) != FALSE;
 }
+
+}  // namespace legacy

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+namespace legacy {
+
 struct SaveRequest {
   /// Proposed and, after a success, chosen by the user.
   char (&path)[MAX_PATH];
@@ -16,3 +18,5 @@ struct SaveRequest {
 
 /// Shows the dialog over the active window. False when the user cancelled it.
 bool AskWhereToSave(SaveRequest& request);
+
+}  // namespace legacy

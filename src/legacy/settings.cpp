@@ -1,6 +1,6 @@
 #include "legacy/settings.h"
 
-void settings::ReadDword(HKEY key, const char* name, DWORD& value) {
+void legacy::settings::ReadDword(HKEY key, const char* name, DWORD& value) {
   DWORD type = REG_NONE;
   DWORD found = 0;
   DWORD size = sizeof(found);

@@ -3,7 +3,7 @@
 
 #include "com/owner.h"
 
-namespace settings {
+namespace legacy::settings {
 
 /// The key below HKEY_LOCAL_MACHINE (what the administrator sets) and HKEY_CURRENT_USER (what is remembered).
 constexpr char kKey[] = "SOFTWARE\\KORVENTA\\tavlcom";
@@ -12,4 +12,4 @@ constexpr char kKey[] = "SOFTWARE\\KORVENTA\\tavlcom";
 /// it as it is.
 void ReadDword(HKEY key, const char* name, DWORD& value);
 
-}  // namespace settings
+}  // namespace legacy::settings

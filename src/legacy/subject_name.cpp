@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+namespace legacy {
 namespace {
 
 /// A text of bounded length; what does not fit is dropped.
@@ -129,3 +130,5 @@ void NameFromSubject(const char* subject, char (&name)[kNameSize]) {
   static_assert(sizeof(name) == Name::kSize);
   std::memcpy(name, whole.text(), kNameSize);
 }
+
+}  // namespace legacy

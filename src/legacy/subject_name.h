@@ -3,6 +3,8 @@
 
 #include <cstddef>
 
+namespace legacy {
+
 /// Room for a name with its terminator; a longer one is cut.
 constexpr size_t kNameSize = 512;
 
@@ -13,3 +15,5 @@ constexpr size_t kNameSize = 512;
 /// attributes, with quotes and backslashes in the values) and "/O=.../CN=...". An attribute is known by its
 /// short name, its long name or its number. Of several equal attributes the first counts.
 void NameFromSubject(const char* subject, char (&name)[kNameSize]);
+
+}  // namespace legacy

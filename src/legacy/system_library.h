@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+namespace legacy {
+
 /// A library of the system folder, and of no other folder. It stays loaded: threads of the shell may still be at
 /// work in it when the call that started them has returned.
 class SystemLibrary {
@@ -19,3 +21,5 @@ class SystemLibrary {
  private:
   const HMODULE library_;
 };
+
+}  // namespace legacy

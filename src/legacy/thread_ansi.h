@@ -3,6 +3,8 @@
 
 #include "convert/strings.h"
 
+namespace legacy {
+
 /// One argument, converted for the engine; freed with this object. A null BSTR counts as an empty string, as
 /// everywhere in automation.
 class ThreadAnsi {
@@ -16,5 +18,7 @@ class ThreadAnsi {
   char* inPlace() { return text_.get(); }
 
  private:
-  AnsiString text_;
+  convert::AnsiString text_;
 };
+
+}  // namespace legacy

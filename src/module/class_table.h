@@ -1,18 +1,27 @@
-// The one table of the module's classes, in registration order. Everything that is done for each class walks it.
+// The classes of the module, in the order of registration, with their factories.
 #pragma once
 
+#include <atomic>
 #include <span>
 
 #include "com/class_factory.h"
 
+namespace module {
+
 struct ClassEntry {
   const CLSID* clsid;
-  /// The versioned ProgID; the version-independent one lacks the trailing ".1".
-  const wchar_t* progId;
-  const wchar_t* description;
   /// Resource (type REGISTRY) of the registration script.
   WORD script;
   com::Creator create;
+  /// Made on the first request and kept until the module is unloaded.
+  std::atomic<IClassFactory*> factory = nullptr;
 };
 
-std::span<const ClassEntry> ClassTable();
+std::span<ClassEntry> ClassTable();
+
+/// An interface of the factory of a class. CLASS_E_CLASSNOTAVAILABLE for a class of others, E_OUTOFMEMORY.
+HRESULT GetFactory(REFCLSID clsid, REFIID iid, void** out);
+
+void ReleaseFactories();
+
+}  // namespace module

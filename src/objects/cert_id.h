@@ -2,10 +2,10 @@
 #pragma once
 
 #include "com/object.h"
-#include "engine/records.h"
+#include "objects/properties.h"
 #include "quivocom.h"
 
-class CertId : public com::Object<ICertId> {
+class CertId : public com::Object<ICertId>, objects::Properties {
  public:
   CertId() { record_.type = kNoType; }
   ~CertId() { setType(kNoType); }

@@ -1,47 +1,16 @@
 #include "objects/certificate.h"
 
-#include "objects/create.h"
-
-Certificate::~Certificate() {
-  for (char** text : {&record_.issuer, &record_.serialNumber, &record_.subject, &record_.algorithm, &record_.issuerUID,
-                      &record_.subjectUID, &record_.keyId})
-    Reset(*text);
-  Reset(record_.extKeyUsage, record_.extKeyUsageCount);
-  Reset(record_.certEncoded);
-  Reset(record_.certHash);
-}
+#include "objects/create_object.h"
 
 const CertificateRecord* Certificate::record() {
   if (AltName* name = issuerAltName_.object()) record_.issuerAltName = *name->record();
   if (AltName* name = subjectAltName_.object()) record_.subjectAltName = *name->record();
-  policies_.refresh();
-  record_.policyCount = policies_.count();
-  record_.policies = policies_.records();
-  extensions_.refresh();
-  record_.extensionCount = extensions_.count();
-  record_.extensions = extensions_.records();
+  policies_.refresh(record_.policies, record_.policyCount);
+  extensions_.refresh(record_.extensions, record_.extensionCount);
   return &record_;
 }
 
-HRESULT Certificate::copyFieldsFrom(const CertificateRecord& from) {
-  record_.fields = from.fields;
-  record_.notBefore = from.notBefore;
-  record_.notAfter = from.notAfter;
-  record_.keyUsage = from.keyUsage;
-  record_.notBeforePrivate = from.notBeforePrivate;
-  record_.notAfterPrivate = from.notAfterPrivate;
-  for (auto text : {&CertificateRecord::issuer, &CertificateRecord::serialNumber, &CertificateRecord::subject,
-                    &CertificateRecord::algorithm, &CertificateRecord::issuerUID, &CertificateRecord::subjectUID,
-                    &CertificateRecord::keyId}) {
-    HRESULT hr = Duplicate(from.*text, record_.*text);
-    if (FAILED(hr)) return hr;
-  }
-  HRESULT hr = Duplicate(from.extKeyUsage, from.extKeyUsageCount, record_.extKeyUsage, record_.extKeyUsageCount);
-  if (SUCCEEDED(hr)) hr = Duplicate(from.certEncoded, record_.certEncoded);
-  if (SUCCEEDED(hr)) hr = Duplicate(from.certHash, record_.certHash);
-  return hr;
-}
-
+namespace objects {
 namespace {
 
 HRESULT NewAltName(const AltNameRecord& record, com::Ref<IAltName>& out) {
@@ -68,7 +37,7 @@ HRESULT NewParts(const typename Part::Record* records, int32_t count, com::Varia
 }
 
 HRESULT Fill(Certificate& certificate, const CertificateRecord& record) {
-  HRESULT hr = certificate.copyFieldsFrom(record);
+  HRESULT hr = certificate.copyFrom(record);
   // Both alternative names exist whatever was asked of the engine: scripts read through them unchecked.
   com::Ref<IAltName> issuerName;
   if (SUCCEEDED(hr)) hr = NewAltName(record.issuerAltName, issuerName);
@@ -97,3 +66,5 @@ HRESULT CertificateFromRecord(const CertificateRecord* record, ICertificate** ou
   if (SUCCEEDED(hr)) *out = reference.detach();
   return hr;
 }
+
+}  // namespace objects

@@ -5,19 +5,17 @@
 #include "objects/object_array.h"
 #include "objects/param_object.h"
 
-class EncryptParam : public ParamObject<IEncryptParam, EncryptParamRecord, EncryptParamFlag_t> {
+class EncryptParam : public objects::ParamObject<IEncryptParam, EncryptParamRecord, EncryptParamFlag_t> {
  public:
   STDMETHODIMP get_Receivers(VARIANT* value) override { return receivers_.get(value); }
   STDMETHODIMP put_Receivers(VARIANT value) override { return receivers_.putAlsoVariants(value); }
 
   /// The record with the receivers copied again.
   const EncryptParamRecord* record() {
-    receivers_.refresh();
-    record_.receiverCount = receivers_.count();
-    record_.receivers = receivers_.records();
+    receivers_.refresh(record_.receivers, record_.receiverCount);
     return &record_;
   }
 
  private:
-  ObjectArray<Certificate> receivers_;
+  objects::ObjectArray<Certificate> receivers_;
 };

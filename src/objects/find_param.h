@@ -5,12 +5,12 @@
 #include "objects/held.h"
 #include "objects/param_object.h"
 
-class FindParam : public ParamObject<IFindParam, FindParamRecord, FindParamFlag_t> {
+class FindParam : public objects::ParamObject<IFindParam, FindParamRecord, FindParamFlag_t> {
  public:
   STDMETHODIMP get_certTemplate(ICertificate** value) override { return certTemplate_.get(value); }
   STDMETHODIMP putref_certTemplate(ICertificate* value) override { return certTemplate_.put(value); }
-  STDMETHODIMP get_info(Certinfo_t* value) override { return GetValue(record_.info, value); }
-  STDMETHODIMP put_info(Certinfo_t value) override { return PutValue(record_.info, value); }
+  STDMETHODIMP get_info(Certinfo_t* value) override { return getNumber(record_.info, value); }
+  STDMETHODIMP put_info(Certinfo_t value) override { return putNumber(record_.info, value); }
 
   /// The record with the template copied again.
   const FindParamRecord* record() {
@@ -19,5 +19,5 @@ class FindParam : public ParamObject<IFindParam, FindParamRecord, FindParamFlag_
   }
 
  private:
-  Held<Certificate> certTemplate_;
+  objects::Held<Certificate> certTemplate_;
 };

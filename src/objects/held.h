@@ -4,22 +4,23 @@
 #include "com/object.h"
 #include "com/ref.h"
 
-/// What the property reads back as, and the owner of the record that the engine sees. They part when
-/// Nothing is assigned: the property is then empty while the engine still sees the earlier object, kept on
-/// purpose; the owner stays referenced so that its record lives.
+namespace objects {
+
+/// Holds one reference. After Nothing is assigned the property reads as empty while the engine still sees the earlier
+/// object, which stays referenced so that its record lives. Kept on purpose: see "Nothing does not clear" in
+/// docs/behaviour.md.
 template <class Class>
 class Held {
  public:
   using Interface = typename Class::Primary;
 
-  HRESULT get(Interface** value) const { return shown_.copyTo(value); }
+  HRESULT get(Interface** value) const { return isShown_ ? owner_.copyTo(value) : com::Ref<Interface>().copyTo(value); }
 
   /// Assigns an object of this module, or null. Anything else is E_INVALIDARG and changes nothing.
   HRESULT put(Interface* value) {
-    Class* object = com::Own<Class>(value);
-    if (value && !object) return E_INVALIDARG;
-    shown_ = com::Ref<Interface>(value);
-    if (value) owner_ = shown_;
+    if (value && !com::Own<Class>(value)) return E_INVALIDARG;
+    isShown_ = value != nullptr;
+    if (value) owner_ = com::Ref<Interface>(value);
     return S_OK;
   }
 
@@ -27,6 +28,8 @@ class Held {
   Class* object() const { return com::Own<Class>(owner_.get()); }
 
  private:
-  com::Ref<Interface> shown_;
   com::Ref<Interface> owner_;
+  bool isShown_ = false;
 };
+
+}  // namespace objects

@@ -9,21 +9,21 @@
 #include "com/ref.h"
 #include "com/variant.h"
 
+namespace objects {
+
 /// Holds the objects and copies of their records; `Class` has a Record type and a record().
 template <class Class>
 class ObjectArray {
  public:
   using Record = typename Class::Record;
 
-  /// The count and the array that a record of the engine names.
-  int32_t count() const { return count_; }
-  Record* records() const { return records_.get(); }
-
-  /// Copies the records of the objects again, so that a later change of an object is seen and leaves no
-  /// pointer to what it has freed.
-  void refresh() {
+  /// Copies the records of the objects again, so that a later change of an object is seen and leaves no pointer to what
+  /// it has freed; then names their array and its length.
+  void refresh(Record*& records, int32_t& count) {
     for (int32_t i = 0; i < count_; ++i)
       if (Class* object = com::Own<Class>(objects_[i].get())) records_[i] = *object->record();
+    records = records_.get();
+    count = count_;
   }
 
   /// Assigns VT_EMPTY (clears) or an array of objects, also by reference. Another type, or an object that is
@@ -75,7 +75,6 @@ class ObjectArray {
     if (SUCCEEDED(hr)) hr = locked;
     if (FAILED(hr)) return hr;
     for (ULONG i = 0; i < elements.size(); ++i) objects_[i] = com::Ref<IDispatch>(objectOf(elements[i]));
-    refresh();
     return elements.unlock();
   }
 
@@ -109,3 +108,5 @@ class ObjectArray {
   int32_t count_ = 0;
   bool isShown_ = true;
 };
+
+}  // namespace objects

@@ -1,15 +1,14 @@
-// The parameter objects whose record is just flags and a certificate, and decryption's with one more field.
+// The parameter objects whose record is flags and a certificate, and that of decryption with one more member.
 #pragma once
 
 #include "objects/param_object.h"
-#include "quivocom.h"
 
-class SignParam : public ParamObject<ISignParam, SignParamRecord, SignParamFlag_t> {};
-class ExportParam : public ParamObject<IExportParam, SignParamRecord, ExportParamFlag_t> {};
-class ImportParam : public ParamObject<IImportParam, SignParamRecord, ImportParamFlag_t> {};
+class SignParam : public objects::ParamObject<ISignParam, SignParamRecord, SignParamFlag_t> {};
+class ExportParam : public objects::ParamObject<IExportParam, SignParamRecord, ExportParamFlag_t> {};
+class ImportParam : public objects::ParamObject<IImportParam, SignParamRecord, ImportParamFlag_t> {};
 
-class DecryptParam : public ParamObject<IDecryptParam, DecryptParamRecord, DecryptParamFlag_t> {
+class DecryptParam : public objects::ParamObject<IDecryptParam, DecryptParamRecord, DecryptParamFlag_t> {
  public:
-  STDMETHODIMP get_info(Certinfo_t* value) override { return GetValue(record_.info, value); }
-  STDMETHODIMP put_info(Certinfo_t value) override { return PutValue(record_.info, value); }
+  STDMETHODIMP get_info(Certinfo_t* value) override { return getNumber(record_.info, value); }
+  STDMETHODIMP put_info(Certinfo_t value) override { return putNumber(record_.info, value); }
 };

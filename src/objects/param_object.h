@@ -2,31 +2,27 @@
 #pragma once
 
 #include "objects/cert_id.h"
-#include "objects/fields.h"
 #include "objects/held.h"
+#include "objects/record_object.h"
+
+namespace objects {
 
 /// Base of a parameter object whose state is the engine's `RecordType`. Flags go to the engine as set.
 template <class Interface, class RecordType, class Flag>
-class ParamObject : public com::Object<Interface> {
+class ParamObject : public RecordObject<Interface, RecordType> {
  public:
-  using Record = RecordType;
-
-  STDMETHODIMP get_flag(Flag* value) override { return GetValue(record_.flag, value); }
-  STDMETHODIMP put_flag(Flag value) override { return PutValue(record_.flag, value); }
+  STDMETHODIMP get_flag(Flag* value) override { return this->getNumber(this->record_.flag, value); }
+  STDMETHODIMP put_flag(Flag value) override { return this->putNumber(this->record_.flag, value); }
   STDMETHODIMP get_mycert(ICertId** value) override { return mycert_.get(value); }
   STDMETHODIMP putref_mycert(ICertId* value) override {
     HRESULT hr = mycert_.put(value);
-    // Nothing leaves the record's pointer where it was, kept on purpose.
-    if (CertId* id = mycert_.object()) record_.mycert = id->record();
+    // Nothing leaves the record's pointer where it was.
+    if (CertId* id = mycert_.object()) this->record_.mycert = id->record();
     return hr;
   }
-
-  /// The record as the engine is to see it, valid until the object changes.
-  const Record* record() { return &record_; }
-
- protected:
-  Record record_{};
 
  private:
   Held<CertId> mycert_;
 };
+
+}  // namespace objects

@@ -1,8 +1,9 @@
 #include "objects/sign_status.h"
 
 #include "com/variant.h"
-#include "objects/create.h"
+#include "objects/create_object.h"
 
+namespace objects {
 namespace {
 
 HRESULT NewStatus(const SignStatusEntry& entry, com::Ref<ISignStatus>& out) {
@@ -32,10 +33,12 @@ HRESULT NewStatusArray(const VerifyResultRecord& result, com::Array& array) {
 
 }  // namespace
 
-HRESULT SignStatusArrayFromResult(EngineSession session, VerifyResultRecord* result, VARIANT* out) {
+HRESULT SignStatusArrayFromResult(engine::VerifyResult* result, VARIANT* out) {
   if (!result) return VariantClear(out);
   com::Array array;
-  HRESULT hr = NewStatusArray(*result, array);
-  QUIVO_FreeVerifyResult(session, result);
+  HRESULT hr = NewStatusArray(result->get(), array);
+  result->giveBack();
   return FAILED(hr) ? hr : com::SetArray(out, VT_DISPATCH, std::move(array));
 }
+
+}  // namespace objects

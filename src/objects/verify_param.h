@@ -6,41 +6,35 @@
 #include "objects/param_object.h"
 #include "objects/policy.h"
 
-class VerifyParam : public ParamObject<IVerifyParam, VerifyParamRecord, VerifyParamFlag_t> {
+class VerifyParam : public objects::ParamObject<IVerifyParam, VerifyParamRecord, VerifyParamFlag_t> {
  public:
-  ~VerifyParam() { Reset(record_.extKeyUsage, record_.extKeyUsageCount); }
-
-  STDMETHODIMP get_keyUsage(Keyusage_t* value) override { return GetValue(record_.keyUsage, value); }
-  STDMETHODIMP put_keyUsage(Keyusage_t value) override { return PutValue(record_.keyUsage, value); }
+  STDMETHODIMP get_keyUsage(Keyusage_t* value) override { return getNumber(record_.keyUsage, value); }
+  STDMETHODIMP put_keyUsage(Keyusage_t value) override { return putNumber(record_.keyUsage, value); }
   STDMETHODIMP get_policies(VARIANT* value) override { return policies_.get(value); }
   STDMETHODIMP put_policies(VARIANT value) override { return policies_.put(value); }
   STDMETHODIMP get_extKeyUsage(VARIANT* value) override {
-    return GetStrings(record_.extKeyUsage, record_.extKeyUsageCount, value);
+    return getTexts(record_.extKeyUsage, record_.extKeyUsageCount, value);
   }
   STDMETHODIMP put_extKeyUsage(VARIANT value) override {
-    return PutStrings(record_.extKeyUsage, record_.extKeyUsageCount, value);
+    return putTexts(record_.extKeyUsage, record_.extKeyUsageCount, value);
   }
   STDMETHODIMP get_extensions(VARIANT* value) override { return extensions_.get(value); }
   STDMETHODIMP put_extensions(VARIANT value) override { return extensions_.put(value); }
-  STDMETHODIMP get_nSignToDelete(LONG* value) override { return GetValue(record_.nSignToDelete, value); }
-  STDMETHODIMP put_nSignToDelete(LONG value) override { return PutValue(record_.nSignToDelete, value); }
-  STDMETHODIMP get_minsigns(LONG* value) override { return GetValue(record_.minsigns, value); }
-  STDMETHODIMP put_minsigns(LONG value) override { return PutValue(record_.minsigns, value); }
-  STDMETHODIMP get_info(Certinfo_t* value) override { return GetValue(record_.info, value); }
-  STDMETHODIMP put_info(Certinfo_t value) override { return PutValue(record_.info, value); }
+  STDMETHODIMP get_nSignToDelete(LONG* value) override { return getNumber(record_.nSignToDelete, value); }
+  STDMETHODIMP put_nSignToDelete(LONG value) override { return putNumber(record_.nSignToDelete, value); }
+  STDMETHODIMP get_minsigns(LONG* value) override { return getNumber(record_.minsigns, value); }
+  STDMETHODIMP put_minsigns(LONG value) override { return putNumber(record_.minsigns, value); }
+  STDMETHODIMP get_info(Certinfo_t* value) override { return getNumber(record_.info, value); }
+  STDMETHODIMP put_info(Certinfo_t value) override { return putNumber(record_.info, value); }
 
   /// The record with policies and extensions copied again.
   const VerifyParamRecord* record() {
-    policies_.refresh();
-    record_.policyCount = policies_.count();
-    record_.policies = policies_.records();
-    extensions_.refresh();
-    record_.extensionCount = extensions_.count();
-    record_.extensions = extensions_.records();
+    policies_.refresh(record_.policies, record_.policyCount);
+    extensions_.refresh(record_.extensions, record_.extensionCount);
     return &record_;
   }
 
  private:
-  ObjectArray<Policy> policies_;
-  ObjectArray<Extension> extensions_;
+  objects::ObjectArray<Policy> policies_;
+  objects::ObjectArray<Extension> extensions_;
 };

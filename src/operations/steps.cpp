@@ -1,6 +1,9 @@
 #include "operations/steps.h"
 
-HRESULT ReadDataAndSignature(const VARIANT& data, ByteInput& dataIn, const VARIANT& signature, ByteInput& signatureIn) {
+namespace operations {
+
+HRESULT ReadDataAndSignature(const VARIANT& data, convert::ByteInput& dataIn, const VARIANT& signature,
+                             convert::ByteInput& signatureIn) {
   HRESULT hr = ReadByteVariant(data, dataIn);
   if (SUCCEEDED(hr)) hr = ReadByteVariant(signature, signatureIn);
   if (FAILED(hr)) return ToModuleHResult(hr);
@@ -8,12 +11,8 @@ HRESULT ReadDataAndSignature(const VARIANT& data, ByteInput& dataIn, const VARIA
   return bothGiven && dataIn.isVbsForm() != signatureIn.isVbsForm() ? E_QUIVO_INVALID_ARGUMENT : S_OK;
 }
 
-HRESULT WriteVerified(EngineSession session, HRESULT told, const DataBlob_t& message, bool vbsForm, VARIANT* out) {
-  if (told == S_OK) return WriteByteVariant(session, message, vbsForm, out);
-  if (message.data) QUIVO_FreeMem(session, message.data);
-  return told;
-}
-
-void TellText(const wchar_t* text, VARIANT* out) {
+void ReturnText(const wchar_t* text, VARIANT* out) {
   if (out) com::OverwriteWithText(out, com::Bstr(SysAllocString(text)));
 }
+
+}  // namespace operations

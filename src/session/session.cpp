@@ -6,23 +6,25 @@
 #include "convert/strings.h"
 #include "errors/result.h"
 #include "objects/session_params.h"
-#include "session/quivo.h"
+#include "session/session.h"
 
-QUIVO::~QUIVO() {
-  if (session_.isOpen()) session_.close();
+namespace session {
+
+Session::~Session() {
+  if (owner_.isOpen()) owner_.close();
 }
 
-STDMETHODIMP QUIVO::Initialize(BSTR profile, Init_Flag_t flag) {
-  if (session_.isOpen()) return E_QUIVO_ALREADY_INITIALIZED;
-  AnsiString name;
-  HRESULT hr = BstrToAnsi(profile, name);
+STDMETHODIMP Session::Initialize(BSTR profile, Init_Flag_t flag) {
+  if (owner_.isOpen()) return E_QUIVO_ALREADY_INITIALIZED;
+  convert::AnsiString name;
+  HRESULT hr = convert::BstrToAnsi(profile, name);
   // Not re-based: scripts know the conversion's failure by its Win32 form.
   if (FAILED(hr)) return hr;
   return open([&](EngineSession* opened) { return QUIVO_Initialize(name.get(), static_cast<uint32_t>(flag), opened); });
 }
 
-STDMETHODIMP QUIVO::InitMinimal() {
-  if (session_.isOpen()) return E_QUIVO_ALREADY_INITIALIZED;
+STDMETHODIMP Session::InitMinimal() {
+  if (owner_.isOpen()) return E_QUIVO_ALREADY_INITIALIZED;
   return open(QUIVO_InitMinimal);
 }
 
@@ -44,14 +46,14 @@ HRESULT InterfaceName(IDispatch* object, com::Bstr& name) {
 
 }  // namespace
 
-STDMETHODIMP QUIVO::InitializeEx(IDispatch* param) {
-  if (session_.isOpen()) return E_QUIVO_ALREADY_INITIALIZED;
+STDMETHODIMP Session::InitializeEx(IDispatch* param) {
+  if (owner_.isOpen()) return E_QUIVO_ALREADY_INITIALIZED;
   if (!param) return E_QUIVO_INVALID_ARGUMENT;
   com::Bstr interfaceName;
   HRESULT hr = InterfaceName(param, interfaceName);
-  if (FAILED(hr)) return ToModuleHResult(hr);
-  AnsiString name;
-  hr = BstrToAnsi(interfaceName.get(), name);
+  if (FAILED(hr)) return errors::ToModuleHResult(hr);
+  convert::AnsiString name;
+  hr = convert::BstrToAnsi(interfaceName.get(), name);
   if (FAILED(hr)) return hr == E_OUTOFMEMORY ? E_QUIVO_OUT_OF_MEMORY : hr;
   if (!name) return E_QUIVO_INVALID_ARGUMENT;
 
@@ -65,19 +67,21 @@ STDMETHODIMP QUIVO::InitializeEx(IDispatch* param) {
   return E_QUIVO_INVALID_ARGUMENT;
 }
 
-STDMETHODIMP QUIVO::Uninitialize() {
+STDMETHODIMP Session::Uninitialize() {
   // The engine's code as it is, not mapped: existing scripts compare it.
-  return session_.isOpen() ? session_.close() : S_OK;
+  return owner_.isOpen() ? owner_.close() : S_OK;
 }
 
-STDMETHODIMP QUIVO::UpdateCrl(BSTR* description) {
+STDMETHODIMP Session::UpdateCrl(BSTR* description) {
   if (!description) return E_QUIVO_INVALID_ARGUMENT;
   constexpr uint32_t kSize = 4096;
   char text[kSize + 1] = {};
   DataBlob_t buffer{kSize, reinterpret_cast<uint8_t*>(text)};
-  SessionUse session(session_);
+  engine::SessionUse session(owner_);
   int32_t code = QUIVO_Ctrl(session, kEngineCtrlUpdateCrl, &buffer);
   // A failure that left a description is told by the description alone.
-  if (code != 0 && text[0] == '\0') return ToModuleHResult(code);
-  return ToModuleHResult(AnsiToBstr(text, description));
+  if (code != 0 && text[0] == '\0') return errors::ToModuleHResult(code);
+  return errors::ToModuleHResult(convert::AnsiToBstr(text, description));
 }
+
+}  // namespace session

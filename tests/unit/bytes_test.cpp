@@ -5,6 +5,8 @@
 
 #include "com/variant.h"
 
+using namespace convert;
+
 namespace {
 
 /// A VARIANT of `type` that holds a new array of `count` elements of `element`.

@@ -7,6 +7,8 @@
 #include <cmath>
 #include <limits>
 
+using namespace convert;
+
 namespace {
 
 DATE DateOf(uint32_t seconds) {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace errors;
+
 namespace {
 
 constexpr int32_t Code(uint32_t value) { return static_cast<int32_t>(value); }

@@ -5,6 +5,8 @@
 
 #include "com/owner.h"
 
+using namespace convert;
+
 namespace {
 
 com::Bstr Text(const wchar_t* text) { return com::Bstr(SysAllocString(text)); }

@@ -5,6 +5,8 @@
 
 #include <string>
 
+using namespace legacy;
+
 namespace {
 
 OpenPlan planOf(const std::string& path) {

@@ -7,6 +7,8 @@
 #include "contract/legacy/desktop.h"
 #include "support/contract_test.h"
 
+using namespace legacy;
+
 namespace {
 
 using Numbers = std::vector<int>;
