@@ -67,7 +67,7 @@ UINT Member::lastOutput() const {
   return count;
 }
 
-HRESULT InterfaceInfo::Load(REFIID iid, std::unique_ptr<InterfaceInfo>& out) {
+HRESULT InterfaceInfo::load(REFIID iid, std::unique_ptr<InterfaceInfo>& out) {
   std::unique_ptr<InterfaceInfo> loaded(new (std::nothrow) InterfaceInfo);
   if (!loaded) return E_OUTOFMEMORY;
   Ref<ITypeLib> library;
@@ -120,7 +120,7 @@ HRESULT LoadOnce(REFIID iid, std::atomic<InterfaceInfo*>& cache, module::CleanUp
   module::Guard guard;
   if (cache.load()) return S_OK;
   std::unique_ptr<InterfaceInfo> info;
-  HRESULT hr = InterfaceInfo::Load(iid, info);
+  HRESULT hr = InterfaceInfo::load(iid, info);
   if (FAILED(hr)) return hr;
   cache.store(info.release());
   module::AtDetach(cleanUp);

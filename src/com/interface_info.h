@@ -42,7 +42,7 @@ struct Member {
 class InterfaceInfo {
  public:
   /// Reads the description of `iid` from the module's own file. Returns the platform's failure or E_OUTOFMEMORY.
-  static HRESULT Load(REFIID iid, std::unique_ptr<InterfaceInfo>& out);
+  static HRESULT load(REFIID iid, std::unique_ptr<InterfaceInfo>& out);
 
   ITypeInfo* typeInfo() const { return info_.get(); }
   /// The member with `id` that `flags` of IDispatch::Invoke ask for; null if there is none.

@@ -22,6 +22,7 @@ class Object : public PrimaryInterface, public More... {
   Object(const Object&) = delete;
   Object& operator=(const Object&) = delete;
 
+  // NOLINTBEGIN(readability-identifier-naming): the methods of IDispatch, which the base hides from the check.
   STDMETHODIMP GetTypeInfoCount(UINT* count) final {
     if (!count) return E_POINTER;
     *count = 1;
@@ -50,6 +51,7 @@ class Object : public PrimaryInterface, public More... {
     Ref<Primary> self(this);
     return InvokeLateBound(*known, static_cast<Primary*>(this), member, flags, params, result, exception, badArgument);
   }
+  // NOLINTEND(readability-identifier-naming)
 
  protected:
   ~Object() { module::Unlock(); }

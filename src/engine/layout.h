@@ -24,6 +24,9 @@ struct Member {
   }
 };
 
+template <class Record, class Type>
+Member(Type Record::*, size_t) -> Member<Record, Type>;
+
 /// A list: the number of its elements and the pointer to them. char* elements are texts, others are records.
 template <class Record, class Element>
 struct List {
@@ -39,6 +42,9 @@ struct List {
     visitor(std::pair<decltype((records.*elements)), decltype((records.*count))>(records.*elements, records.*count)...);
   }
 };
+
+template <class Record, class Element>
+List(int32_t Record::*, Element* Record::*, size_t, size_t) -> List<Record, Element>;
 
 /// The members of a record, in order.
 template <class Record>

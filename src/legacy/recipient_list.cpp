@@ -38,11 +38,11 @@ void RecipientList::add(EngineSession session, const CertificateRecord* records,
 void RecipientList::release() {
   if (!block_) return;
   isReleasing_ = true;
-  Drop(std::exchange(block_, nullptr));
+  drop(std::exchange(block_, nullptr));
   isReleasing_ = false;
 }
 
-void RecipientList::Drop(Block* block) {
+void RecipientList::drop(Block* block) {
   while (block && --block->users == 0) {
     Block* movedTo = block->movedTo;
     int32_t owned = movedTo ? 0 : block->count;

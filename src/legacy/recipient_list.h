@@ -41,7 +41,7 @@ class RecipientList {
     CertificateRecord* records() { return reinterpret_cast<CertificateRecord*>(this + 1); }
   };
 
-  static void Drop(Block* block);
+  static void drop(Block* block);
 
   Block* block_ = nullptr;
   bool isReleasing_ = false;
@@ -56,7 +56,7 @@ class RecipientUse {
   }
   RecipientUse(const RecipientUse&) = delete;
   RecipientUse& operator=(const RecipientUse&) = delete;
-  ~RecipientUse() { RecipientList::Drop(block_); }
+  ~RecipientUse() { RecipientList::drop(block_); }
 
   int32_t count() const { return count_; }
   CertificateRecord* records() const { return block_ ? block_->records() : nullptr; }

@@ -19,6 +19,9 @@ class RecordObject : public com::Object<Interface>, protected Properties {
   HRESULT copyFrom(const Record& from) { return CopyMembers(from, record_); }
 
  protected:
+  RecordObject() {
+    if constexpr (requires { record_.size; }) record_.size = sizeof(record_);
+  }
   ~RecordObject() { FreeMembers(record_); }
 
   Record record_{};

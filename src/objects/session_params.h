@@ -6,8 +6,6 @@
 
 class LocalParam : public objects::RecordObject<ILocalParam, LocalParamRecord> {
  public:
-  LocalParam() { record_.size = sizeof(record_); }
-
   STDMETHODIMP get_pse(BSTR* value) override { return getText(record_.pse, value); }
   STDMETHODIMP put_pse(BSTR value) override { return putText(record_.pse, value); }
   STDMETHODIMP get_localstore(BSTR* value) override { return getText(record_.localstore, value); }
@@ -22,8 +20,6 @@ class LocalParam : public objects::RecordObject<ILocalParam, LocalParamRecord> {
 
 class RSrvParam : public objects::RecordObject<IRSrvParam, RSrvParamRecord> {
  public:
-  RSrvParam() { record_.size = sizeof(record_); }
-
   STDMETHODIMP get_timeout(LONG* value) override { return getNumber(record_.timeout, value); }
   STDMETHODIMP put_timeout(LONG value) override { return putNumber(record_.timeout, value); }
   STDMETHODIMP get_flag(RSrv_Init_Flag_t* value) override { return getNumber(record_.flag, value); }
