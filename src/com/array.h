@@ -5,11 +5,11 @@
 
 namespace com {
 
-/// Number of elements that callers' arrays are read with: that of the first bound record, and 0 when any
-/// dimension is empty. Neither lower bounds nor the number of dimensions matter.
+/// The number of elements to read of a caller's array: that of the first bound record, or 0 if any dimension is empty.
+/// Neither lower bounds nor the number of dimensions matter.
 ULONG ElementCount(const SAFEARRAY* array);
 
-/// True when an array that says what it holds holds `element`, and each element has `size` bytes.
+/// True if each element has `size` bytes and the array's element type, where it is known, equals `element`.
 bool Holds(SAFEARRAY* array, VARTYPE element, ULONG size);
 
 /// Locks an array for as long as it lives.

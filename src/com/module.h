@@ -17,7 +17,7 @@ void Lock();
 void Unlock();
 LONG LockCount();
 
-/// Registers a function for Detach. At most one a cache; the caller holds a Guard.
+/// Registers a function for Detach. One clean-up function per cache; the caller holds a Guard.
 using CleanUp = void (*)();
 void AtDetach(CleanUp cleanUp);
 

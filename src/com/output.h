@@ -1,4 +1,4 @@
-// Where scripts want the outputs of a late-bound call.
+// Delivers the outputs of a late-bound call to where a script wants them.
 #pragma once
 
 #include "com/variant.h"

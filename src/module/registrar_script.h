@@ -8,7 +8,7 @@
 
 namespace registrar {
 
-/// What a script says of a key beside its content.
+/// How a script wants a key to be treated.
 enum class Rule { kNone, kForceRemove, kNoRemove, kDelete };
 
 /// A named string value of a key.

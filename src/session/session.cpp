@@ -79,7 +79,7 @@ STDMETHODIMP Session::UpdateCrl(BSTR* description) {
   DataBlob_t buffer{kSize, reinterpret_cast<uint8_t*>(text)};
   engine::SessionUse session(owner_);
   int32_t code = QUIVO_Ctrl(session, kEngineCtrlUpdateCrl, &buffer);
-  // A failure that left a description is told by the description alone.
+  // The description alone reports a failure that left one.
   if (code != 0 && text[0] == '\0') return errors::ToModuleHResult(code);
   return errors::ToModuleHResult(convert::AnsiToBstr(text, description));
 }
