@@ -53,7 +53,7 @@ HRESULT ArrayOf(const VARIANT& value, VARTYPE element, SAFEARRAY** array);
 /// Clears `out` and hands it `array` as VT_ARRAY|`element`. Returns the result of VariantClear.
 HRESULT SetArray(VARIANT* out, VARTYPE element, Array array);
 
-/// Sets `out` to VT_BSTR without clearing it: text outputs overwrite what the caller's VARIANT held.
+/// Sets `out` to VT_BSTR without clearing it: on purpose, "Text outputs overwrite" in docs/behaviour.md.
 inline void OverwriteWithText(VARIANT* out, Bstr text) {
   V_VT(out) = VT_BSTR;
   V_BSTR(out) = text.release();

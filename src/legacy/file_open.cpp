@@ -134,7 +134,8 @@ class Opening {
     return true;
   }
 
-  /// The object is reached as any client reaches it, under a name that the module itself does not register.
+  /// The object is reached as any client reaches it, on purpose by a name that the module does not register: "The
+  /// other ProgID" in docs/behaviour.md.
   bool openSession() {
     CLSID clsid;
     if (FAILED(CLSIDFromProgID(L"PKI.pkiobj", &clsid))) return false;

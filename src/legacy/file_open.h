@@ -3,8 +3,8 @@
 
 namespace legacy {
 
-/// Opens the protected file at `path`, the whole command line, in the system code page. Returns nothing: the
-/// user is told in windows, and whatever cannot be opened is passed over in silence.
+/// Opens the protected file at `path`, the whole command line, in the system code page. Reports
+/// to the user in windows; what cannot be opened is passed over in silence.
 void OpenProtectedFile(const char* path);
 
 }  // namespace legacy

@@ -1,4 +1,4 @@
-// What the legacy object tells its user in message boxes, and the formatting of such texts.
+// The message boxes of the legacy object, and the formatting of their texts.
 #pragma once
 
 #include <windows.h>
@@ -16,7 +16,7 @@ constexpr size_t kMessageSize = 1024 + 1;
 /// Formats with wvsprintfA; what is longer than the buffer is cut.
 void FormatText(char (&text)[kMessageSize], const char* format, ...);
 
-/// Room for the engine's text of a code; the engine is told one byte less than the buffer has.
+/// Room for the engine's text of a code; the last byte is kept from the engine, for the terminator.
 constexpr uint32_t kErrorTextSize = 256;
 /// The engine's text of a result code, NUL-terminated; empty when the engine writes none.
 void ErrorText(int32_t code, char (&text)[kErrorTextSize + 1]);

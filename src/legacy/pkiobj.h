@@ -1,5 +1,5 @@
-// pkiobj: the older, file-oriented object. It has its own session and recipients, and tells its user itself
-// what happened, in message boxes and a results sheet.
+// pkiobj: the older, file-oriented object. It has its own session and recipients, and reports to
+// the user in message boxes and a results sheet.
 #pragma once
 
 #include "com/object.h"

@@ -1,4 +1,4 @@
-// The legacy object's operations on files: one engine call each, told to the user.
+// The legacy object's operations on files: one engine call each, with its messages.
 #include "engine/owned.h"
 #include "legacy/messages.h"
 #include "legacy/pkiobj.h"
@@ -59,7 +59,8 @@ bool IsSignedFile(EngineSession session, const char* file) {
   return QUIVO_SignedInfoFile(session, file, info.receive()) == 0;
 }
 
-/// What an operation that produces a file returns for the engine's code: a failure is always negative.
+/// What an operation that produces a file returns for the engine's code: a failure is always negative, on purpose:
+/// "The forced top bit" in docs/behaviour.md.
 HRESULT Produced(int32_t code, const char* message, const char* file) {
   if (code == 0) return S_OK;
   ShowFailure(code, message, file);
@@ -161,8 +162,8 @@ STDMETHODIMP pkiobj::VerifyAndUnencrypt(BSTR fname_in, BSTR fname_out) {
   Files files(fname_in, fname_out);
   if (!files) return E_OUTOFMEMORY;
   if (!PrepareInput(files.in.get())) return S_FALSE;
-  // No certificate fields are asked for, unlike in the two single operations: what the engine tells of the signers
-  // without being asked is all that the sheet shows.
+  // No certificate fields are asked for, unlike in the two single operations: the sheet shows
+  // what the engine reports of the signers unasked.
   DecryptParamRecord decrypt = DecryptionParam(0);
   VerifyParamRecord verify = RemovalParam(0);
   engine::DecryptResult decrypted(call.session());

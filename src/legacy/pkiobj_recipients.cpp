@@ -10,7 +10,7 @@ using namespace legacy;
 
 namespace {
 
-// Win32 numbers with the severity bit alone: older clients compare them, so they are not the usual HRESULTs.
+// On purpose not the usual HRESULTs: "Codes with the severity bit alone" in docs/behaviour.md.
 constexpr HRESULT kInvalidParameter = static_cast<HRESULT>(0x80000057);
 constexpr HRESULT kNotEnoughMemory = static_cast<HRESULT>(0x80000008);
 // A certificate outside its validity period.

@@ -20,8 +20,8 @@ STDMETHODIMP pkiobj::Init(BSTR profile) {
   std::strncpy(name, given.get(), kNameSize - 1);
 
   uint32_t now = SecondsNow();
-  // Opened for reading only, and the times are written through it all the same: the attempt fails and nobody
-  // misses them, so the checks stay due. Kept on purpose.
+  // Opened for reading only, although times are written through it, on purpose: "Times that are never written" in
+  // docs/behaviour.md.
   com::RegKey key;
   Periods periods;
   if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, settings::kKey, 0, KEY_READ, key.receive()) == ERROR_SUCCESS)

@@ -13,8 +13,8 @@
 namespace legacy {
 namespace {
 
-// The number of the system's error icon, which the module's own resources lack: loading it fails, and the rows of
-// failing signers stand without an image. Kept on purpose.
+// The number of the system's error icon, which the module's own resources lack: the rows of failing signers stand
+// without an image, on purpose: "The missing icon" in docs/behaviour.md.
 constexpr WORD kFailingSignerIcon = 32513;
 
 /// What the sheet needs of the common controls.
@@ -157,7 +157,7 @@ void ResultsPage::show(const CertificateRecord* certificate) const {
   QUIVO_ShowCertificate(session_, &certificate->certEncoded);
 }
 
-/// A row without an image asks for one on every drawing; it is told once more that there is none.
+/// A row without an image asks for one on every drawing; the answer is again that there is none.
 void AnswerNoImage(NMHDR* notification) {
   if (notification->code != LVN_GETDISPINFOA && notification->code != LVN_GETDISPINFOW) return;
   LVITEMA& item = reinterpret_cast<NMLVDISPINFOA*>(notification)->item;

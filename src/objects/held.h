@@ -7,8 +7,7 @@
 namespace objects {
 
 /// Holds one reference. After Nothing is assigned the property reads as empty while the engine still sees the earlier
-/// object, which stays referenced so that its record lives. Kept on purpose: see "Nothing does not clear" in
-/// docs/behaviour.md.
+/// object, which stays referenced so that its record lives. On purpose: "Nothing does not clear" in docs/behaviour.md.
 template <class Class>
 class Held {
  public:

@@ -31,9 +31,9 @@ class ObjectArray {
   /// are gone.
   HRESULT put(const VARIANT& value) { return assign(value, false); }
 
-  /// As put; accepts a script's array of VARIANTs too, whose objects read back as null references. Kept on
-  /// purpose; the objects are referenced all the same while the engine may read their records. Such an array that
-  /// cannot be locked changes nothing.
+  /// As put; accepts a script's array of VARIANTs too, whose objects read back as null references, on
+  /// purpose: "Receivers that read back as null" in docs/behaviour.md. The objects are referenced all the same while
+  /// the engine may read their records. Such an array that cannot be locked changes nothing.
   HRESULT putAlsoVariants(const VARIANT& value) { return assign(value, true); }
 
   /// Returns VT_ARRAY|VT_DISPATCH, empty for none.
@@ -67,7 +67,7 @@ class ObjectArray {
     if (!com::Holds(array, type, sizeof(Element))) return E_INVALIDARG;
     com::ArrayView<const Element> elements;
     HRESULT locked = elements.lock(array);
-    // A script's array is locked before the former contents go, an array of objects is not: kept on purpose.
+    // On purpose: "Locked before or after" in docs/behaviour.md.
     if (FAILED(locked) && !isShown) return locked;
     for (ULONG i = 0; i < elements.size(); ++i)
       if (!isAccepted(elements[i])) return E_INVALIDARG;

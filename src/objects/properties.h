@@ -30,8 +30,8 @@ struct Properties {
   /// Times, 32-bit UTC seconds. E_INVALIDARG out of range.
   static HRESULT getTime(uint32_t member, DATE* out);
   static HRESULT putTime(uint32_t& member, DATE value);
-  /// The start of a period: stored as 64 bits over both members, so that the end becomes the upper half. Kept on
-  /// purpose: scripts set the start of a period before its end.
+  /// The start of a period: stored as 64 bits over both members, so that the end becomes the upper half. On
+  /// purpose: "The start of a period clears its end" in docs/behaviour.md.
   static HRESULT putStartTime(uint32_t& start, uint32_t& end, DATE value);
 
   /// A 32-bit value, as given, without a check.

@@ -1,5 +1,5 @@
 // LocalParam and RSrvParam: what a session is opened with. The PIN stays readable and in plain text for as long as the
-// object lives: existing scripts read it back.
+// object lives, on purpose: "A readable PIN" in docs/behaviour.md.
 #pragma once
 
 #include "objects/record_object.h"

@@ -10,7 +10,7 @@ class SignStatus : public com::Object<ISignStatus>, objects::Properties {
   STDMETHODIMP get_status(LONG* value) override { return getNumber(status_, value); }
   STDMETHODIMP put_status(LONG value) override { return putNumber(status_, value); }
   STDMETHODIMP get_time(DATE* value) override { return getTime(time_, value); }
-  // Checks the time and stores nothing: the signing time is the engine's. Kept on purpose: see "A time that cannot be
+  // Checks the time and stores nothing: the signing time is the engine's. On purpose: "A time that cannot be
   // set" in docs/behaviour.md.
   STDMETHODIMP put_time(DATE value) override {
     int64_t ignored = 0;

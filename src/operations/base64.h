@@ -12,7 +12,7 @@ constexpr uint32_t Base64Size(uint32_t length) {
   return size > UINT32_MAX ? 0 : static_cast<uint32_t>(size / 3 + 4);
 }
 
-/// The characters of the BSTR that SignFile2B64Mem returns for a text of that length. Kept on purpose: see "An overlong
+/// The characters of the BSTR that SignFile2B64Mem returns for a text of that length. On purpose: "An overlong
 /// text" in docs/behaviour.md.
 constexpr uint32_t OverlongSize(uint32_t textLength) { return 2 * textLength + 2; }
 

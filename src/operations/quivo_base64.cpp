@@ -13,7 +13,7 @@ using namespace operations;
 
 namespace {
 
-// What SignFile2B64Mem returns for any failure; the reason is in its text.
+// What SignFile2B64Mem returns for any failure, on purpose: "The only failure of SignFile2B64Mem" in docs/behaviour.md.
 constexpr HRESULT kFailed = static_cast<HRESULT>(0xFFFFFFFF);
 constexpr wchar_t kNoMemory[] = L"Недостаточно памяти";
 
@@ -98,12 +98,12 @@ STDMETHODIMP QUIVO::GetMyCertB64(VARIANT* var_cert_str) {
   }
   int size = 0;
   HRESULT hr = convert::MeasureWide(text.get(), &size);
-  // Not re-based: scripts know this failure by its Win32 form.
+  // On purpose: "Failures that are not re-based" in docs/behaviour.md.
   if (size == 0) return hr;
   com::Bstr wide;
   hr = convert::ReallocBstr(text.get(), size, wide.inOut());
   if (FAILED(hr)) return ToModuleHResult(hr);
-  // Tested last: a caller without a variable still learns whether there is a certificate.
+  // On purpose: "The null pointer comes last" in docs/behaviour.md.
   if (!var_cert_str) return E_QUIVO_INVALID_ARGUMENT;
   com::OverwriteWithText(var_cert_str, std::move(wide));
   return S_OK;

@@ -20,7 +20,7 @@ STDMETHODIMP QUIVO::DecryptMem(IDecryptParam* pIParam, VARIANT in, VARIANT* out,
   if (!options || !out || !pICert) return E_QUIVO_INVALID_ARGUMENT;
   SessionUse session(owner());
   engine::DecryptResult result(session);
-  // Unlike the file forms: after a failed decryption the result stays the engine's, and the certificate as it was.
+  // After a failure the result stays the engine's, on purpose: "The two decryptions" in docs/behaviour.md.
   return TransformBytes(
       owner(), in, out,
       [&](EngineSession, const DataBlob_t* encrypted, DataBlob_t* plain) {
@@ -54,7 +54,7 @@ HRESULT DecryptFileWith(decltype(QUIVO_DecryptFile) engineDecrypt, QUIVO& quivo,
   SessionUse session(quivo.owner());
   engine::DecryptResult result(session);
   int32_t code = engineDecrypt(session, options->record(), paths.get<0>(), paths.get<1>(), result.receive());
-  // Unlike the memory form: the file forms return the certificate, and give the result back, after a failure too.
+  // After a failure too, on purpose: "The two decryptions" in docs/behaviour.md.
   HRESULT hr = CertificateFromRecord(&result.get().cert, cert);
   return ToModuleHResult(code != 0 ? code : hr);
 }

@@ -32,7 +32,7 @@ STDMETHODIMP QUIVO::CheckOID(BSTR oid, VARIANT* var_err_text) {
   OwnCertificateSearch search(owner());
   constexpr size_t kSize = 1022;
   char text[kSize];
-  // By the locale of the process, not the ANSI code page, as this method has always compared.
+  // By the locale of the process, not the ANSI code page, on purpose: "The texts of CheckOID" in docs/behaviour.md.
   size_t length = oid ? std::wcstombs(text, oid, kSize) : static_cast<size_t>(-1);
   if (length >= kSize) {
     ReturnText(L"Ошибка преобразования BSTR", var_err_text);

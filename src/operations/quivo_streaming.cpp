@@ -55,7 +55,7 @@ HRESULT FeedStream(engine::SessionOwner& owner, StreamCtx& stream, const VARIANT
 }
 
 /// Where the engine's count of bytes left goes: into the VARIANT itself, or through its reference, whose
-/// type is not looked at. A null reference is refused.
+/// type is not examined, on purpose: "A count without a look" in docs/behaviour.md. A null reference is refused.
 class LeftOutput {
  public:
   explicit LeftOutput(VARIANT* left) : left_(left) {

@@ -18,7 +18,7 @@ STDMETHODIMP Session::Initialize(BSTR profile, Init_Flag_t flag) {
   if (owner_.isOpen()) return E_QUIVO_ALREADY_INITIALIZED;
   convert::AnsiString name;
   HRESULT hr = convert::BstrToAnsi(profile, name);
-  // Not re-based: scripts know the conversion's failure by its Win32 form.
+  // On purpose: "Failures that are not re-based" in docs/behaviour.md.
   if (FAILED(hr)) return hr;
   return open([&](EngineSession* opened) { return QUIVO_Initialize(name.get(), static_cast<uint32_t>(flag), opened); });
 }
@@ -68,7 +68,7 @@ STDMETHODIMP Session::InitializeEx(IDispatch* param) {
 }
 
 STDMETHODIMP Session::Uninitialize() {
-  // The engine's code as it is, not mapped: existing scripts compare it.
+  // On purpose: "The raw code of Uninitialize" in docs/behaviour.md.
   return owner_.isOpen() ? owner_.close() : S_OK;
 }
 
@@ -79,7 +79,7 @@ STDMETHODIMP Session::UpdateCrl(BSTR* description) {
   DataBlob_t buffer{kSize, reinterpret_cast<uint8_t*>(text)};
   engine::SessionUse session(owner_);
   int32_t code = QUIVO_Ctrl(session, kEngineCtrlUpdateCrl, &buffer);
-  // The description alone reports a failure that left one.
+  // On purpose: "A failure that is a text" in docs/behaviour.md.
   if (code != 0 && text[0] == '\0') return errors::ToModuleHResult(code);
   return errors::ToModuleHResult(convert::AnsiToBstr(text, description));
 }

@@ -11,7 +11,7 @@ namespace session {
 
 STDMETHODIMP Session::GetCurrentProfileNameVBS(VARIANT* var_profile) {
   // The registry functions return their errors and do not set the thread's last error; this method reports
-  // the last error all the same, one left by earlier work included. Callers rely on the order: keep it.
+  // the last error all the same, on purpose: "The last error of others" in docs/behaviour.md.
   DWORD status = GetLastError();
   constexpr DWORD kNameSize = 261;
   char name[kNameSize + 1] = {};

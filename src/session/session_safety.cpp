@@ -7,7 +7,7 @@ STDMETHODIMP Session::GetInterfaceSafetyOptions(REFIID, DWORD* supported, DWORD*
   if (!supported || !enabled) return E_POINTER;
   constexpr DWORD kBoth = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
   *supported = kBoth;
-  // The reverse of the mode, kept on purpose: hosts have always been told so.
+  // On purpose: "The reversed safety answer" in docs/behaviour.md.
   *enabled = isUntrusted_ ? INTERFACESAFE_FOR_UNTRUSTED_CALLER : kBoth;
   return S_OK;
 }
