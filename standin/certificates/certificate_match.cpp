@@ -16,18 +16,18 @@
 namespace standin {
 namespace {
 
-bool isSet(const char* text) { return text != nullptr && *text != 0; }
+bool IsSet(const char* text) { return text != nullptr && *text != 0; }
 
-bool sameText(const std::string& left_ansi, const std::string& right_ansi) {
-  return foldCase(utf8FromAnsi(left_ansi)) == foldCase(utf8FromAnsi(right_ansi));
+bool SameText(const std::string& left_ansi, const std::string& right_ansi) {
+  return FoldCase(Utf8FromAnsi(left_ansi)) == FoldCase(Utf8FromAnsi(right_ansi));
 }
 
-bool subjectHasAddress(const X509* certificate, const char* address) {
+bool SubjectHasAddress(const X509* certificate, const char* address) {
   const X509_NAME* subject = X509_get_subject_name(certificate);
   for (int i = X509_NAME_get_index_by_NID(subject, NID_pkcs9_emailAddress, -1); i >= 0;
        i = X509_NAME_get_index_by_NID(subject, NID_pkcs9_emailAddress, i)) {
-    const std::string text = textOf(X509_NAME_ENTRY_get_data(X509_NAME_get_entry(subject, i)));
-    if (sameText(ansiFromUtf8(text), address)) return true;
+    const std::string text = TextOf(X509_NAME_ENTRY_get_data(X509_NAME_get_entry(subject, i)));
+    if (SameText(AnsiFromUtf8(text), address)) return true;
   }
   return false;
 }
@@ -39,47 +39,47 @@ class Comparison {
   bool counts(uint32_t field) const { return wanted_.fields == 0 || (wanted_.fields & field) != 0; }
 
   bool names(bool partial_subject) const {
-    if (counts(kFieldIssuer) && isSet(wanted_.issuer) &&
-        !isNameText(X509_get_issuer_name(certificate_), utf8FromAnsi(wanted_.issuer))) {
+    if (counts(kFieldIssuer) && IsSet(wanted_.issuer) &&
+        !IsNameText(X509_get_issuer_name(certificate_), Utf8FromAnsi(wanted_.issuer))) {
       return false;
     }
-    if (counts(kFieldSubject) && isSet(wanted_.subject)) {
+    if (counts(kFieldSubject) && IsSet(wanted_.subject)) {
       const X509_NAME* subject = X509_get_subject_name(certificate_);
-      const std::string text = utf8FromAnsi(wanted_.subject);
-      if (!(partial_subject ? nameContains(subject, text) : isNameText(subject, text))) return false;
+      const std::string text = Utf8FromAnsi(wanted_.subject);
+      if (!(partial_subject ? NameContains(subject, text) : IsNameText(subject, text))) return false;
     }
     return altName(kFieldSubjectAltName, wanted_.subjectAltName, NID_subject_alt_name) &&
            altName(kFieldIssuerAltName, wanted_.issuerAltName, NID_issuer_alt_name);
   }
 
   bool numbers() const {
-    if (counts(kFieldSerial) && isSet(wanted_.serialNumber) &&
-        !isSameHex(wanted_.serialNumber, serialText(certificate_))) {
+    if (counts(kFieldSerial) && IsSet(wanted_.serialNumber) &&
+        !IsSameHex(wanted_.serialNumber, SerialText(certificate_))) {
       return false;
     }
-    if (counts(kFieldKeyId) && isSet(wanted_.keyId) && !isSameHex(wanted_.keyId, hexOf(keyIdOf(certificate_)))) {
+    if (counts(kFieldKeyId) && IsSet(wanted_.keyId) && !IsSameHex(wanted_.keyId, HexOf(KeyIdOf(certificate_)))) {
       return false;
     }
-    if (counts(kFieldCertHash) && wanted_.certHash.len != 0 && !isHashOf(certificate_, wanted_.certHash)) return false;
+    if (counts(kFieldCertHash) && wanted_.certHash.len != 0 && !IsHashOf(certificate_, wanted_.certHash)) return false;
     if (!counts(kFieldCertEncoded) || wanted_.certEncoded.len == 0) return true;
-    const ByteView encoded = viewOf(&wanted_.certEncoded);
-    const Bytes der = derOf(certificate_);
+    const ByteView encoded = ViewOf(&wanted_.certEncoded);
+    const Bytes der = DerOf(certificate_);
     return std::equal(encoded.begin(), encoded.end(), der.begin(), der.end());
   }
 
   bool uses() const {
-    if (counts(kFieldKeyUsage) && !allowsKeyUsage(certificate_, wanted_.keyUsage)) return false;
+    if (counts(kFieldKeyUsage) && !AllowsKeyUsage(certificate_, wanted_.keyUsage)) return false;
     if (counts(kFieldExtKeyUsage) && wanted_.extKeyUsage != nullptr) {
-      const std::vector<std::string> stated = extKeyUsageOf(certificate_);
+      const std::vector<std::string> stated = ExtKeyUsageOf(certificate_);
       for (int32_t i = 0; i < wanted_.extKeyUsageCount; ++i) {
-        const std::string oid = textOrEmpty(wanted_.extKeyUsage[i]);
+        const std::string oid = TextOrEmpty(wanted_.extKeyUsage[i]);
         if (std::find(stated.begin(), stated.end(), oid) == stated.end()) return false;
       }
     }
     if (!counts(kFieldPolicy) || wanted_.policies == nullptr) return true;
-    const std::vector<CertPolicy> stated = policiesOf(certificate_);
+    const std::vector<CertPolicy> stated = PoliciesOf(certificate_);
     for (int32_t i = 0; i < wanted_.policyCount; ++i) {
-      const std::string oid = textOrEmpty(wanted_.policies[i].oid);
+      const std::string oid = TextOrEmpty(wanted_.policies[i].oid);
       if (std::none_of(stated.begin(), stated.end(), [&](const CertPolicy& one) { return one.oid == oid; })) {
         return false;
       }
@@ -92,15 +92,15 @@ class Comparison {
     if (!counts(field)) return true;
     Buffers buffers;
     AltNameRecord stated{};
-    fillAltName(stated, certificate_, extension_nid, buffers);
-    for (const AltNameField& member : altNameFields()) {
+    FillAltName(stated, certificate_, extension_nid, buffers);
+    for (const AltNameField& member : AltNameFields()) {
       const char* text = wanted.*member.text;
-      if (!isSet(text)) continue;
+      if (!IsSet(text)) continue;
       const char* here = stated.*member.text;
-      if (here != nullptr && sameText(here, text)) continue;
+      if (here != nullptr && SameText(here, text)) continue;
       // Older certificates have the e-mail address in the subject itself.
       const bool in_subject = extension_nid == NID_subject_alt_name && member.place == AltNameField::Place::kEmail;
-      if (!in_subject || !subjectHasAddress(certificate_, text)) return false;
+      if (!in_subject || !SubjectHasAddress(certificate_, text)) return false;
     }
     return true;
   }
@@ -111,19 +111,19 @@ class Comparison {
 
 }  // namespace
 
-bool fits(X509* certificate, const CertificateRecord& wanted, bool partial_subject) {
+bool Fits(X509* certificate, const CertificateRecord& wanted, bool partial_subject) {
   const Comparison comparison(certificate, wanted);
   return comparison.numbers() && comparison.uses() && comparison.names(partial_subject);
 }
 
-bool statesAnything(const CertificateRecord& wanted) {
+bool StatesAnything(const CertificateRecord& wanted) {
   const auto counts = [&](uint32_t field) { return wanted.fields == 0 || (wanted.fields & field) != 0; };
   const bool has_address = counts(kFieldSubjectAltName) &&
-                           std::any_of(altNameFields().begin(), altNameFields().end(), [&](const AltNameField& member) {
-                             return isSet(wanted.subjectAltName.*member.text);
+                           std::any_of(AltNameFields().begin(), AltNameFields().end(), [&](const AltNameField& member) {
+                             return IsSet(wanted.subjectAltName.*member.text);
                            });
-  return has_address || (counts(kFieldSubject) && isSet(wanted.subject)) ||
-         (counts(kFieldSerial) && isSet(wanted.serialNumber)) || (counts(kFieldKeyId) && isSet(wanted.keyId)) ||
+  return has_address || (counts(kFieldSubject) && IsSet(wanted.subject)) ||
+         (counts(kFieldSerial) && IsSet(wanted.serialNumber)) || (counts(kFieldKeyId) && IsSet(wanted.keyId)) ||
          (counts(kFieldCertHash) && wanted.certHash.len != 0) ||
          (counts(kFieldCertEncoded) && wanted.certEncoded.len != 0);
 }

@@ -22,7 +22,7 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID process_ends) {
     case DLL_PROCESS_DETACH:
       // When the process ends, other threads were stopped wherever they were: nothing may be touched.
       if (process_ends != nullptr) break;
-      standin::removeAllSessions();
+      standin::RemoveAllSessions();
       OPENSSL_cleanup();
       __gnu_cxx::__freeres();
       break;

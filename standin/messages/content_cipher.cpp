@@ -9,15 +9,15 @@ namespace standin {
 
 ContentCipher::ContentCipher(CMS_ContentInfo* message) {
   BIO* sink = BIO_new(BIO_s_null());
-  if (sink == nullptr) fail(kWinOutOfMemory);
+  if (sink == nullptr) Fail(kWinOutOfMemory);
   BIO* chain = CMS_dataInit(message, sink);
   if (chain == nullptr) {
     BIO_free(sink);
-    fail(kAlgorithmUnknown);
+    Fail(kAlgorithmUnknown);
   }
   chain_.reset(chain);
   BIO* cipher = BIO_find_type(chain, BIO_TYPE_CIPHER);
-  if (cipher == nullptr || BIO_get_cipher_ctx(cipher, &context_) != 1 || context_ == nullptr) fail(kInternal);
+  if (cipher == nullptr || BIO_get_cipher_ctx(cipher, &context_) != 1 || context_ == nullptr) Fail(kInternal);
 }
 
 void ContentCipher::update(ByteView piece, GrowingBuffer& out) {
@@ -27,7 +27,7 @@ void ContentCipher::update(ByteView piece, GrowingBuffer& out) {
     const size_t room = part.size() + EVP_MAX_BLOCK_LENGTH;
     uint8_t* place = out.extend(room);
     int written = 0;
-    if (EVP_CipherUpdate(context_, place, &written, part.data(), static_cast<int>(part.size())) != 1) fail(kInternal);
+    if (EVP_CipherUpdate(context_, place, &written, part.data(), static_cast<int>(part.size())) != 1) Fail(kInternal);
     out.shrink(room - static_cast<size_t>(written));
     piece = piece.subspan(part.size());
   }

@@ -33,9 +33,9 @@ struct SignedParts {
 };
 
 /// The AlgorithmIdentifiers of the digests that the signers of a message use, from its head.
-std::vector<Bytes> digestAlgorithmsOf(const MessageReader::Head& head);
+std::vector<Bytes> DigestAlgorithmsOf(const MessageReader::Head& head);
 
 /// The message as libcrypto knows it; fails with kMessageDamaged.
-CmsPtr messageFromDer(ByteView der);
+CmsPtr MessageFromDer(ByteView der);
 
 }  // namespace standin

@@ -11,7 +11,7 @@
 namespace standin {
 namespace {
 
-std::vector<CertPtr> candidatesOf(const Session& session, uint32_t flags) {
+std::vector<CertPtr> CandidatesOf(const Session& session, uint32_t flags) {
   std::vector<CertPtr> candidates;
   const bool only_own = (flags & (kFindMy | kFindIgnoreLocal)) != 0;
   for (CertPtr& certificate : session.knownCertificates()) {
@@ -21,12 +21,12 @@ std::vector<CertPtr> candidatesOf(const Session& session, uint32_t flags) {
 }
 
 /// Whether the certificate may be used now. An own certificate may be, even where its issuer is not known yet.
-bool isUsable(const TrustChecker& trust, X509* certificate, uint32_t flags) {
+bool IsUsable(const TrustChecker& trust, X509* certificate, uint32_t flags) {
   if ((flags & kFindAll) != 0) return true;
-  const time_t now = currentTime();
+  const time_t now = CurrentTime();
   const bool check_time = (flags & kFindNoTimeCheck) == 0;
-  if (check_time && !isWithinValidity(certificate, now)) return false;
-  if ((flags & kFindNoKeyTimeCheck) == 0 && !isWithinKeyPeriod(certificate, now)) return false;
+  if (check_time && !IsWithinValidity(certificate, now)) return false;
+  if ((flags & kFindNoKeyTimeCheck) == 0 && !IsWithinKeyPeriod(certificate, now)) return false;
   if ((flags & (kFindMy | kFindNoVerify)) != 0) return true;
   TrustOptions options;
   options.check_time = check_time;
@@ -36,18 +36,18 @@ bool isUsable(const TrustChecker& trust, X509* certificate, uint32_t flags) {
 
 }  // namespace
 
-std::vector<CertPtr> findCertificates(Session& session, const FindParamRecord& param) {
-  const bool by_id = namesCertificate(param.mycert);
+std::vector<CertPtr> FindCertificates(Session& session, const FindParamRecord& param) {
+  const bool by_id = NamesCertificate(param.mycert);
   const bool partial_subject = (param.flag & kFindPartialSubject) != 0;
   const TrustChecker trust(session);
   std::vector<CertPtr> found;
-  for (CertPtr& candidate : candidatesOf(session, param.flag)) {
-    if (by_id && !matches(candidate.get(), *param.mycert)) continue;
-    if (!fits(candidate.get(), param.certTemplate, partial_subject)) continue;
-    if (isUsable(trust, candidate.get(), param.flag)) found.push_back(std::move(candidate));
+  for (CertPtr& candidate : CandidatesOf(session, param.flag)) {
+    if (by_id && !Matches(candidate.get(), *param.mycert)) continue;
+    if (!Fits(candidate.get(), param.certTemplate, partial_subject)) continue;
+    if (IsUsable(trust, candidate.get(), param.flag)) found.push_back(std::move(candidate));
   }
   if ((param.flag & kFindSelect) == 0) return found;
-  return selectCertificates(found);
+  return SelectCertificates(found);
 }
 
 }  // namespace standin

@@ -55,6 +55,6 @@ class Store {
 };
 
 /// SHA-1 of the DER form, as capital hexadecimal digits: the name of the file of an object.
-std::string thumbprintText(ByteView der);
+std::string ThumbprintText(ByteView der);
 
 }  // namespace standin

@@ -12,19 +12,19 @@ namespace {
 constexpr LONGLONG kFileSize = 192LL * 1024 * 1024;
 constexpr size_t kMostGrowth = 64 * 1024 * 1024;
 
-size_t peakMemory() {
+size_t PeakMemory() {
   PROCESS_MEMORY_COUNTERS counters{};
   GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
   return counters.PeakWorkingSetSize;
 }
 
-LONGLONG sizeOf(const std::string& path) {
+LONGLONG SizeOf(const std::string& path) {
   WIN32_FILE_ATTRIBUTE_DATA data{};
   EXPECT_TRUE(GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data));
   return static_cast<LONGLONG>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
 }
 
-void makeFile(const std::string& path) {
+void MakeFile(const std::string& path) {
   const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
   ASSERT_NE(INVALID_HANDLE_VALUE, file);
   LARGE_INTEGER size;
@@ -38,21 +38,21 @@ class BigFiles : public EngineTest {
  protected:
   void SetUp() override {
     session_ = open("alice");
-    makeFile(data_);
+    MakeFile(data_);
     // What the first signature needs once is not what this test is about.
-    sign(session_, 0, bytesOf("x"));
-    start_ = peakMemory();
+    sign(session_, 0, BytesOf("x"));
+    start_ = PeakMemory();
   }
   void TearDown() override {
-    EXPECT_GT(start_ + kMostGrowth, peakMemory());
+    EXPECT_GT(start_ + kMostGrowth, PeakMemory());
     for (const std::string& path : {data_, first_, second_}) DeleteFileA(path.c_str());
   }
 
   EngineSession session_ = nullptr;
   size_t start_ = 0;
-  const std::string data_ = scratchPath("big");
-  const std::string first_ = scratchPath("big.1");
-  const std::string second_ = scratchPath("big.2");
+  const std::string data_ = ScratchPath("big");
+  const std::string first_ = ScratchPath("big.1");
+  const std::string second_ = ScratchPath("big.2");
 };
 
 }  // namespace
@@ -65,7 +65,7 @@ TEST_F(BigFiles, AreSignedAndVerified) {
   EXPECT_CODE(0, QUIVO_VerifyFile(session_, &verify_param, nullptr, first_.c_str(), second_.c_str(), &result));
   EXPECT_EQ(1, result.count);
   QUIVO_FreeVerifyResult(session_, &result);
-  EXPECT_EQ(kFileSize, sizeOf(second_));
+  EXPECT_EQ(kFileSize, SizeOf(second_));
   EXPECT_CODE(0, QUIVO_StrSignFile(open("bob"), &param, nullptr, first_.c_str(), second_.c_str()));
   SignedInfoResultRecord info{};
   EXPECT_CODE(0, QUIVO_SignedInfoFile(session_, second_.c_str(), &info));
@@ -86,7 +86,7 @@ TEST_F(BigFiles, AreEncryptedAndDecrypted) {
   DecryptResultRecord result{};
   ASSERT_CODE(0, QUIVO_StrDecryptFile(session_, &decrypt_param, first_.c_str(), second_.c_str(), &result));
   QUIVO_FreeDecryptResult(session_, &result);
-  EXPECT_EQ(kFileSize, sizeOf(second_));
+  EXPECT_EQ(kFileSize, SizeOf(second_));
 }
 
 TEST_F(BigFiles, AreHashed) {

@@ -12,8 +12,8 @@ namespace {
 class Parsed {
  public:
   Parsed(EngineSession session, const std::string& person, uint32_t info) : session_(session) {
-    const Bytes encoded = material(person + ".cer");
-    const DataBlob_t blob = blobOf(encoded);
+    const Bytes encoded = Material(person + ".cer");
+    const DataBlob_t blob = BlobOf(encoded);
     EXPECT_CODE(0, QUIVO_ParseCert(session, &blob, info, &record_));
   }
   ~Parsed() {
@@ -45,7 +45,7 @@ TEST_F(CertificateRecords, NamesAndNumbers) {
   EXPECT_STREQ("ecdsa-with-SHA256", bob->algorithm);
   EXPECT_EQ(40u, std::strlen(bob->keyId));
   EXPECT_EQ(20u, bob->certHash.len);
-  EXPECT_EQ(material("bob.cer"), Bytes(bob->certEncoded.data, bob->certEncoded.data + bob->certEncoded.len));
+  EXPECT_EQ(Material("bob.cer"), Bytes(bob->certEncoded.data, bob->certEncoded.data + bob->certEncoded.len));
 }
 
 TEST_F(CertificateRecords, TextsAreInTheSystemsCodePage) {
@@ -145,8 +145,8 @@ TEST_F(CertificateRecords, EachFieldIsFilledOnlyWhenAskedFor) {
 }
 
 TEST_F(CertificateRecords, PemIsReadToo) {
-  const Bytes pem = readFile(materialPath("bob.pem"));
-  const DataBlob_t blob = blobOf(pem);
+  const Bytes pem = ReadBytes(MaterialPath("bob.pem"));
+  const DataBlob_t blob = BlobOf(pem);
   CertificateRecord record{};
   EXPECT_CODE(0, QUIVO_ParseCert(session_, &blob, 4, &record));
   EXPECT_NE(nullptr, record.subject);
@@ -156,8 +156,8 @@ TEST_F(CertificateRecords, PemIsReadToo) {
 TEST_F(CertificateRecords, OtherBytesAreRefused) {
   CertificateRecord record{};
   for (const char* name : {"data.bin", "root.crl", "messages/attached.p7s", "alice.p12"}) {
-    const Bytes bytes = material(name);
-    const DataBlob_t blob = blobOf(bytes);
+    const Bytes bytes = Material(name);
+    const DataBlob_t blob = BlobOf(bytes);
     EXPECT_CODE(kCertificateDamaged, QUIVO_ParseCert(session_, &blob, 4, &record)) << name;
   }
   const DataBlob_t none{};
@@ -167,8 +167,8 @@ TEST_F(CertificateRecords, OtherBytesAreRefused) {
 TEST_F(CertificateRecords, CertificatesAreVerified) {
   const EngineSession session = open("alice");
   const auto verify_certificate = [&](const std::string& person, uint32_t mode) {
-    const Bytes encoded = material(person + ".cer");
-    const DataBlob_t blob = blobOf(encoded);
+    const Bytes encoded = Material(person + ".cer");
+    const DataBlob_t blob = BlobOf(encoded);
     const VerifyCertParamRecord param{mode, nullptr, 0x64};
     CertificateRecord record{};
     const int32_t code = QUIVO_VerifyCert(session, &param, &blob, &record);

@@ -7,7 +7,7 @@ namespace {
 
 class Envelopes : public EngineTest {
  protected:
-  const Bytes data_ = bytesOf("text to be kept secret");
+  const Bytes data_ = BytesOf("text to be kept secret");
 };
 
 }  // namespace
@@ -54,7 +54,7 @@ TEST_F(Envelopes, OwnKeyIsChosenByIdentifier) {
   const Bytes wrong_hash(20, 7);
   CertIdRecord id{};
   id.type = 2;
-  id.certHash = blobOf(wrong_hash);
+  id.certHash = BlobOf(wrong_hash);
   EXPECT_CODE(kOwnCertificateNotFound, decrypt(open("alice"), message, &id).code);
 }
 
@@ -81,7 +81,7 @@ TEST_F(Envelopes, ChecksOfRecipientsCanBeLeftOut) {
 
 TEST_F(Envelopes, RecipientsAreFoundInTheStore) {
   const EngineSession session = open("carol");
-  const DataBlob_t in = blobOf(data_);
+  const DataBlob_t in = BlobOf(data_);
   const auto encrypt_to = [&](CertificateRecord receiver, uint32_t flags, Bytes& out) {
     const EncryptParamRecord param{flags, nullptr, 1, &receiver};
     DataBlob_t result{};
@@ -114,60 +114,60 @@ TEST_F(Envelopes, RecipientsAreFoundInTheStore) {
 }
 
 TEST_F(Envelopes, OpensslMessagesAreOpened) {
-  const Bytes data = material("data.bin");
+  const Bytes data = Material("data.bin");
   for (const char* name : {"two", "stream", "des3", "oaep"}) {
-    const Decrypted opened = decrypt(open("alice"), material(std::string("messages/") + name + ".p7e"));
+    const Decrypted opened = decrypt(open("alice"), Material(std::string("messages/") + name + ".p7e"));
     EXPECT_CODE(0, opened.code) << name;
     EXPECT_EQ(data, opened.out) << name;
   }
-  EXPECT_EQ(data, decrypt(open("bob"), material("messages/two.p7e")).out);
-  EXPECT_EQ(data, decrypt(open("bob"), material("messages/stream.p7e")).out);
-  EXPECT_CODE(kNotARecipient, decrypt(open("alice"), material("messages/frank.p7e")).code);
+  EXPECT_EQ(data, decrypt(open("bob"), Material("messages/two.p7e")).out);
+  EXPECT_EQ(data, decrypt(open("bob"), Material("messages/stream.p7e")).out);
+  EXPECT_CODE(kNotARecipient, decrypt(open("alice"), Material("messages/frank.p7e")).code);
 }
 
 TEST_F(Envelopes, OtherMessagesAreToldApart) {
   const EngineSession session = open("alice");
-  EXPECT_CODE(kNotEncrypted, decrypt(session, material("messages/attached.p7s")).code);
-  EXPECT_CODE(kNotSigned, verify(session, material("messages/two.p7e")).code);
+  EXPECT_CODE(kNotEncrypted, decrypt(session, Material("messages/attached.p7s")).code);
+  EXPECT_CODE(kNotSigned, verify(session, Material("messages/two.p7e")).code);
   EXPECT_CODE(kMessageDamaged, decrypt(session, data_).code);
   EXPECT_CODE(kMessageDamaged, decrypt(session, {}).code);
 }
 
 TEST_F(Envelopes, FilesAreEncryptedLikeMemory) {
   const EngineSession session = open("alice");
-  const std::string plain = scratchPath("plain");
-  const std::string sealed = scratchPath("sealed");
-  const std::string opened = scratchPath("opened");
-  writeFile(plain, data_);
+  const std::string plain = ScratchPath("plain");
+  const std::string sealed = ScratchPath("sealed");
+  const std::string opened = ScratchPath("opened");
+  WriteBytes(plain, data_);
   Receivers receivers({"alice", "bob"});
   const EncryptParamRecord param = receivers.param();
   ASSERT_CODE(0, QUIVO_EncryptFile(session, &param, plain.c_str(), sealed.c_str()));
-  EXPECT_EQ(data_, decrypt(open("bob"), readFile(sealed)).out);
+  EXPECT_EQ(data_, decrypt(open("bob"), ReadBytes(sealed)).out);
   const DecryptParamRecord decrypt_param{1, nullptr, 4};
   DecryptResultRecord result{};
   ASSERT_CODE(0, QUIVO_DecryptFile(open("bob"), &decrypt_param, sealed.c_str(), opened.c_str(), &result));
-  EXPECT_EQ(data_, readFile(opened));
+  EXPECT_EQ(data_, ReadBytes(opened));
 }
 
 TEST_F(Envelopes, NothingIsWrittenWhenDecryptionFails) {
   const EngineSession session = open("carol");
-  const std::string out = scratchPath("not for carol");
+  const std::string out = ScratchPath("not for carol");
   const DecryptParamRecord param{1, nullptr, 4};
   DecryptResultRecord result{};
   EXPECT_CODE(kNotARecipient,
-              QUIVO_StrDecryptFile(session, &param, materialPath("messages/two.p7e").c_str(), out.c_str(), &result));
+              QUIVO_StrDecryptFile(session, &param, MaterialPath("messages/two.p7e").c_str(), out.c_str(), &result));
   EXPECT_CODE(kNotARecipient, result.status);
   EXPECT_EQ(nullptr, result.cert.subject);
-  EXPECT_FALSE(fileExists(out));
+  EXPECT_FALSE(FileExists(out));
   EXPECT_CODE(0, QUIVO_FreeDecryptResult(session, &result));
 }
 
 TEST_F(Envelopes, SignedAndEncryptedFileIsDecryptedAndVerified) {
   const EngineSession alice = open("alice");
-  const std::string plain = scratchPath("both.plain");
-  const std::string sealed = scratchPath("both.sealed");
-  const std::string opened = scratchPath("both.opened");
-  writeFile(plain, data_);
+  const std::string plain = ScratchPath("both.plain");
+  const std::string sealed = ScratchPath("both.sealed");
+  const std::string opened = ScratchPath("both.opened");
+  WriteBytes(plain, data_);
   Receivers receivers({"bob"});
   const SignParamRecord sign_param{1 | kSendCertificate, nullptr};
   const EncryptParamRecord encrypt_param = receivers.param(1);
@@ -182,7 +182,7 @@ TEST_F(Envelopes, SignedAndEncryptedFileIsDecryptedAndVerified) {
   VerifyResultRecord verified{};
   EXPECT_CODE(0, QUIVO_DecryptAndVerifyFile(bob, &decrypt_param, &verify_param, sealed.c_str(), opened.c_str(),
                                             &decrypted, &verified));
-  EXPECT_EQ(data_, readFile(opened));
+  EXPECT_EQ(data_, ReadBytes(opened));
   EXPECT_EQ(0, decrypted.status);
   EXPECT_NE(nullptr, decrypted.cert.subject);
   EXPECT_EQ(1, verified.count);

@@ -7,14 +7,14 @@ namespace {
 
 class Signing : public EngineTest {
  protected:
-  const Bytes data_ = bytesOf("some text to sign");
+  const Bytes data_ = BytesOf("some text to sign");
 };
 
 /// An identifier by key, of the first own certificate of a session.
-CertIdRecord byHash(const Bytes& hash) {
+CertIdRecord ByHash(const Bytes& hash) {
   CertIdRecord id{};
   id.type = 2;
-  id.certHash = blobOf(hash);
+  id.certHash = BlobOf(hash);
   return id;
 }
 
@@ -31,7 +31,7 @@ TEST_F(Signing, DetachedSignatureNeedsTheData) {
   const Bytes signature = sign(session, kSendCertificate | kDetached, data_);
   EXPECT_CODE(0, verify(session, signature, &data_).code);
   EXPECT_CODE(kContentMissing, verify(session, signature).code);
-  const Bytes other = bytesOf("some text to sigh");
+  const Bytes other = BytesOf("some text to sigh");
   EXPECT_CODE(kBadSignature, verify(session, signature, &other).code);
 }
 
@@ -80,7 +80,7 @@ TEST_F(Signing, SecondSignerMayTakeTheContentOut) {
 
 TEST_F(Signing, OtherDataThanTheExistingSignatureCoversIsRefused) {
   const EngineSession session = open("alice");
-  const Bytes other = bytesOf("something else");
+  const Bytes other = BytesOf("something else");
   Bytes out;
   const Bytes attached = sign(session, kSendCertificate, data_);
   EXPECT_CODE(kContentMismatch, trySign(session, kSendCertificate, &other, &attached, out));
@@ -93,7 +93,7 @@ TEST_F(Signing, SignerIsChosenByIdentifier) {
   const EngineSession session = open("alice");
   Bytes out;
   const Bytes wrong_hash(20, 1);
-  const CertIdRecord wrong = byHash(wrong_hash);
+  const CertIdRecord wrong = ByHash(wrong_hash);
   EXPECT_CODE(kOwnCertificateNotFound, trySign(session, 0, &data_, nullptr, out, &wrong));
   CertIdRecord incomplete{};
   incomplete.type = 1;
@@ -102,8 +102,8 @@ TEST_F(Signing, SignerIsChosenByIdentifier) {
   not_chosen.type = -1;
   EXPECT_CODE(0, trySign(session, 0, &data_, nullptr, out, &not_chosen));
 
-  const Bytes encoded = material("alice.cer");
-  const DataBlob_t blob = blobOf(encoded);
+  const Bytes encoded = Material("alice.cer");
+  const DataBlob_t blob = BlobOf(encoded);
   CertificateRecord record{};
   ASSERT_CODE(0, QUIVO_ParseCert(session, &blob, 0x7FFFF, &record));
   CertIdRecord by_issuer{};
@@ -123,56 +123,56 @@ TEST_F(Signing, SignerIsChosenByIdentifier) {
 
 TEST_F(Signing, FilesAreSignedLikeMemory) {
   const EngineSession session = open("alice");
-  const std::string data = scratchPath("data");
-  const std::string attached = scratchPath("attached");
-  const std::string detached = scratchPath("detached");
-  const std::string both = scratchPath("both");
-  writeFile(data, data_);
+  const std::string data = ScratchPath("data");
+  const std::string attached = ScratchPath("attached");
+  const std::string detached = ScratchPath("detached");
+  const std::string both = ScratchPath("both");
+  WriteBytes(data, data_);
   const SignParamRecord with_content{kSendCertificate, nullptr};
   const SignParamRecord without{kSendCertificate | kDetached, nullptr};
   EXPECT_CODE(0, QUIVO_SignFile(session, &with_content, data.c_str(), nullptr, attached.c_str()));
   EXPECT_CODE(0, QUIVO_StrSignFile(session, &without, data.c_str(), nullptr, detached.c_str()));
-  EXPECT_CODE(0, verify(session, readFile(attached)).code);
-  EXPECT_CODE(0, verify(session, readFile(detached), &data_).code);
+  EXPECT_CODE(0, verify(session, ReadBytes(attached)).code);
+  EXPECT_CODE(0, verify(session, ReadBytes(detached), &data_).code);
   EXPECT_CODE(0, QUIVO_SignFile(open("bob"), &with_content, nullptr, attached.c_str(), both.c_str()));
-  EXPECT_EQ(2u, verify(session, readFile(both)).verdicts.size());
+  EXPECT_EQ(2u, verify(session, ReadBytes(both)).verdicts.size());
   EXPECT_CODE(0, QUIVO_SignFile(open("bob"), &without, data.c_str(), detached.c_str(), both.c_str()));
-  EXPECT_EQ(2u, verify(session, readFile(both), &data_).verdicts.size());
+  EXPECT_EQ(2u, verify(session, ReadBytes(both), &data_).verdicts.size());
 }
 
 TEST_F(Signing, FileMayBeReplacedByItsSignedForm) {
   const EngineSession session = open("alice");
-  const std::string path = scratchPath("in place");
-  writeFile(path, data_);
+  const std::string path = ScratchPath("in place");
+  WriteBytes(path, data_);
   const SignParamRecord param{kSendCertificate, nullptr};
   EXPECT_CODE(0, QUIVO_SignFile(session, &param, path.c_str(), nullptr, path.c_str()));
-  EXPECT_EQ(data_, verify(session, readFile(path)).out);
+  EXPECT_EQ(data_, verify(session, ReadBytes(path)).out);
 }
 
 TEST_F(Signing, FilesThatCannotBeUsedHaveTheSystemsCodes) {
   const EngineSession session = open("alice");
-  const std::string data = scratchPath("data");
-  writeFile(data, data_);
+  const std::string data = ScratchPath("data");
+  WriteBytes(data, data_);
   const SignParamRecord param{kSendCertificate, nullptr};
   const auto sign_file = [&](const char* in, const char* out) {
     return QUIVO_SignFile(session, &param, in, nullptr, out);
   };
-  EXPECT_CODE(2, sign_file(scratchPath("missing").c_str(), scratchPath("out").c_str()));
-  EXPECT_CODE(3, sign_file(data.c_str(), scratchPath("no folder\\out").c_str()));
-  EXPECT_CODE(5, sign_file(data.c_str(), scratchPath("").c_str()));
+  EXPECT_CODE(2, sign_file(ScratchPath("missing").c_str(), ScratchPath("out").c_str()));
+  EXPECT_CODE(3, sign_file(data.c_str(), ScratchPath("no folder\\out").c_str()));
+  EXPECT_CODE(5, sign_file(data.c_str(), ScratchPath("").c_str()));
   EXPECT_CODE(kWinInvalidParameter, sign_file(data.c_str(), nullptr));
-  EXPECT_CODE(kContentMissing, sign_file(nullptr, scratchPath("out").c_str()));
-  EXPECT_FALSE(fileExists(scratchPath("out")));
+  EXPECT_CODE(kContentMissing, sign_file(nullptr, ScratchPath("out").c_str()));
+  EXPECT_FALSE(FileExists(ScratchPath("out")));
 }
 
 TEST_F(Signing, EmptyPathIsNotAnAbsentFile) {
   const EngineSession session = open("alice");
-  const std::string data = scratchPath("data"), out = scratchPath("out");
-  writeFile(data, data_);
+  const std::string data = ScratchPath("data"), out = ScratchPath("out");
+  WriteBytes(data, data_);
   const SignParamRecord param{kSendCertificate, nullptr};
   EXPECT_CODE(3, QUIVO_SignFile(session, &param, data.c_str(), "", out.c_str()));
   EXPECT_CODE(3, QUIVO_SignFile(session, &param, "", nullptr, out.c_str()));
-  EXPECT_FALSE(fileExists(out));
+  EXPECT_FALSE(FileExists(out));
   EXPECT_CODE(0, QUIVO_SignFile(session, &param, data.c_str(), nullptr, out.c_str()));
   VerifyParamRecord verify{};
   VerifyResultRecord result{};
@@ -184,8 +184,8 @@ TEST_F(Signing, EmptyPathIsNotAnAbsentFile) {
 
 TEST_F(Signing, NullDeviceIsAnAbsentFile) {
   const EngineSession session = open("alice");
-  const std::string data = scratchPath("data"), out = scratchPath("out");
-  writeFile(data, data_);
+  const std::string data = ScratchPath("data"), out = ScratchPath("out");
+  WriteBytes(data, data_);
   const SignParamRecord param{kSendCertificate, nullptr};
   EXPECT_CODE(0, QUIVO_SignFile(session, &param, data.c_str(), "NUL", out.c_str()));
   VerifyParamRecord verify{};

@@ -24,7 +24,7 @@ class Streams : public EngineTest {
 
   Bytes signInPieces(EngineSession session, uint32_t flags, const Bytes* existing, const Bytes& data, size_t size) {
     const SignParamRecord param{flags, nullptr};
-    const DataBlob_t start = existing == nullptr ? DataBlob_t{} : blobOf(*existing);
+    const DataBlob_t start = existing == nullptr ? DataBlob_t{} : BlobOf(*existing);
     EngineStream stream = nullptr;
     EXPECT_CODE(0, QUIVO_StrSignInitMem(session, &param, &start, &stream));
     inPieces(data, size, [&](const DataBlob_t& piece) {
@@ -38,7 +38,7 @@ class Streams : public EngineTest {
 
   Verified verifyInPieces(EngineSession session, const Bytes& start, const Bytes& rest, size_t size) {
     const VerifyParamRecord param{};
-    const DataBlob_t start_blob = start.empty() ? DataBlob_t{} : blobOf(start);
+    const DataBlob_t start_blob = start.empty() ? DataBlob_t{} : BlobOf(start);
     EngineStream stream = nullptr;
     EXPECT_CODE(0, QUIVO_StrVerifyInitMem(session, &param, &start_blob, &stream));
     inPieces(rest, size, [&](const DataBlob_t& piece) {
@@ -150,9 +150,9 @@ TEST_F(Streams, AttachedMessageIsVerifiedInPieces) {
 
 TEST_F(Streams, OpensslStreamIsVerifiedInPieces) {
   const EngineSession session = open("bob");
-  const Bytes message = material("messages/stream.p7s");
+  const Bytes message = Material("messages/stream.p7s");
   for (size_t size : {1, 7, 1000}) {
-    EXPECT_EQ(material("data.bin"), verifyInPieces(session, {}, message, size).out);
+    EXPECT_EQ(Material("data.bin"), verifyInPieces(session, {}, message, size).out);
   }
 }
 
@@ -191,7 +191,7 @@ TEST_F(Streams, CutMessageIsRefusedInTheEnd) {
 
 TEST_F(Streams, HashIsMadeOfPieces) {
   const EngineSession session = openMinimal();
-  const DataBlob_t all = blobOf(data_);
+  const DataBlob_t all = BlobOf(data_);
   DataBlob_t expected{};
   ASSERT_CODE(0, QUIVO_HashMem(session, &all, &expected));
   EngineStream stream = nullptr;
