@@ -6,21 +6,21 @@
 namespace standin {
 namespace {
 
-std::wstring ToWide(UINT code_page, std::string_view text) {
+std::wstring ToWide(UINT codePage, std::string_view text) {
   if (text.empty()) return {};
   const int length = static_cast<int>(text.size());
-  const int needed = MultiByteToWideChar(code_page, 0, text.data(), length, nullptr, 0);
+  const int needed = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
   std::wstring wide(static_cast<size_t>(needed), L'\0');
-  MultiByteToWideChar(code_page, 0, text.data(), length, wide.data(), needed);
+  MultiByteToWideChar(codePage, 0, text.data(), length, wide.data(), needed);
   return wide;
 }
 
-std::string FromWide(UINT code_page, std::wstring_view text) {
+std::string FromWide(UINT codePage, std::wstring_view text) {
   if (text.empty()) return {};
   const int length = static_cast<int>(text.size());
-  const int needed = WideCharToMultiByte(code_page, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+  const int needed = WideCharToMultiByte(codePage, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
   std::string bytes(static_cast<size_t>(needed), '\0');
-  WideCharToMultiByte(code_page, 0, text.data(), length, bytes.data(), needed, nullptr, nullptr);
+  WideCharToMultiByte(codePage, 0, text.data(), length, bytes.data(), needed, nullptr, nullptr);
   return bytes;
 }
 

@@ -13,11 +13,11 @@
 
 namespace standin {
 
-template <auto free_function>
+template <auto freeFunction>
 struct FreeWith {
   template <typename T>
   void operator()(T* object) const {
-    free_function(object);
+    freeFunction(object);
   }
 };
 

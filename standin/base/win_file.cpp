@@ -46,12 +46,12 @@ namespace {
 
 /// A free name in the folder of `path`, opened.
 FileHandle CreateBeside(const std::string& path, std::string& name) {
-  const size_t folder_length = path.find_last_of("\\/:") + 1;
+  const size_t folderLength = path.find_last_of("\\/:") + 1;
   for (unsigned attempt = 0; attempt < 100; ++attempt) {
     char leaf[32];
     std::snprintf(leaf, sizeof leaf, "~t%08lx.tmp",
                   static_cast<unsigned long>(GetTickCount() ^ (GetCurrentThreadId() << 16) ^ (attempt * 0x9E3779B9u)));
-    name = path.substr(0, folder_length) + leaf;
+    name = path.substr(0, folderLength) + leaf;
     FileHandle handle(CreateFileA(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                   FILE_ATTRIBUTE_NORMAL, nullptr));
     if (handle.valid()) return handle;

@@ -114,9 +114,9 @@ const std::array<AltNameField, 15>& AltNameFields() {
   return kFields;
 }
 
-bool FillAltName(AltNameRecord& record, const X509* certificate, int extension_nid, Buffers& buffers) {
+bool FillAltName(AltNameRecord& record, const X509* certificate, int extensionNid, Buffers& buffers) {
   const GeneralNamesPtr names(
-      static_cast<GENERAL_NAMES*>(X509_get_ext_d2i(certificate, extension_nid, nullptr, nullptr)));
+      static_cast<GENERAL_NAMES*>(X509_get_ext_d2i(certificate, extensionNid, nullptr, nullptr)));
   if (names == nullptr) return false;
   AltNameFiller filler(record, buffers);
   for (int i = 0; i < sk_GENERAL_NAME_num(names.get()); ++i) filler.add(sk_GENERAL_NAME_value(names.get(), i));

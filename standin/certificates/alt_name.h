@@ -21,7 +21,7 @@ struct AltNameField {
 const std::array<AltNameField, 15>& AltNameFields();
 
 /// False when the certificate has no such extension. The first name of a kind counts.
-bool FillAltName(AltNameRecord& record, const X509* certificate, int extension_nid, Buffers& buffers);
+bool FillAltName(AltNameRecord& record, const X509* certificate, int extensionNid, Buffers& buffers);
 void FreeAltName(AltNameRecord& record, Buffers& buffers);
 
 /// The names that the record states, for a request; null when it states none. Fails with kRequestFailed when one cannot

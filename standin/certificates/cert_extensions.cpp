@@ -23,7 +23,7 @@ void AddQualifier(CertPolicy& policy, const POLICYQUALINFO* qualifier) {
       if (notice->noticeref == nullptr) break;
       policy.organisation = TextOf(notice->noticeref->organization);
       if (sk_ASN1_INTEGER_num(notice->noticeref->noticenos) > 0) {
-        policy.notice_number =
+        policy.noticeNumber =
             static_cast<int32_t>(ASN1_INTEGER_get(sk_ASN1_INTEGER_value(notice->noticeref->noticenos, 0)));
       }
       break;
@@ -35,9 +35,9 @@ void AddQualifier(CertPolicy& policy, const POLICYQUALINFO* qualifier) {
 
 }  // namespace
 
-std::string ObjectText(const ASN1_OBJECT* object, bool as_number) {
+std::string ObjectText(const ASN1_OBJECT* object, bool asNumber) {
   char text[256];
-  const int length = OBJ_obj2txt(text, sizeof text, object, as_number ? 1 : 0);
+  const int length = OBJ_obj2txt(text, sizeof text, object, asNumber ? 1 : 0);
   if (length <= 0) return {};
   return text;
 }

@@ -9,8 +9,8 @@
 
 namespace standin {
 
-/// The registered name of the object, or its dotted number when it has none or `as_number` is set.
-std::string ObjectText(const ASN1_OBJECT* object, bool as_number);
+/// The registered name of the object, or its dotted number when it has none or `asNumber` is set.
+std::string ObjectText(const ASN1_OBJECT* object, bool asNumber);
 
 /// The dotted numbers, in order; empty when the certificate does not state the extension.
 std::vector<std::string> ExtKeyUsageOf(const X509* certificate);
@@ -20,7 +20,7 @@ std::vector<std::string> ExtKeyUsageOf(const X509* certificate);
 struct CertPolicy {
   std::string oid;
   std::string organisation;
-  int32_t notice_number = 0;
+  int32_t noticeNumber = 0;
   std::string text;
 };
 std::vector<CertPolicy> PoliciesOf(const X509* certificate);

@@ -121,7 +121,7 @@ class RecordFiller {
       PolicyRecord& target = record_.policies[record_.policyCount++];
       target.oid = buffers_.copyText(policy.oid);
       if (!policy.organisation.empty()) target.org_name = buffers_.copyText(AnsiFromUtf8(policy.organisation));
-      target.not_num = policy.notice_number;
+      target.not_num = policy.noticeNumber;
       if (!policy.text.empty()) target.text = buffers_.copyText(AnsiFromUtf8(policy.text));
     }
     record_.fields |= kFieldPolicy;

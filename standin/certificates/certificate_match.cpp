@@ -18,8 +18,8 @@ namespace {
 
 bool IsSet(const char* text) { return text != nullptr && *text != 0; }
 
-bool SameText(const std::string& left_ansi, const std::string& right_ansi) {
-  return FoldCase(Utf8FromAnsi(left_ansi)) == FoldCase(Utf8FromAnsi(right_ansi));
+bool SameText(const std::string& leftAnsi, const std::string& rightAnsi) {
+  return FoldCase(Utf8FromAnsi(leftAnsi)) == FoldCase(Utf8FromAnsi(rightAnsi));
 }
 
 bool SubjectHasAddress(const X509* certificate, const char* address) {
@@ -38,7 +38,7 @@ class Comparison {
 
   bool counts(uint32_t field) const { return wanted_.fields == 0 || (wanted_.fields & field) != 0; }
 
-  bool names(bool partial_subject) const {
+  bool names(bool partialSubject) const {
     if (counts(kFieldIssuer) && IsSet(wanted_.issuer) &&
         !IsNameText(X509_get_issuer_name(certificate_), Utf8FromAnsi(wanted_.issuer))) {
       return false;
@@ -46,7 +46,7 @@ class Comparison {
     if (counts(kFieldSubject) && IsSet(wanted_.subject)) {
       const X509_NAME* subject = X509_get_subject_name(certificate_);
       const std::string text = Utf8FromAnsi(wanted_.subject);
-      if (!(partial_subject ? NameContains(subject, text) : IsNameText(subject, text))) return false;
+      if (!(partialSubject ? NameContains(subject, text) : IsNameText(subject, text))) return false;
     }
     return altName(kFieldSubjectAltName, wanted_.subjectAltName, NID_subject_alt_name) &&
            altName(kFieldIssuerAltName, wanted_.issuerAltName, NID_issuer_alt_name);
@@ -88,19 +88,19 @@ class Comparison {
   }
 
  private:
-  bool altName(uint32_t field, const AltNameRecord& wanted, int extension_nid) const {
+  bool altName(uint32_t field, const AltNameRecord& wanted, int extensionNid) const {
     if (!counts(field)) return true;
     Buffers buffers;
     AltNameRecord stated{};
-    FillAltName(stated, certificate_, extension_nid, buffers);
+    FillAltName(stated, certificate_, extensionNid, buffers);
     for (const AltNameField& member : AltNameFields()) {
       const char* text = wanted.*member.text;
       if (!IsSet(text)) continue;
       const char* here = stated.*member.text;
       if (here != nullptr && SameText(here, text)) continue;
       // Older certificates have the e-mail address in the subject itself.
-      const bool in_subject = extension_nid == NID_subject_alt_name && member.place == AltNameField::Place::kEmail;
-      if (!in_subject || !SubjectHasAddress(certificate_, text)) return false;
+      const bool inSubject = extensionNid == NID_subject_alt_name && member.place == AltNameField::Place::kEmail;
+      if (!inSubject || !SubjectHasAddress(certificate_, text)) return false;
     }
     return true;
   }
@@ -111,18 +111,18 @@ class Comparison {
 
 }  // namespace
 
-bool Fits(X509* certificate, const CertificateRecord& wanted, bool partial_subject) {
+bool Fits(X509* certificate, const CertificateRecord& wanted, bool partialSubject) {
   const Comparison comparison(certificate, wanted);
-  return comparison.numbers() && comparison.uses() && comparison.names(partial_subject);
+  return comparison.numbers() && comparison.uses() && comparison.names(partialSubject);
 }
 
 bool StatesAnything(const CertificateRecord& wanted) {
   const auto counts = [&](uint32_t field) { return wanted.fields == 0 || (wanted.fields & field) != 0; };
-  const bool has_address = counts(kFieldSubjectAltName) &&
-                           std::any_of(AltNameFields().begin(), AltNameFields().end(), [&](const AltNameField& member) {
-                             return IsSet(wanted.subjectAltName.*member.text);
-                           });
-  return has_address || (counts(kFieldSubject) && IsSet(wanted.subject)) ||
+  const bool hasAddress = counts(kFieldSubjectAltName) &&
+                          std::any_of(AltNameFields().begin(), AltNameFields().end(), [&](const AltNameField& member) {
+                            return IsSet(wanted.subjectAltName.*member.text);
+                          });
+  return hasAddress || (counts(kFieldSubject) && IsSet(wanted.subject)) ||
          (counts(kFieldSerial) && IsSet(wanted.serialNumber)) || (counts(kFieldKeyId) && IsSet(wanted.keyId)) ||
          (counts(kFieldCertHash) && wanted.certHash.len != 0) ||
          (counts(kFieldCertEncoded) && wanted.certEncoded.len != 0);

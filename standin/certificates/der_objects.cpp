@@ -60,39 +60,39 @@ void AddFromMessage(ByteView der, FoundObjects& found) {
   sk_X509_CRL_free(crls);
 }
 
-void AddFromDer(ByteView der, bool bundles_too, FoundObjects& found) {
+void AddFromDer(ByteView der, bool bundlesToo, FoundObjects& found) {
   if (CertPtr certificate = CertificateFromDer(der)) {
     found.certificates.push_back(std::move(certificate));
   } else if (CrlPtr crl = CrlFromDer(der)) {
     found.crls.push_back(std::move(crl));
   } else if (RequestPtr request = RequestFromDer(der)) {
     found.requests.push_back(std::move(request));
-  } else if (bundles_too) {
+  } else if (bundlesToo) {
     AddFromMessage(der, found);
   }
 }
 
-void AddFromPem(ByteView text, bool bundles_too, FoundObjects& found) {
+void AddFromPem(ByteView text, bool bundlesToo, FoundObjects& found) {
   const BioPtr source(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
   char* name = nullptr;
   char* header = nullptr;
   unsigned char* data = nullptr;
   long length = 0;
   while (PEM_read_bio(source.get(), &name, &header, &data, &length) == 1) {
-    const TextPtr name_owner(name);
-    const TextPtr header_owner(header);
-    const OctetsPtr data_owner(data);
-    const bool is_secret = std::strstr(name, "PRIVATE KEY") != nullptr;
-    if (!is_secret) AddFromDer({data, static_cast<size_t>(length)}, bundles_too, found);
+    const TextPtr nameOwner(name);
+    const TextPtr headerOwner(header);
+    const OctetsPtr dataOwner(data);
+    const bool isSecret = std::strstr(name, "PRIVATE KEY") != nullptr;
+    if (!isSecret) AddFromDer({data, static_cast<size_t>(length)}, bundlesToo, found);
   }
   ERR_clear_error();
 }
 
-FoundObjects Find(ByteView bytes, bool bundles_too) {
+FoundObjects Find(ByteView bytes, bool bundlesToo) {
   FoundObjects found;
   if (bytes.empty() || bytes.size() > kLargestObject) return found;
-  if (bytes[0] == 0x30) AddFromDer(bytes, bundles_too, found);
-  if (found.empty() && LooksLikePem(bytes)) AddFromPem(bytes, bundles_too, found);
+  if (bytes[0] == 0x30) AddFromDer(bytes, bundlesToo, found);
+  if (found.empty() && LooksLikePem(bytes)) AddFromPem(bytes, bundlesToo, found);
   return found;
 }
 

@@ -31,10 +31,10 @@ std::string Normalised(const std::string& text) {
   for (size_t i = 0; i < folded.size(); ++i) {
     if (folded[i] == ' ') {
       const size_t next = folded.find_first_not_of(' ', i);
-      const bool at_edge = result.empty() || next == std::string::npos;
-      const bool at_separator = at_edge || std::string_view(",=+").find(result.back()) != std::string_view::npos ||
-                                std::string_view(",=+").find(folded[next]) != std::string_view::npos;
-      if (at_separator || result.back() == ' ') continue;
+      const bool atEdge = result.empty() || next == std::string::npos;
+      const bool atSeparator = atEdge || std::string_view(",=+").find(result.back()) != std::string_view::npos ||
+                               std::string_view(",=+").find(folded[next]) != std::string_view::npos;
+      if (atSeparator || result.back() == ' ') continue;
     }
     result += folded[i];
   }

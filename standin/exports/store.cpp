@@ -69,7 +69,7 @@ int32_t QUIVO_VerifyCert(EngineSession session, const VerifyCertParamRecord* par
     const VerifyCertParamRecord& wanted = Required(param);
     const CertPtr certificate = CertificateIn(encoded);
     TrustOptions options;
-    options.check_time = (wanted.mode & kVerifyCertNoTimeCheck) == 0;
+    options.checkTime = (wanted.mode & kVerifyCertNoTimeCheck) == 0;
     const int32_t verdict = TrustChecker(s).check(certificate.get(), options);
     if (verdict != kOk && verdict != kVerifiedWithRemarks) Fail(verdict);
     FillRecord(target, certificate.get(), wanted.info, s.buffers);

@@ -41,9 +41,9 @@ bool ContentCipher::finish(GrowingBuffer& out) {
   return whole;
 }
 
-uint64_t ContentCipher::ciphertextLength(uint64_t plain_length) const {
+uint64_t ContentCipher::ciphertextLength(uint64_t plainLength) const {
   const uint64_t block = static_cast<uint64_t>(EVP_CIPHER_CTX_get_block_size(context_));
-  return block == 1 ? plain_length : (plain_length / block + 1) * block;
+  return block == 1 ? plainLength : (plainLength / block + 1) * block;
 }
 
 }  // namespace standin

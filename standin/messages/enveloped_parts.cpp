@@ -14,10 +14,10 @@ Bytes WrapIndefinite(uint8_t tag, ByteView start) {
   return bytes;
 }
 
-Bytes FinishHeader(const Bytes& before, ByteView encrypted_info, uint64_t behind) {
-  const Bytes message = ber::EncodeStart(ber::kSequence, ber::Join({before, encrypted_info}), behind);
-  const Bytes explicit_message = ber::EncodeStart(ber::kContext0Constructed, message, behind);
-  return ber::EncodeStart(ber::kSequence, ber::Join({kOidEnvelopedData, explicit_message}), behind);
+Bytes FinishHeader(const Bytes& before, ByteView encryptedInfo, uint64_t behind) {
+  const Bytes message = ber::EncodeStart(ber::kSequence, ber::Join({before, encryptedInfo}), behind);
+  const Bytes explicitMessage = ber::EncodeStart(ber::kContext0Constructed, message, behind);
+  return ber::EncodeStart(ber::kSequence, ber::Join({kOidEnvelopedData, explicitMessage}), behind);
 }
 
 }  // namespace
@@ -28,8 +28,8 @@ EnvelopedParts EnvelopedParts::of(const MessageReader::Head& head) {
   parts.version = head.elements.front();
   if (head.elements.size() == 3) parts.originator = head.elements[1];
   parts.recipients = head.elements.back();
-  parts.content_type = head.content_type;
-  parts.content_cipher = head.content_cipher;
+  parts.contentType = head.contentType;
+  parts.contentCipher = head.contentCipher;
   return parts;
 }
 
@@ -53,19 +53,19 @@ void EnvelopedParts::setSender(const X509* certificate) {
 Bytes EnvelopedParts::beforeContent() const { return ber::Join({version, originator, recipients}); }
 
 Bytes EnvelopedParts::withoutContent() const {
-  return FinishHeader(beforeContent(), ber::Encode(ber::kSequence, ber::Join({content_type, content_cipher})), 0);
+  return FinishHeader(beforeContent(), ber::Encode(ber::kSequence, ber::Join({contentType, contentCipher})), 0);
 }
 
-Bytes EnvelopedParts::header(uint64_t ciphertext_length) const {
-  const Bytes octets = ber::EncodeHeader(ber::kContext0, ciphertext_length);
+Bytes EnvelopedParts::header(uint64_t ciphertextLength) const {
+  const Bytes octets = ber::EncodeHeader(ber::kContext0, ciphertextLength);
   const Bytes info =
-      ber::EncodeStart(ber::kSequence, ber::Join({content_type, content_cipher, octets}), ciphertext_length);
-  return FinishHeader(beforeContent(), info, ciphertext_length);
+      ber::EncodeStart(ber::kSequence, ber::Join({contentType, contentCipher, octets}), ciphertextLength);
+  return FinishHeader(beforeContent(), info, ciphertextLength);
 }
 
 Bytes EnvelopedParts::streamHeader() const {
   const Bytes octets = WrapIndefinite(ber::kContext0Constructed, {});
-  const Bytes info = WrapIndefinite(ber::kSequence, ber::Join({content_type, content_cipher, octets}));
+  const Bytes info = WrapIndefinite(ber::kSequence, ber::Join({contentType, contentCipher, octets}));
   const Bytes message = WrapIndefinite(ber::kSequence, ber::Join({beforeContent(), info}));
   return WrapIndefinite(ber::kSequence,
                         ber::Join({kOidEnvelopedData, WrapIndefinite(ber::kContext0Constructed, message)}));

@@ -21,19 +21,19 @@ bool Equals(ByteView left, ByteView right) { return std::equal(left.begin(), lef
 
 }  // namespace
 
-MessageReader::MessageReader(OnHead on_head, OnContent on_content)
-    : on_head_(std::move(on_head)), on_content_(std::move(on_content)) {}
+MessageReader::MessageReader(OnHead onHead, OnContent onContent)
+    : on_head_(std::move(onHead)), on_content_(std::move(onContent)) {}
 
 void MessageReader::feed(ByteView bytes) {
-  Bytes behind_head;
+  Bytes behindHead;
   if (stage_ == Stage::kHead) {
     Append(pending_, bytes);
     if (pending_.size() > kLargestPending) Fail(kMessageDamaged);
     if (!tryHead()) return;
-    behind_head = std::move(pending_);
-    behind_head.erase(behind_head.begin(), behind_head.begin() + static_cast<ptrdiff_t>(offset_));
+    behindHead = std::move(pending_);
+    behindHead.erase(behindHead.begin(), behindHead.begin() + static_cast<ptrdiff_t>(offset_));
     pending_.clear();
-    bytes = behind_head;
+    bytes = behindHead;
     on_head_(head_);
   }
   while (stage_ == Stage::kContent && !bytes.empty()) bytes = takeContent(bytes);
@@ -89,17 +89,17 @@ void MessageReader::parseHead(ber::Cursor& cursor) {
 }
 
 void MessageReader::parseContentInfo(ber::Cursor& cursor) {
-  head_.content_type = CopyOf(cursor.element(ber::kOid));
-  if (head_.kind == MessageKind::kEnveloped) head_.content_cipher = CopyOf(cursor.element(ber::kSequence));
+  head_.contentType = CopyOf(cursor.element(ber::kOid));
+  if (head_.kind == MessageKind::kEnveloped) head_.contentCipher = CopyOf(cursor.element(ber::kSequence));
   if (!moreInside(cursor, levels_.back())) return;
   if (head_.kind == MessageKind::kSigned) levels_.push_back(openLevel(cursor, ber::kContext0Constructed));
   const ber::Header content = ber::ReadHeader(cursor.rest());
-  const bool is_signed = head_.kind == MessageKind::kSigned;
-  const uint8_t primitive = is_signed ? ber::kOctetString : ber::kContext0;
-  const uint8_t constructed = is_signed ? ber::kConstructedOctetString : ber::kContext0Constructed;
+  const bool isSigned = head_.kind == MessageKind::kSigned;
+  const uint8_t primitive = isSigned ? ber::kOctetString : ber::kContext0;
+  const uint8_t constructed = isSigned ? ber::kConstructedOctetString : ber::kContext0Constructed;
   if (content.tag != primitive && content.tag != constructed) Fail(kMessageDamaged);
   cursor.skip(content.size);
-  head_.has_content = true;
+  head_.hasContent = true;
   offset_ = cursor.position();
   beginContent(content);
 }
@@ -109,9 +109,9 @@ bool MessageReader::moreInside(const ber::Cursor& cursor, const Level& level) co
   return !ber::ReadHeader(cursor.rest()).isEndOfContents();
 }
 
-MessageReader::Level MessageReader::levelOf(const ber::Header& header, uint64_t content_offset, const Level* parent) {
-  const uint64_t end = content_offset + header.length;
-  if (parent != nullptr && !parent->indefinite && (content_offset > parent->end || end > parent->end)) {
+MessageReader::Level MessageReader::levelOf(const ber::Header& header, uint64_t contentOffset, const Level* parent) {
+  const uint64_t end = contentOffset + header.length;
+  if (parent != nullptr && !parent->indefinite && (contentOffset > parent->end || end > parent->end)) {
     Fail(kMessageDamaged);
   }
   return {header.indefinite, end};

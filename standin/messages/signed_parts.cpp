@@ -35,8 +35,8 @@ SignedParts SignedParts::of(const MessageReader& reader) {
   if (head.kind != MessageKind::kSigned) Fail(kNotSigned);
   SignedParts parts;
   parts.version = VersionOf(head.elements[0]);
-  parts.digest_algorithms = DigestAlgorithmsOf(head);
-  parts.content_type = head.content_type;
+  parts.digestAlgorithms = DigestAlgorithmsOf(head);
+  parts.contentType = head.contentType;
   for (const Bytes& element : reader.tail()) {
     switch (element[0]) {
       case ber::kContext0Constructed:
@@ -69,7 +69,7 @@ SignedParts SignedParts::of(CMS_ContentInfo* message) {
 
 void SignedParts::merge(const SignedParts& other) {
   version = std::max(version, other.version);
-  AddMissing(digest_algorithms, other.digest_algorithms);
+  AddMissing(digestAlgorithms, other.digestAlgorithms);
   AddMissing(certificates, other.certificates);
   AddMissing(crls, other.crls);
   AddMissing(signers, other.signers);
@@ -86,28 +86,27 @@ Bytes SignedParts::trailer() const {
 
 namespace {
 
-Bytes FinishHeader(const SignedParts& parts, ByteView encapsulated, uint64_t behind, size_t trailer_length) {
+Bytes FinishHeader(const SignedParts& parts, ByteView encapsulated, uint64_t behind, size_t trailerLength) {
   const uint8_t version[] = {static_cast<uint8_t>(parts.version)};
   const Bytes start = ber::Join({ber::Encode(ber::kInteger, version),
-                                 ber::Encode(ber::kSet, ber::JoinSorted(parts.digest_algorithms)), encapsulated});
-  const Bytes message = ber::EncodeStart(ber::kSequence, start, behind + trailer_length);
-  const Bytes explicit_message = ber::EncodeStart(ber::kContext0Constructed, message, behind + trailer_length);
-  return ber::EncodeStart(ber::kSequence, ber::Join({kOidSignedData, explicit_message}), behind + trailer_length);
+                                 ber::Encode(ber::kSet, ber::JoinSorted(parts.digestAlgorithms)), encapsulated});
+  const Bytes message = ber::EncodeStart(ber::kSequence, start, behind + trailerLength);
+  const Bytes explicitMessage = ber::EncodeStart(ber::kContext0Constructed, message, behind + trailerLength);
+  return ber::EncodeStart(ber::kSequence, ber::Join({kOidSignedData, explicitMessage}), behind + trailerLength);
 }
 
 }  // namespace
 
-Bytes SignedParts::header(uint64_t content_length, size_t trailer_length) const {
-  const Bytes octets = ber::EncodeHeader(ber::kOctetString, content_length);
-  const Bytes explicit_octets = ber::EncodeStart(ber::kContext0Constructed, octets, content_length);
-  const Bytes encapsulated =
-      ber::EncodeStart(ber::kSequence, ber::Join({content_type, explicit_octets}), content_length);
-  return FinishHeader(*this, encapsulated, content_length, trailer_length);
+Bytes SignedParts::header(uint64_t contentLength, size_t trailerLength) const {
+  const Bytes octets = ber::EncodeHeader(ber::kOctetString, contentLength);
+  const Bytes explicitOctets = ber::EncodeStart(ber::kContext0Constructed, octets, contentLength);
+  const Bytes encapsulated = ber::EncodeStart(ber::kSequence, ber::Join({contentType, explicitOctets}), contentLength);
+  return FinishHeader(*this, encapsulated, contentLength, trailerLength);
 }
 
 Bytes SignedParts::withoutContent() const {
   const Bytes end = trailer();
-  return ber::Join({FinishHeader(*this, ber::Encode(ber::kSequence, content_type), 0, end.size()), end});
+  return ber::Join({FinishHeader(*this, ber::Encode(ber::kSequence, contentType), 0, end.size()), end});
 }
 
 std::vector<Bytes> DigestAlgorithmsOf(const MessageReader::Head& head) {

@@ -34,26 +34,26 @@ void SignAndEncryptFile(Session& session, const SignParamRecord& sign, const Enc
   if (in == nullptr || out == nullptr) Fail(kWinInvalidParameter);
   // Recipients that cannot be found are noticed before the file is signed.
   ResolveRecipients(session, encrypt);
-  const IntermediateFile signed_file(out);
+  const IntermediateFile signedFile(out);
   // Without its content the signed message would leave nothing to read for the recipients.
   SignParamRecord attached = sign;
   attached.flag &= ~kSignDetached;
-  SignFiles(session, &attached, in, nullptr, signed_file.path());
-  EncryptFiles(session, encrypt, signed_file.path(), out);
+  SignFiles(session, &attached, in, nullptr, signedFile.path());
+  EncryptFiles(session, encrypt, signedFile.path(), out);
 }
 
 Verification DecryptAndVerifyFile(Session& session, const DecryptParamRecord& decrypt, const VerifyParamRecord& verify,
                                   const char* in, const char* out, DecryptResultRecord& decrypted) {
   if (in == nullptr || out == nullptr) Fail(kWinInvalidParameter);
-  const IntermediateFile signed_file(out);
+  const IntermediateFile signedFile(out);
   try {
-    DecryptFiles(session, decrypt, in, signed_file.path(), decrypted);
+    DecryptFiles(session, decrypt, in, signedFile.path(), decrypted);
   } catch (const EngineError& error) {
     decrypted = {};
     decrypted.status = error.code;
     throw;
   }
-  return VerifyFiles(session, verify, nullptr, signed_file.path(), out);
+  return VerifyFiles(session, verify, nullptr, signedFile.path(), out);
 }
 
 }  // namespace standin

@@ -46,10 +46,10 @@ bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& o
 
 }  // namespace
 
-Decryptor::Decryptor(const Session& session, const CertIdRecord* id, MessageReader::OnContent on_plain)
+Decryptor::Decryptor(const Session& session, const CertIdRecord* id, MessageReader::OnContent onPlain)
     : session_(session),
       id_(id),
-      on_plain_(std::move(on_plain)),
+      on_plain_(std::move(onPlain)),
       reader_([this](const MessageReader::Head& head) { open(head); }, [this](ByteView piece) { decrypt(piece); }) {
   if (session.keys.own().empty()) Fail(kOwnCertificateNotFound);
   // A key that is named must be there, whatever the message says.
@@ -68,7 +68,7 @@ void Decryptor::finish() {
 
 void Decryptor::open(const MessageReader::Head& head) {
   const EnvelopedParts parts = EnvelopedParts::of(head);
-  if (!head.has_content) Fail(kMessageDamaged);
+  if (!head.hasContent) Fail(kMessageDamaged);
   message_ = MessageFromDer(parts.withoutContent());
   STACK_OF(CMS_RecipientInfo)* entries = CMS_get0_RecipientInfos(message_.get());
   if (sk_CMS_RecipientInfo_num(entries) > kMostRecipients) Fail(kTooLarge);

@@ -11,7 +11,7 @@ namespace standin {
 class Decryptor {
  public:
   /// `id` chooses the own key; a null one stands for any that the message is meant for.
-  Decryptor(const Session& session, const CertIdRecord* id, MessageReader::OnContent on_plain);
+  Decryptor(const Session& session, const CertIdRecord* id, MessageReader::OnContent onPlain);
 
   /// Fails with kMessageDamaged, kNotEncrypted, kNotARecipient, kAlgorithmUnknown or kDecryptionFailed.
   void feed(ByteView bytes);

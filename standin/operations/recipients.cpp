@@ -46,13 +46,13 @@ CertPtr Resolve(const Session& session, const CertificateRecord& wanted, uint32_
 
 void Check(const TrustChecker& trust, X509* certificate, uint32_t flags) {
   if (!CanReceive(certificate)) Fail(kRecipientUnsuitable);
-  const bool check_time = (flags & kEncryptNoTimeCheck) == 0;
+  const bool checkTime = (flags & kEncryptNoTimeCheck) == 0;
   if ((flags & kEncryptNoVerify) == 0) {
     TrustOptions options;
-    options.check_time = check_time;
+    options.checkTime = checkTime;
     const int32_t verdict = trust.check(certificate, options);
     if (verdict != kOk && verdict != kVerifiedWithRemarks) Fail(verdict);
-  } else if (check_time && !IsWithinValidity(certificate, CurrentTime())) {
+  } else if (checkTime && !IsWithinValidity(certificate, CurrentTime())) {
     Fail(CurrentTime() < SecondsOf(X509_get0_notBefore(certificate)) ? kNotYetValid : kExpired);
   }
   if ((flags & kEncryptNoKeyTimeCheck) == 0 && !IsWithinKeyPeriod(certificate, CurrentTime())) Fail(kKeyPeriodOver);

@@ -166,8 +166,8 @@ std::string XmlOf(const CertificateRecord& wanted, const X509_NAME* subject, EVP
 
 Bytes MakeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& wanted) {
   if ((flags & kRequestTokens) != 0) Fail(kNotSupported);
-  const bool uses_own = (flags & kRequestDoNotGenerate) != 0;
-  const OwnKey* own = uses_own ? &session.keys.pick(nullptr, KeyPurpose::kAny) : nullptr;
+  const bool usesOwn = (flags & kRequestDoNotGenerate) != 0;
+  const OwnKey* own = usesOwn ? &session.keys.pick(nullptr, KeyPurpose::kAny) : nullptr;
   const NamePtr subject = SubjectOf(wanted, own == nullptr ? nullptr : own->certificate.get());
   const RequestedExtensions extensions(wanted);
   if (own == nullptr && !session.store.isOpen()) Fail(kNoStore);
@@ -191,14 +191,14 @@ Bytes MakeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& 
 Bytes NewestRequest(const Store& store) {
   if (!store.isOpen()) Fail(kNoStore);
   std::string newest;
-  FILETIME newest_time{};
+  FILETIME newestTime{};
   for (const std::string& name : FilesIn(store.folder(), "*.req")) {
     WIN32_FILE_ATTRIBUTE_DATA data{};
     const std::string path = JoinPath(store.folder(), name);
     if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data)) continue;
-    if (newest.empty() || CompareFileTime(&data.ftLastWriteTime, &newest_time) > 0) {
+    if (newest.empty() || CompareFileTime(&data.ftLastWriteTime, &newestTime) > 0) {
       newest = path;
-      newest_time = data.ftLastWriteTime;
+      newestTime = data.ftLastWriteTime;
     }
   }
   if (newest.empty()) Fail(kNothingToExport);

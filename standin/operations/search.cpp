@@ -13,9 +13,9 @@ namespace {
 
 std::vector<CertPtr> CandidatesOf(const Session& session, uint32_t flags) {
   std::vector<CertPtr> candidates;
-  const bool only_own = (flags & (kFindMy | kFindIgnoreLocal)) != 0;
+  const bool onlyOwn = (flags & (kFindMy | kFindIgnoreLocal)) != 0;
   for (CertPtr& certificate : session.knownCertificates()) {
-    if (!only_own || session.keys.owns(certificate.get())) candidates.push_back(std::move(certificate));
+    if (!onlyOwn || session.keys.owns(certificate.get())) candidates.push_back(std::move(certificate));
   }
   return candidates;
 }
@@ -24,12 +24,12 @@ std::vector<CertPtr> CandidatesOf(const Session& session, uint32_t flags) {
 bool IsUsable(const TrustChecker& trust, X509* certificate, uint32_t flags) {
   if ((flags & kFindAll) != 0) return true;
   const time_t now = CurrentTime();
-  const bool check_time = (flags & kFindNoTimeCheck) == 0;
-  if (check_time && !IsWithinValidity(certificate, now)) return false;
+  const bool checkTime = (flags & kFindNoTimeCheck) == 0;
+  if (checkTime && !IsWithinValidity(certificate, now)) return false;
   if ((flags & kFindNoKeyTimeCheck) == 0 && !IsWithinKeyPeriod(certificate, now)) return false;
   if ((flags & (kFindMy | kFindNoVerify)) != 0) return true;
   TrustOptions options;
-  options.check_time = check_time;
+  options.checkTime = checkTime;
   const int32_t verdict = trust.check(certificate, options);
   return verdict == kOk || verdict == kVerifiedWithRemarks;
 }
@@ -37,13 +37,13 @@ bool IsUsable(const TrustChecker& trust, X509* certificate, uint32_t flags) {
 }  // namespace
 
 std::vector<CertPtr> FindCertificates(Session& session, const FindParamRecord& param) {
-  const bool by_id = NamesCertificate(param.mycert);
-  const bool partial_subject = (param.flag & kFindPartialSubject) != 0;
+  const bool byId = NamesCertificate(param.mycert);
+  const bool partialSubject = (param.flag & kFindPartialSubject) != 0;
   const TrustChecker trust(session);
   std::vector<CertPtr> found;
   for (CertPtr& candidate : CandidatesOf(session, param.flag)) {
-    if (by_id && !Matches(candidate.get(), *param.mycert)) continue;
-    if (!Fits(candidate.get(), param.certTemplate, partial_subject)) continue;
+    if (byId && !Matches(candidate.get(), *param.mycert)) continue;
+    if (!Fits(candidate.get(), param.certTemplate, partialSubject)) continue;
     if (IsUsable(trust, candidate.get(), param.flag)) found.push_back(std::move(candidate));
   }
   if ((param.flag & kFindSelect) == 0) return found;

@@ -43,7 +43,7 @@ SignatureMaker::SignatureMaker(const KeyStore& keys, const SignParamRecord* para
   certificate_ = Share(own.certificate.get());
   EVP_PKEY_up_ref(own.key.get());
   key_.reset(own.key.get());
-  existing_.content_type.assign(kOidData.begin(), kOidData.end());
+  existing_.contentType.assign(kOidData.begin(), kOidData.end());
 }
 
 SignedParts SignatureMaker::finish() {
@@ -65,14 +65,14 @@ SignedParts SignatureMaker::makeSignature(ByteView digest) const {
   constexpr unsigned kFlags = CMS_PARTIAL | CMS_BINARY | CMS_DETACHED | CMS_NOSMIMECAP;
   const CmsPtr message(CMS_sign(nullptr, nullptr, nullptr, nullptr, kFlags));
   if (message == nullptr) Fail(kWinOutOfMemory);
-  const unsigned certificate_flag = send_certificate_ ? 0 : CMS_NOCERTS;
+  const unsigned certificateFlag = send_certificate_ ? 0 : CMS_NOCERTS;
   CMS_SignerInfo* signer =
-      CMS_add1_signer(message.get(), certificate_.get(), key_.get(), DefaultDigest(), kFlags | certificate_flag);
+      CMS_add1_signer(message.get(), certificate_.get(), key_.get(), DefaultDigest(), kFlags | certificateFlag);
   if (signer == nullptr) Fail(kSigningFailed);
-  const ObjectPtr content_type = ObjectFromDer(existing_.content_type);
+  const ObjectPtr contentType = ObjectFromDer(existing_.contentType);
   const bool made =
-      CMS_set1_eContentType(message.get(), content_type.get()) == 1 &&
-      CMS_signed_add1_attr_by_NID(signer, NID_pkcs9_contentType, V_ASN1_OBJECT, content_type.get(), -1) == 1 &&
+      CMS_set1_eContentType(message.get(), contentType.get()) == 1 &&
+      CMS_signed_add1_attr_by_NID(signer, NID_pkcs9_contentType, V_ASN1_OBJECT, contentType.get(), -1) == 1 &&
       CMS_signed_add1_attr_by_NID(signer, NID_pkcs9_messageDigest, V_ASN1_OCTET_STRING, digest.data(),
                                   static_cast<int>(digest.size())) == 1 &&
       CMS_SignerInfo_sign(signer) == 1;

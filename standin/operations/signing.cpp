@@ -12,34 +12,34 @@ namespace {
 /// A message that was read whole: its signatures, and its content if it has one.
 struct ReadMessage {
   SignedParts parts;
-  bool has_content = false;
-  uint64_t content_length = 0;
+  bool hasContent = false;
+  uint64_t contentLength = 0;
 };
 
 using Sink = MessageReader::OnContent;
 
 ReadMessage FinishReading(MessageReader& reader) {
   reader.finish();
-  return {SignedParts::of(reader), reader.head().has_content, 0};
+  return {SignedParts::of(reader), reader.head().hasContent, 0};
 }
 
-ReadMessage ReadSigned(ByteView message, const Sink& on_content) {
-  MessageReader reader([](const MessageReader::Head&) {}, on_content);
+ReadMessage ReadSigned(ByteView message, const Sink& onContent) {
+  MessageReader reader([](const MessageReader::Head&) {}, onContent);
   reader.feed(message);
   return FinishReading(reader);
 }
 
-ReadMessage ReadSignedFile(const char* path, const Sink& on_content) {
+ReadMessage ReadSignedFile(const char* path, const Sink& onContent) {
   uint64_t length = 0;
   MessageReader reader([](const MessageReader::Head&) {},
                        [&](ByteView piece) {
                          length += piece.size();
-                         on_content(piece);
+                         onContent(piece);
                        });
   InputFile file(path);
   for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) reader.feed(piece);
   ReadMessage message = FinishReading(reader);
-  message.content_length = length;
+  message.contentLength = length;
   return message;
 }
 
@@ -48,7 +48,7 @@ void Ignore(ByteView) {}
 /// Where the content of a signed file comes from; it can be gone through more than once.
 struct ContentFile {
   const char* path;
-  bool inside_message;
+  bool insideMessage;
   uint64_t length;
 
   void pump(const Sink& sink) const {
@@ -57,7 +57,7 @@ struct ContentFile {
       seen += piece.size();
       sink(piece);
     };
-    if (inside_message) {
+    if (insideMessage) {
       ReadSignedFile(path, counted);
     } else {
       InputFile file(path);
@@ -68,12 +68,12 @@ struct ContentFile {
 };
 
 void RequireSameContent(const char* data, const char* message) {
-  Digest in_file(DefaultDigest());
-  Digest in_message(DefaultDigest());
+  Digest inFile(DefaultDigest());
+  Digest inMessage(DefaultDigest());
   InputFile file(data);
-  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) in_file.update(piece);
-  ReadSignedFile(message, [&](ByteView piece) { in_message.update(piece); });
-  if (in_file.finish() != in_message.finish()) Fail(kContentMismatch);
+  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) inFile.update(piece);
+  ReadSignedFile(message, [&](ByteView piece) { inMessage.update(piece); });
+  if (inFile.finish() != inMessage.finish()) Fail(kContentMismatch);
 }
 
 ContentFile ContentOf(SignatureMaker& maker, const char* data, const char* existing) {
@@ -83,10 +83,10 @@ ContentFile ContentOf(SignatureMaker& maker, const char* data, const char* exist
   ReadMessage message = ReadSignedFile(existing, Ignore);
   maker.addTo(std::move(message.parts));
   if (data == nullptr) {
-    if (!message.has_content) Fail(kContentMissing);
-    return {existing, true, message.content_length};
+    if (!message.hasContent) Fail(kContentMissing);
+    return {existing, true, message.contentLength};
   }
-  if (message.has_content) RequireSameContent(data, existing);
+  if (message.hasContent) RequireSameContent(data, existing);
   return content;
 }
 
@@ -94,7 +94,7 @@ void WriteAttached(SignatureMaker& maker, const ContentFile& content, const char
   // The header states lengths that are only known when the signature is made: leave room for it, and fill it in then.
   const SignedParts estimate = maker.estimate();
   const Bytes room = estimate.header(content.length, estimate.trailer().size());
-  SignedParts signed_parts;
+  SignedParts signedParts;
   Bytes header;
   {
     OutputFile file(out);
@@ -103,9 +103,9 @@ void WriteAttached(SignatureMaker& maker, const ContentFile& content, const char
       maker.update(piece);
       file.write(piece);
     });
-    signed_parts = maker.finish();
-    const Bytes trailer = signed_parts.trailer();
-    header = signed_parts.header(content.length, trailer.size());
+    signedParts = maker.finish();
+    const Bytes trailer = signedParts.trailer();
+    header = signedParts.header(content.length, trailer.size());
     file.write(trailer);
     if (header.size() == room.size()) {
       file.overwrite(0, header);
@@ -116,7 +116,7 @@ void WriteAttached(SignatureMaker& maker, const ContentFile& content, const char
   OutputFile file(out);
   file.write(header);
   content.pump([&](ByteView piece) { file.write(piece); });
-  file.write(signed_parts.trailer());
+  file.write(signedParts.trailer());
   file.commit();
 }
 
@@ -136,8 +136,8 @@ DataBlob_t SignMemory(Session& session, const SignParamRecord* param, std::optio
   ByteView content = data.value_or(ByteView());
   if (existing) {
     ReadMessage message = ReadSigned(*existing, [&](ByteView piece) { Append(kept, piece); });
-    if (!data && !message.has_content) Fail(kContentMissing);
-    if (data && message.has_content && !std::equal(content.begin(), content.end(), kept.begin(), kept.end())) {
+    if (!data && !message.hasContent) Fail(kContentMissing);
+    if (data && message.hasContent && !std::equal(content.begin(), content.end(), kept.begin(), kept.end())) {
       Fail(kContentMismatch);
     }
     if (!data) content = kept;
@@ -166,7 +166,7 @@ SignStream::SignStream(Session& session, const SignParamRecord* param, std::opti
   Bytes content;
   ReadMessage message = ReadSigned(*existing, [&](ByteView piece) { Append(content, piece); });
   maker_.addTo(std::move(message.parts));
-  if (message.has_content) existing_content_ = std::move(content);
+  if (message.hasContent) existing_content_ = std::move(content);
 }
 
 void SignStream::update(ByteView data) {

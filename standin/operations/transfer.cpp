@@ -102,18 +102,18 @@ void AddCrl(Session& session, const SignParamRecord& addition, ByteView encoded)
 
 Bytes ExportObjects(Session& session, const SignParamRecord& param) {
   if ((param.flag & (kExportTokens | kExportRevocationRequest)) != 0) Fail(kNotSupported);
-  const bool as_der = (param.flag & kExportDer) != 0;
+  const bool asDer = (param.flag & kExportDer) != 0;
   if ((param.flag & kExportNewRequest) != 0) {
     const Bytes request = NewestRequest(session.store);
-    return as_der ? request : PemOf(PEM_STRING_X509_REQ, request);
+    return asDer ? request : PemOf(PEM_STRING_X509_REQ, request);
   }
   const CertPtr certificate = ChosenCertificate(session, param);
   if (certificate == nullptr) {
     const Bytes message = StoreAsMessage(session);
-    return as_der ? message : PemOf(PEM_STRING_PKCS7, message);
+    return asDer ? message : PemOf(PEM_STRING_PKCS7, message);
   }
   const Bytes der = DerOf(certificate.get());
-  return as_der ? der : PemOf(PEM_STRING_X509, der);
+  return asDer ? der : PemOf(PEM_STRING_X509, der);
 }
 
 void ImportObjects(Session& session, const SignParamRecord& param, ByteView bytes) {

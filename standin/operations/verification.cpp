@@ -53,7 +53,7 @@ class ContentComparison {
 };
 
 /// Goes through the content of a message file once more.
-void CopyContent(const char* message, uint64_t expected_length, OutputFile& file) {
+void CopyContent(const char* message, uint64_t expectedLength, OutputFile& file) {
   uint64_t copied = 0;
   MessageReader reader([](const MessageReader::Head&) {},
                        [&](ByteView piece) {
@@ -61,11 +61,11 @@ void CopyContent(const char* message, uint64_t expected_length, OutputFile& file
                          file.write(piece);
                        });
   FeedFile(message, [&](ByteView piece) { reader.feed(piece); });
-  if (copied != expected_length) Fail(kFileChanged);
+  if (copied != expectedLength) Fail(kFileChanged);
 }
 
 /// The file that a verification gives when it was not known beforehand what that would be.
-void WriteAfterwards(const Verifier& verifier, const char* message, uint64_t content_length, const char* out) {
+void WriteAfterwards(const Verifier& verifier, const char* message, uint64_t contentLength, const char* out) {
   if (!verifier.hasContent()) {
     if (verifier.leavesSignatures()) WriteWholeFile(out, verifier.remaining().withoutContent());
     return;
@@ -74,9 +74,9 @@ void WriteAfterwards(const Verifier& verifier, const char* message, uint64_t con
   Bytes trailer;
   if (verifier.leavesSignatures()) {
     trailer = verifier.remaining().trailer();
-    file.write(verifier.remaining().header(content_length, trailer.size()));
+    file.write(verifier.remaining().header(contentLength, trailer.size()));
   }
-  CopyContent(message, content_length, file);
+  CopyContent(message, contentLength, file);
   file.write(trailer);
   file.commit();
 }
@@ -91,7 +91,7 @@ void FillResult(VerifyResultRecord& result, const Verification& verification, co
   for (const SignerVerdict& verdict : verification.verdicts) {
     SignStatusEntry& entry = result.entries[result.count++];
     entry.status = verdict.code;
-    entry.time = RecordTime(verdict.signing_time);
+    entry.time = RecordTime(verdict.signingTime);
     if (verdict.certificate == nullptr) continue;
     entry.cert = buffers.allocateArray<CertificateRecord>(1);
     FillRecord(*entry.cert, verdict.certificate.get(), param.info, buffers);
@@ -136,14 +136,14 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
   data = Given(data);
   out = Given(out);
   // With one signature removed the output begins with lengths that are only known at the end.
-  const bool removes_one = (param.flag & kVerifyDeleteSignature) != 0 && param.nSignToDelete != kDeleteAllSignatures;
+  const bool removesOne = (param.flag & kVerifyDeleteSignature) != 0 && param.nSignToDelete != kDeleteAllSignatures;
   std::optional<OutputFile> content;
-  if (out != nullptr && !removes_one) content.emplace(out);
+  if (out != nullptr && !removesOne) content.emplace(out);
   std::optional<ContentComparison> comparison;
   if (data != nullptr) comparison.emplace();
-  uint64_t content_length = 0;
+  uint64_t contentLength = 0;
   Verifier verifier(session, [&](ByteView piece) {
-    content_length += piece.size();
+    contentLength += piece.size();
     if (content) content->write(piece);
     if (comparison) comparison->message(piece);
   });
@@ -158,8 +158,8 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
   }
   Verification result = ResultOf(verifier, param);
   if (!IsGood(result.code) || out == nullptr) return result;
-  if (removes_one) {
-    WriteAfterwards(verifier, message, content_length, out);
+  if (removesOne) {
+    WriteAfterwards(verifier, message, contentLength, out);
   } else if (verifier.hasContent()) {
     content->commit();
   }

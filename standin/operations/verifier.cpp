@@ -54,8 +54,8 @@ time_t SigningTimeOf(const CMS_SignerInfo* signer) {
   const ASN1_TYPE* value = X509_ATTRIBUTE_get0_type(CMS_signed_get_attr(signer, at), 0);
   if (value == nullptr) return 0;
   const int type = ASN1_TYPE_get(value);
-  const bool is_time = type == V_ASN1_UTCTIME || type == V_ASN1_GENERALIZEDTIME;
-  return is_time ? SecondsOf(value->value.asn1_string) : 0;
+  const bool isTime = type == V_ASN1_UTCTIME || type == V_ASN1_GENERALIZEDTIME;
+  return isTime ? SecondsOf(value->value.asn1_string) : 0;
 }
 
 /// A signature may state what kind of content it covers; it must then be the kind of the message.
@@ -75,21 +75,20 @@ bool NamesAlgorithmOf(CMS_SignerInfo* signer) {
   int parameters = V_ASN1_UNDEF;
   X509_ALGOR_get0(&object, &parameters, nullptr, signature);
   const int stated = OBJ_obj2nid(object);
-  const int key_type = EVP_PKEY_get_base_id(key);
-  if (stated == NID_rsassaPss) return key_type == EVP_PKEY_RSA || key_type == EVP_PKEY_RSA_PSS;
+  const int keyType = EVP_PKEY_get_base_id(key);
+  if (stated == NID_rsassaPss) return keyType == EVP_PKEY_RSA || keyType == EVP_PKEY_RSA_PSS;
   if (parameters != V_ASN1_UNDEF && parameters != V_ASN1_NULL) return false;
-  if (stated == key_type) return true;
-  int of_digest = NID_undef;
-  int of_key = NID_undef;
-  if (OBJ_find_sigid_algs(stated, &of_digest, &of_key) != 1 || of_key != key_type) return false;
-  return of_digest == NID_undef || of_digest == EVP_MD_get_type(DigestOf(digest));
+  if (stated == keyType) return true;
+  int ofDigest = NID_undef;
+  int ofKey = NID_undef;
+  if (OBJ_find_sigid_algs(stated, &ofDigest, &ofKey) != 1 || ofKey != keyType) return false;
+  return ofDigest == NID_undef || ofDigest == EVP_MD_get_type(DigestOf(digest));
 }
 
 /// Each part states a version that follows from what is in it; any other is none that anybody wrote.
 bool HasPlausibleVersions(const SignedParts& parts) {
-  const bool is_data =
-      std::equal(parts.content_type.begin(), parts.content_type.end(), kOidData.begin(), kOidData.end());
-  int highest = is_data ? 1 : 3;
+  const bool isData = std::equal(parts.contentType.begin(), parts.contentType.end(), kOidData.begin(), kOidData.end());
+  int highest = isData ? 1 : 3;
   for (const Bytes& signer : parts.signers) {
     const std::vector<ByteView> members = ber::ChildrenOf(signer);
     if (members.size() < 2) return false;
@@ -119,12 +118,12 @@ bool IsGood(int32_t code) { return code == kOk || code == kVerifiedWithRemarks; 
 
 }  // namespace
 
-Verifier::Verifier(const Session& session, MessageReader::OnContent on_content)
+Verifier::Verifier(const Session& session, MessageReader::OnContent onContent)
     : session_(session),
       reader_([this](const MessageReader::Head& head) { begin(head); },
-              [this, on_content = std::move(on_content)](ByteView piece) {
+              [this, onContent = std::move(onContent)](ByteView piece) {
                 hash(piece);
-                on_content(piece);
+                onContent(piece);
               }) {}
 
 void Verifier::begin(const MessageReader::Head& head) {
@@ -157,12 +156,12 @@ void Verifier::finish(const VerifyParamRecord& param) {
 
   if (!HasPlausibleVersions(parts_)) Fail(kMessageDamaged);
 
-  const bool use_attached = (param_->flag & kVerifyNoAttachedCertificates) == 0;
-  const CertStackPtr attached(use_attached ? CMS_get1_certs(message.get()) : nullptr);
+  const bool useAttached = (param_->flag & kVerifyNoAttachedCertificates) == 0;
+  const CertStackPtr attached(useAttached ? CMS_get1_certs(message.get()) : nullptr);
   const CertViewPtr known(sk_X509_new_null());
   for (const CertPtr& certificate : session_.store.certificates()) sk_X509_push(known.get(), certificate.get());
   for (const OwnKey& own : session_.keys.own()) sk_X509_push(known.get(), own.certificate.get());
-  CMS_set1_signers_certs(message.get(), known.get(), use_attached ? 0 : CMS_NOINTERN);
+  CMS_set1_signers_certs(message.get(), known.get(), useAttached ? 0 : CMS_NOINTERN);
 
   const TrustChecker trust(session_, attached.get());
   STACK_OF(CMS_SignerInfo)* signers = CMS_get0_SignerInfos(message.get());
@@ -187,8 +186,8 @@ SignerVerdict Verifier::judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, 
     verdict.code = kBadSignature;
   } else {
     TrustOptions options;
-    options.check_time = (param_->flag & kVerifyNoTimeCheck) == 0;
-    if ((param_->flag & kVerifyAtSigningTime) != 0) options.at = verdict.signing_time;
+    options.checkTime = (param_->flag & kVerifyNoTimeCheck) == 0;
+    if ((param_->flag & kVerifyAtSigningTime) != 0) options.at = verdict.signingTime;
     verdict.code = trust.check(certificate, options);
     const int32_t demand = IsGood(verdict.code) ? checkDemands(certificate) : kOk;
     if (demand != kOk) verdict.code = demand;
@@ -198,8 +197,8 @@ SignerVerdict Verifier::judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, 
 
 bool Verifier::isGenuine(CMS_ContentInfo* message, CMS_SignerInfo* signer) {
   if (!NamesAlgorithmOf(signer)) return false;
-  const bool has_attributes = CMS_signed_get_attr_count(signer) >= 0;
-  if (has_attributes && (!StatesContentTypeOf(message, signer) || CMS_SignerInfo_verify(signer) != 1)) return false;
+  const bool hasAttributes = CMS_signed_get_attr_count(signer) >= 0;
+  if (hasAttributes && (!StatesContentTypeOf(message, signer) || CMS_SignerInfo_verify(signer) != 1)) return false;
   return CMS_SignerInfo_verify_content(signer, digests_.get()) == 1;
 }
 
@@ -227,12 +226,12 @@ int32_t Verifier::checkDemands(X509* certificate) const {
 }
 
 int32_t Verifier::overall() const {
-  const auto is_good = [](const SignerVerdict& verdict) { return IsGood(verdict.code); };
-  const auto good = std::count_if(verdicts_.begin(), verdicts_.end(), is_good);
-  const bool enough_will_do = (param_->flag & kVerifyMinSignatures) != 0;
-  if (enough_will_do && good < param_->minsigns) return kTooFewSignatures;
-  const auto bad = std::find_if_not(verdicts_.begin(), verdicts_.end(), is_good);
-  if (bad != verdicts_.end()) return enough_will_do && good > 0 ? kVerifiedWithRemarks : bad->code;
+  const auto isGood = [](const SignerVerdict& verdict) { return IsGood(verdict.code); };
+  const auto good = std::count_if(verdicts_.begin(), verdicts_.end(), isGood);
+  const bool enoughWillDo = (param_->flag & kVerifyMinSignatures) != 0;
+  if (enoughWillDo && good < param_->minsigns) return kTooFewSignatures;
+  const auto bad = std::find_if_not(verdicts_.begin(), verdicts_.end(), isGood);
+  if (bad != verdicts_.end()) return enoughWillDo && good > 0 ? kVerifiedWithRemarks : bad->code;
   const bool remarks =
       std::any_of(verdicts_.begin(), verdicts_.end(), [](const SignerVerdict& verdict) { return verdict.code != kOk; });
   return remarks ? kVerifiedWithRemarks : kOk;

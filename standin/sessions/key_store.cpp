@@ -89,7 +89,7 @@ bool KeyStore::owns(const X509* certificate) const {
 
 const OwnKey& KeyStore::pick(const CertIdRecord* id, KeyPurpose purpose) const {
   const OwnKey* best = nullptr;
-  int best_score = -1;
+  int bestScore = -1;
   for (const OwnKey& own : own_) {
     if (NamesCertificate(id)) {
       if (Matches(own.certificate.get(), *id)) return own;
@@ -97,9 +97,9 @@ const OwnKey& KeyStore::pick(const CertIdRecord* id, KeyPurpose purpose) const {
     }
     const int score = (Suits(own.certificate.get(), purpose) ? 2 : 0) +
                       (IsWithinValidity(own.certificate.get(), CurrentTime()) ? 1 : 0);
-    if (score > best_score) {
+    if (score > bestScore) {
       best = &own;
-      best_score = score;
+      bestScore = score;
     }
   }
   if (best == nullptr) Fail(kOwnCertificateNotFound);

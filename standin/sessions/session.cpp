@@ -20,8 +20,8 @@ struct SessionTable {
 
 /// Not an object with static duration: when a process ends with sessions open, nothing may be done about them any more.
 SessionTable& Table() {
-  static SessionTable* const the_table = new SessionTable;
-  return *the_table;
+  static SessionTable* const kTheTable = new SessionTable;
+  return *kTheTable;
 }
 
 }  // namespace
@@ -37,7 +37,7 @@ Session::Session(const SessionSource& source) {
 
 void Session::openKeys(const SessionSource& source) {
   keys.setPin(source.pin);
-  if (!source.key_file.empty()) keys.open(source.key_file);
+  if (!source.keyFile.empty()) keys.open(source.keyFile);
   if (store.isOpen()) keys.openFolder(store.folder());
   for (const CertPtr& certificate : store.certificates()) keys.adopt(certificate.get());
   store.addTrusted(keys.chainCertificates());

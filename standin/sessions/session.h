@@ -22,7 +22,7 @@ class Stream {
 
 /// Where a session finds its keys and its store; all texts are ANSI.
 struct SessionSource {
-  std::string key_file;
+  std::string keyFile;
   std::string pin;
   std::string folder;
   uint32_t flags = 0;

@@ -46,11 +46,11 @@ void Store::open(const std::string& folder) {
   readFolder(true);
 }
 
-void Store::readFolder(bool certificates_too) {
+void Store::readFolder(bool certificatesToo) {
   for (const std::string& name : FilesIn(folder_, "*")) {
     FoundObjects found = ObjectsInFile(JoinPath(folder_, name));
     for (CrlPtr& crl : found.crls) remember(std::move(crl));
-    if (!certificates_too) continue;
+    if (!certificatesToo) continue;
     for (CertPtr& certificate : found.certificates) remember(std::move(certificate));
   }
 }
@@ -72,9 +72,9 @@ Store::CrlReload Store::reloadCrls() {
   CrlReload result;
   result.lists = crls_.size();
   for (const CrlPtr& crl : crls_) {
-    const bool is_old = std::any_of(before.begin(), before.end(),
-                                    [&](const CrlPtr& known) { return X509_CRL_match(known.get(), crl.get()) == 0; });
-    if (!is_old) ++result.added;
+    const bool isOld = std::any_of(before.begin(), before.end(),
+                                   [&](const CrlPtr& known) { return X509_CRL_match(known.get(), crl.get()) == 0; });
+    if (!isOld) ++result.added;
     if (IsOutdated(crl.get())) ++result.outdated;
   }
   return result;
@@ -90,10 +90,10 @@ void Store::add(X509* certificate) {
 void Store::add(X509_CRL* crl) {
   if (!isOpen()) Fail(kNoStore);
   const X509_NAME* issuer = X509_CRL_get_issuer(crl);
-  const bool issuer_known = std::any_of(certificates_.begin(), certificates_.end(), [&](const CertPtr& certificate) {
+  const bool issuerKnown = std::any_of(certificates_.begin(), certificates_.end(), [&](const CertPtr& certificate) {
     return X509_NAME_cmp(X509_get_subject_name(certificate.get()), issuer) == 0;
   });
-  if (issuer_known && issuerOf(crl) == nullptr) Fail(kCrlForged);
+  if (issuerKnown && issuerOf(crl) == nullptr) Fail(kCrlForged);
   const X509_CRL* known = crlOf(issuer);
   if (known != nullptr && X509_CRL_match(known, crl) == 0) return;
   if (known != nullptr && IssuedAt(crl) < IssuedAt(known)) Fail(kCrlOlder);

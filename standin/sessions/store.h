@@ -47,7 +47,7 @@ class Store {
  private:
   void remember(CertPtr certificate);
   bool remember(CrlPtr crl);
-  void readFolder(bool certificates_too);
+  void readFolder(bool certificatesToo);
 
   std::string folder_;
   std::vector<CertPtr> certificates_;

@@ -14,8 +14,8 @@ constexpr int32_t kBySeverity[] = {
     kIssuerUnknown, kChainBroken, kCrlForged, kRevoked, kExpired, kNotYetValid, kVerifiedWithRemarks, kOk,
 };
 
-int32_t CodeOf(int verify_error) {
-  switch (verify_error) {
+int32_t CodeOf(int verifyError) {
+  switch (verifyError) {
     case X509_V_OK:
     // A store without a list of this issuer simply knows of no revocation.
     case X509_V_ERR_UNABLE_TO_GET_CRL:
@@ -92,7 +92,7 @@ int32_t TrustChecker::check(X509* certificate, const TrustOptions& options) cons
   }
   X509_VERIFY_PARAM* param = X509_STORE_CTX_get0_param(context.get());
   unsigned long flags = X509_V_FLAG_CRL_CHECK | X509_V_FLAG_CRL_CHECK_ALL;
-  if (!options.check_time) flags |= X509_V_FLAG_NO_CHECK_TIME;
+  if (!options.checkTime) flags |= X509_V_FLAG_NO_CHECK_TIME;
   X509_VERIFY_PARAM_set_flags(param, flags);
   if (options.at != 0) X509_VERIFY_PARAM_set_time(param, options.at);
   Findings findings;

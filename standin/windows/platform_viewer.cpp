@@ -45,9 +45,9 @@ class SystemLibrary {
 Viewing View(DWORD kind, const void* context) {
   using ViewContext = BOOL(WINAPI*)(DWORD, const void*, HWND, LPCWSTR, DWORD, void*);
   const SystemLibrary viewer(L"cryptui.dll");
-  const ViewContext view_context = viewer.function<ViewContext>("CryptUIDlgViewContext");
-  if (context == nullptr || view_context == nullptr) return Viewing::kUnavailable;
-  const bool shown = view_context(kind, context, GetActiveWindow(), nullptr, 0, nullptr) != 0;
+  const ViewContext viewContext = viewer.function<ViewContext>("CryptUIDlgViewContext");
+  if (context == nullptr || viewContext == nullptr) return Viewing::kUnavailable;
+  const bool shown = viewContext(kind, context, GetActiveWindow(), nullptr, 0, nullptr) != 0;
   return shown ? Viewing::kShown : Viewing::kRefused;
 }
 

@@ -138,7 +138,7 @@ int32_t Show(EngineSession session, const Arguments& a) {
 
 struct Command {
   const char* name;
-  size_t least_arguments;
+  size_t leastArguments;
   int32_t (*run)(EngineSession, const Arguments&);
 };
 
@@ -175,7 +175,7 @@ int main(int count, char** values) {
   for (const Command& command : kCommands) {
     if (std::strcmp(command.name, values[4]) != 0) continue;
     const Arguments arguments(values + 5, values + count);
-    if (arguments.size() < command.least_arguments) break;
+    if (arguments.size() < command.leastArguments) break;
     const int32_t code = command.run(session, arguments);
     const int32_t closed = QUIVO_Uninitialize(session);
     return Report(code == 0 ? closed : code);

@@ -108,9 +108,9 @@ EngineSession EngineTest::openIn(const std::string& person, const std::string& f
   return session;
 }
 
-int32_t EngineTest::tryOpen(const std::string& key_file, const std::string& pin, const std::string& folder,
+int32_t EngineTest::tryOpen(const std::string& keyFile, const std::string& pin, const std::string& folder,
                             EngineSession& session, uint32_t flags) {
-  std::string keys = key_file;
+  std::string keys = keyFile;
   std::string secret = pin;
   std::string store = folder;
   LocalParamRecord param{};
@@ -150,10 +150,10 @@ int32_t EngineTest::trySign(EngineSession session, uint32_t flags, const Bytes* 
                             const CertIdRecord* own) {
   const SignParamRecord param{flags, own};
   const DataBlob_t none{};
-  const DataBlob_t data_blob = data == nullptr ? none : BlobOf(*data);
-  const DataBlob_t existing_blob = existing == nullptr ? none : BlobOf(*existing);
+  const DataBlob_t dataBlob = data == nullptr ? none : BlobOf(*data);
+  const DataBlob_t existingBlob = existing == nullptr ? none : BlobOf(*existing);
   DataBlob_t result{};
-  const int32_t code = QUIVO_SignMem(session, &param, &data_blob, &existing_blob, &result);
+  const int32_t code = QUIVO_SignMem(session, &param, &dataBlob, &existingBlob, &result);
   out = take(session, result);
   return code;
 }
@@ -188,12 +188,12 @@ std::vector<Verdict> VerdictsOf(const VerifyResultRecord& result) {
 
 Verified EngineTest::verify(EngineSession session, const Bytes& message, const Bytes* data, VerifyParamRecord param) {
   param.info |= kFieldSubject;
-  const DataBlob_t message_blob = BlobOf(message);
-  const DataBlob_t data_blob = data == nullptr ? DataBlob_t{} : BlobOf(*data);
+  const DataBlob_t messageBlob = BlobOf(message);
+  const DataBlob_t dataBlob = data == nullptr ? DataBlob_t{} : BlobOf(*data);
   DataBlob_t out{};
   VerifyResultRecord result{};
   Verified verified{};
-  verified.code = QUIVO_VerifyMem(session, &param, &data_blob, &message_blob, &out, &result);
+  verified.code = QUIVO_VerifyMem(session, &param, &dataBlob, &messageBlob, &out, &result);
   verified.verdicts = VerdictsOf(result);
   verified.out = take(session, out);
   EXPECT_CODE(0, QUIVO_FreeVerifyResult(session, &result));

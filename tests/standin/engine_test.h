@@ -68,8 +68,8 @@ class EngineTest : public ::testing::Test {
   EngineSession open(const std::string& person, const std::string& store = "store");
   /// One with a store anywhere.
   EngineSession openIn(const std::string& person, const std::string& folder);
-  int32_t tryOpen(const std::string& key_file, const std::string& pin, const std::string& folder,
-                  EngineSession& session, uint32_t flags = 0);
+  int32_t tryOpen(const std::string& keyFile, const std::string& pin, const std::string& folder, EngineSession& session,
+                  uint32_t flags = 0);
   EngineSession openMinimal();
   void close(EngineSession session);
 

@@ -114,7 +114,7 @@ class Hostile : public EngineTest {
   }
 
   /// A small message, so that the test has time for many of its kind.
-  const Bytes data_ = Bytes(100, 'd');
+  const Bytes payload = Bytes(100, 'd');
 };
 
 /// Nested elements of no stated length.
@@ -128,7 +128,7 @@ Bytes Nested(size_t depth, uint8_t tag) {
 
 TEST_F(Hostile, SignedMessages) {
   const EngineSession session = open("bob");
-  all(verifying(session), addSignature(session, kSendCertificate, nullptr, sign(open("alice"), 8, data_)));
+  all(verifying(session), addSignature(session, kSendCertificate, nullptr, sign(open("alice"), 8, payload)));
 }
 
 TEST_F(Hostile, OpensslStreams) {
@@ -140,9 +140,9 @@ TEST_F(Hostile, OpensslStreams) {
   changes(decrypting(open("bob")), sealed, 300);
 }
 
-TEST_F(Hostile, EnvelopesForRsa) { all(decrypting(open("alice")), encrypt(open("bob"), data_, {"alice"})); }
+TEST_F(Hostile, EnvelopesForRsa) { all(decrypting(open("alice")), encrypt(open("bob"), payload, {"alice"})); }
 
-TEST_F(Hostile, EnvelopesForEc) { all(decrypting(open("bob")), encrypt(open("bob"), data_, {"bob"})); }
+TEST_F(Hostile, EnvelopesForEc) { all(decrypting(open("bob")), encrypt(open("bob"), payload, {"bob"})); }
 
 TEST_F(Hostile, Certificates) {
   const EngineSession session = open("alice");
@@ -174,7 +174,7 @@ TEST_F(Hostile, RevocationLists) {
 
 TEST_F(Hostile, KeyFiles) {
   const std::string path = ScratchPath("hostile.p12");
-  const Attempt open_keys = [&](const Bytes& bytes) {
+  const Attempt openKeys = [&](const Bytes& bytes) {
     WriteBytes(path, bytes);
     EngineSession session = nullptr;
     const int32_t code = tryOpen(path, "12345678", MaterialPath("roots"), session);
@@ -182,10 +182,10 @@ TEST_F(Hostile, KeyFiles) {
     return code;
   };
   const Bytes keys = Material("bob.p12");
-  cuts(open_keys, keys);
-  changes(open_keys, keys, 60);
-  largeLengths(open_keys, keys, 40);
-  noise(open_keys);
+  cuts(openKeys, keys);
+  changes(openKeys, keys, 60);
+  largeLengths(openKeys, keys, 40);
+  noise(openKeys);
 }
 
 TEST_F(Hostile, KeyFileThatAsksForEndlessWork) {
@@ -228,10 +228,10 @@ TEST_F(Hostile, DeepNesting) {
 
 TEST_F(Hostile, BytesBehindAMessageAreRefused) {
   const EngineSession session = open("alice");
-  Bytes signed_message = sign(session, kSendCertificate, data_);
-  signed_message.push_back(0);
-  EXPECT_CODE(kMessageDamaged, verify(session, signed_message).code);
-  Bytes sealed = encrypt(session, data_, {"alice"});
+  Bytes signedMessage = sign(session, kSendCertificate, payload);
+  signedMessage.push_back(0);
+  EXPECT_CODE(kMessageDamaged, verify(session, signedMessage).code);
+  Bytes sealed = encrypt(session, payload, {"alice"});
   sealed.push_back(0);
   EXPECT_CODE(kMessageDamaged, decrypt(session, sealed).code);
 }
@@ -246,5 +246,5 @@ TEST_F(Hostile, StoreOfGarbageIsOpened) {
     WriteBytes(folder + "\\" + std::to_string(i) + (i % 2 == 0 ? ".cer" : ".key"), bytes);
   }
   const EngineSession session = openIn("alice", folder);
-  EXPECT_CODE(0, verify(session, sign(session, kSendCertificate, data_)).code);
+  EXPECT_CODE(0, verify(session, sign(session, kSendCertificate, payload)).code);
 }

@@ -137,11 +137,11 @@ TEST_F(Display, ThereIsNoneInTests) {
   const EngineSession session = open("alice");
   const Bytes certificate = Material("alice.cer");
   const Bytes crl = Material("root.crl");
-  const DataBlob_t certificate_blob = BlobOf(certificate);
-  const DataBlob_t crl_blob = BlobOf(crl);
-  EXPECT_CODE(kNoDisplay, QUIVO_ShowCertificate(session, &certificate_blob));
-  EXPECT_CODE(kNoDisplay, QUIVO_ShowCrl(session, &crl_blob));
-  EXPECT_CODE(kCertificateDamaged, QUIVO_ShowCertificate(session, &crl_blob));
-  EXPECT_CODE(kCrlDamaged, QUIVO_ShowCrl(session, &certificate_blob));
+  const DataBlob_t certificateBlob = BlobOf(certificate);
+  const DataBlob_t crlBlob = BlobOf(crl);
+  EXPECT_CODE(kNoDisplay, QUIVO_ShowCertificate(session, &certificateBlob));
+  EXPECT_CODE(kNoDisplay, QUIVO_ShowCrl(session, &crlBlob));
+  EXPECT_CODE(kCertificateDamaged, QUIVO_ShowCertificate(session, &crlBlob));
+  EXPECT_CODE(kCrlDamaged, QUIVO_ShowCrl(session, &certificateBlob));
   find(session, WithFlags(8), kNoDisplay);
 }

@@ -12,11 +12,11 @@ namespace {
 /// A profile in the registry for the time of a test.
 class Profile {
  public:
-  Profile(const char* name, const std::string& key_file, const std::string& store, const char* pin) {
+  Profile(const char* name, const std::string& keyFile, const std::string& store, const char* pin) {
     HKEY key;
     RegCreateKeyA(HKEY_CURRENT_USER, kPath, &key);
     const std::pair<const char*, std::string> values[] = {
-        {"ProfileName", name}, {"pse", key_file}, {"localstore", store}, {"pincode", pin}};
+        {"ProfileName", name}, {"pse", keyFile}, {"localstore", store}, {"pincode", pin}};
     for (const auto& [value, text] : values) {
       RegSetValueExA(key, value, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                      static_cast<DWORD>(text.size() + 1));
@@ -99,8 +99,8 @@ TEST_F(Session, UnknownHandlesAreRefused) {
   Bytes out;
   EngineSession closed = openMinimal();
   close(closed);
-  int on_stack = 0;
-  for (EngineSession handle : {EngineSession(nullptr), EngineSession(&on_stack), closed}) {
+  int onStack = 0;
+  for (EngineSession handle : {EngineSession(nullptr), EngineSession(&onStack), closed}) {
     EXPECT_CODE(kBadSession, trySign(handle, 0, &data, nullptr, out));
     EXPECT_CODE(kBadSession, QUIVO_Uninitialize(handle));
     EXPECT_CODE(kBadSession, QUIVO_FreeMem(handle, nullptr));
@@ -122,9 +122,9 @@ TEST_F(Session, MemoryThatIsNotTheSessionsIsRefused) {
 TEST_F(Session, TwoSessionsAreIndependent) {
   const EngineSession alice = open("alice");
   const EngineSession bob = open("bob");
-  const Bytes by_alice = sign(alice, kSendCertificate, BytesOf("text"));
+  const Bytes byAlice = sign(alice, kSendCertificate, BytesOf("text"));
   close(alice);
-  EXPECT_CODE(0, verify(bob, by_alice).code);
+  EXPECT_CODE(0, verify(bob, byAlice).code);
 }
 
 TEST_F(Session, ReloadOfRevocationListsIsDescribed) {
@@ -135,7 +135,7 @@ TEST_F(Session, ReloadOfRevocationListsIsDescribed) {
   DataBlob_t blob{sizeof text, reinterpret_cast<uint8_t*>(text)};
   EXPECT_CODE(0, QUIVO_Ctrl(session, kEngineCtrlUpdateCrl, &blob));
   EXPECT_NE(std::string::npos, std::string(text).find("1")) << text;
-  const Bytes by_carol = sign(open("carol"), kSendCertificate, BytesOf("text"));
-  EXPECT_CODE(kRevoked, verify(session, by_carol).code);
+  const Bytes byCarol = sign(open("carol"), kSendCertificate, BytesOf("text"));
+  EXPECT_CODE(kRevoked, verify(session, byCarol).code);
   EXPECT_CODE(kNotSupported, QUIVO_Ctrl(session, 5, &blob));
 }

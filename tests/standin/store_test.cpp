@@ -53,10 +53,10 @@ TEST_F(Store, OtherBytesAreNotAdded) {
 
 TEST_F(Store, NamedOwnCertificateMustExist) {
   const EngineSession session = openIn("alice", CopyOfStore("roots", "named"));
-  char key_id[] = "00112233";
+  char keyId[] = "00112233";
   CertIdRecord id{};
   id.type = 1;
-  id.keyId = key_id;
+  id.keyId = keyId;
   const SignParamRecord addition{0, &id};
   const Bytes encoded = Material("bob.cer");
   const DataBlob_t blob = BlobOf(encoded);

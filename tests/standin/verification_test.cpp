@@ -14,18 +14,19 @@ class Verification : public EngineTest {
  protected:
   /// The one verdict on a message that this person signed.
   int32_t verdictOn(const std::string& person, const std::string& store = "store", VerifyParamRecord param = {}) {
-    const Verified verified = verify(open("alice", store), sign(open(person), kSendCertificate, data_), nullptr, param);
+    const Verified verified =
+        verify(open("alice", store), sign(open(person), kSendCertificate, payload), nullptr, param);
     EXPECT_EQ(1u, verified.verdicts.size());
     EXPECT_CODE(verified.code, verified.verdicts.at(0).status);
-    EXPECT_EQ(verified.code == 0 ? data_ : Bytes(), verified.out);
+    EXPECT_EQ(verified.code == 0 ? payload : Bytes(), verified.out);
     return verified.code;
   }
 
   Bytes signedByTwo() {
-    return addSignature(open("bob"), kSendCertificate, nullptr, sign(open("alice"), kSendCertificate, data_));
+    return addSignature(open("bob"), kSendCertificate, nullptr, sign(open("alice"), kSendCertificate, payload));
   }
 
-  const Bytes data_ = BytesOf("text to verify");
+  const Bytes payload = BytesOf("text to verify");
 };
 
 VerifyParamRecord WithFlags(uint32_t flags) {
@@ -55,7 +56,7 @@ TEST_F(Verification, ValidityIsNotLookedAtWhenTheCallerSaysSo) {
 
 TEST_F(Verification, OutdatedRevocationListIsARemark) {
   const EngineSession session = open("alice", "stale");
-  const Verified verified = verify(session, sign(open("alice"), kSendCertificate, data_));
+  const Verified verified = verify(session, sign(open("alice"), kSendCertificate, payload));
   EXPECT_CODE(kVerifiedWithRemarks, verified.code);
   EXPECT_CODE(kVerifiedWithRemarks, verified.verdicts.at(0).status);
 }
@@ -64,7 +65,7 @@ TEST_F(Verification, StoreWithoutRevocationListsKnowsOfNoRevocation) { EXPECT_CO
 
 TEST_F(Verification, SignerAndSigningTimeAreReported) {
   const time_t before = std::time(nullptr);
-  const Verified verified = verify(open("bob"), sign(open("bob"), kSendCertificate, data_));
+  const Verified verified = verify(open("bob"), sign(open("bob"), kSendCertificate, payload));
   ASSERT_EQ(1u, verified.verdicts.size());
   EXPECT_LE(before - 1, static_cast<time_t>(verified.verdicts[0].time));
   EXPECT_GE(std::time(nullptr) + 1, static_cast<time_t>(verified.verdicts[0].time));
@@ -73,7 +74,7 @@ TEST_F(Verification, SignerAndSigningTimeAreReported) {
 
 TEST_F(Verification, MaskDecidesWhatIsKnownOfTheSigner) {
   const EngineSession session = open("alice");
-  const Bytes message = sign(session, kSendCertificate, data_);
+  const Bytes message = sign(session, kSendCertificate, payload);
   const DataBlob_t none{};
   const DataBlob_t blob = BlobOf(message);
   VerifyParamRecord param{};
@@ -93,19 +94,19 @@ TEST_F(Verification, MaskDecidesWhatIsKnownOfTheSigner) {
 
 TEST_F(Verification, EverySignatureHasItsVerdict) {
   const Bytes both =
-      addSignature(open("carol"), kSendCertificate, nullptr, sign(open("alice"), kSendCertificate, data_));
+      addSignature(open("carol"), kSendCertificate, nullptr, sign(open("alice"), kSendCertificate, payload));
   const Verified verified = verify(open("bob"), both);
   EXPECT_CODE(kRevoked, verified.code);
   ASSERT_EQ(2u, verified.verdicts.size());
   for (const Verdict& verdict : verified.verdicts) {
-    const bool is_carol = verdict.subject == "CN=Carol, C=RU";
-    EXPECT_CODE(is_carol ? kRevoked : 0, verdict.status);
+    const bool isCarol = verdict.subject == "CN=Carol, C=RU";
+    EXPECT_CODE(isCarol ? kRevoked : 0, verdict.status);
   }
 }
 
 TEST_F(Verification, EnoughGoodSignaturesMakeUpForBadOnes) {
   const Bytes both =
-      addSignature(open("carol"), kSendCertificate, nullptr, sign(open("alice"), kSendCertificate, data_));
+      addSignature(open("carol"), kSendCertificate, nullptr, sign(open("alice"), kSendCertificate, payload));
   VerifyParamRecord param = WithFlags(0x80);
   param.minsigns = 1;
   EXPECT_CODE(kVerifiedWithRemarks, verify(open("bob"), both, nullptr, param).code);
@@ -119,7 +120,7 @@ TEST_F(Verification, EnoughGoodSignaturesMakeUpForBadOnes) {
 TEST_F(Verification, ContentComesOutWithoutSignatures) {
   VerifyParamRecord param = WithFlags(kDelete);
   param.nSignToDelete = -1;
-  EXPECT_EQ(data_, verify(open("bob"), signedByTwo(), nullptr, param).out);
+  EXPECT_EQ(payload, verify(open("bob"), signedByTwo(), nullptr, param).out);
 }
 
 TEST_F(Verification, OneSignatureCanBeRemoved) {
@@ -133,7 +134,7 @@ TEST_F(Verification, OneSignatureCanBeRemoved) {
     EXPECT_CODE(0, left.code);
     ASSERT_EQ(1u, left.verdicts.size());
     EXPECT_EQ(before[1 - static_cast<size_t>(index)].subject, left.verdicts[0].subject);
-    EXPECT_EQ(data_, left.out);
+    EXPECT_EQ(payload, left.out);
   }
   param.nSignToDelete = 2;
   EXPECT_CODE(kNoSuchSignature, verify(session, both, nullptr, param).code);
@@ -141,14 +142,14 @@ TEST_F(Verification, OneSignatureCanBeRemoved) {
 
 TEST_F(Verification, RemovalOfTheLastSignatureLeavesTheContent) {
   VerifyParamRecord param = WithFlags(kDelete);
-  EXPECT_EQ(data_, verify(open("bob"), sign(open("alice"), kSendCertificate, data_), nullptr, param).out);
+  EXPECT_EQ(payload, verify(open("bob"), sign(open("alice"), kSendCertificate, payload), nullptr, param).out);
 }
 
 TEST_F(Verification, DetachedSignatureCanLoseOneSigner) {
-  const Bytes both = addSignature(open("bob"), kSendCertificate | kDetached, &data_,
-                                  sign(open("alice"), kSendCertificate | kDetached, data_));
+  const Bytes both = addSignature(open("bob"), kSendCertificate | kDetached, &payload,
+                                  sign(open("alice"), kSendCertificate | kDetached, payload));
   const EngineSession session = open("bob");
-  const Verified left = verify(session, verify(session, both, &data_, WithFlags(kDelete)).out, &data_);
+  const Verified left = verify(session, verify(session, both, &payload, WithFlags(kDelete)).out, &payload);
   EXPECT_CODE(0, left.code);
   EXPECT_EQ(1u, left.verdicts.size());
 }
@@ -186,7 +187,7 @@ TEST_F(Verification, DemandsOnTheCertificateAreChecked) {
 TEST_F(Verification, RequiredExtensionsAreChecked) {
   char oid[] = "1.2.643.99.4";
   const Bytes value = {0x0C, 3, 'a', 'b', 'c'};
-  const Bytes other_value = {0x0C, 3, 'a', 'b', 'd'};
+  const Bytes otherValue = {0x0C, 3, 'a', 'b', 'd'};
   ExtensionRecord extension{};
   extension.oid = oid;
   VerifyParamRecord param{};
@@ -195,21 +196,21 @@ TEST_F(Verification, RequiredExtensionsAreChecked) {
   EXPECT_CODE(0, verdictOn("alice", "roots", param));
   extension.data = BlobOf(value);
   EXPECT_CODE(0, verdictOn("alice", "roots", param));
-  extension.data = BlobOf(other_value);
+  extension.data = BlobOf(otherValue);
   EXPECT_CODE(kExtensionMissing, verdictOn("alice", "roots", param));
   extension.data = {};
   EXPECT_CODE(kExtensionMissing, verdictOn("bob", "roots", param));
 }
 
 TEST_F(Verification, AttachedCertificatesCanBeLeftOutOfAccount) {
-  const Bytes message = sign(open("alice"), kSendCertificate, data_);
+  const Bytes message = sign(open("alice"), kSendCertificate, payload);
   EXPECT_CODE(kSignerUnknown, verify(open("bob", "roots"), message, nullptr, WithFlags(0x1000)).code);
   EXPECT_CODE(0, verify(open("bob", "store"), message, nullptr, WithFlags(0x1000)).code);
 }
 
 TEST_F(Verification, EveryFlippedBitIsRefused) {
   const EngineSession session = open("alice");
-  const Bytes message = sign(session, 0, data_);
+  const Bytes message = sign(session, 0, payload);
   ASSERT_CODE(0, verify(session, message).code);
   for (size_t i = 0; i < message.size(); ++i) {
     for (int bit = 0; bit < 8; ++bit) {
@@ -248,8 +249,8 @@ TEST_F(Verification, FilesGiveTheSameAsMemory) {
     EXPECT_CODE(0, verified.code) << name;
     EXPECT_EQ(data, verified.out) << name;
   }
-  const std::string data_path = MaterialPath("data.bin");
-  EXPECT_CODE(0, verifyFile(session, MaterialPath("messages/detached.p7s"), "", {}, data_path.c_str()).code);
+  const std::string dataPath = MaterialPath("data.bin");
+  EXPECT_CODE(0, verifyFile(session, MaterialPath("messages/detached.p7s"), "", {}, dataPath.c_str()).code);
   VerifyParamRecord param = WithFlags(kDelete);
   const Verified rest = verifyFile(session, MaterialPath("messages/two.p7s"), out, param);
   EXPECT_EQ(1u, verify(session, rest.out).verdicts.size());
