@@ -2,8 +2,8 @@
 #include "standin/certificates/alt_name.h"
 
 #include "standin/base/ansi.h"
+#include "standin/base/asn1_text.h"
 #include "standin/base/codes.h"
-#include "standin/base/text_of_asn1.h"
 #include "standin/certificates/cert_extensions.h"
 
 namespace standin {

@@ -1,7 +1,7 @@
 // Reading of certificate extensions.
 #include "standin/certificates/cert_extensions.h"
 
-#include "standin/base/text_of_asn1.h"
+#include "standin/base/asn1_text.h"
 
 namespace standin {
 namespace {

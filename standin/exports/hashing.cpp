@@ -2,7 +2,7 @@
 #include <openssl/rand.h>
 
 #include "standin/base/digest.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/exports/guard.h"
 
 using namespace standin;

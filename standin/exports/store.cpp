@@ -1,12 +1,12 @@
 // Exported functions: certificates and the store.
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/certificates/cert_record.h"
 #include "standin/certificates/der_objects.h"
 #include "standin/exports/guard.h"
 #include "standin/operations/requests.h"
 #include "standin/operations/search.h"
 #include "standin/operations/transfer.h"
-#include "standin/sessions/trust.h"
+#include "standin/sessions/trust_checker.h"
 #include "standin/windows/display.h"
 
 using namespace standin;

@@ -4,7 +4,7 @@
 #include <windows.h>
 
 #include "standin/base/codes.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/operations/decryption.h"
 #include "standin/operations/encryption.h"
 #include "standin/operations/recipients.h"

@@ -2,7 +2,7 @@
 #include "standin/operations/decryption.h"
 
 #include "standin/base/codes.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/certificates/cert_id.h"
 #include "standin/certificates/cert_record.h"
 #include "standin/messages/enveloped_parts.h"

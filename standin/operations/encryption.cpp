@@ -2,7 +2,7 @@
 #include "standin/operations/encryption.h"
 
 #include "standin/base/codes.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/operations/recipients.h"
 
 namespace standin {

@@ -4,10 +4,10 @@
 #include "standin/base/codes.h"
 #include "standin/base/times.h"
 #include "standin/certificates/cert_id.h"
+#include "standin/certificates/cert_match.h"
 #include "standin/certificates/cert_record.h"
-#include "standin/certificates/certificate_match.h"
 #include "standin/certificates/der_objects.h"
-#include "standin/sessions/trust.h"
+#include "standin/sessions/trust_checker.h"
 
 namespace standin {
 namespace {

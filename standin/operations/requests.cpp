@@ -5,7 +5,7 @@
 
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/certificates/alt_name.h"
 #include "standin/certificates/cert_record.h"
 #include "standin/certificates/der_objects.h"

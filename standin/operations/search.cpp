@@ -4,8 +4,8 @@
 #include "standin/base/codes.h"
 #include "standin/base/times.h"
 #include "standin/certificates/cert_id.h"
-#include "standin/certificates/certificate_match.h"
-#include "standin/sessions/trust.h"
+#include "standin/certificates/cert_match.h"
+#include "standin/sessions/trust_checker.h"
 #include "standin/windows/selection_dialog.h"
 
 namespace standin {

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "standin/base/codes.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 
 namespace standin {
 namespace {

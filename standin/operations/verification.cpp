@@ -5,8 +5,8 @@
 
 #include "standin/base/codes.h"
 #include "standin/base/digest.h"
+#include "standin/base/files.h"
 #include "standin/base/times.h"
-#include "standin/base/win_file.h"
 
 namespace standin {
 namespace {

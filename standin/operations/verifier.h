@@ -4,7 +4,7 @@
 #include "standin/certificates/cert_record.h"
 #include "standin/messages/signed_parts.h"
 #include "standin/sessions/session.h"
-#include "standin/sessions/trust.h"
+#include "standin/sessions/trust_checker.h"
 
 namespace standin {
 

@@ -7,10 +7,10 @@
 
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
+#include "standin/base/files.h"
 #include "standin/base/times.h"
-#include "standin/base/win_file.h"
 #include "standin/certificates/cert_id.h"
-#include "standin/sessions/pkcs12_file.h"
+#include "standin/sessions/sealed_keys.h"
 
 namespace standin {
 namespace {

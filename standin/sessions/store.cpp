@@ -7,8 +7,8 @@
 
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
+#include "standin/base/files.h"
 #include "standin/base/times.h"
-#include "standin/base/win_file.h"
 #include "standin/certificates/der_objects.h"
 
 namespace standin {

@@ -1,5 +1,5 @@
 // Checking of certificate chains.
-#include "standin/sessions/trust.h"
+#include "standin/sessions/trust_checker.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // The bags of a PKCS#12 file, and single sealed keys.
-#include "standin/sessions/pkcs12_file.h"
+#include "standin/sessions/sealed_keys.h"
 
 #include <openssl/err.h>
 #include <openssl/pem.h>

@@ -1,11 +1,11 @@
 // Comparison of certificates with templates.
-#include "standin/certificates/certificate_match.h"
+#include "standin/certificates/cert_match.h"
 
 #include <algorithm>
 #include <string>
 
 #include "standin/base/ansi.h"
-#include "standin/base/text_of_asn1.h"
+#include "standin/base/asn1_text.h"
 #include "standin/certificates/alt_name.h"
 #include "standin/certificates/cert_extensions.h"
 #include "standin/certificates/cert_id.h"

@@ -1,5 +1,5 @@
 // Reading and writing of files for the engine.
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,8 +1,8 @@
 // Exported functions: encryption and decryption.
+#include "standin/operations/encryption.h"
 #include "standin/certificates/cert_record.h"
 #include "standin/exports/guard.h"
 #include "standin/operations/decryption.h"
-#include "standin/operations/encryption.h"
 
 using namespace standin;
 
