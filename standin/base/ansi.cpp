@@ -6,32 +6,32 @@
 namespace standin {
 namespace {
 
-std::wstring toWide(UINT code_page, std::string_view text) {
+std::wstring ToWide(UINT codePage, std::string_view text) {
   if (text.empty()) return {};
   const int length = static_cast<int>(text.size());
-  const int needed = MultiByteToWideChar(code_page, 0, text.data(), length, nullptr, 0);
+  const int needed = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
   std::wstring wide(static_cast<size_t>(needed), L'\0');
-  MultiByteToWideChar(code_page, 0, text.data(), length, wide.data(), needed);
+  MultiByteToWideChar(codePage, 0, text.data(), length, wide.data(), needed);
   return wide;
 }
 
-std::string fromWide(UINT code_page, std::wstring_view text) {
+std::string FromWide(UINT codePage, std::wstring_view text) {
   if (text.empty()) return {};
   const int length = static_cast<int>(text.size());
-  const int needed = WideCharToMultiByte(code_page, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+  const int needed = WideCharToMultiByte(codePage, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
   std::string bytes(static_cast<size_t>(needed), '\0');
-  WideCharToMultiByte(code_page, 0, text.data(), length, bytes.data(), needed, nullptr, nullptr);
+  WideCharToMultiByte(codePage, 0, text.data(), length, bytes.data(), needed, nullptr, nullptr);
   return bytes;
 }
 
 }  // namespace
 
-std::string ansiFromUtf8(std::string_view text) { return fromWide(CP_ACP, toWide(CP_UTF8, text)); }
-std::string utf8FromAnsi(std::string_view text) { return fromWide(CP_UTF8, toWide(CP_ACP, text)); }
-std::string utf8FromWide(std::wstring_view text) { return fromWide(CP_UTF8, text); }
-std::wstring wideFromUtf8(std::string_view text) { return toWide(CP_UTF8, text); }
+std::string AnsiFromUtf8(std::string_view text) { return FromWide(CP_ACP, ToWide(CP_UTF8, text)); }
+std::string Utf8FromAnsi(std::string_view text) { return FromWide(CP_UTF8, ToWide(CP_ACP, text)); }
+std::string Utf8FromWide(std::wstring_view text) { return FromWide(CP_UTF8, text); }
+std::wstring WideFromUtf8(std::string_view text) { return ToWide(CP_UTF8, text); }
 
-std::string hexOf(ByteView bytes) {
+std::string HexOf(ByteView bytes) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text;
   text.reserve(bytes.size() * 2);
@@ -42,10 +42,10 @@ std::string hexOf(ByteView bytes) {
   return text;
 }
 
-std::string foldCase(std::string_view utf8) {
-  std::wstring wide = toWide(CP_UTF8, utf8);
+std::string FoldCase(std::string_view utf8) {
+  std::wstring wide = ToWide(CP_UTF8, utf8);
   if (!wide.empty()) CharLowerBuffW(wide.data(), static_cast<DWORD>(wide.size()));
-  return fromWide(CP_UTF8, wide);
+  return FromWide(CP_UTF8, wide);
 }
 
 }  // namespace standin

@@ -10,18 +10,18 @@
 namespace standin {
 
 /// Characters that the ANSI code page lacks become its default character.
-std::string ansiFromUtf8(std::string_view text);
-std::string utf8FromAnsi(std::string_view text);
-std::string utf8FromWide(std::wstring_view text);
-std::wstring wideFromUtf8(std::string_view text);
+std::string AnsiFromUtf8(std::string_view text);
+std::string Utf8FromAnsi(std::string_view text);
+std::string Utf8FromWide(std::wstring_view text);
+std::wstring WideFromUtf8(std::string_view text);
 
 /// Capital hexadecimal digits without separators.
-std::string hexOf(ByteView bytes);
+std::string HexOf(ByteView bytes);
 
 /// Lower case by the rules of Unicode; the argument and the result are UTF-8.
-std::string foldCase(std::string_view utf8);
+std::string FoldCase(std::string_view utf8);
 
 /// A null pointer is an empty text.
-inline std::string textOrEmpty(const char* text) { return text == nullptr ? std::string() : std::string(text); }
+inline std::string TextOrEmpty(const char* text) { return text == nullptr ? std::string() : std::string(text); }
 
 }  // namespace standin

@@ -15,7 +15,7 @@ Buffers::~Buffers() {
 
 void* Buffers::allocate(size_t length) {
   void* buffer = std::calloc(length == 0 ? 1 : length, 1);
-  if (buffer == nullptr) fail(kWinOutOfMemory);
+  if (buffer == nullptr) Fail(kWinOutOfMemory);
   try {
     live_.insert(buffer);
   } catch (...) {
@@ -35,7 +35,7 @@ DataBlob_t Buffers::join(std::initializer_list<ByteView> parts) {
   size_t length = 0;
   for (const ByteView part : parts) length += part.size();
   if (length == 0) return {};
-  if (length > UINT32_MAX) fail(kTooLarge);
+  if (length > UINT32_MAX) Fail(kTooLarge);
   uint8_t* joined = allocateArray<uint8_t>(length);
   uint8_t* end = joined;
   for (const ByteView part : parts) {

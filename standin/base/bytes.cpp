@@ -3,6 +3,6 @@
 
 namespace standin {
 
-void append(Bytes& bytes, ByteView more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
+void Append(Bytes& bytes, ByteView more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
 
 }  // namespace standin

@@ -15,17 +15,17 @@ using Bytes = std::vector<uint8_t>;
 using ByteView = std::span<const uint8_t>;
 
 /// The caller's bytes; an absent blob, or a length without a pointer, is empty.
-inline ByteView viewOf(const DataBlob_t* blob) {
+inline ByteView ViewOf(const DataBlob_t* blob) {
   if (blob == nullptr || blob->data == nullptr) return {};
   return {blob->data, blob->len};
 }
 
 /// A blob without a pointer, or none at all, stands for "not given"; one with a pointer may have no bytes.
-inline std::optional<ByteView> optionalViewOf(const DataBlob_t* blob) {
+inline std::optional<ByteView> OptionalViewOf(const DataBlob_t* blob) {
   if (blob == nullptr || blob->data == nullptr) return std::nullopt;
   return ByteView(blob->data, blob->len);
 }
 
-void append(Bytes& bytes, ByteView more);
+void Append(Bytes& bytes, ByteView more);
 
 }  // namespace standin

@@ -96,9 +96,9 @@ struct EngineError {
   int32_t code;
 };
 
-[[noreturn]] inline void fail(int32_t code) { throw EngineError{code}; }
+[[noreturn]] inline void Fail(int32_t code) { throw EngineError{code}; }
 
 /// Fails with the thread's last Windows error.
-[[noreturn]] void failWithLastError();
+[[noreturn]] void FailWithLastError();
 
 }  // namespace standin

@@ -27,7 +27,7 @@ constexpr NamedDigest kDigests[] = {
     {"SHA3512", "2.16.840.1.101.3.4.2.10", EVP_sha3_512},
 };
 
-std::string lettersAndDigits(const std::string& name) {
+std::string LettersAndDigits(const std::string& name) {
   std::string kept;
   for (const char c : name) {
     const unsigned char code = static_cast<unsigned char>(c);
@@ -39,31 +39,31 @@ std::string lettersAndDigits(const std::string& name) {
 }  // namespace
 
 Digest::Digest(const EVP_MD* algorithm) : context_(EVP_MD_CTX_new()) {
-  if (context_ == nullptr) fail(kWinOutOfMemory);
-  if (EVP_DigestInit_ex(context_.get(), algorithm, nullptr) != 1) fail(kHashUnknown);
+  if (context_ == nullptr) Fail(kWinOutOfMemory);
+  if (EVP_DigestInit_ex(context_.get(), algorithm, nullptr) != 1) Fail(kHashUnknown);
 }
 
 void Digest::update(ByteView bytes) {
-  if (EVP_DigestUpdate(context_.get(), bytes.data(), bytes.size()) != 1) fail(kInternal);
+  if (EVP_DigestUpdate(context_.get(), bytes.data(), bytes.size()) != 1) Fail(kInternal);
 }
 
 Bytes Digest::finish() {
   Bytes value(EVP_MAX_MD_SIZE);
   unsigned int length = 0;
-  if (EVP_DigestFinal_ex(context_.get(), value.data(), &length) != 1) fail(kInternal);
+  if (EVP_DigestFinal_ex(context_.get(), value.data(), &length) != 1) Fail(kInternal);
   value.resize(length);
   return value;
 }
 
-const EVP_MD* defaultDigest() { return EVP_sha256(); }
+const EVP_MD* DefaultDigest() { return EVP_sha256(); }
 
-const EVP_MD* digestByName(const char* name) {
-  if (name == nullptr || *name == 0) return defaultDigest();
-  const std::string wanted = lettersAndDigits(name);
+const EVP_MD* DigestByName(const char* name) {
+  if (name == nullptr || *name == 0) return DefaultDigest();
+  const std::string wanted = LettersAndDigits(name);
   for (const NamedDigest& digest : kDigests) {
     if (wanted == digest.name || std::string(name) == digest.oid) return digest.algorithm();
   }
-  fail(kHashUnknown);
+  Fail(kHashUnknown);
 }
 
 }  // namespace standin

@@ -18,9 +18,9 @@ class Digest {
 };
 
 /// What is used where the caller names no algorithm.
-const EVP_MD* defaultDigest();
+const EVP_MD* DefaultDigest();
 /// MD5, SHA-1, SHA-224, SHA-256, SHA-384, SHA-512, SHA3-256, SHA3-384 and SHA3-512, with or without the hyphens, in any
 /// case, or their object identifiers. Null or an empty name is the default. Fails with kHashUnknown.
-const EVP_MD* digestByName(const char* name);
+const EVP_MD* DigestByName(const char* name);
 
 }  // namespace standin

@@ -14,7 +14,7 @@ GrowingBuffer::~GrowingBuffer() { std::free(data_); }
 void GrowingBuffer::reserve(size_t capacity) {
   if (capacity <= capacity_) return;
   void* moved = std::realloc(data_, capacity);
-  if (moved == nullptr) fail(kWinOutOfMemory);
+  if (moved == nullptr) Fail(kWinOutOfMemory);
   data_ = static_cast<uint8_t*>(moved);
   capacity_ = capacity;
 }
@@ -31,7 +31,7 @@ void GrowingBuffer::append(ByteView bytes) {
 
 DataBlob_t GrowingBuffer::handOut(Buffers& buffers) {
   if (size_ == 0) return {};
-  if (size_ > UINT32_MAX) fail(kTooLarge);
+  if (size_ > UINT32_MAX) Fail(kTooLarge);
   buffers.adopt(data_);
   const DataBlob_t blob{static_cast<uint32_t>(size_), data_};
   data_ = nullptr;

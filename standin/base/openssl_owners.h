@@ -13,11 +13,11 @@
 
 namespace standin {
 
-template <auto free_function>
+template <auto freeFunction>
 struct FreeWith {
   template <typename T>
   void operator()(T* object) const {
-    free_function(object);
+    freeFunction(object);
   }
 };
 
@@ -53,7 +53,7 @@ using TextPtr = std::unique_ptr<char, FreeMemory>;
 using OctetsPtr = std::unique_ptr<unsigned char, FreeMemory>;
 
 /// Another owner of the same certificate.
-inline CertPtr share(X509* certificate) {
+inline CertPtr Share(X509* certificate) {
   X509_up_ref(certificate);
   return CertPtr(certificate);
 }

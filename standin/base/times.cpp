@@ -6,9 +6,9 @@
 
 namespace standin {
 
-time_t currentTime() { return std::time(nullptr); }
+time_t CurrentTime() { return std::time(nullptr); }
 
-time_t secondsOf(const ASN1_TIME* time) {
+time_t SecondsOf(const ASN1_TIME* time) {
   std::tm parts{};
   if (time == nullptr || ASN1_TIME_to_tm(time, &parts) != 1) return 0;
   // Certificates state years that the runtime's own conversion refuses.
@@ -19,29 +19,29 @@ time_t secondsOf(const ASN1_TIME* time) {
          parts.tm_sec;
 }
 
-uint32_t recordTime(time_t seconds) {
+uint32_t RecordTime(time_t seconds) {
   if (seconds <= 0) return 0;
   constexpr time_t kLargest = std::numeric_limits<uint32_t>::max();
   return static_cast<uint32_t>(seconds < kLargest ? seconds : kLargest);
 }
 
-bool isWithinValidity(const X509* certificate, time_t at) {
-  return secondsOf(X509_get0_notBefore(certificate)) <= at && at <= secondsOf(X509_get0_notAfter(certificate));
+bool IsWithinValidity(const X509* certificate, time_t at) {
+  return SecondsOf(X509_get0_notBefore(certificate)) <= at && at <= SecondsOf(X509_get0_notAfter(certificate));
 }
 
-KeyPeriod privateKeyPeriod(const X509* certificate) {
+KeyPeriod PrivateKeyPeriod(const X509* certificate) {
   using PeriodPtr = std::unique_ptr<PKEY_USAGE_PERIOD, FreeWith<PKEY_USAGE_PERIOD_free>>;
   const PeriodPtr period(
       static_cast<PKEY_USAGE_PERIOD*>(X509_get_ext_d2i(certificate, NID_private_key_usage_period, nullptr, nullptr)));
   KeyPeriod result;
   if (period == nullptr) return result;
-  result.not_before = secondsOf(period->notBefore);
-  result.not_after = secondsOf(period->notAfter);
+  result.not_before = SecondsOf(period->notBefore);
+  result.not_after = SecondsOf(period->notAfter);
   return result;
 }
 
-bool isWithinKeyPeriod(const X509* certificate, time_t at) {
-  const KeyPeriod period = privateKeyPeriod(certificate);
+bool IsWithinKeyPeriod(const X509* certificate, time_t at) {
+  const KeyPeriod period = PrivateKeyPeriod(certificate);
   if (period.not_before != 0 && at < period.not_before) return false;
   return period.not_after == 0 || at <= period.not_after;
 }

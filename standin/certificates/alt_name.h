@@ -18,14 +18,14 @@ struct AltNameField {
 };
 
 /// Every member of the record. The kinds that no standard defines are "other names" under example identifiers.
-const std::array<AltNameField, 15>& altNameFields();
+const std::array<AltNameField, 15>& AltNameFields();
 
 /// False when the certificate has no such extension. The first name of a kind counts.
-bool fillAltName(AltNameRecord& record, const X509* certificate, int extension_nid, Buffers& buffers);
-void freeAltName(AltNameRecord& record, Buffers& buffers);
+bool FillAltName(AltNameRecord& record, const X509* certificate, int extensionNid, Buffers& buffers);
+void FreeAltName(AltNameRecord& record, Buffers& buffers);
 
 /// The names that the record states, for a request; null when it states none. Fails with kRequestFailed when one cannot
 /// be written.
-GeneralNamesPtr generalNamesOf(const AltNameRecord& record);
+GeneralNamesPtr GeneralNamesOf(const AltNameRecord& record);
 
 }  // namespace standin

@@ -9,27 +9,27 @@
 
 namespace standin {
 
-/// The registered name of the object, or its dotted number when it has none or `as_number` is set.
-std::string objectText(const ASN1_OBJECT* object, bool as_number);
+/// The registered name of the object, or its dotted number when it has none or `asNumber` is set.
+std::string ObjectText(const ASN1_OBJECT* object, bool asNumber);
 
 /// The dotted numbers, in order; empty when the certificate does not state the extension.
-std::vector<std::string> extKeyUsageOf(const X509* certificate);
+std::vector<std::string> ExtKeyUsageOf(const X509* certificate);
 
 /// A policy with its user notice: the texts are UTF-8. Without a notice, `text` is the address of the practice
 /// statement.
 struct CertPolicy {
   std::string oid;
   std::string organisation;
-  int32_t notice_number = 0;
+  int32_t noticeNumber = 0;
   std::string text;
 };
-std::vector<CertPolicy> policiesOf(const X509* certificate);
+std::vector<CertPolicy> PoliciesOf(const X509* certificate);
 
 struct CertExtension {
   std::string oid;
   bool critical;
   Bytes value;  ///< DER
 };
-std::vector<CertExtension> extensionsOf(const X509* certificate);
+std::vector<CertExtension> ExtensionsOf(const X509* certificate);
 
 }  // namespace standin

@@ -16,7 +16,7 @@ constexpr int32_t kByKeyId = 1;
 constexpr int32_t kByHash = 2;
 constexpr int32_t kNotChosen = -1;
 
-bool isComplete(const CertIdRecord& id) {
+bool IsComplete(const CertIdRecord& id) {
   switch (id.type) {
     case kByIssuerAndSerial:
       return id.issuerAndSerial.issuer != nullptr && id.issuerAndSerial.serialNumber != nullptr;
@@ -29,7 +29,7 @@ bool isComplete(const CertIdRecord& id) {
   }
 }
 
-const EVP_MD* digestOfLength(uint32_t length) {
+const EVP_MD* DigestOfLength(uint32_t length) {
   switch (length) {
     case 20:
       return EVP_sha1();
@@ -46,14 +46,14 @@ const EVP_MD* digestOfLength(uint32_t length) {
 
 }  // namespace
 
-bool namesCertificate(const CertIdRecord* id) {
+bool NamesCertificate(const CertIdRecord* id) {
   if (id == nullptr || id->type == kNotChosen) return false;
-  if (!isComplete(*id)) fail(kWinInvalidParameter);
+  if (!IsComplete(*id)) Fail(kWinInvalidParameter);
   return true;
 }
 
-bool isHashOf(const X509* certificate, const DataBlob_t& hash) {
-  const EVP_MD* digest = digestOfLength(hash.len);
+bool IsHashOf(const X509* certificate, const DataBlob_t& hash) {
+  const EVP_MD* digest = DigestOfLength(hash.len);
   if (digest == nullptr) return false;
   unsigned char computed[EVP_MAX_MD_SIZE];
   unsigned int length = 0;
@@ -61,15 +61,15 @@ bool isHashOf(const X509* certificate, const DataBlob_t& hash) {
          std::memcmp(computed, hash.data, length) == 0;
 }
 
-bool matches(const X509* certificate, const CertIdRecord& id) {
+bool Matches(const X509* certificate, const CertIdRecord& id) {
   switch (id.type) {
     case kByIssuerAndSerial:
-      return isSameHex(id.issuerAndSerial.serialNumber, serialText(certificate)) &&
-             isNameText(X509_get_issuer_name(certificate), utf8FromAnsi(id.issuerAndSerial.issuer));
+      return IsSameHex(id.issuerAndSerial.serialNumber, SerialText(certificate)) &&
+             IsNameText(X509_get_issuer_name(certificate), Utf8FromAnsi(id.issuerAndSerial.issuer));
     case kByKeyId:
-      return isSameHex(id.keyId, hexOf(keyIdOf(certificate)));
+      return IsSameHex(id.keyId, HexOf(KeyIdOf(certificate)));
     default:
-      return isHashOf(certificate, id.certHash);
+      return IsHashOf(certificate, id.certHash);
   }
 }
 

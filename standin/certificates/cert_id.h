@@ -8,13 +8,13 @@ namespace standin {
 
 /// False for a null identifier and for one whose type has not been chosen. Fails with kWinInvalidParameter when the
 /// type is unknown or what it asks for is not set.
-bool namesCertificate(const CertIdRecord* id);
+bool NamesCertificate(const CertIdRecord* id);
 
 /// Whether the complete identifier names this certificate. A hash is told by its length: SHA-1, SHA-256, SHA-384,
 /// SHA-512.
-bool matches(const X509* certificate, const CertIdRecord& id);
+bool Matches(const X509* certificate, const CertIdRecord& id);
 
 /// Whether `hash` is a hash of the certificate.
-bool isHashOf(const X509* certificate, const DataBlob_t& hash);
+bool IsHashOf(const X509* certificate, const DataBlob_t& hash);
 
 }  // namespace standin

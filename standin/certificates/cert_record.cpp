@@ -22,8 +22,8 @@ class RecordFiller {
     fillTimes();
     fillUniqueIds();
     fillExtensions();
-    if (wants(kFieldKeyId)) putText(record_.keyId, kFieldKeyId, hexOf(keyIdOf(certificate_)));
-    if (wants(kFieldCertEncoded)) putBytes(record_.certEncoded, kFieldCertEncoded, derOf(certificate_));
+    if (wants(kFieldKeyId)) putText(record_.keyId, kFieldKeyId, HexOf(KeyIdOf(certificate_)));
+    if (wants(kFieldCertEncoded)) putBytes(record_.certEncoded, kFieldCertEncoded, DerOf(certificate_));
     if (wants(kFieldCertHash)) putBytes(record_.certHash, kFieldCertHash, hash());
   }
 
@@ -40,18 +40,18 @@ class RecordFiller {
   }
   void putTime(uint32_t& place, uint32_t field, time_t seconds) {
     if (seconds == 0) return;
-    place = recordTime(seconds);
+    place = RecordTime(seconds);
     record_.fields |= field;
   }
 
   void fillNames() {
-    if (wants(kFieldSerial)) putText(record_.serialNumber, kFieldSerial, serialText(certificate_));
+    if (wants(kFieldSerial)) putText(record_.serialNumber, kFieldSerial, SerialText(certificate_));
     if (wants(kFieldIssuer)) {
-      putText(record_.issuer, kFieldIssuer, ansiFromUtf8(nameText(X509_get_issuer_name(certificate_))));
+      putText(record_.issuer, kFieldIssuer, AnsiFromUtf8(NameText(X509_get_issuer_name(certificate_))));
     }
     if (wants(kFieldSubject | kFieldSubjectQualified)) {
       const NameForm form = wants(kFieldSubjectQualified) ? NameForm::kQualified : NameForm::kShort;
-      putText(record_.subject, kFieldSubject, ansiFromUtf8(nameText(X509_get_subject_name(certificate_), form)));
+      putText(record_.subject, kFieldSubject, AnsiFromUtf8(NameText(X509_get_subject_name(certificate_), form)));
     }
     if (wants(kFieldAlgorithm | kFieldAlgorithmOid)) putText(record_.algorithm, kFieldAlgorithm, algorithmText());
   }
@@ -60,16 +60,16 @@ class RecordFiller {
     const X509_ALGOR* algorithm = X509_get0_tbs_sigalg(certificate_);
     const ASN1_OBJECT* object = nullptr;
     X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
-    return objectText(object, wants(kFieldAlgorithmOid));
+    return ObjectText(object, wants(kFieldAlgorithmOid));
   }
 
   void fillTimes() {
     if (wants(kFieldNotBefore)) {
-      putTime(record_.notBefore, kFieldNotBefore, secondsOf(X509_get0_notBefore(certificate_)));
+      putTime(record_.notBefore, kFieldNotBefore, SecondsOf(X509_get0_notBefore(certificate_)));
     }
-    if (wants(kFieldNotAfter)) putTime(record_.notAfter, kFieldNotAfter, secondsOf(X509_get0_notAfter(certificate_)));
+    if (wants(kFieldNotAfter)) putTime(record_.notAfter, kFieldNotAfter, SecondsOf(X509_get0_notAfter(certificate_)));
     if (!wants(kFieldNotBeforePrivate | kFieldNotAfterPrivate)) return;
-    const KeyPeriod period = privateKeyPeriod(certificate_);
+    const KeyPeriod period = PrivateKeyPeriod(certificate_);
     if (wants(kFieldNotBeforePrivate)) putTime(record_.notBeforePrivate, kFieldNotBeforePrivate, period.not_before);
     if (wants(kFieldNotAfterPrivate)) putTime(record_.notAfterPrivate, kFieldNotAfterPrivate, period.not_after);
   }
@@ -83,19 +83,19 @@ class RecordFiller {
   }
 
   static std::string bitsText(const ASN1_BIT_STRING* bits) {
-    return bits == nullptr ? std::string() : hexOf({bits->data, static_cast<size_t>(bits->length)});
+    return bits == nullptr ? std::string() : HexOf({bits->data, static_cast<size_t>(bits->length)});
   }
 
   void fillExtensions() {
     if (wants(kFieldKeyUsage)) {
-      record_.keyUsage = keyUsageOf(certificate_);
+      record_.keyUsage = KeyUsageOf(certificate_);
       if (record_.keyUsage != 0) record_.fields |= kFieldKeyUsage;
     }
-    if (wants(kFieldIssuerAltName) && fillAltName(record_.issuerAltName, certificate_, NID_issuer_alt_name, buffers_)) {
+    if (wants(kFieldIssuerAltName) && FillAltName(record_.issuerAltName, certificate_, NID_issuer_alt_name, buffers_)) {
       record_.fields |= kFieldIssuerAltName;
     }
     if (wants(kFieldSubjectAltName) &&
-        fillAltName(record_.subjectAltName, certificate_, NID_subject_alt_name, buffers_)) {
+        FillAltName(record_.subjectAltName, certificate_, NID_subject_alt_name, buffers_)) {
       record_.fields |= kFieldSubjectAltName;
     }
     if (wants(kFieldExtKeyUsage)) fillExtKeyUsage();
@@ -104,7 +104,7 @@ class RecordFiller {
   }
 
   void fillExtKeyUsage() {
-    const std::vector<std::string> oids = extKeyUsageOf(certificate_);
+    const std::vector<std::string> oids = ExtKeyUsageOf(certificate_);
     if (oids.empty()) return;
     record_.extKeyUsage = buffers_.allocateArray<char*>(oids.size());
     for (const std::string& oid : oids) {
@@ -114,21 +114,21 @@ class RecordFiller {
   }
 
   void fillPolicies() {
-    const std::vector<CertPolicy> policies = policiesOf(certificate_);
+    const std::vector<CertPolicy> policies = PoliciesOf(certificate_);
     if (policies.empty()) return;
     record_.policies = buffers_.allocateArray<PolicyRecord>(policies.size());
     for (const CertPolicy& policy : policies) {
       PolicyRecord& target = record_.policies[record_.policyCount++];
       target.oid = buffers_.copyText(policy.oid);
-      if (!policy.organisation.empty()) target.org_name = buffers_.copyText(ansiFromUtf8(policy.organisation));
-      target.not_num = policy.notice_number;
-      if (!policy.text.empty()) target.text = buffers_.copyText(ansiFromUtf8(policy.text));
+      if (!policy.organisation.empty()) target.org_name = buffers_.copyText(AnsiFromUtf8(policy.organisation));
+      target.not_num = policy.noticeNumber;
+      if (!policy.text.empty()) target.text = buffers_.copyText(AnsiFromUtf8(policy.text));
     }
     record_.fields |= kFieldPolicy;
   }
 
   void fillExtensionList() {
-    const std::vector<CertExtension> extensions = extensionsOf(certificate_);
+    const std::vector<CertExtension> extensions = ExtensionsOf(certificate_);
     if (extensions.empty()) return;
     record_.extensions = buffers_.allocateArray<ExtensionRecord>(extensions.size());
     for (const CertExtension& extension : extensions) {
@@ -143,7 +143,7 @@ class RecordFiller {
 
   Bytes hash() const {
     Digest digest(EVP_sha1());
-    digest.update(derOf(certificate_));
+    digest.update(DerOf(certificate_));
     return digest.finish();
   }
 
@@ -166,18 +166,18 @@ constexpr UsageBit kUsageBits[] = {
 
 }  // namespace
 
-void fillRecord(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers) {
+void FillRecord(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers) {
   record = {};
   RecordFiller(record, certificate, mask, buffers).fill();
 }
 
-void freeRecord(CertificateRecord& record, Buffers& buffers) {
+void FreeRecord(CertificateRecord& record, Buffers& buffers) {
   for (char* text : {record.issuer, record.serialNumber, record.subject, record.algorithm, record.issuerUID,
                      record.subjectUID, record.keyId}) {
     buffers.release(text);
   }
-  freeAltName(record.issuerAltName, buffers);
-  freeAltName(record.subjectAltName, buffers);
+  FreeAltName(record.issuerAltName, buffers);
+  FreeAltName(record.subjectAltName, buffers);
   // A record whose arrays are none of ours was made elsewhere; its counts are not to be believed either.
   if (buffers.owns(record.policies)) {
     for (int32_t i = 0; i < record.policyCount; ++i) {
@@ -202,7 +202,7 @@ void freeRecord(CertificateRecord& record, Buffers& buffers) {
   record = {};
 }
 
-uint32_t keyUsageOf(X509* certificate) {
+uint32_t KeyUsageOf(X509* certificate) {
   if ((X509_get_extension_flags(certificate) & EXFLAG_KUSAGE) == 0) return 0;
   const uint32_t stated = X509_get_key_usage(certificate);
   uint32_t bits = 0;
@@ -212,9 +212,9 @@ uint32_t keyUsageOf(X509* certificate) {
   return bits;
 }
 
-bool allowsKeyUsage(X509* certificate, uint32_t bits) {
+bool AllowsKeyUsage(X509* certificate, uint32_t bits) {
   const bool stated = (X509_get_extension_flags(certificate) & EXFLAG_KUSAGE) != 0;
-  return !stated || (keyUsageOf(certificate) & bits) == bits;
+  return !stated || (KeyUsageOf(certificate) & bits) == bits;
 }
 
 }  // namespace standin

@@ -33,14 +33,14 @@ enum CertField : uint32_t {
 
 /// Fills the fields of `mask` that the certificate has and states in `fields` which those are. The record is taken as
 /// empty; what it points to is memory of `buffers`.
-void fillRecord(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers);
+void FillRecord(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers);
 
 /// Gives back what the record points to, and empties it.
-void freeRecord(CertificateRecord& record, Buffers& buffers);
+void FreeRecord(CertificateRecord& record, Buffers& buffers);
 
 /// Key usage in the bits of the records; 0 when the certificate does not state it.
-uint32_t keyUsageOf(X509* certificate);
+uint32_t KeyUsageOf(X509* certificate);
 /// Whether the certificate allows every use in `bits`; one that states no key usage allows all.
-bool allowsKeyUsage(X509* certificate, uint32_t bits);
+bool AllowsKeyUsage(X509* certificate, uint32_t bits);
 
 }  // namespace standin

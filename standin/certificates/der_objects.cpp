@@ -13,7 +13,7 @@ namespace standin {
 namespace {
 
 template <typename Owner, typename Decode>
-Owner decodeWhole(ByteView der, Decode decode) {
+Owner DecodeWhole(ByteView der, Decode decode) {
   if (der.empty() || der.size() > kLargestObject) return nullptr;
   const unsigned char* cursor = der.data();
   Owner object(decode(nullptr, &cursor, static_cast<long>(der.size())));
@@ -24,22 +24,22 @@ Owner decodeWhole(ByteView der, Decode decode) {
   return object;
 }
 
-template <typename Object, typename Encode>
-Bytes encode(Object* object, Encode encode_object) {
+template <typename Object, typename Encoder>
+Bytes Encode(Object* object, Encoder encodeObject) {
   unsigned char* raw = nullptr;
-  const int length = encode_object(object, &raw);
-  if (length < 0) fail(kInternal);
+  const int length = encodeObject(object, &raw);
+  if (length < 0) Fail(kInternal);
   const OctetsPtr owner(raw);
   return Bytes(raw, raw + length);
 }
 
-bool looksLikePem(ByteView bytes) {
+bool LooksLikePem(ByteView bytes) {
   static constexpr char kMark[] = "-----BEGIN ";
   const ByteView start = bytes.first(std::min<size_t>(bytes.size(), 64 * 1024));
   return std::search(start.begin(), start.end(), kMark, kMark + sizeof kMark - 1) != start.end();
 }
 
-void addFromMessage(ByteView der, FoundObjects& found) {
+void AddFromMessage(ByteView der, FoundObjects& found) {
   const unsigned char* cursor = der.data();
   const CmsPtr message(d2i_CMS_ContentInfo(nullptr, &cursor, static_cast<long>(der.size())));
   if (message == nullptr) {
@@ -51,7 +51,7 @@ void addFromMessage(ByteView der, FoundObjects& found) {
   if (sk_CMS_SignerInfo_num(CMS_get0_SignerInfos(message.get())) > 0) return;
   const CertStackPtr certificates(CMS_get1_certs(message.get()));
   for (int i = 0; certificates != nullptr && i < sk_X509_num(certificates.get()); ++i) {
-    found.certificates.push_back(share(sk_X509_value(certificates.get(), i)));
+    found.certificates.push_back(Share(sk_X509_value(certificates.get(), i)));
   }
   STACK_OF(X509_CRL)* crls = CMS_get1_crls(message.get());
   for (int i = 0; crls != nullptr && i < sk_X509_CRL_num(crls); ++i) {
@@ -60,53 +60,53 @@ void addFromMessage(ByteView der, FoundObjects& found) {
   sk_X509_CRL_free(crls);
 }
 
-void addFromDer(ByteView der, bool bundles_too, FoundObjects& found) {
-  if (CertPtr certificate = certificateFromDer(der)) {
+void AddFromDer(ByteView der, bool bundlesToo, FoundObjects& found) {
+  if (CertPtr certificate = CertificateFromDer(der)) {
     found.certificates.push_back(std::move(certificate));
-  } else if (CrlPtr crl = crlFromDer(der)) {
+  } else if (CrlPtr crl = CrlFromDer(der)) {
     found.crls.push_back(std::move(crl));
-  } else if (RequestPtr request = requestFromDer(der)) {
+  } else if (RequestPtr request = RequestFromDer(der)) {
     found.requests.push_back(std::move(request));
-  } else if (bundles_too) {
-    addFromMessage(der, found);
+  } else if (bundlesToo) {
+    AddFromMessage(der, found);
   }
 }
 
-void addFromPem(ByteView text, bool bundles_too, FoundObjects& found) {
+void AddFromPem(ByteView text, bool bundlesToo, FoundObjects& found) {
   const BioPtr source(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
   char* name = nullptr;
   char* header = nullptr;
   unsigned char* data = nullptr;
   long length = 0;
   while (PEM_read_bio(source.get(), &name, &header, &data, &length) == 1) {
-    const TextPtr name_owner(name);
-    const TextPtr header_owner(header);
-    const OctetsPtr data_owner(data);
-    const bool is_secret = std::strstr(name, "PRIVATE KEY") != nullptr;
-    if (!is_secret) addFromDer({data, static_cast<size_t>(length)}, bundles_too, found);
+    const TextPtr nameOwner(name);
+    const TextPtr headerOwner(header);
+    const OctetsPtr dataOwner(data);
+    const bool isSecret = std::strstr(name, "PRIVATE KEY") != nullptr;
+    if (!isSecret) AddFromDer({data, static_cast<size_t>(length)}, bundlesToo, found);
   }
   ERR_clear_error();
 }
 
-FoundObjects find(ByteView bytes, bool bundles_too) {
+FoundObjects Find(ByteView bytes, bool bundlesToo) {
   FoundObjects found;
   if (bytes.empty() || bytes.size() > kLargestObject) return found;
-  if (bytes[0] == 0x30) addFromDer(bytes, bundles_too, found);
-  if (found.empty() && looksLikePem(bytes)) addFromPem(bytes, bundles_too, found);
+  if (bytes[0] == 0x30) AddFromDer(bytes, bundlesToo, found);
+  if (found.empty() && LooksLikePem(bytes)) AddFromPem(bytes, bundlesToo, found);
   return found;
 }
 
 }  // namespace
 
-CertPtr certificateFromDer(ByteView der) { return decodeWhole<CertPtr>(der, d2i_X509); }
-CrlPtr crlFromDer(ByteView der) { return decodeWhole<CrlPtr>(der, d2i_X509_CRL); }
-RequestPtr requestFromDer(ByteView der) { return decodeWhole<RequestPtr>(der, d2i_X509_REQ); }
+CertPtr CertificateFromDer(ByteView der) { return DecodeWhole<CertPtr>(der, d2i_X509); }
+CrlPtr CrlFromDer(ByteView der) { return DecodeWhole<CrlPtr>(der, d2i_X509_CRL); }
+RequestPtr RequestFromDer(ByteView der) { return DecodeWhole<RequestPtr>(der, d2i_X509_REQ); }
 
-Bytes derOf(const X509* certificate) { return encode(certificate, i2d_X509); }
-Bytes derOf(const X509_CRL* crl) { return encode(crl, i2d_X509_CRL); }
-Bytes derOf(X509_REQ* request) { return encode(request, i2d_X509_REQ); }
+Bytes DerOf(const X509* certificate) { return Encode(certificate, i2d_X509); }
+Bytes DerOf(const X509_CRL* crl) { return Encode(crl, i2d_X509_CRL); }
+Bytes DerOf(X509_REQ* request) { return Encode(request, i2d_X509_REQ); }
 
-FoundObjects objectsIn(ByteView bytes) { return find(bytes, false); }
-FoundObjects objectsInBundle(ByteView bytes) { return find(bytes, true); }
+FoundObjects ObjectsIn(ByteView bytes) { return Find(bytes, false); }
+FoundObjects ObjectsInBundle(ByteView bytes) { return Find(bytes, true); }
 
 }  // namespace standin

@@ -12,13 +12,13 @@ namespace standin {
 constexpr uint64_t kLargestObject = 16 * 1024 * 1024;
 
 /// Null when the bytes are not exactly one object of the kind.
-CertPtr certificateFromDer(ByteView der);
-CrlPtr crlFromDer(ByteView der);
-RequestPtr requestFromDer(ByteView der);
+CertPtr CertificateFromDer(ByteView der);
+CrlPtr CrlFromDer(ByteView der);
+RequestPtr RequestFromDer(ByteView der);
 
-Bytes derOf(const X509* certificate);
-Bytes derOf(const X509_CRL* crl);
-Bytes derOf(X509_REQ* request);
+Bytes DerOf(const X509* certificate);
+Bytes DerOf(const X509_CRL* crl);
+Bytes DerOf(X509_REQ* request);
 
 /// What was found in a file's bytes.
 struct FoundObjects {
@@ -30,8 +30,8 @@ struct FoundObjects {
 };
 
 /// One DER object, or the blocks of a PEM text.
-FoundObjects objectsIn(ByteView bytes);
+FoundObjects ObjectsIn(ByteView bytes);
 /// The same, or what a signed message without signers carries, which is how a set of certificates travels.
-FoundObjects objectsInBundle(ByteView bytes);
+FoundObjects ObjectsInBundle(ByteView bytes);
 
 }  // namespace standin

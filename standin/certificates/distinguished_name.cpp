@@ -13,7 +13,7 @@ struct Attribute {
   std::string value;
 };
 
-std::string trimmed(const std::string& text) {
+std::string Trimmed(const std::string& text) {
   const size_t start = text.find_first_not_of(' ');
   return start == std::string::npos ? std::string() : text.substr(start, text.find_last_not_of(' ') - start + 1);
 }
@@ -27,7 +27,7 @@ class Parser {
     while (position_ < text_.size()) {
       const size_t equals = text_.find('=', position_);
       if (equals == std::string::npos) return false;
-      Attribute attribute{trimmed(text_.substr(position_, equals - position_)), {}};
+      Attribute attribute{Trimmed(text_.substr(position_, equals - position_)), {}};
       position_ = equals + 1;
       if (attribute.type.empty() || !parseValue(attribute.value)) return false;
       attributes.push_back(std::move(attribute));
@@ -47,7 +47,7 @@ class Parser {
       value += c;
     }
     if (!quoted) {
-      value = trimmed(value);
+      value = Trimmed(value);
     } else if (position_ == text_.size()) {
       return false;
     } else {
@@ -79,7 +79,7 @@ class Parser {
 };
 
 /// Names that other programs write differently.
-const char* customaryName(const std::string& type) {
+const char* CustomaryName(const std::string& type) {
   if (type == "E" || type == "EMAIL" || type == "Email") return "emailAddress";
   if (type == "S") return "ST";
   if (type == "G") return "GN";
@@ -88,14 +88,14 @@ const char* customaryName(const std::string& type) {
 
 }  // namespace
 
-NamePtr nameFromText(const std::string& text) {
+NamePtr NameFromText(const std::string& text) {
   std::vector<Attribute> attributes;
   if (!Parser(text).parse(attributes)) return nullptr;
   NamePtr name(X509_NAME_new());
   if (name == nullptr) return nullptr;
   std::reverse(attributes.begin(), attributes.end());
   for (const Attribute& attribute : attributes) {
-    const int added = X509_NAME_add_entry_by_txt(name.get(), customaryName(attribute.type), MBSTRING_UTF8,
+    const int added = X509_NAME_add_entry_by_txt(name.get(), CustomaryName(attribute.type), MBSTRING_UTF8,
                                                  reinterpret_cast<const unsigned char*>(attribute.value.data()),
                                                  static_cast<int>(attribute.value.size()), -1, 0);
     if (added != 1) return nullptr;

@@ -8,7 +8,7 @@
 namespace standin {
 
 /// Reads "CN=..., O=..., C=..." (UTF-8; attribute names short, long or dotted; values may be quoted or have escapes).
-/// The first attribute is the most specific one, as in nameText. Null when the text is no name.
-NamePtr nameFromText(const std::string& text);
+/// The first attribute is the most specific one, as in NameText. Null when the text is no name.
+NamePtr NameFromText(const std::string& text);
 
 }  // namespace standin

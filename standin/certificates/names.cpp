@@ -15,9 +15,9 @@ namespace {
 constexpr unsigned long kTextFlags =
     (ASN1_STRFLGS_RFC2253 & ~static_cast<unsigned long>(ASN1_STRFLGS_ESC_MSB)) | ASN1_STRFLGS_UTF8_CONVERT;
 
-std::string print(const X509_NAME* name, unsigned long flags) {
+std::string Print(const X509_NAME* name, unsigned long flags) {
   const BioPtr out(BIO_new(BIO_s_mem()));
-  if (out == nullptr) fail(kWinOutOfMemory);
+  if (out == nullptr) Fail(kWinOutOfMemory);
   X509_NAME_print_ex(out.get(), name, 0, kTextFlags | XN_FLAG_SEP_CPLUS_SPC | flags);
   char* text = nullptr;
   const long length = BIO_get_mem_data(out.get(), &text);
@@ -25,16 +25,16 @@ std::string print(const X509_NAME* name, unsigned long flags) {
 }
 
 /// Folded case, and no spaces beside separators.
-std::string normalised(const std::string& text) {
-  const std::string folded = foldCase(text);
+std::string Normalised(const std::string& text) {
+  const std::string folded = FoldCase(text);
   std::string result;
   for (size_t i = 0; i < folded.size(); ++i) {
     if (folded[i] == ' ') {
       const size_t next = folded.find_first_not_of(' ', i);
-      const bool at_edge = result.empty() || next == std::string::npos;
-      const bool at_separator = at_edge || std::string_view(",=+").find(result.back()) != std::string_view::npos ||
-                                std::string_view(",=+").find(folded[next]) != std::string_view::npos;
-      if (at_separator || result.back() == ' ') continue;
+      const bool atEdge = result.empty() || next == std::string::npos;
+      const bool atSeparator = atEdge || std::string_view(",=+").find(result.back()) != std::string_view::npos ||
+                               std::string_view(",=+").find(folded[next]) != std::string_view::npos;
+      if (atSeparator || result.back() == ' ') continue;
     }
     result += folded[i];
   }
@@ -49,14 +49,14 @@ constexpr unsigned long kForms[] = {
 };
 
 template <typename Compare>
-bool anyForm(const X509_NAME* name, Compare compare) {
+bool AnyForm(const X509_NAME* name, Compare compare) {
   for (const unsigned long form : kForms) {
-    if (compare(normalised(print(name, form)))) return true;
+    if (compare(Normalised(Print(name, form)))) return true;
   }
   return false;
 }
 
-std::string hexDigits(const std::string& text) {
+std::string HexDigits(const std::string& text) {
   std::string digits;
   size_t start = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0 ? 2 : 0;
   for (; start < text.size(); ++start) {
@@ -69,30 +69,30 @@ std::string hexDigits(const std::string& text) {
 
 }  // namespace
 
-std::string nameText(const X509_NAME* name, NameForm form) {
-  return print(name, XN_FLAG_DN_REV | (form == NameForm::kQualified ? XN_FLAG_FN_LN : XN_FLAG_FN_SN));
+std::string NameText(const X509_NAME* name, NameForm form) {
+  return Print(name, XN_FLAG_DN_REV | (form == NameForm::kQualified ? XN_FLAG_FN_LN : XN_FLAG_FN_SN));
 }
 
-bool isNameText(const X509_NAME* name, const std::string& text) {
-  const std::string wanted = normalised(text);
-  return anyForm(name, [&](const std::string& form) { return form == wanted; });
+bool IsNameText(const X509_NAME* name, const std::string& text) {
+  const std::string wanted = Normalised(text);
+  return AnyForm(name, [&](const std::string& form) { return form == wanted; });
 }
 
-bool nameContains(const X509_NAME* name, const std::string& part) {
-  const std::string wanted = normalised(part);
-  return anyForm(name, [&](const std::string& form) { return form.find(wanted) != std::string::npos; });
+bool NameContains(const X509_NAME* name, const std::string& part) {
+  const std::string wanted = Normalised(part);
+  return AnyForm(name, [&](const std::string& form) { return form.find(wanted) != std::string::npos; });
 }
 
-std::string serialText(const X509* certificate) {
+std::string SerialText(const X509* certificate) {
   const ASN1_INTEGER* serial = X509_get0_serialNumber(certificate);
-  const std::string digits = hexOf({serial->data, static_cast<size_t>(serial->length)});
+  const std::string digits = HexOf({serial->data, static_cast<size_t>(serial->length)});
   const bool negative = (serial->type & V_ASN1_NEG) != 0;
   return (negative ? "-" : "") + (digits.empty() ? "00" : digits);
 }
 
-bool isSameHex(const std::string& left, const std::string& right) { return hexDigits(left) == hexDigits(right); }
+bool IsSameHex(const std::string& left, const std::string& right) { return HexDigits(left) == HexDigits(right); }
 
-Bytes keyIdOf(const X509* certificate) {
+Bytes KeyIdOf(const X509* certificate) {
   // The function only fills the certificate's cache of extensions.
   const ASN1_OCTET_STRING* stated = X509_get0_subject_key_id(const_cast<X509*>(certificate));
   if (stated != nullptr) return Bytes(stated->data, stated->data + stated->length);

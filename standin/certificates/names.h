@@ -12,20 +12,20 @@ namespace standin {
 enum class NameForm { kShort, kQualified };
 
 /// UTF-8, the most specific attribute first.
-std::string nameText(const X509_NAME* name, NameForm form = NameForm::kShort);
+std::string NameText(const X509_NAME* name, NameForm form = NameForm::kShort);
 
 /// Whether `text` (UTF-8, any form, either order of attributes) is the name. Case and spaces around separators do not
 /// count.
-bool isNameText(const X509_NAME* name, const std::string& text);
+bool IsNameText(const X509_NAME* name, const std::string& text);
 /// Whether `part` occurs in one of the forms of the name.
-bool nameContains(const X509_NAME* name, const std::string& part);
+bool NameContains(const X509_NAME* name, const std::string& part);
 
 /// Capital hexadecimal digits, two a byte.
-std::string serialText(const X509* certificate);
+std::string SerialText(const X509* certificate);
 /// Whether both texts are the same hexadecimal number; separators and leading zeros do not count.
-bool isSameHex(const std::string& left, const std::string& right);
+bool IsSameHex(const std::string& left, const std::string& right);
 
 /// The subject key identifier of the certificate; SHA-1 of the public key when it states none.
-Bytes keyIdOf(const X509* certificate);
+Bytes KeyIdOf(const X509* certificate);
 
 }  // namespace standin

@@ -11,7 +11,7 @@ namespace __gnu_cxx {
 void __freeres();  // NOLINT(bugprone-reserved-identifier): the runtime's name
 }  // namespace __gnu_cxx
 
-BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID process_ends) {
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
   switch (reason) {
     case DLL_PROCESS_ATTACH:
       // Its own clean-up at exit would run when this library is gone.
@@ -21,8 +21,8 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID process_ends) {
       break;
     case DLL_PROCESS_DETACH:
       // When the process ends, other threads were stopped wherever they were: nothing may be touched.
-      if (process_ends != nullptr) break;
-      standin::removeAllSessions();
+      if (processEnds != nullptr) break;
+      standin::RemoveAllSessions();
       OPENSSL_cleanup();
       __gnu_cxx::__freeres();
       break;

@@ -15,7 +15,7 @@ namespace standin {
 
 /// Runs `work()`, which throws or returns nothing.
 template <typename Work>
-int32_t guarded(Work work) noexcept {
+int32_t Guarded(Work work) noexcept {
   // Errors of earlier calls on this thread would be taken for those of this one.
   ERR_clear_error();
   int32_t code = kOk;
@@ -34,9 +34,9 @@ int32_t guarded(Work work) noexcept {
 
 /// Runs `work(session)` on the live session behind the handle; kBadSession when there is none.
 template <typename Work>
-int32_t inSession(EngineSession handle, Work work) noexcept {
-  return guarded([&] {
-    const std::shared_ptr<Session> session = findSession(handle);
+int32_t InSession(EngineSession handle, Work work) noexcept {
+  return Guarded([&] {
+    const std::shared_ptr<Session> session = FindSession(handle);
     LockScope scope(session->lock);
     work(*session);
   });
@@ -44,8 +44,8 @@ int32_t inSession(EngineSession handle, Work work) noexcept {
 
 /// A pointer that the caller must give.
 template <typename T>
-T& required(T* pointer) {
-  if (pointer == nullptr) fail(kWinInvalidParameter);
+T& Required(T* pointer) {
+  if (pointer == nullptr) Fail(kWinInvalidParameter);
   return *pointer;
 }
 

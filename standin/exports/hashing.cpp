@@ -2,7 +2,7 @@
 #include <openssl/rand.h>
 
 #include "standin/base/digest.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/exports/guard.h"
 
 using namespace standin;
@@ -21,8 +21,8 @@ class HashStream : public Stream {
   Digest digest_;
 };
 
-Bytes hashFile(const char* algorithm, const char* path) {
-  Digest digest(digestByName(algorithm));
+Bytes HashFile(const char* algorithm, const char* path) {
+  Digest digest(DigestByName(algorithm));
   InputFile file(path);
   for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) digest.update(piece);
   return digest.finish();
@@ -31,10 +31,10 @@ Bytes hashFile(const char* algorithm, const char* path) {
 }  // namespace
 
 int32_t QUIVO_HashMem(EngineSession session, const DataBlob_t* in, DataBlob_t* hash) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& target = required(hash);
-    Digest digest(defaultDigest());
-    digest.update(viewOf(in));
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& target = Required(hash);
+    Digest digest(DefaultDigest());
+    digest.update(ViewOf(in));
     target = s.buffers.copyBytes(digest.finish());
   });
 }
@@ -44,36 +44,36 @@ int32_t QUIVO_HashFile(EngineSession session, const char* file, DataBlob_t* hash
 }
 
 int32_t QUIVO_StrHashFile(EngineSession session, const char* algorithm, const char* file, DataBlob_t* hash) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& target = required(hash);
-    target = s.buffers.copyBytes(hashFile(algorithm, file));
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& target = Required(hash);
+    target = s.buffers.copyBytes(HashFile(algorithm, file));
   });
 }
 
 int32_t QUIVO_StrHashInitMem(EngineSession session, const char* algorithm, EngineStream* stream) {
-  return inSession(session, [&](Session& s) {
-    EngineStream& handle = required(stream);
-    handle = s.addStream(std::make_unique<HashStream>(digestByName(algorithm)));
+  return InSession(session, [&](Session& s) {
+    EngineStream& handle = Required(stream);
+    handle = s.addStream(std::make_unique<HashStream>(DigestByName(algorithm)));
   });
 }
 
 int32_t QUIVO_StrHashUpdateMem(EngineSession session, EngineStream* stream, const DataBlob_t* data) {
-  return inSession(session, [&](Session& s) { s.stream<HashStream>(stream).update(viewOf(data)); });
+  return InSession(session, [&](Session& s) { s.stream<HashStream>(stream).update(ViewOf(data)); });
 }
 
 int32_t QUIVO_StrHashFinalMem(EngineSession session, EngineStream* stream, DataBlob_t* hash) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& target = required(hash);
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& target = Required(hash);
     target = s.buffers.copyBytes(s.endStream<HashStream>(stream)->finish());
   });
 }
 
 int32_t QUIVO_GenRandom(EngineSession session, int32_t length, DataBlob_t* random) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& target = required(random);
-    if (length < 0 || length > kMostRandomBytes) fail(kLengthRefused);
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& target = Required(random);
+    if (length < 0 || length > kMostRandomBytes) Fail(kLengthRefused);
     Bytes bytes(static_cast<size_t>(length));
-    if (RAND_bytes(bytes.data(), length) != 1) fail(kRandomFailed);
+    if (RAND_bytes(bytes.data(), length) != 1) Fail(kRandomFailed);
     target = s.buffers.copyBytes(bytes);
   });
 }

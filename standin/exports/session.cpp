@@ -10,21 +10,21 @@ using namespace standin;
 
 namespace {
 
-int32_t openSession(EngineSession* handle, const SessionSource& source) {
-  return guarded([&] {
-    EngineSession& opened = required(handle);
-    opened = addSession(std::make_shared<Session>(source));
+int32_t OpenSession(EngineSession* handle, const SessionSource& source) {
+  return Guarded([&] {
+    EngineSession& opened = Required(handle);
+    opened = AddSession(std::make_shared<Session>(source));
   });
 }
 
 }  // namespace
 
 int32_t QUIVO_Initialize(const char* profile, uint32_t flags, EngineSession* session) {
-  return guarded([&] {
-    EngineSession& handle = required(session);
-    SessionSource source = readProfile(textOrEmpty(profile));
+  return Guarded([&] {
+    EngineSession& handle = Required(session);
+    SessionSource source = ReadProfile(TextOrEmpty(profile));
     source.flags = flags;
-    handle = addSession(std::make_shared<Session>(source));
+    handle = AddSession(std::make_shared<Session>(source));
   });
 }
 
@@ -33,34 +33,34 @@ int32_t QUIVO_InitializeEx(int32_t kind, const void* param, EngineSession* sessi
   if (kind != kEngineLocalParam || param == nullptr) return kWinInvalidParameter;
   const LocalParamRecord& local = *static_cast<const LocalParamRecord*>(param);
   if (local.size != sizeof local) return kWinInvalidParameter;
-  return guarded([&] {
-    const SessionSource source{textOrEmpty(local.pse), textOrEmpty(local.pincode), textOrEmpty(local.localstore),
+  return Guarded([&] {
+    const SessionSource source{TextOrEmpty(local.pse), TextOrEmpty(local.pincode), TextOrEmpty(local.localstore),
                                local.flag};
-    required(session) = addSession(std::make_shared<Session>(source));
+    Required(session) = AddSession(std::make_shared<Session>(source));
   });
 }
 
-int32_t QUIVO_InitMinimal(EngineSession* session) { return openSession(session, {}); }
+int32_t QUIVO_InitMinimal(EngineSession* session) { return OpenSession(session, {}); }
 
 int32_t QUIVO_Uninitialize(EngineSession session) {
-  return guarded([&] { removeSession(session); });
+  return Guarded([&] { RemoveSession(session); });
 }
 
 int32_t QUIVO_GetErrorText(int32_t code, char* buffer, uint32_t size) {
   if (buffer == nullptr || size == 0) return kWinInvalidParameter;
-  writeErrorText(code, buffer, size);
+  WriteErrorText(code, buffer, size);
   return kOk;
 }
 
 void* QUIVO_AllocMem(EngineSession session, uint32_t length) {
   void* buffer = nullptr;
-  inSession(session, [&](Session& s) { buffer = s.buffers.allocate(length); });
+  InSession(session, [&](Session& s) { buffer = s.buffers.allocate(length); });
   return buffer;
 }
 
 int32_t QUIVO_FreeMem(EngineSession session, void* buffer) {
-  return inSession(session, [&](Session& s) {
-    if (!s.buffers.release(buffer)) fail(kWinInvalidParameter);
+  return InSession(session, [&](Session& s) {
+    if (!s.buffers.release(buffer)) Fail(kWinInvalidParameter);
   });
 }
 
@@ -72,10 +72,10 @@ int32_t QUIVO_EncodeMem(char* text, const uint8_t* bytes, uint32_t length) {
 }
 
 int32_t QUIVO_Ctrl(EngineSession session, int32_t code, DataBlob_t* text) {
-  return inSession(session, [&](Session& s) {
-    if (code != kEngineCtrlUpdateCrl) fail(kNotSupported);
-    DataBlob_t& buffer = required(text);
-    if (buffer.data == nullptr || buffer.len == 0) fail(kWinInvalidParameter);
-    writeCrlReport(s.store.reloadCrls(), reinterpret_cast<char*>(buffer.data), buffer.len);
+  return InSession(session, [&](Session& s) {
+    if (code != kEngineCtrlUpdateCrl) Fail(kNotSupported);
+    DataBlob_t& buffer = Required(text);
+    if (buffer.data == nullptr || buffer.len == 0) Fail(kWinInvalidParameter);
+    WriteCrlReport(s.store.reloadCrls(), reinterpret_cast<char*>(buffer.data), buffer.len);
   });
 }

@@ -7,15 +7,15 @@ using namespace standin;
 
 int32_t QUIVO_SignMem(EngineSession session, const SignParamRecord* param, const DataBlob_t* data,
                       const DataBlob_t* sign_in, DataBlob_t* sign_out) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& out = required(sign_out);
-    out = signMemory(s, param, optionalViewOf(data), optionalViewOf(sign_in));
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& out = Required(sign_out);
+    out = SignMemory(s, param, OptionalViewOf(data), OptionalViewOf(sign_in));
   });
 }
 
 int32_t QUIVO_SignFile(EngineSession session, const SignParamRecord* param, const char* data, const char* sign_in,
                        const char* sign_out) {
-  return inSession(session, [&](Session& s) { signFile(s, param, data, sign_in, sign_out); });
+  return InSession(session, [&](Session& s) { SignFiles(s, param, data, sign_in, sign_out); });
 }
 
 int32_t QUIVO_StrSignFile(EngineSession session, const SignParamRecord* param, const char* data, const char* sign_in,
@@ -25,27 +25,27 @@ int32_t QUIVO_StrSignFile(EngineSession session, const SignParamRecord* param, c
 
 int32_t QUIVO_StrSignInitMem(EngineSession session, const SignParamRecord* param, const DataBlob_t* sign_in,
                              EngineStream* stream) {
-  return inSession(session, [&](Session& s) {
-    EngineStream& handle = required(stream);
-    handle = s.addStream(std::make_unique<SignStream>(s, param, optionalViewOf(sign_in)));
+  return InSession(session, [&](Session& s) {
+    EngineStream& handle = Required(stream);
+    handle = s.addStream(std::make_unique<SignStream>(s, param, OptionalViewOf(sign_in)));
   });
 }
 
 int32_t QUIVO_StrSignUpdateMem(EngineSession session, const SignParamRecord*, EngineStream* stream,
                                const DataBlob_t* data) {
-  return inSession(session, [&](Session& s) { s.stream<SignStream>(stream).update(viewOf(data)); });
+  return InSession(session, [&](Session& s) { s.stream<SignStream>(stream).update(ViewOf(data)); });
 }
 
 int32_t QUIVO_StrSignFinalMem(EngineSession session, const SignParamRecord*, EngineStream* stream,
                               DataBlob_t* sign_out) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& out = required(sign_out);
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& out = Required(sign_out);
     out = s.endStream<SignStream>(stream)->finish();
   });
 }
 
 int32_t QUIVO_SignAndEncryptFile(EngineSession session, const SignParamRecord* sign, const EncryptParamRecord* encrypt,
                                  const char* file_in, const char* file_out) {
-  return inSession(session,
-                   [&](Session& s) { signAndEncryptFile(s, required(sign), required(encrypt), file_in, file_out); });
+  return InSession(session,
+                   [&](Session& s) { SignAndEncryptFile(s, Required(sign), Required(encrypt), file_in, file_out); });
 }

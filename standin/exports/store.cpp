@@ -1,12 +1,12 @@
 // Exported functions: certificates and the store.
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/certificates/cert_record.h"
 #include "standin/certificates/der_objects.h"
 #include "standin/exports/guard.h"
 #include "standin/operations/requests.h"
 #include "standin/operations/search.h"
 #include "standin/operations/transfer.h"
-#include "standin/sessions/trust.h"
+#include "standin/sessions/trust_checker.h"
 #include "standin/windows/display.h"
 
 using namespace standin;
@@ -16,34 +16,34 @@ namespace {
 /// The bit of the verification mode under which validity is left to the caller.
 constexpr uint32_t kVerifyCertNoTimeCheck = 4;
 
-CertPtr certificateIn(const DataBlob_t* encoded) {
-  FoundObjects found = objectsIn(viewOf(encoded));
-  if (found.certificates.size() != 1) fail(kCertificateDamaged);
+CertPtr CertificateIn(const DataBlob_t* encoded) {
+  FoundObjects found = ObjectsIn(ViewOf(encoded));
+  if (found.certificates.size() != 1) Fail(kCertificateDamaged);
   return std::move(found.certificates.front());
 }
 
 }  // namespace
 
 int32_t QUIVO_FindCert(EngineSession session, const FindParamRecord* param, FindResultRecord* result) {
-  return inSession(session, [&](Session& s) {
-    FindResultRecord& target = required(result);
-    const FindParamRecord& wanted = required(param);
-    const std::vector<CertPtr> found = findCertificates(s, wanted);
+  return InSession(session, [&](Session& s) {
+    FindResultRecord& target = Required(result);
+    const FindParamRecord& wanted = Required(param);
+    const std::vector<CertPtr> found = FindCertificates(s, wanted);
     target = {};
     if (found.empty()) return;
     target.certificates = s.buffers.allocateArray<CertificateRecord>(found.size());
     for (const CertPtr& certificate : found) {
-      fillRecord(target.certificates[target.count++], certificate.get(), wanted.info, s.buffers);
+      FillRecord(target.certificates[target.count++], certificate.get(), wanted.info, s.buffers);
     }
   });
 }
 
 int32_t QUIVO_FreeFindResult(EngineSession session, FindResultRecord* result) {
-  return inSession(session, [&](Session& s) {
-    FindResultRecord& found = required(result);
+  return InSession(session, [&](Session& s) {
+    FindResultRecord& found = Required(result);
     // A caller may have kept the records and given the array back already.
     if (s.buffers.owns(found.certificates)) {
-      for (int32_t i = 0; i < found.count; ++i) freeRecord(found.certificates[i], s.buffers);
+      for (int32_t i = 0; i < found.count; ++i) FreeRecord(found.certificates[i], s.buffers);
       s.buffers.release(found.certificates);
     }
     found = {};
@@ -51,75 +51,75 @@ int32_t QUIVO_FreeFindResult(EngineSession session, FindResultRecord* result) {
 }
 
 int32_t QUIVO_FreeCert(EngineSession session, CertificateRecord* certificate) {
-  return inSession(session, [&](Session& s) { freeRecord(required(certificate), s.buffers); });
+  return InSession(session, [&](Session& s) { FreeRecord(Required(certificate), s.buffers); });
 }
 
 int32_t QUIVO_ParseCert(EngineSession session, const DataBlob_t* encoded, uint32_t info, CertificateRecord* result) {
-  return inSession(session, [&](Session& s) {
-    CertificateRecord& target = required(result);
-    fillRecord(target, certificateIn(encoded).get(), info, s.buffers);
+  return InSession(session, [&](Session& s) {
+    CertificateRecord& target = Required(result);
+    FillRecord(target, CertificateIn(encoded).get(), info, s.buffers);
   });
 }
 
 int32_t QUIVO_VerifyCert(EngineSession session, const VerifyCertParamRecord* param, const DataBlob_t* encoded,
                          CertificateRecord* result) {
-  return inSession(session, [&](Session& s) {
-    CertificateRecord& target = required(result);
+  return InSession(session, [&](Session& s) {
+    CertificateRecord& target = Required(result);
     target = {};
-    const VerifyCertParamRecord& wanted = required(param);
-    const CertPtr certificate = certificateIn(encoded);
+    const VerifyCertParamRecord& wanted = Required(param);
+    const CertPtr certificate = CertificateIn(encoded);
     TrustOptions options;
-    options.check_time = (wanted.mode & kVerifyCertNoTimeCheck) == 0;
+    options.checkTime = (wanted.mode & kVerifyCertNoTimeCheck) == 0;
     const int32_t verdict = TrustChecker(s).check(certificate.get(), options);
-    if (verdict != kOk && verdict != kVerifiedWithRemarks) fail(verdict);
-    fillRecord(target, certificate.get(), wanted.info, s.buffers);
+    if (verdict != kOk && verdict != kVerifiedWithRemarks) Fail(verdict);
+    FillRecord(target, certificate.get(), wanted.info, s.buffers);
   });
 }
 
 int32_t QUIVO_ShowCertificate(EngineSession session, const DataBlob_t* encoded) {
-  return inSession(session, [&](Session&) { showCertificate(certificateIn(encoded).get()); });
+  return InSession(session, [&](Session&) { ShowCertificate(CertificateIn(encoded).get()); });
 }
 
 int32_t QUIVO_ShowCrl(EngineSession session, const DataBlob_t* encoded) {
-  return inSession(session, [&](Session&) {
-    const FoundObjects found = objectsIn(viewOf(encoded));
-    if (found.crls.size() != 1) fail(kCrlDamaged);
-    showCrl(found.crls.front().get());
+  return InSession(session, [&](Session&) {
+    const FoundObjects found = ObjectsIn(ViewOf(encoded));
+    if (found.crls.size() != 1) Fail(kCrlDamaged);
+    ShowCrl(found.crls.front().get());
   });
 }
 
 int32_t QUIVO_AddCertificate(EngineSession session, const SignParamRecord* addition, const DataBlob_t* encoded) {
-  return inSession(session, [&](Session& s) { addCertificate(s, required(addition), viewOf(encoded)); });
+  return InSession(session, [&](Session& s) { AddCertificate(s, Required(addition), ViewOf(encoded)); });
 }
 
 int32_t QUIVO_AddCRL(EngineSession session, const SignParamRecord* addition, const DataBlob_t* encoded) {
-  return inSession(session, [&](Session& s) { addCrl(s, required(addition), viewOf(encoded)); });
+  return InSession(session, [&](Session& s) { AddCrl(s, Required(addition), ViewOf(encoded)); });
 }
 
 int32_t QUIVO_ExportMem(EngineSession session, const SignParamRecord* param, DataBlob_t* out) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& target = required(out);
-    target = s.buffers.copyBytes(exportObjects(s, required(param)));
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& target = Required(out);
+    target = s.buffers.copyBytes(ExportObjects(s, Required(param)));
   });
 }
 
 int32_t QUIVO_ExportFile(EngineSession session, const SignParamRecord* param, const char* file) {
-  return inSession(session, [&](Session& s) { writeWholeFile(file, exportObjects(s, required(param))); });
+  return InSession(session, [&](Session& s) { WriteWholeFile(file, ExportObjects(s, Required(param))); });
 }
 
 int32_t QUIVO_ImportMem(EngineSession session, const SignParamRecord* param, const DataBlob_t* in) {
-  return inSession(session, [&](Session& s) { importObjects(s, required(param), viewOf(in)); });
+  return InSession(session, [&](Session& s) { ImportObjects(s, Required(param), ViewOf(in)); });
 }
 
 int32_t QUIVO_ImportFile(EngineSession session, const SignParamRecord* param, const char* file) {
-  return inSession(session,
-                   [&](Session& s) { importObjects(s, required(param), readWholeFile(file, kLargestObject)); });
+  return InSession(session,
+                   [&](Session& s) { ImportObjects(s, Required(param), ReadWholeFile(file, kLargestObject)); });
 }
 
 int32_t QUIVO_CreateXmlRequest(EngineSession session, uint32_t flag, const CertificateRecord* certTemplate,
                                DataBlob_t* request) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& target = required(request);
-    target = s.buffers.copyBytes(makeXmlRequest(s, flag, required(certTemplate)));
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& target = Required(request);
+    target = s.buffers.copyBytes(MakeXmlRequest(s, flag, Required(certTemplate)));
   });
 }

@@ -129,7 +129,7 @@ constexpr CodeText kTexts[] = {
     {kSelectionCancelled, L"Выбор сертификата отменён, или выбирать не из чего."},
 };
 
-const wchar_t* find(int32_t code) {
+const wchar_t* Find(int32_t code) {
   for (const CodeText& entry : kTexts) {
     if (entry.code == code) return entry.text;
   }
@@ -138,12 +138,12 @@ const wchar_t* find(int32_t code) {
 
 /// What is left of a code that a caller has re-based (0xE069xxxx), made negative (0x8000xxxx), or taken from Windows
 /// (0x8007xxxx).
-int32_t withoutFacility(int32_t code) {
+int32_t WithoutFacility(int32_t code) {
   const uint32_t high = static_cast<uint32_t>(code) >> 16;
   return high == 0xE069 || high == 0x8000 || high == 0x8007 ? code & 0xFFFF : code;
 }
 
-void writeRussian(const std::wstring& text, char* buffer, uint32_t size) {
+void WriteRussian(const std::wstring& text, char* buffer, uint32_t size) {
   constexpr UINT kWindows1251 = 1251;
   char bytes[512] = {};
   WideCharToMultiByte(kWindows1251, 0, text.c_str(), -1, bytes, sizeof bytes - 1, nullptr, nullptr);
@@ -152,24 +152,24 @@ void writeRussian(const std::wstring& text, char* buffer, uint32_t size) {
 
 }  // namespace
 
-void writeErrorText(int32_t code, char* buffer, uint32_t size) {
-  const wchar_t* text = find(code);
-  if (text == nullptr) text = find(withoutFacility(code));
+void WriteErrorText(int32_t code, char* buffer, uint32_t size) {
+  const wchar_t* text = Find(code);
+  if (text == nullptr) text = Find(WithoutFacility(code));
   if (text != nullptr) {
-    writeRussian(text, buffer, size);
+    WriteRussian(text, buffer, size);
     return;
   }
   wchar_t general[64];
   std::swprintf(general, sizeof general / sizeof *general, L"Неизвестная ошибка (код 0x%08X).",
                 static_cast<unsigned>(code));
-  writeRussian(general, buffer, size);
+  WriteRussian(general, buffer, size);
 }
 
-void writeCrlReport(const Store::CrlReload& reload, char* buffer, uint32_t size) {
+void WriteCrlReport(const Store::CrlReload& reload, char* buffer, uint32_t size) {
   std::wstring text = L"Списки отозванных сертификатов прочитаны из справочника: всего " +
                       std::to_wstring(reload.lists) + L", новых " + std::to_wstring(reload.added) + L", устаревших " +
                       std::to_wstring(reload.outdated) + L".";
-  writeRussian(text, buffer, size);
+  WriteRussian(text, buffer, size);
 }
 
 }  // namespace standin

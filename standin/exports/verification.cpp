@@ -9,12 +9,12 @@ namespace {
 
 /// Runs a verification; its code is that of the whole, and the result lists the signatures whatever the code.
 template <typename Verify>
-int32_t verifying(EngineSession session, const VerifyParamRecord* param, VerifyResultRecord* result, Verify verify) {
+int32_t Verifying(EngineSession session, const VerifyParamRecord* param, VerifyResultRecord* result, Verify verify) {
   int32_t code = kOk;
-  const int32_t failure = inSession(session, [&](Session& s) {
-    required(result) = {};
-    const Verification verification = verify(s, required(param));
-    fillResult(*result, verification, *param, s.buffers);
+  const int32_t failure = InSession(session, [&](Session& s) {
+    Required(result) = {};
+    const Verification verification = verify(s, Required(param));
+    FillResult(*result, verification, *param, s.buffers);
     code = verification.code;
   });
   return failure != kOk ? failure : code;
@@ -24,15 +24,15 @@ int32_t verifying(EngineSession session, const VerifyParamRecord* param, VerifyR
 
 int32_t QUIVO_VerifyMem(EngineSession session, const VerifyParamRecord* param, const DataBlob_t* data,
                         const DataBlob_t* sign_in, DataBlob_t* sign_out, VerifyResultRecord* result) {
-  return verifying(session, param, result, [&](Session& s, const VerifyParamRecord& p) {
-    return verifyMemory(s, p, optionalViewOf(data), viewOf(sign_in), required(sign_out));
+  return Verifying(session, param, result, [&](Session& s, const VerifyParamRecord& p) {
+    return VerifyMemory(s, p, OptionalViewOf(data), ViewOf(sign_in), Required(sign_out));
   });
 }
 
 int32_t QUIVO_VerifyFile(EngineSession session, const VerifyParamRecord* param, const char* data, const char* sign_in,
                          const char* sign_out, VerifyResultRecord* result) {
-  return verifying(session, param, result,
-                   [&](Session& s, const VerifyParamRecord& p) { return verifyFile(s, p, data, sign_in, sign_out); });
+  return Verifying(session, param, result,
+                   [&](Session& s, const VerifyParamRecord& p) { return VerifyFiles(s, p, data, sign_in, sign_out); });
 }
 
 int32_t QUIVO_StrVerifyFile(EngineSession session, const VerifyParamRecord* param, const char* data,
@@ -41,37 +41,37 @@ int32_t QUIVO_StrVerifyFile(EngineSession session, const VerifyParamRecord* para
 }
 
 int32_t QUIVO_FreeVerifyResult(EngineSession session, VerifyResultRecord* result) {
-  return inSession(session, [&](Session& s) { freeResult(required(result), s.buffers); });
+  return InSession(session, [&](Session& s) { FreeResult(Required(result), s.buffers); });
 }
 
 int32_t QUIVO_SignedInfoFile(EngineSession session, const char* file, SignedInfoResultRecord* info) {
-  return inSession(session, [&](Session&) {
-    required(info) = {};
-    info->signatureCount = countSignatures(file);
+  return InSession(session, [&](Session&) {
+    Required(info) = {};
+    info->signatureCount = CountSignatures(file);
   });
 }
 
 int32_t QUIVO_FreeSignedInfoResult(EngineSession session, SignedInfoResultRecord* info) {
-  return inSession(session, [&](Session&) { required(info) = {}; });
+  return InSession(session, [&](Session&) { Required(info) = {}; });
 }
 
 int32_t QUIVO_StrVerifyInitMem(EngineSession session, const VerifyParamRecord*, const DataBlob_t* sign_in,
                                EngineStream* stream) {
-  return inSession(session, [&](Session& s) {
-    EngineStream& handle = required(stream);
-    handle = s.addStream(std::make_unique<VerifyStream>(s, viewOf(sign_in)));
+  return InSession(session, [&](Session& s) {
+    EngineStream& handle = Required(stream);
+    handle = s.addStream(std::make_unique<VerifyStream>(s, ViewOf(sign_in)));
   });
 }
 
 int32_t QUIVO_StrVerifyUpdateMem(EngineSession session, const VerifyParamRecord*, EngineStream* stream,
                                  const DataBlob_t* data) {
-  return inSession(session, [&](Session& s) { s.stream<VerifyStream>(stream).update(viewOf(data)); });
+  return InSession(session, [&](Session& s) { s.stream<VerifyStream>(stream).update(ViewOf(data)); });
 }
 
 int32_t QUIVO_StrVerifyFinalMem(EngineSession session, const VerifyParamRecord* param, EngineStream* stream,
                                 DataBlob_t* sign_out, VerifyResultRecord* result) {
-  return verifying(session, param, result, [&](Session& s, const VerifyParamRecord& p) {
-    DataBlob_t& out = required(sign_out);
+  return Verifying(session, param, result, [&](Session& s, const VerifyParamRecord& p) {
+    DataBlob_t& out = Required(sign_out);
     return s.endStream<VerifyStream>(stream)->finish(p, out);
   });
 }
@@ -79,7 +79,7 @@ int32_t QUIVO_StrVerifyFinalMem(EngineSession session, const VerifyParamRecord* 
 int32_t QUIVO_DecryptAndVerifyFile(EngineSession session, const DecryptParamRecord* decrypt,
                                    const VerifyParamRecord* verify, const char* file_in, const char* file_out,
                                    DecryptResultRecord* decrypted, VerifyResultRecord* verified) {
-  return verifying(session, verify, verified, [&](Session& s, const VerifyParamRecord& p) {
-    return decryptAndVerifyFile(s, required(decrypt), p, file_in, file_out, required(decrypted));
+  return Verifying(session, verify, verified, [&](Session& s, const VerifyParamRecord& p) {
+    return DecryptAndVerifyFile(s, Required(decrypt), p, file_in, file_out, Required(decrypted));
   });
 }

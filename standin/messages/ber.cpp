@@ -13,36 +13,36 @@ constexpr int kDeepestNesting = 32;
 /// Lengths of more bytes than this cannot be meant.
 constexpr size_t kLongestLength = 7;
 
-size_t wholeSize(ByteView bytes, int depth) {
-  if (depth > kDeepestNesting) fail(kMessageDamaged);
-  const Header header = readHeader(bytes);
+size_t WholeSize(ByteView bytes, int depth) {
+  if (depth > kDeepestNesting) Fail(kMessageDamaged);
+  const Header header = ReadHeader(bytes);
   if (!header.indefinite) {
     if (header.length > bytes.size() - header.size) throw NeedMore{};
     return header.size + static_cast<size_t>(header.length);
   }
   size_t position = header.size;
   for (;;) {
-    const Header inner = readHeader(bytes.subspan(position));
+    const Header inner = ReadHeader(bytes.subspan(position));
     if (inner.isEndOfContents()) return position + inner.size;
-    position += wholeSize(bytes.subspan(position), depth + 1);
+    position += WholeSize(bytes.subspan(position), depth + 1);
   }
 }
 
 }  // namespace
 
-Header readHeader(ByteView bytes) {
+Header ReadHeader(ByteView bytes) {
   if (bytes.size() < 2) throw NeedMore{};
   const uint8_t tag = bytes[0];
   // Tags of more than one byte do not occur in messages.
-  if ((tag & 0x1F) == 0x1F) fail(kMessageDamaged);
+  if ((tag & 0x1F) == 0x1F) Fail(kMessageDamaged);
   const uint8_t first = bytes[1];
   if (first < 0x80) return {tag, false, first, 2};
   if (first == 0x80) {
-    if ((tag & 0x20) == 0) fail(kMessageDamaged);
+    if ((tag & 0x20) == 0) Fail(kMessageDamaged);
     return {tag, true, 0, 2};
   }
   const size_t count = first & 0x7F;
-  if (count > kLongestLength) fail(kMessageDamaged);
+  if (count > kLongestLength) Fail(kMessageDamaged);
   if (bytes.size() < 2 + count) throw NeedMore{};
   uint64_t length = 0;
   for (size_t i = 0; i < count; ++i) length = length << 8 | bytes[2 + i];
@@ -50,19 +50,19 @@ Header readHeader(ByteView bytes) {
 }
 
 Header Cursor::open(uint8_t tag) {
-  const Header header = readHeader(rest());
-  if (header.tag != tag) fail(kMessageDamaged);
+  const Header header = ReadHeader(rest());
+  if (header.tag != tag) Fail(kMessageDamaged);
   position_ += header.size;
   return header;
 }
 
 ByteView Cursor::element(uint8_t tag) {
-  if (readHeader(rest()).tag != tag) fail(kMessageDamaged);
+  if (ReadHeader(rest()).tag != tag) Fail(kMessageDamaged);
   return anyElement();
 }
 
 ByteView Cursor::anyElement() {
-  const ByteView element = rest().first(wholeSize(rest(), 0));
+  const ByteView element = rest().first(WholeSize(rest(), 0));
   position_ += element.size();
   return element;
 }
@@ -72,55 +72,55 @@ void Cursor::skip(size_t count) {
   position_ += count;
 }
 
-ByteView contentOf(ByteView element) {
-  const Header header = readHeader(element);
-  if (header.indefinite || header.length != element.size() - header.size) fail(kMessageDamaged);
+ByteView ContentOf(ByteView element) {
+  const Header header = ReadHeader(element);
+  if (header.indefinite || header.length != element.size() - header.size) Fail(kMessageDamaged);
   return element.subspan(header.size);
 }
 
-std::vector<ByteView> childrenOf(ByteView element) {
-  const Header header = readHeader(element);
+std::vector<ByteView> ChildrenOf(ByteView element) {
+  const Header header = ReadHeader(element);
   Cursor cursor(element.subspan(header.size));
   std::vector<ByteView> children;
   try {
     while (!cursor.atEnd()) {
-      if (header.indefinite && readHeader(cursor.rest()).isEndOfContents()) break;
+      if (header.indefinite && ReadHeader(cursor.rest()).isEndOfContents()) break;
       children.push_back(cursor.anyElement());
     }
   } catch (const NeedMore&) {
-    fail(kMessageDamaged);
+    Fail(kMessageDamaged);
   }
   return children;
 }
 
-Bytes encodeHeader(uint8_t tag, uint64_t length) {
+Bytes EncodeHeader(uint8_t tag, uint64_t length) {
   if (length < 0x80) return {tag, static_cast<uint8_t>(length)};
   Bytes digits;
   for (uint64_t rest = length; rest != 0; rest >>= 8) digits.insert(digits.begin(), static_cast<uint8_t>(rest));
   Bytes header = {tag, static_cast<uint8_t>(0x80 | digits.size())};
-  append(header, digits);
+  Append(header, digits);
   return header;
 }
 
-Bytes encode(uint8_t tag, ByteView content) {
-  Bytes element = encodeHeader(tag, content.size());
-  append(element, content);
+Bytes Encode(uint8_t tag, ByteView content) {
+  Bytes element = EncodeHeader(tag, content.size());
+  Append(element, content);
   return element;
 }
 
-Bytes encodeStart(uint8_t tag, ByteView start, uint64_t more) {
-  Bytes bytes = encodeHeader(tag, start.size() + more);
-  append(bytes, start);
+Bytes EncodeStart(uint8_t tag, ByteView start, uint64_t more) {
+  Bytes bytes = EncodeHeader(tag, start.size() + more);
+  Append(bytes, start);
   return bytes;
 }
 
-Bytes join(std::initializer_list<ByteView> parts) {
+Bytes Join(std::initializer_list<ByteView> parts) {
   Bytes joined;
-  for (const ByteView part : parts) append(joined, part);
+  for (const ByteView part : parts) Append(joined, part);
   return joined;
 }
 
-void sortAsSet(std::vector<Bytes>& elements) {
+void SortAsSet(std::vector<Bytes>& elements) {
   std::sort(elements.begin(), elements.end(), [](const Bytes& left, const Bytes& right) {
     const int order = std::memcmp(left.data(), right.data(), std::min(left.size(), right.size()));
     return order != 0 ? order < 0 : left.size() < right.size();
@@ -128,10 +128,10 @@ void sortAsSet(std::vector<Bytes>& elements) {
   elements.erase(std::unique(elements.begin(), elements.end()), elements.end());
 }
 
-Bytes joinSorted(std::vector<Bytes> elements) {
-  sortAsSet(elements);
+Bytes JoinSorted(std::vector<Bytes> elements) {
+  SortAsSet(elements);
   Bytes joined;
-  for (const Bytes& element : elements) append(joined, element);
+  for (const Bytes& element : elements) Append(joined, element);
   return joined;
 }
 

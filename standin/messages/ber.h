@@ -36,9 +36,9 @@ struct Header {
 
 /// The header at the start of `bytes`. Throws NeedMore, or EngineError with kMessageDamaged when no element can begin
 /// so.
-Header readHeader(ByteView bytes);
+Header ReadHeader(ByteView bytes);
 
-/// Reads elements one after the other; throws as readHeader does.
+/// Reads elements one after the other; throws as ReadHeader does.
 class Cursor {
  public:
   explicit Cursor(ByteView bytes) : bytes_(bytes) {}
@@ -61,18 +61,18 @@ class Cursor {
 };
 
 /// The bytes inside a definite element.
-ByteView contentOf(ByteView element);
+ByteView ContentOf(ByteView element);
 /// The elements inside a constructed element of either form.
-std::vector<ByteView> childrenOf(ByteView element);
+std::vector<ByteView> ChildrenOf(ByteView element);
 
-Bytes encodeHeader(uint8_t tag, uint64_t length);
-Bytes encode(uint8_t tag, ByteView content);
+Bytes EncodeHeader(uint8_t tag, uint64_t length);
+Bytes Encode(uint8_t tag, ByteView content);
 /// The header of an element and what it begins with, where `more` bytes of the element are still to come.
-Bytes encodeStart(uint8_t tag, ByteView start, uint64_t more);
-Bytes join(std::initializer_list<ByteView> parts);
+Bytes EncodeStart(uint8_t tag, ByteView start, uint64_t more);
+Bytes Join(std::initializer_list<ByteView> parts);
 /// Puts elements into the order of a SET OF in DER, each once.
-void sortAsSet(std::vector<Bytes>& elements);
+void SortAsSet(std::vector<Bytes>& elements);
 /// The elements as the content of a SET OF.
-Bytes joinSorted(std::vector<Bytes> elements);
+Bytes JoinSorted(std::vector<Bytes> elements);
 
 }  // namespace standin::ber

@@ -9,15 +9,15 @@ namespace standin {
 
 ContentCipher::ContentCipher(CMS_ContentInfo* message) {
   BIO* sink = BIO_new(BIO_s_null());
-  if (sink == nullptr) fail(kWinOutOfMemory);
+  if (sink == nullptr) Fail(kWinOutOfMemory);
   BIO* chain = CMS_dataInit(message, sink);
   if (chain == nullptr) {
     BIO_free(sink);
-    fail(kAlgorithmUnknown);
+    Fail(kAlgorithmUnknown);
   }
   chain_.reset(chain);
   BIO* cipher = BIO_find_type(chain, BIO_TYPE_CIPHER);
-  if (cipher == nullptr || BIO_get_cipher_ctx(cipher, &context_) != 1 || context_ == nullptr) fail(kInternal);
+  if (cipher == nullptr || BIO_get_cipher_ctx(cipher, &context_) != 1 || context_ == nullptr) Fail(kInternal);
 }
 
 void ContentCipher::update(ByteView piece, GrowingBuffer& out) {
@@ -27,7 +27,7 @@ void ContentCipher::update(ByteView piece, GrowingBuffer& out) {
     const size_t room = part.size() + EVP_MAX_BLOCK_LENGTH;
     uint8_t* place = out.extend(room);
     int written = 0;
-    if (EVP_CipherUpdate(context_, place, &written, part.data(), static_cast<int>(part.size())) != 1) fail(kInternal);
+    if (EVP_CipherUpdate(context_, place, &written, part.data(), static_cast<int>(part.size())) != 1) Fail(kInternal);
     out.shrink(room - static_cast<size_t>(written));
     piece = piece.subspan(part.size());
   }
@@ -41,9 +41,9 @@ bool ContentCipher::finish(GrowingBuffer& out) {
   return whole;
 }
 
-uint64_t ContentCipher::ciphertextLength(uint64_t plain_length) const {
+uint64_t ContentCipher::ciphertextLength(uint64_t plainLength) const {
   const uint64_t block = static_cast<uint64_t>(EVP_CIPHER_CTX_get_block_size(context_));
-  return block == 1 ? plain_length : (plain_length / block + 1) * block;
+  return block == 1 ? plainLength : (plainLength / block + 1) * block;
 }
 
 }  // namespace standin

@@ -17,7 +17,7 @@ class ContentCipher {
   /// False when a ciphertext does not end as it must.
   bool finish(GrowingBuffer& out);
   /// The length of the ciphertext of that many bytes.
-  uint64_t ciphertextLength(uint64_t plain_length) const;
+  uint64_t ciphertextLength(uint64_t plainLength) const;
 
  private:
   BioPtr chain_;

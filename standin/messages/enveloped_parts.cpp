@@ -8,35 +8,35 @@
 namespace standin {
 namespace {
 
-Bytes wrapIndefinite(uint8_t tag, ByteView start) {
+Bytes WrapIndefinite(uint8_t tag, ByteView start) {
   Bytes bytes = {tag, 0x80};
-  append(bytes, start);
+  Append(bytes, start);
   return bytes;
 }
 
-Bytes finishHeader(const Bytes& before, ByteView encrypted_info, uint64_t behind) {
-  const Bytes message = ber::encodeStart(ber::kSequence, ber::join({before, encrypted_info}), behind);
-  const Bytes explicit_message = ber::encodeStart(ber::kContext0Constructed, message, behind);
-  return ber::encodeStart(ber::kSequence, ber::join({kOidEnvelopedData, explicit_message}), behind);
+Bytes FinishHeader(const Bytes& before, ByteView encryptedInfo, uint64_t behind) {
+  const Bytes message = ber::EncodeStart(ber::kSequence, ber::Join({before, encryptedInfo}), behind);
+  const Bytes explicitMessage = ber::EncodeStart(ber::kContext0Constructed, message, behind);
+  return ber::EncodeStart(ber::kSequence, ber::Join({kOidEnvelopedData, explicitMessage}), behind);
 }
 
 }  // namespace
 
 EnvelopedParts EnvelopedParts::of(const MessageReader::Head& head) {
-  if (head.kind != MessageKind::kEnveloped) fail(kNotEncrypted);
+  if (head.kind != MessageKind::kEnveloped) Fail(kNotEncrypted);
   EnvelopedParts parts;
   parts.version = head.elements.front();
   if (head.elements.size() == 3) parts.originator = head.elements[1];
   parts.recipients = head.elements.back();
-  parts.content_type = head.content_type;
-  parts.content_cipher = head.content_cipher;
+  parts.contentType = head.contentType;
+  parts.contentCipher = head.contentCipher;
   return parts;
 }
 
 EnvelopedParts EnvelopedParts::of(CMS_ContentInfo* message) {
   unsigned char* der = nullptr;
   const int length = i2d_CMS_ContentInfo(message, &der);
-  if (length <= 0) fail(kInternal);
+  if (length <= 0) Fail(kInternal);
   const OctetsPtr owner(der);
   MessageReader reader([](const MessageReader::Head&) {}, [](ByteView) {});
   reader.feed({der, static_cast<size_t>(length)});
@@ -46,29 +46,29 @@ EnvelopedParts EnvelopedParts::of(CMS_ContentInfo* message) {
 
 void EnvelopedParts::setSender(const X509* certificate) {
   constexpr uint8_t kVersionWithOriginator[] = {2};
-  version = ber::encode(ber::kInteger, kVersionWithOriginator);
-  originator = ber::encode(ber::kContext0Constructed, ber::encode(ber::kContext0Constructed, derOf(certificate)));
+  version = ber::Encode(ber::kInteger, kVersionWithOriginator);
+  originator = ber::Encode(ber::kContext0Constructed, ber::Encode(ber::kContext0Constructed, DerOf(certificate)));
 }
 
-Bytes EnvelopedParts::beforeContent() const { return ber::join({version, originator, recipients}); }
+Bytes EnvelopedParts::beforeContent() const { return ber::Join({version, originator, recipients}); }
 
 Bytes EnvelopedParts::withoutContent() const {
-  return finishHeader(beforeContent(), ber::encode(ber::kSequence, ber::join({content_type, content_cipher})), 0);
+  return FinishHeader(beforeContent(), ber::Encode(ber::kSequence, ber::Join({contentType, contentCipher})), 0);
 }
 
-Bytes EnvelopedParts::header(uint64_t ciphertext_length) const {
-  const Bytes octets = ber::encodeHeader(ber::kContext0, ciphertext_length);
+Bytes EnvelopedParts::header(uint64_t ciphertextLength) const {
+  const Bytes octets = ber::EncodeHeader(ber::kContext0, ciphertextLength);
   const Bytes info =
-      ber::encodeStart(ber::kSequence, ber::join({content_type, content_cipher, octets}), ciphertext_length);
-  return finishHeader(beforeContent(), info, ciphertext_length);
+      ber::EncodeStart(ber::kSequence, ber::Join({contentType, contentCipher, octets}), ciphertextLength);
+  return FinishHeader(beforeContent(), info, ciphertextLength);
 }
 
 Bytes EnvelopedParts::streamHeader() const {
-  const Bytes octets = wrapIndefinite(ber::kContext0Constructed, {});
-  const Bytes info = wrapIndefinite(ber::kSequence, ber::join({content_type, content_cipher, octets}));
-  const Bytes message = wrapIndefinite(ber::kSequence, ber::join({beforeContent(), info}));
-  return wrapIndefinite(ber::kSequence,
-                        ber::join({kOidEnvelopedData, wrapIndefinite(ber::kContext0Constructed, message)}));
+  const Bytes octets = WrapIndefinite(ber::kContext0Constructed, {});
+  const Bytes info = WrapIndefinite(ber::kSequence, ber::Join({contentType, contentCipher, octets}));
+  const Bytes message = WrapIndefinite(ber::kSequence, ber::Join({beforeContent(), info}));
+  return WrapIndefinite(ber::kSequence,
+                        ber::Join({kOidEnvelopedData, WrapIndefinite(ber::kContext0Constructed, message)}));
 }
 
 Bytes EnvelopedParts::streamTrailer() {

@@ -13,8 +13,8 @@ struct EnvelopedParts {
   Bytes version;     ///< the element
   Bytes originator;  ///< the element; empty when there is none
   Bytes recipients;  ///< the SET
-  Bytes content_type;
-  Bytes content_cipher;
+  Bytes contentType;
+  Bytes contentCipher;
 
   static EnvelopedParts of(const MessageReader::Head& head);
   /// Of a message without content made by libcrypto.
@@ -25,7 +25,7 @@ struct EnvelopedParts {
 
   Bytes withoutContent() const;
   /// What precedes a ciphertext of that length, in DER; nothing follows it.
-  Bytes header(uint64_t ciphertext_length) const;
+  Bytes header(uint64_t ciphertextLength) const;
   /// What precedes and what follows a ciphertext of any length, given as a row of octet strings, in BER.
   Bytes streamHeader() const;
   static Bytes streamTrailer();

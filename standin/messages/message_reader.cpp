@@ -12,43 +12,43 @@ namespace {
 /// What stands before and behind the content is kept in memory; no honest message comes near this.
 constexpr size_t kLargestPending = 16 * 1024 * 1024;
 constexpr size_t kDeepestContent = 8;
-/// The longest header of an element that readHeader accepts.
+/// The longest header of an element that ReadHeader accepts.
 constexpr size_t kLongestHeader = 9;
 
-Bytes copyOf(ByteView bytes) { return Bytes(bytes.begin(), bytes.end()); }
+Bytes CopyOf(ByteView bytes) { return Bytes(bytes.begin(), bytes.end()); }
 
-bool equals(ByteView left, ByteView right) { return std::equal(left.begin(), left.end(), right.begin(), right.end()); }
+bool Equals(ByteView left, ByteView right) { return std::equal(left.begin(), left.end(), right.begin(), right.end()); }
 
 }  // namespace
 
-MessageReader::MessageReader(OnHead on_head, OnContent on_content)
-    : on_head_(std::move(on_head)), on_content_(std::move(on_content)) {}
+MessageReader::MessageReader(OnHead onHead, OnContent onContent)
+    : on_head_(std::move(onHead)), on_content_(std::move(onContent)) {}
 
 void MessageReader::feed(ByteView bytes) {
-  Bytes behind_head;
+  Bytes behindHead;
   if (stage_ == Stage::kHead) {
-    append(pending_, bytes);
-    if (pending_.size() > kLargestPending) fail(kMessageDamaged);
+    Append(pending_, bytes);
+    if (pending_.size() > kLargestPending) Fail(kMessageDamaged);
     if (!tryHead()) return;
-    behind_head = std::move(pending_);
-    behind_head.erase(behind_head.begin(), behind_head.begin() + static_cast<ptrdiff_t>(offset_));
+    behindHead = std::move(pending_);
+    behindHead.erase(behindHead.begin(), behindHead.begin() + static_cast<ptrdiff_t>(offset_));
     pending_.clear();
-    bytes = behind_head;
+    bytes = behindHead;
     on_head_(head_);
   }
   while (stage_ == Stage::kContent && !bytes.empty()) bytes = takeContent(bytes);
   if (stage_ == Stage::kTail) {
-    append(pending_, bytes);
-    if (pending_.size() > kLargestPending) fail(kMessageDamaged);
+    Append(pending_, bytes);
+    if (pending_.size() > kLargestPending) Fail(kMessageDamaged);
   }
 }
 
 void MessageReader::finish() {
-  if (stage_ != Stage::kTail) fail(kMessageDamaged);
+  if (stage_ != Stage::kTail) Fail(kMessageDamaged);
   try {
     parseTail();
   } catch (const ber::NeedMore&) {
-    fail(kMessageDamaged);
+    Fail(kMessageDamaged);
   }
 }
 
@@ -70,49 +70,49 @@ bool MessageReader::tryHead() {
 void MessageReader::parseHead(ber::Cursor& cursor) {
   levels_.push_back(openLevel(cursor, ber::kSequence));
   const ByteView type = cursor.element(ber::kOid);
-  if (equals(type, kOidSignedData)) {
+  if (Equals(type, kOidSignedData)) {
     head_.kind = MessageKind::kSigned;
-  } else if (equals(type, kOidEnvelopedData)) {
+  } else if (Equals(type, kOidEnvelopedData)) {
     head_.kind = MessageKind::kEnveloped;
   } else {
-    fail(kMessageDamaged);
+    Fail(kMessageDamaged);
   }
   levels_.push_back(openLevel(cursor, ber::kContext0Constructed));
   levels_.push_back(openLevel(cursor, ber::kSequence));
-  head_.elements.push_back(copyOf(cursor.element(ber::kInteger)));
+  head_.elements.push_back(CopyOf(cursor.element(ber::kInteger)));
   if (head_.kind == MessageKind::kEnveloped && cursor.peekTag() == ber::kContext0Constructed) {
-    head_.elements.push_back(copyOf(cursor.anyElement()));
+    head_.elements.push_back(CopyOf(cursor.anyElement()));
   }
-  head_.elements.push_back(copyOf(cursor.element(ber::kSet)));
+  head_.elements.push_back(CopyOf(cursor.element(ber::kSet)));
   levels_.push_back(openLevel(cursor, ber::kSequence));
   parseContentInfo(cursor);
 }
 
 void MessageReader::parseContentInfo(ber::Cursor& cursor) {
-  head_.content_type = copyOf(cursor.element(ber::kOid));
-  if (head_.kind == MessageKind::kEnveloped) head_.content_cipher = copyOf(cursor.element(ber::kSequence));
+  head_.contentType = CopyOf(cursor.element(ber::kOid));
+  if (head_.kind == MessageKind::kEnveloped) head_.contentCipher = CopyOf(cursor.element(ber::kSequence));
   if (!moreInside(cursor, levels_.back())) return;
   if (head_.kind == MessageKind::kSigned) levels_.push_back(openLevel(cursor, ber::kContext0Constructed));
-  const ber::Header content = ber::readHeader(cursor.rest());
-  const bool is_signed = head_.kind == MessageKind::kSigned;
-  const uint8_t primitive = is_signed ? ber::kOctetString : ber::kContext0;
-  const uint8_t constructed = is_signed ? ber::kConstructedOctetString : ber::kContext0Constructed;
-  if (content.tag != primitive && content.tag != constructed) fail(kMessageDamaged);
+  const ber::Header content = ber::ReadHeader(cursor.rest());
+  const bool isSigned = head_.kind == MessageKind::kSigned;
+  const uint8_t primitive = isSigned ? ber::kOctetString : ber::kContext0;
+  const uint8_t constructed = isSigned ? ber::kConstructedOctetString : ber::kContext0Constructed;
+  if (content.tag != primitive && content.tag != constructed) Fail(kMessageDamaged);
   cursor.skip(content.size);
-  head_.has_content = true;
+  head_.hasContent = true;
   offset_ = cursor.position();
   beginContent(content);
 }
 
 bool MessageReader::moreInside(const ber::Cursor& cursor, const Level& level) const {
   if (!level.indefinite) return cursor.position() < level.end;
-  return !ber::readHeader(cursor.rest()).isEndOfContents();
+  return !ber::ReadHeader(cursor.rest()).isEndOfContents();
 }
 
-MessageReader::Level MessageReader::levelOf(const ber::Header& header, uint64_t content_offset, const Level* parent) {
-  const uint64_t end = content_offset + header.length;
-  if (parent != nullptr && !parent->indefinite && (content_offset > parent->end || end > parent->end)) {
-    fail(kMessageDamaged);
+MessageReader::Level MessageReader::levelOf(const ber::Header& header, uint64_t contentOffset, const Level* parent) {
+  const uint64_t end = contentOffset + header.length;
+  if (parent != nullptr && !parent->indefinite && (contentOffset > parent->end || end > parent->end)) {
+    Fail(kMessageDamaged);
   }
   return {header.indefinite, end};
 }
@@ -129,7 +129,7 @@ void MessageReader::beginContent(const ber::Header& header) {
   if (!header.constructed()) {
     primitive_left_ = header.length;
   } else if (content_levels_.size() == kDeepestContent) {
-    fail(kMessageDamaged);
+    Fail(kMessageDamaged);
   } else {
     content_levels_.push_back(level);
   }
@@ -160,14 +160,14 @@ void MessageReader::closeEndedContent() {
 ByteView MessageReader::nextContentHeader(ByteView bytes) {
   ber::Header header;
   if (pending_.empty() && bytes.size() >= kLongestHeader) {
-    header = ber::readHeader(bytes);
+    header = ber::ReadHeader(bytes);
     bytes = bytes.subspan(header.size);
   } else {
     // The header is cut by the end of a piece: gather it byte by byte.
     pending_.push_back(bytes[0]);
     bytes = bytes.subspan(1);
     try {
-      header = ber::readHeader(pending_);
+      header = ber::ReadHeader(pending_);
     } catch (const ber::NeedMore&) {
       return bytes;
     }
@@ -175,12 +175,12 @@ ByteView MessageReader::nextContentHeader(ByteView bytes) {
   }
   offset_ += header.size;
   if (header.isEndOfContents()) {
-    if (!content_levels_.back().indefinite) fail(kMessageDamaged);
+    if (!content_levels_.back().indefinite) Fail(kMessageDamaged);
     content_levels_.pop_back();
   } else if (header.tag == ber::kOctetString || header.tag == ber::kConstructedOctetString) {
     beginContent(header);
   } else {
-    fail(kMessageDamaged);
+    Fail(kMessageDamaged);
   }
   return bytes;
 }
@@ -190,21 +190,21 @@ void MessageReader::parseTail() {
   ber::Cursor cursor(pending_);
   while (levels_.size() > kMessageLevels) closeLevel(cursor);
   const Level message = levels_.back();
-  while (message.indefinite ? !ber::readHeader(cursor.rest()).isEndOfContents()
+  while (message.indefinite ? !ber::ReadHeader(cursor.rest()).isEndOfContents()
                             : offset_ + cursor.position() < message.end) {
-    tail_.push_back(copyOf(cursor.anyElement()));
+    tail_.push_back(CopyOf(cursor.anyElement()));
   }
   while (!levels_.empty()) closeLevel(cursor);
-  if (!cursor.atEnd()) fail(kMessageDamaged);
+  if (!cursor.atEnd()) Fail(kMessageDamaged);
 }
 
 void MessageReader::closeLevel(ber::Cursor& cursor) {
   const Level level = levels_.back();
   levels_.pop_back();
   if (level.indefinite) {
-    if (!cursor.open(0).isEndOfContents()) fail(kMessageDamaged);
+    if (!cursor.open(0).isEndOfContents()) Fail(kMessageDamaged);
   } else if (offset_ + cursor.position() != level.end) {
-    fail(kMessageDamaged);
+    Fail(kMessageDamaged);
   }
 }
 

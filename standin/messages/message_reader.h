@@ -19,15 +19,15 @@ class MessageReader {
     MessageKind kind = MessageKind::kUnknown;
     /// Signed: version, digestAlgorithms. Enveloped: version, originatorInfo if any, recipientInfos. Whole elements.
     std::vector<Bytes> elements;
-    Bytes content_type;    ///< the OID element
-    Bytes content_cipher;  ///< enveloped only: the AlgorithmIdentifier element
-    bool has_content = false;
+    Bytes contentType;    ///< the OID element
+    Bytes contentCipher;  ///< enveloped only: the AlgorithmIdentifier element
+    bool hasContent = false;
   };
   using OnHead = std::function<void(const Head&)>;
   using OnContent = std::function<void(ByteView)>;
 
-  /// `on_head` is called once, before the first piece of content.
-  MessageReader(OnHead on_head, OnContent on_content);
+  /// `onHead` is called once, before the first piece of content.
+  MessageReader(OnHead onHead, OnContent onContent);
 
   /// Fails with kMessageDamaged.
   void feed(ByteView bytes);
@@ -54,7 +54,7 @@ class MessageReader {
   void parseContentInfo(ber::Cursor& cursor);
   bool moreInside(const ber::Cursor& cursor, const Level& level) const;
   Level openLevel(ber::Cursor& cursor, uint8_t tag);
-  static Level levelOf(const ber::Header& header, uint64_t content_offset, const Level* parent);
+  static Level levelOf(const ber::Header& header, uint64_t contentOffset, const Level* parent);
   void beginContent(const ber::Header& header);
   ByteView takeContent(ByteView bytes);
   ByteView nextContentHeader(ByteView bytes);

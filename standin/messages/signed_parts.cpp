@@ -9,22 +9,22 @@
 namespace standin {
 namespace {
 
-std::vector<Bytes> copiesOf(const std::vector<ByteView>& elements) {
+std::vector<Bytes> CopiesOf(const std::vector<ByteView>& elements) {
   std::vector<Bytes> copies;
   copies.reserve(elements.size());
   for (const ByteView element : elements) copies.emplace_back(element.begin(), element.end());
   return copies;
 }
 
-void addMissing(std::vector<Bytes>& elements, const std::vector<Bytes>& more) {
+void AddMissing(std::vector<Bytes>& elements, const std::vector<Bytes>& more) {
   for (const Bytes& element : more) {
     if (std::find(elements.begin(), elements.end(), element) == elements.end()) elements.push_back(element);
   }
 }
 
-int versionOf(const Bytes& element) {
-  const ByteView content = ber::contentOf(element);
-  if (content.size() != 1) fail(kMessageDamaged);
+int VersionOf(const Bytes& element) {
+  const ByteView content = ber::ContentOf(element);
+  if (content.size() != 1) Fail(kMessageDamaged);
   return content[0];
 }
 
@@ -32,25 +32,25 @@ int versionOf(const Bytes& element) {
 
 SignedParts SignedParts::of(const MessageReader& reader) {
   const MessageReader::Head& head = reader.head();
-  if (head.kind != MessageKind::kSigned) fail(kNotSigned);
+  if (head.kind != MessageKind::kSigned) Fail(kNotSigned);
   SignedParts parts;
-  parts.version = versionOf(head.elements[0]);
-  parts.digest_algorithms = digestAlgorithmsOf(head);
-  parts.content_type = head.content_type;
+  parts.version = VersionOf(head.elements[0]);
+  parts.digestAlgorithms = DigestAlgorithmsOf(head);
+  parts.contentType = head.contentType;
   for (const Bytes& element : reader.tail()) {
     switch (element[0]) {
       case ber::kContext0Constructed:
-        parts.certificates = copiesOf(ber::childrenOf(element));
+        parts.certificates = CopiesOf(ber::ChildrenOf(element));
         break;
       case ber::kContext1Constructed:
-        parts.crls = copiesOf(ber::childrenOf(element));
+        parts.crls = CopiesOf(ber::ChildrenOf(element));
         break;
       case ber::kSet:
-        parts.signers = copiesOf(ber::childrenOf(element));
-        ber::sortAsSet(parts.signers);
+        parts.signers = CopiesOf(ber::ChildrenOf(element));
+        ber::SortAsSet(parts.signers);
         break;
       default:
-        fail(kMessageDamaged);
+        Fail(kMessageDamaged);
     }
   }
   return parts;
@@ -59,7 +59,7 @@ SignedParts SignedParts::of(const MessageReader& reader) {
 SignedParts SignedParts::of(CMS_ContentInfo* message) {
   unsigned char* der = nullptr;
   const int length = i2d_CMS_ContentInfo(message, &der);
-  if (length <= 0) fail(kInternal);
+  if (length <= 0) Fail(kInternal);
   const OctetsPtr owner(der);
   MessageReader reader([](const MessageReader::Head&) {}, [](ByteView) {});
   reader.feed({der, static_cast<size_t>(length)});
@@ -69,55 +69,54 @@ SignedParts SignedParts::of(CMS_ContentInfo* message) {
 
 void SignedParts::merge(const SignedParts& other) {
   version = std::max(version, other.version);
-  addMissing(digest_algorithms, other.digest_algorithms);
-  addMissing(certificates, other.certificates);
-  addMissing(crls, other.crls);
-  addMissing(signers, other.signers);
-  ber::sortAsSet(signers);
+  AddMissing(digestAlgorithms, other.digestAlgorithms);
+  AddMissing(certificates, other.certificates);
+  AddMissing(crls, other.crls);
+  AddMissing(signers, other.signers);
+  ber::SortAsSet(signers);
 }
 
 Bytes SignedParts::trailer() const {
   Bytes bytes;
-  if (!certificates.empty()) append(bytes, ber::encode(ber::kContext0Constructed, ber::joinSorted(certificates)));
-  if (!crls.empty()) append(bytes, ber::encode(ber::kContext1Constructed, ber::joinSorted(crls)));
-  append(bytes, ber::encode(ber::kSet, ber::joinSorted(signers)));
+  if (!certificates.empty()) Append(bytes, ber::Encode(ber::kContext0Constructed, ber::JoinSorted(certificates)));
+  if (!crls.empty()) Append(bytes, ber::Encode(ber::kContext1Constructed, ber::JoinSorted(crls)));
+  Append(bytes, ber::Encode(ber::kSet, ber::JoinSorted(signers)));
   return bytes;
 }
 
 namespace {
 
-Bytes finishHeader(const SignedParts& parts, ByteView encapsulated, uint64_t behind, size_t trailer_length) {
+Bytes FinishHeader(const SignedParts& parts, ByteView encapsulated, uint64_t behind, size_t trailerLength) {
   const uint8_t version[] = {static_cast<uint8_t>(parts.version)};
-  const Bytes start = ber::join({ber::encode(ber::kInteger, version),
-                                 ber::encode(ber::kSet, ber::joinSorted(parts.digest_algorithms)), encapsulated});
-  const Bytes message = ber::encodeStart(ber::kSequence, start, behind + trailer_length);
-  const Bytes explicit_message = ber::encodeStart(ber::kContext0Constructed, message, behind + trailer_length);
-  return ber::encodeStart(ber::kSequence, ber::join({kOidSignedData, explicit_message}), behind + trailer_length);
+  const Bytes start = ber::Join({ber::Encode(ber::kInteger, version),
+                                 ber::Encode(ber::kSet, ber::JoinSorted(parts.digestAlgorithms)), encapsulated});
+  const Bytes message = ber::EncodeStart(ber::kSequence, start, behind + trailerLength);
+  const Bytes explicitMessage = ber::EncodeStart(ber::kContext0Constructed, message, behind + trailerLength);
+  return ber::EncodeStart(ber::kSequence, ber::Join({kOidSignedData, explicitMessage}), behind + trailerLength);
 }
 
 }  // namespace
 
-Bytes SignedParts::header(uint64_t content_length, size_t trailer_length) const {
-  const Bytes octets = ber::encodeHeader(ber::kOctetString, content_length);
-  const Bytes explicit_octets = ber::encodeStart(ber::kContext0Constructed, octets, content_length);
-  const Bytes encapsulated =
-      ber::encodeStart(ber::kSequence, ber::join({content_type, explicit_octets}), content_length);
-  return finishHeader(*this, encapsulated, content_length, trailer_length);
+Bytes SignedParts::header(uint64_t contentLength, size_t trailerLength) const {
+  const Bytes octets = ber::EncodeHeader(ber::kOctetString, contentLength);
+  const Bytes explicitOctets = ber::EncodeStart(ber::kContext0Constructed, octets, contentLength);
+  const Bytes encapsulated = ber::EncodeStart(ber::kSequence, ber::Join({contentType, explicitOctets}), contentLength);
+  return FinishHeader(*this, encapsulated, contentLength, trailerLength);
 }
 
 Bytes SignedParts::withoutContent() const {
   const Bytes end = trailer();
-  return ber::join({finishHeader(*this, ber::encode(ber::kSequence, content_type), 0, end.size()), end});
+  return ber::Join({FinishHeader(*this, ber::Encode(ber::kSequence, contentType), 0, end.size()), end});
 }
 
-std::vector<Bytes> digestAlgorithmsOf(const MessageReader::Head& head) {
-  return copiesOf(ber::childrenOf(head.elements[1]));
+std::vector<Bytes> DigestAlgorithmsOf(const MessageReader::Head& head) {
+  return CopiesOf(ber::ChildrenOf(head.elements[1]));
 }
 
-CmsPtr messageFromDer(ByteView der) {
+CmsPtr MessageFromDer(ByteView der) {
   const unsigned char* cursor = der.data();
   CmsPtr message(d2i_CMS_ContentInfo(nullptr, &cursor, static_cast<long>(der.size())));
-  if (message == nullptr || cursor != der.data() + der.size()) fail(kMessageDamaged);
+  if (message == nullptr || cursor != der.data() + der.size()) Fail(kMessageDamaged);
   return message;
 }
 

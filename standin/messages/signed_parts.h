@@ -12,8 +12,8 @@ namespace standin {
 
 struct SignedParts {
   int version = 1;
-  std::vector<Bytes> digest_algorithms;  ///< AlgorithmIdentifiers
-  Bytes content_type;                    ///< the OID element
+  std::vector<Bytes> digestAlgorithms;  ///< AlgorithmIdentifiers
+  Bytes contentType;                    ///< the OID element
   std::vector<Bytes> certificates;
   std::vector<Bytes> crls;
   std::vector<Bytes> signers;  ///< SignerInfos, in the order of DER
@@ -28,14 +28,14 @@ struct SignedParts {
   /// What follows the content in a message.
   Bytes trailer() const;
   /// What precedes a content of that length, in DER.
-  Bytes header(uint64_t content_length, size_t trailer_length) const;
+  Bytes header(uint64_t contentLength, size_t trailerLength) const;
   Bytes withoutContent() const;
 };
 
 /// The AlgorithmIdentifiers of the digests that the signers of a message use, from its head.
-std::vector<Bytes> digestAlgorithmsOf(const MessageReader::Head& head);
+std::vector<Bytes> DigestAlgorithmsOf(const MessageReader::Head& head);
 
 /// The message as libcrypto knows it; fails with kMessageDamaged.
-CmsPtr messageFromDer(ByteView der);
+CmsPtr MessageFromDer(ByteView der);
 
 }  // namespace standin

@@ -4,7 +4,7 @@
 #include <windows.h>
 
 #include "standin/base/codes.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/operations/decryption.h"
 #include "standin/operations/encryption.h"
 #include "standin/operations/recipients.h"
@@ -16,7 +16,7 @@ namespace {
 /// The name of a file beside another, which is deleted in the end.
 class IntermediateFile {
  public:
-  explicit IntermediateFile(const char* beside) : path_(freeNameBeside(beside)) {}
+  explicit IntermediateFile(const char* beside) : path_(FreeNameBeside(beside)) {}
   ~IntermediateFile() { DeleteFileA(path_.c_str()); }
   IntermediateFile(const IntermediateFile&) = delete;
   IntermediateFile& operator=(const IntermediateFile&) = delete;
@@ -29,31 +29,31 @@ class IntermediateFile {
 
 }  // namespace
 
-void signAndEncryptFile(Session& session, const SignParamRecord& sign, const EncryptParamRecord& encrypt,
+void SignAndEncryptFile(Session& session, const SignParamRecord& sign, const EncryptParamRecord& encrypt,
                         const char* in, const char* out) {
-  if (in == nullptr || out == nullptr) fail(kWinInvalidParameter);
+  if (in == nullptr || out == nullptr) Fail(kWinInvalidParameter);
   // Recipients that cannot be found are noticed before the file is signed.
-  resolveRecipients(session, encrypt);
-  const IntermediateFile signed_file(out);
+  ResolveRecipients(session, encrypt);
+  const IntermediateFile signedFile(out);
   // Without its content the signed message would leave nothing to read for the recipients.
   SignParamRecord attached = sign;
   attached.flag &= ~kSignDetached;
-  signFile(session, &attached, in, nullptr, signed_file.path());
-  encryptFile(session, encrypt, signed_file.path(), out);
+  SignFiles(session, &attached, in, nullptr, signedFile.path());
+  EncryptFiles(session, encrypt, signedFile.path(), out);
 }
 
-Verification decryptAndVerifyFile(Session& session, const DecryptParamRecord& decrypt, const VerifyParamRecord& verify,
+Verification DecryptAndVerifyFile(Session& session, const DecryptParamRecord& decrypt, const VerifyParamRecord& verify,
                                   const char* in, const char* out, DecryptResultRecord& decrypted) {
-  if (in == nullptr || out == nullptr) fail(kWinInvalidParameter);
-  const IntermediateFile signed_file(out);
+  if (in == nullptr || out == nullptr) Fail(kWinInvalidParameter);
+  const IntermediateFile signedFile(out);
   try {
-    decryptFile(session, decrypt, in, signed_file.path(), decrypted);
+    DecryptFiles(session, decrypt, in, signedFile.path(), decrypted);
   } catch (const EngineError& error) {
     decrypted = {};
     decrypted.status = error.code;
     throw;
   }
-  return verifyFile(session, verify, nullptr, signed_file.path(), out);
+  return VerifyFiles(session, verify, nullptr, signedFile.path(), out);
 }
 
 }  // namespace standin

@@ -6,12 +6,12 @@
 
 namespace standin {
 
-void signAndEncryptFile(Session& session, const SignParamRecord& sign, const EncryptParamRecord& encrypt,
+void SignAndEncryptFile(Session& session, const SignParamRecord& sign, const EncryptParamRecord& encrypt,
                         const char* in, const char* out);
 
-/// `out` appears as verifyFile says; a message that cannot be decrypted is an exception, its code also the status of
+/// `out` appears as VerifyFiles says; a message that cannot be decrypted is an exception, its code also the status of
 /// `decrypted`.
-Verification decryptAndVerifyFile(Session& session, const DecryptParamRecord& decrypt, const VerifyParamRecord& verify,
+Verification DecryptAndVerifyFile(Session& session, const DecryptParamRecord& decrypt, const VerifyParamRecord& verify,
                                   const char* in, const char* out, DecryptResultRecord& decrypted);
 
 }  // namespace standin

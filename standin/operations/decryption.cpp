@@ -2,7 +2,7 @@
 #include "standin/operations/decryption.h"
 
 #include "standin/base/codes.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/certificates/cert_id.h"
 #include "standin/certificates/cert_record.h"
 #include "standin/messages/enveloped_parts.h"
@@ -15,7 +15,7 @@ namespace {
 constexpr int kMostRecipients = 4096;
 
 /// Opens the content key when this entry of the message is for the own key; false when it is for somebody else.
-bool openFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& own) {
+bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& own) {
   EVP_PKEY* key = own.key.get();
   switch (CMS_RecipientInfo_type(entry)) {
     case CMS_RECIPINFO_TRANS:
@@ -23,9 +23,9 @@ bool openFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& o
       EVP_PKEY_up_ref(key);
       if (CMS_RecipientInfo_set0_pkey(entry, key) != 1) {
         EVP_PKEY_free(key);
-        fail(kDecryptionFailed);
+        Fail(kDecryptionFailed);
       }
-      if (CMS_RecipientInfo_decrypt(message, entry) != 1) fail(kDecryptionFailed);
+      if (CMS_RecipientInfo_decrypt(message, entry) != 1) Fail(kDecryptionFailed);
       return true;
     case CMS_RECIPINFO_AGREE: {
       STACK_OF(CMS_RecipientEncryptedKey)* keys = CMS_RecipientInfo_kari_get0_reks(entry);
@@ -34,7 +34,7 @@ bool openFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& o
         if (CMS_RecipientEncryptedKey_cert_cmp(sealed, own.certificate.get()) != 0) continue;
         const bool opened = CMS_RecipientInfo_kari_set0_pkey(entry, key) == 1 &&
                             CMS_RecipientInfo_kari_decrypt(message, entry, sealed) == 1;
-        if (!opened) fail(kDecryptionFailed);
+        if (!opened) Fail(kDecryptionFailed);
         return true;
       }
       return false;
@@ -46,14 +46,14 @@ bool openFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& o
 
 }  // namespace
 
-Decryptor::Decryptor(const Session& session, const CertIdRecord* id, MessageReader::OnContent on_plain)
+Decryptor::Decryptor(const Session& session, const CertIdRecord* id, MessageReader::OnContent onPlain)
     : session_(session),
       id_(id),
-      on_plain_(std::move(on_plain)),
+      on_plain_(std::move(onPlain)),
       reader_([this](const MessageReader::Head& head) { open(head); }, [this](ByteView piece) { decrypt(piece); }) {
-  if (session.keys.own().empty()) fail(kOwnCertificateNotFound);
+  if (session.keys.own().empty()) Fail(kOwnCertificateNotFound);
   // A key that is named must be there, whatever the message says.
-  if (namesCertificate(id)) session.keys.pick(id, KeyPurpose::kDecryption);
+  if (NamesCertificate(id)) session.keys.pick(id, KeyPurpose::kDecryption);
 }
 
 void Decryptor::feed(ByteView bytes) {
@@ -63,29 +63,29 @@ void Decryptor::feed(ByteView bytes) {
 
 void Decryptor::finish() {
   reader_.finish();
-  if (!ended_) fail(kMessageDamaged);
+  if (!ended_) Fail(kMessageDamaged);
 }
 
 void Decryptor::open(const MessageReader::Head& head) {
   const EnvelopedParts parts = EnvelopedParts::of(head);
-  if (!head.has_content) fail(kMessageDamaged);
-  message_ = messageFromDer(parts.withoutContent());
+  if (!head.hasContent) Fail(kMessageDamaged);
+  message_ = MessageFromDer(parts.withoutContent());
   STACK_OF(CMS_RecipientInfo)* entries = CMS_get0_RecipientInfos(message_.get());
-  if (sk_CMS_RecipientInfo_num(entries) > kMostRecipients) fail(kTooLarge);
+  if (sk_CMS_RecipientInfo_num(entries) > kMostRecipients) Fail(kTooLarge);
   bool opened = false;
   for (const OwnKey& own : session_.keys.own()) {
-    if (namesCertificate(id_) && !matches(own.certificate.get(), *id_)) continue;
+    if (NamesCertificate(id_) && !Matches(own.certificate.get(), *id_)) continue;
     for (int i = 0; !opened && i < sk_CMS_RecipientInfo_num(entries); ++i) {
-      opened = openFor(message_.get(), sk_CMS_RecipientInfo_value(entries, i), own);
+      opened = OpenFor(message_.get(), sk_CMS_RecipientInfo_value(entries, i), own);
     }
     if (opened) break;
   }
   // The identifier is the caller's and need not outlive the call that opened the message.
   id_ = nullptr;
-  if (!opened) fail(kNotARecipient);
+  if (!opened) Fail(kNotARecipient);
   cipher_ = std::make_unique<ContentCipher>(message_.get());
   const CertStackPtr stated(CMS_get1_certs(message_.get()));
-  if (stated != nullptr && sk_X509_num(stated.get()) > 0) sender_ = share(sk_X509_value(stated.get(), 0));
+  if (stated != nullptr && sk_X509_num(stated.get()) > 0) sender_ = Share(sk_X509_value(stated.get(), 0));
 }
 
 void Decryptor::decrypt(ByteView piece) {
@@ -97,17 +97,17 @@ void Decryptor::decrypt(ByteView piece) {
 void Decryptor::endContent() {
   if (ended_) return;
   ended_ = true;
-  if (!cipher_->finish(plain_)) fail(kDecryptionFailed);
+  if (!cipher_->finish(plain_)) Fail(kDecryptionFailed);
   on_plain_(plain_.view());
   plain_.clear();
 }
 
-void fillResult(DecryptResultRecord& result, const Decryptor& decryptor, uint32_t info, Buffers& buffers) {
+void FillResult(DecryptResultRecord& result, const Decryptor& decryptor, uint32_t info, Buffers& buffers) {
   result = {};
-  if (decryptor.sender() != nullptr) fillRecord(result.cert, decryptor.sender(), info, buffers);
+  if (decryptor.sender() != nullptr) FillRecord(result.cert, decryptor.sender(), info, buffers);
 }
 
-DataBlob_t decryptMemory(Session& session, const DecryptParamRecord& param, ByteView message,
+DataBlob_t DecryptMemory(Session& session, const DecryptParamRecord& param, ByteView message,
                          DecryptResultRecord& result) {
   GrowingBuffer plain;
   plain.reserve(message.size());
@@ -115,12 +115,12 @@ DataBlob_t decryptMemory(Session& session, const DecryptParamRecord& param, Byte
   decryptor.feed(message);
   decryptor.finish();
   const DataBlob_t out = plain.handOut(session.buffers);
-  fillResult(result, decryptor, param.info, session.buffers);
+  FillResult(result, decryptor, param.info, session.buffers);
   return out;
 }
 
-void decryptFile(Session& session, const DecryptParamRecord& param, const char* in, const char* out,
-                 DecryptResultRecord& result) {
+void DecryptFiles(Session& session, const DecryptParamRecord& param, const char* in, const char* out,
+                  DecryptResultRecord& result) {
   InputFile input(in);
   OutputFile output(out);
   Decryptor decryptor(session, param.mycert, [&](ByteView piece) { output.write(piece); });
@@ -128,7 +128,7 @@ void decryptFile(Session& session, const DecryptParamRecord& param, const char* 
   input.close();
   decryptor.finish();
   output.commit();
-  fillResult(result, decryptor, param.info, session.buffers);
+  FillResult(result, decryptor, param.info, session.buffers);
 }
 
 DecryptStream::DecryptStream(Session& session, const CertIdRecord* id, ByteView start)
@@ -144,8 +144,8 @@ DataBlob_t DecryptStream::update(ByteView piece) {
 void DecryptStream::finish(uint32_t info, DecryptResultRecord& result) {
   decryptor_.finish();
   // What came with Init was never fetched by an Update: the caller would lose it without a word.
-  if (!plain_.view().empty()) fail(kStreamOrder);
-  fillResult(result, decryptor_, info, session_.buffers);
+  if (!plain_.view().empty()) Fail(kStreamOrder);
+  FillResult(result, decryptor_, info, session_.buffers);
 }
 
 }  // namespace standin

@@ -11,7 +11,7 @@ namespace standin {
 class Decryptor {
  public:
   /// `id` chooses the own key; a null one stands for any that the message is meant for.
-  Decryptor(const Session& session, const CertIdRecord* id, MessageReader::OnContent on_plain);
+  Decryptor(const Session& session, const CertIdRecord* id, MessageReader::OnContent onPlain);
 
   /// Fails with kMessageDamaged, kNotEncrypted, kNotARecipient, kAlgorithmUnknown or kDecryptionFailed.
   void feed(ByteView bytes);
@@ -37,13 +37,13 @@ class Decryptor {
 };
 
 /// Fills the result of a decryption: the sender's certificate under the mask.
-void fillResult(DecryptResultRecord& result, const Decryptor& decryptor, uint32_t info, Buffers& buffers);
+void FillResult(DecryptResultRecord& result, const Decryptor& decryptor, uint32_t info, Buffers& buffers);
 
-DataBlob_t decryptMemory(Session& session, const DecryptParamRecord& param, ByteView message,
+DataBlob_t DecryptMemory(Session& session, const DecryptParamRecord& param, ByteView message,
                          DecryptResultRecord& result);
 /// Memory does not grow with the file.
-void decryptFile(Session& session, const DecryptParamRecord& param, const char* in, const char* out,
-                 DecryptResultRecord& result);
+void DecryptFiles(Session& session, const DecryptParamRecord& param, const char* in, const char* out,
+                  DecryptResultRecord& result);
 
 /// Decryption of a message in pieces; each call gives what could be decrypted. The content is complete with the piece
 /// that completes it: the end has nothing more to give.

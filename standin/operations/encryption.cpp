@@ -2,14 +2,14 @@
 #include "standin/operations/encryption.h"
 
 #include "standin/base/codes.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/operations/recipients.h"
 
 namespace standin {
 namespace {
 
 /// The certificate of whoever encrypts; null when the session has no own one and none is asked for.
-const X509* senderOf(const Session& session, const EncryptParamRecord& param) {
+const X509* SenderOf(const Session& session, const EncryptParamRecord& param) {
   if (session.keys.own().empty() && param.mycert == nullptr) return nullptr;
   return session.keys.pick(param.mycert, KeyPurpose::kAny).certificate.get();
 }
@@ -17,30 +17,30 @@ const X509* senderOf(const Session& session, const EncryptParamRecord& param) {
 }  // namespace
 
 Envelope::Envelope(const Session& session, const EncryptParamRecord& param) {
-  const std::vector<CertPtr> recipients = resolveRecipients(session, param);
+  const std::vector<CertPtr> recipients = ResolveRecipients(session, param);
   constexpr unsigned kFlags = CMS_PARTIAL | CMS_BINARY | CMS_DETACHED;
   message_.reset(CMS_encrypt(nullptr, nullptr, EVP_aes_256_cbc(), kFlags));
-  if (message_ == nullptr) fail(kEncryptionFailed);
+  if (message_ == nullptr) Fail(kEncryptionFailed);
   for (const CertPtr& recipient : recipients) {
-    if (CMS_add1_recipient_cert(message_.get(), recipient.get(), 0) == nullptr) fail(kRecipientUnsuitable);
+    if (CMS_add1_recipient_cert(message_.get(), recipient.get(), 0) == nullptr) Fail(kRecipientUnsuitable);
   }
   cipher_ = std::make_unique<ContentCipher>(message_.get());
   parts_ = EnvelopedParts::of(message_.get());
-  if (const X509* sender = senderOf(session, param)) parts_.setSender(sender);
+  if (const X509* sender = SenderOf(session, param)) parts_.setSender(sender);
 }
 
-DataBlob_t encryptMemory(Session& session, const EncryptParamRecord& param, ByteView data) {
+DataBlob_t EncryptMemory(Session& session, const EncryptParamRecord& param, ByteView data) {
   Envelope envelope(session, param);
   const Bytes header = envelope.parts().header(envelope.cipher().ciphertextLength(data.size()));
   GrowingBuffer out;
   out.reserve(header.size() + data.size() + 4 * EVP_MAX_BLOCK_LENGTH);
   out.append(header);
   envelope.cipher().update(data, out);
-  if (!envelope.cipher().finish(out)) fail(kEncryptionFailed);
+  if (!envelope.cipher().finish(out)) Fail(kEncryptionFailed);
   return out.handOut(session.buffers);
 }
 
-void encryptFile(Session& session, const EncryptParamRecord& param, const char* in, const char* out) {
+void EncryptFiles(Session& session, const EncryptParamRecord& param, const char* in, const char* out) {
   Envelope envelope(session, param);
   InputFile input(in);
   OutputFile output(out);
@@ -58,9 +58,9 @@ void encryptFile(Session& session, const EncryptParamRecord& param, const char* 
     flush();
   }
   input.close();
-  if (!envelope.cipher().finish(piece)) fail(kEncryptionFailed);
+  if (!envelope.cipher().finish(piece)) Fail(kEncryptionFailed);
   flush();
-  if (written != expected) fail(kFileChanged);
+  if (written != expected) Fail(kFileChanged);
   output.commit();
 }
 
@@ -78,7 +78,7 @@ DataBlob_t EncryptStream::update(ByteView data) {
 
 DataBlob_t EncryptStream::finish() {
   GrowingBuffer ciphertext;
-  if (!envelope_.cipher().finish(ciphertext)) fail(kEncryptionFailed);
+  if (!envelope_.cipher().finish(ciphertext)) Fail(kEncryptionFailed);
   GrowingBuffer out;
   begin(out);
   addPiece(ciphertext.view(), out);
@@ -94,7 +94,7 @@ void EncryptStream::begin(GrowingBuffer& out) {
 
 void EncryptStream::addPiece(ByteView ciphertext, GrowingBuffer& out) {
   if (ciphertext.empty()) return;
-  out.append(ber::encodeHeader(ber::kOctetString, ciphertext.size()));
+  out.append(ber::EncodeHeader(ber::kOctetString, ciphertext.size()));
   out.append(ciphertext);
 }
 

@@ -10,7 +10,7 @@ namespace standin {
 /// An envelope whose content key is made and sealed for every recipient.
 class Envelope {
  public:
-  /// Fails as resolveRecipients does, or with kRecipientUnsuitable when a recipient's key cannot seal. The message
+  /// Fails as ResolveRecipients does, or with kRecipientUnsuitable when a recipient's key cannot seal. The message
   /// names the session's own certificate, if there is one, as its sender's.
   Envelope(const Session& session, const EncryptParamRecord& param);
 
@@ -23,9 +23,9 @@ class Envelope {
   EnvelopedParts parts_;
 };
 
-DataBlob_t encryptMemory(Session& session, const EncryptParamRecord& param, ByteView data);
+DataBlob_t EncryptMemory(Session& session, const EncryptParamRecord& param, ByteView data);
 /// Memory does not grow with the file.
-void encryptFile(Session& session, const EncryptParamRecord& param, const char* in, const char* out);
+void EncryptFiles(Session& session, const EncryptParamRecord& param, const char* in, const char* out);
 
 /// Encryption of data in pieces; each call gives what is ready of the message.
 class EncryptStream : public Stream {

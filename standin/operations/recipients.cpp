@@ -4,10 +4,10 @@
 #include "standin/base/codes.h"
 #include "standin/base/times.h"
 #include "standin/certificates/cert_id.h"
+#include "standin/certificates/cert_match.h"
 #include "standin/certificates/cert_record.h"
-#include "standin/certificates/certificate_match.h"
 #include "standin/certificates/der_objects.h"
-#include "standin/sessions/trust.h"
+#include "standin/sessions/trust_checker.h"
 
 namespace standin {
 namespace {
@@ -16,57 +16,57 @@ constexpr uint32_t kKeyEncipherment = 4;
 constexpr uint32_t kDataEncipherment = 8;
 constexpr uint32_t kKeyAgreement = 16;
 
-bool canReceive(X509* certificate) {
-  const uint32_t uses = keyUsageOf(certificate);
+bool CanReceive(X509* certificate) {
+  const uint32_t uses = KeyUsageOf(certificate);
   return uses == 0 || (uses & (kKeyEncipherment | kDataEncipherment | kKeyAgreement)) != 0;
 }
 
-CertPtr findOne(const Session& session, const CertificateRecord& wanted, uint32_t flags) {
+CertPtr FindOne(const Session& session, const CertificateRecord& wanted, uint32_t flags) {
   CertPtr found;
-  if ((flags & kEncryptIgnoreLocal) != 0 || !statesAnything(wanted)) return found;
+  if ((flags & kEncryptIgnoreLocal) != 0 || !StatesAnything(wanted)) return found;
   const bool partial = (flags & kEncryptPartialSubject) != 0;
   for (const CertPtr& candidate : session.knownCertificates()) {
-    if (!fits(candidate.get(), wanted, partial) || !canReceive(candidate.get())) continue;
-    if (found != nullptr) fail(kRecipientAmbiguous);
-    found = share(candidate.get());
+    if (!Fits(candidate.get(), wanted, partial) || !CanReceive(candidate.get())) continue;
+    if (found != nullptr) Fail(kRecipientAmbiguous);
+    found = Share(candidate.get());
   }
   return found;
 }
 
-CertPtr resolve(const Session& session, const CertificateRecord& wanted, uint32_t flags) {
+CertPtr Resolve(const Session& session, const CertificateRecord& wanted, uint32_t flags) {
   if (wanted.certEncoded.data != nullptr && wanted.certEncoded.len != 0) {
-    CertPtr given = certificateFromDer(viewOf(&wanted.certEncoded));
-    if (given == nullptr) fail(kCertificateDamaged);
+    CertPtr given = CertificateFromDer(ViewOf(&wanted.certEncoded));
+    if (given == nullptr) Fail(kCertificateDamaged);
     return given;
   }
-  CertPtr found = findOne(session, wanted, flags);
-  if (found == nullptr) fail(kRecipientNotFound);
+  CertPtr found = FindOne(session, wanted, flags);
+  if (found == nullptr) Fail(kRecipientNotFound);
   return found;
 }
 
-void check(const TrustChecker& trust, X509* certificate, uint32_t flags) {
-  if (!canReceive(certificate)) fail(kRecipientUnsuitable);
-  const bool check_time = (flags & kEncryptNoTimeCheck) == 0;
+void Check(const TrustChecker& trust, X509* certificate, uint32_t flags) {
+  if (!CanReceive(certificate)) Fail(kRecipientUnsuitable);
+  const bool checkTime = (flags & kEncryptNoTimeCheck) == 0;
   if ((flags & kEncryptNoVerify) == 0) {
     TrustOptions options;
-    options.check_time = check_time;
+    options.checkTime = checkTime;
     const int32_t verdict = trust.check(certificate, options);
-    if (verdict != kOk && verdict != kVerifiedWithRemarks) fail(verdict);
-  } else if (check_time && !isWithinValidity(certificate, currentTime())) {
-    fail(currentTime() < secondsOf(X509_get0_notBefore(certificate)) ? kNotYetValid : kExpired);
+    if (verdict != kOk && verdict != kVerifiedWithRemarks) Fail(verdict);
+  } else if (checkTime && !IsWithinValidity(certificate, CurrentTime())) {
+    Fail(CurrentTime() < SecondsOf(X509_get0_notBefore(certificate)) ? kNotYetValid : kExpired);
   }
-  if ((flags & kEncryptNoKeyTimeCheck) == 0 && !isWithinKeyPeriod(certificate, currentTime())) fail(kKeyPeriodOver);
+  if ((flags & kEncryptNoKeyTimeCheck) == 0 && !IsWithinKeyPeriod(certificate, CurrentTime())) Fail(kKeyPeriodOver);
 }
 
 }  // namespace
 
-std::vector<CertPtr> resolveRecipients(const Session& session, const EncryptParamRecord& param) {
-  if (param.receiverCount <= 0 || param.receivers == nullptr) fail(kNoRecipients);
+std::vector<CertPtr> ResolveRecipients(const Session& session, const EncryptParamRecord& param) {
+  if (param.receiverCount <= 0 || param.receivers == nullptr) Fail(kNoRecipients);
   const TrustChecker trust(session);
   std::vector<CertPtr> recipients;
   for (int32_t i = 0; i < param.receiverCount; ++i) {
-    CertPtr recipient = resolve(session, param.receivers[i], param.flag);
-    check(trust, recipient.get(), param.flag);
+    CertPtr recipient = Resolve(session, param.receivers[i], param.flag);
+    Check(trust, recipient.get(), param.flag);
     recipients.push_back(std::move(recipient));
   }
   return recipients;

@@ -15,6 +15,6 @@ constexpr uint32_t kEncryptIgnoreLocal = 0x0800;
 
 /// One certificate for each record. Fails with kNoRecipients, kRecipientNotFound, kRecipientAmbiguous,
 /// kRecipientUnsuitable, kKeyPeriodOver, kCertificateDamaged, or with what is wrong with a certificate.
-std::vector<CertPtr> resolveRecipients(const Session& session, const EncryptParamRecord& param);
+std::vector<CertPtr> ResolveRecipients(const Session& session, const EncryptParamRecord& param);
 
 }  // namespace standin

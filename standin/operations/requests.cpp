@@ -5,7 +5,7 @@
 
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 #include "standin/certificates/alt_name.h"
 #include "standin/certificates/cert_record.h"
 #include "standin/certificates/der_objects.h"
@@ -34,7 +34,7 @@ class RequestedExtensions {
   explicit RequestedExtensions(const CertificateRecord& wanted) : stack_(sk_X509_EXTENSION_new_null()) {
     addKeyUsage(wanted.keyUsage);
     addExtKeyUsage(wanted);
-    if (const GeneralNamesPtr names = generalNamesOf(wanted.subjectAltName)) {
+    if (const GeneralNamesPtr names = GeneralNamesOf(wanted.subjectAltName)) {
       add(ExtensionPtr(X509V3_EXT_i2d(NID_subject_alt_name, 0, names.get())));
     }
     for (int32_t i = 0; wanted.extensions != nullptr && i < wanted.extensionCount; ++i) {
@@ -46,8 +46,8 @@ class RequestedExtensions {
 
  private:
   void add(ExtensionPtr extension) {
-    if (extension == nullptr) fail(kRequestFailed);
-    if (sk_X509_EXTENSION_push(stack_.get(), extension.get()) == 0) fail(kWinOutOfMemory);
+    if (extension == nullptr) Fail(kRequestFailed);
+    if (sk_X509_EXTENSION_push(stack_.get(), extension.get()) == 0) Fail(kWinOutOfMemory);
     extension.release();
   }
 
@@ -64,19 +64,19 @@ class RequestedExtensions {
     if (wanted.extKeyUsage == nullptr || wanted.extKeyUsageCount <= 0) return;
     const UsagesPtr usages(EXTENDED_KEY_USAGE_new());
     for (int32_t i = 0; i < wanted.extKeyUsageCount; ++i) {
-      ObjectPtr usage(OBJ_txt2obj(textOrEmpty(wanted.extKeyUsage[i]).c_str(), 0));
-      if (usage == nullptr || sk_ASN1_OBJECT_push(usages.get(), usage.get()) == 0) fail(kRequestFailed);
+      ObjectPtr usage(OBJ_txt2obj(TextOrEmpty(wanted.extKeyUsage[i]).c_str(), 0));
+      if (usage == nullptr || sk_ASN1_OBJECT_push(usages.get(), usage.get()) == 0) Fail(kRequestFailed);
       usage.release();
     }
     add(ExtensionPtr(X509V3_EXT_i2d(NID_ext_key_usage, 0, usages.get())));
   }
 
   void addOther(const ExtensionRecord& wanted) {
-    const ObjectPtr type(OBJ_txt2obj(textOrEmpty(wanted.oid).c_str(), 1));
+    const ObjectPtr type(OBJ_txt2obj(TextOrEmpty(wanted.oid).c_str(), 1));
     const OctetStringPtr value(ASN1_OCTET_STRING_new());
-    const ByteView data = viewOf(&wanted.data);
+    const ByteView data = ViewOf(&wanted.data);
     if (type == nullptr || ASN1_OCTET_STRING_set(value.get(), data.data(), static_cast<int>(data.size())) != 1) {
-      fail(kRequestFailed);
+      Fail(kRequestFailed);
     }
     add(ExtensionPtr(X509_EXTENSION_create_by_OBJ(nullptr, type.get(), wanted.critical != 0 ? 1 : 0, value.get())));
   }
@@ -84,37 +84,37 @@ class RequestedExtensions {
   std::unique_ptr<STACK_OF(X509_EXTENSION), FreeExtensions> stack_;
 };
 
-NamePtr subjectOf(const CertificateRecord& wanted, const X509* own) {
-  const std::string text = utf8FromAnsi(textOrEmpty(wanted.subject));
+NamePtr SubjectOf(const CertificateRecord& wanted, const X509* own) {
+  const std::string text = Utf8FromAnsi(TextOrEmpty(wanted.subject));
   if (text.empty() && own != nullptr) return NamePtr(X509_NAME_dup(X509_get_subject_name(own)));
-  NamePtr name = nameFromText(text);
-  if (name == nullptr) fail(kWinInvalidParameter);
+  NamePtr name = NameFromText(text);
+  if (name == nullptr) Fail(kWinInvalidParameter);
   return name;
 }
 
-RequestPtr makeRequest(const X509_NAME* subject, EVP_PKEY* key, const RequestedExtensions& extensions) {
+RequestPtr MakeRequest(const X509_NAME* subject, EVP_PKEY* key, const RequestedExtensions& extensions) {
   RequestPtr request(X509_REQ_new());
   const bool made =
       request != nullptr && X509_REQ_set_version(request.get(), 0) == 1 &&
       X509_REQ_set_subject_name(request.get(), subject) == 1 && X509_REQ_set_pubkey(request.get(), key) == 1 &&
       (sk_X509_EXTENSION_num(extensions.get()) == 0 || X509_REQ_add_extensions(request.get(), extensions.get()) == 1) &&
       X509_REQ_sign(request.get(), key, EVP_sha256()) > 0;
-  if (!made) fail(kRequestFailed);
+  if (!made) Fail(kRequestFailed);
   return request;
 }
 
-std::string keyIdText(EVP_PKEY* key) {
+std::string KeyIdText(EVP_PKEY* key) {
   X509_PUBKEY* encoded = nullptr;
-  if (X509_PUBKEY_set(&encoded, key) != 1) fail(kRequestFailed);
+  if (X509_PUBKEY_set(&encoded, key) != 1) Fail(kRequestFailed);
   const unsigned char* bits = nullptr;
   int length = 0;
   X509_PUBKEY_get0_param(nullptr, &bits, &length, nullptr, encoded);
-  std::string text = thumbprintText({bits, static_cast<size_t>(length)});
+  std::string text = ThumbprintText({bits, static_cast<size_t>(length)});
   X509_PUBKEY_free(encoded);
   return text;
 }
 
-std::string escaped(const std::string& text) {
+std::string Escaped(const std::string& text) {
   std::string result;
   for (const char c : text) {
     switch (c) {
@@ -137,11 +137,11 @@ std::string escaped(const std::string& text) {
   return result;
 }
 
-void addElement(std::string& xml, const char* name, const std::string& text) {
-  xml += std::string("  <") + name + ">" + escaped(text) + "</" + name + ">\n";
+void AddElement(std::string& xml, const char* name, const std::string& text) {
+  xml += std::string("  <") + name + ">" + Escaped(text) + "</" + name + ">\n";
 }
 
-std::string base64Of(ByteView bytes) {
+std::string Base64Of(ByteView bytes) {
   std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0');
   const int length =
       EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), bytes.data(), static_cast<int>(bytes.size()));
@@ -149,61 +149,61 @@ std::string base64Of(ByteView bytes) {
   return text;
 }
 
-std::string xmlOf(const CertificateRecord& wanted, const X509_NAME* subject, EVP_PKEY* key, ByteView request) {
+std::string XmlOf(const CertificateRecord& wanted, const X509_NAME* subject, EVP_PKEY* key, ByteView request) {
   std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<CertificateRequest version=\"1\">\n";
-  addElement(xml, "Subject", nameText(subject));
-  addElement(xml, "KeyAlgorithm", OBJ_nid2ln(EVP_PKEY_get_base_id(key)));
-  addElement(xml, "KeyId", keyIdText(key));
-  if (wanted.keyUsage != 0) addElement(xml, "KeyUsage", std::to_string(wanted.keyUsage));
+  AddElement(xml, "Subject", NameText(subject));
+  AddElement(xml, "KeyAlgorithm", OBJ_nid2ln(EVP_PKEY_get_base_id(key)));
+  AddElement(xml, "KeyId", KeyIdText(key));
+  if (wanted.keyUsage != 0) AddElement(xml, "KeyUsage", std::to_string(wanted.keyUsage));
   for (int32_t i = 0; wanted.extKeyUsage != nullptr && i < wanted.extKeyUsageCount; ++i) {
-    addElement(xml, "ExtKeyUsage", utf8FromAnsi(textOrEmpty(wanted.extKeyUsage[i])));
+    AddElement(xml, "ExtKeyUsage", Utf8FromAnsi(TextOrEmpty(wanted.extKeyUsage[i])));
   }
-  addElement(xml, "Pkcs10", base64Of(request));
+  AddElement(xml, "Pkcs10", Base64Of(request));
   return xml + "</CertificateRequest>\n";
 }
 
 }  // namespace
 
-Bytes makeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& wanted) {
-  if ((flags & kRequestTokens) != 0) fail(kNotSupported);
-  const bool uses_own = (flags & kRequestDoNotGenerate) != 0;
-  const OwnKey* own = uses_own ? &session.keys.pick(nullptr, KeyPurpose::kAny) : nullptr;
-  const NamePtr subject = subjectOf(wanted, own == nullptr ? nullptr : own->certificate.get());
+Bytes MakeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& wanted) {
+  if ((flags & kRequestTokens) != 0) Fail(kNotSupported);
+  const bool usesOwn = (flags & kRequestDoNotGenerate) != 0;
+  const OwnKey* own = usesOwn ? &session.keys.pick(nullptr, KeyPurpose::kAny) : nullptr;
+  const NamePtr subject = SubjectOf(wanted, own == nullptr ? nullptr : own->certificate.get());
   const RequestedExtensions extensions(wanted);
-  if (own == nullptr && !session.store.isOpen()) fail(kNoStore);
+  if (own == nullptr && !session.store.isOpen()) Fail(kNoStore);
 
   KeyPtr made;
   if (own == nullptr) {
     made.reset(EVP_RSA_gen(kRsaBits));
-    if (made == nullptr) fail(kRequestFailed);
+    if (made == nullptr) Fail(kRequestFailed);
   }
   EVP_PKEY* key = own == nullptr ? made.get() : own->key.get();
-  const RequestPtr request = makeRequest(subject.get(), key, extensions);
-  const Bytes der = derOf(request.get());
-  const std::string name = keyIdText(key);
+  const RequestPtr request = MakeRequest(subject.get(), key, extensions);
+  const Bytes der = DerOf(request.get());
+  const std::string name = KeyIdText(key);
   if (made != nullptr) session.keys.keep(key, session.store.folder(), name);
-  if (session.store.isOpen()) writeWholeFile(joinPath(session.store.folder(), name + ".req").c_str(), der);
+  if (session.store.isOpen()) WriteWholeFile(JoinPath(session.store.folder(), name + ".req").c_str(), der);
 
-  const std::string xml = xmlOf(wanted, subject.get(), key, der);
+  const std::string xml = XmlOf(wanted, subject.get(), key, der);
   return Bytes(xml.begin(), xml.end());
 }
 
-Bytes newestRequest(const Store& store) {
-  if (!store.isOpen()) fail(kNoStore);
+Bytes NewestRequest(const Store& store) {
+  if (!store.isOpen()) Fail(kNoStore);
   std::string newest;
-  FILETIME newest_time{};
-  for (const std::string& name : filesIn(store.folder(), "*.req")) {
+  FILETIME newestTime{};
+  for (const std::string& name : FilesIn(store.folder(), "*.req")) {
     WIN32_FILE_ATTRIBUTE_DATA data{};
-    const std::string path = joinPath(store.folder(), name);
+    const std::string path = JoinPath(store.folder(), name);
     if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data)) continue;
-    if (newest.empty() || CompareFileTime(&data.ftLastWriteTime, &newest_time) > 0) {
+    if (newest.empty() || CompareFileTime(&data.ftLastWriteTime, &newestTime) > 0) {
       newest = path;
-      newest_time = data.ftLastWriteTime;
+      newestTime = data.ftLastWriteTime;
     }
   }
-  if (newest.empty()) fail(kNothingToExport);
-  Bytes der = readWholeFile(newest.c_str(), kLargestObject);
-  if (requestFromDer(der) == nullptr) fail(kRequestDamaged);
+  if (newest.empty()) Fail(kNothingToExport);
+  Bytes der = ReadWholeFile(newest.c_str(), kLargestObject);
+  if (RequestFromDer(der) == nullptr) Fail(kRequestDamaged);
   return der;
 }
 

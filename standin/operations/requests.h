@@ -11,9 +11,9 @@ constexpr uint32_t kRequestTokens = 0x0002 | 0x0008 | 0x0010 | 0x0020;
 /// The XML form of a request for what the template states. Unless the flags forbid it a key is made, and kept in the
 /// store's folder under the session's PIN. Fails with kNotSupported, kNoStore, kOwnCertificateNotFound or
 /// kRequestFailed.
-Bytes makeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& wanted);
+Bytes MakeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& wanted);
 
 /// The DER form of the request that was made last. Fails with kNothingToExport.
-Bytes newestRequest(const Store& store);
+Bytes NewestRequest(const Store& store);
 
 }  // namespace standin

@@ -4,50 +4,50 @@
 #include "standin/base/codes.h"
 #include "standin/base/times.h"
 #include "standin/certificates/cert_id.h"
-#include "standin/certificates/certificate_match.h"
-#include "standin/sessions/trust.h"
+#include "standin/certificates/cert_match.h"
+#include "standin/sessions/trust_checker.h"
 #include "standin/windows/selection_dialog.h"
 
 namespace standin {
 namespace {
 
-std::vector<CertPtr> candidatesOf(const Session& session, uint32_t flags) {
+std::vector<CertPtr> CandidatesOf(const Session& session, uint32_t flags) {
   std::vector<CertPtr> candidates;
-  const bool only_own = (flags & (kFindMy | kFindIgnoreLocal)) != 0;
+  const bool onlyOwn = (flags & (kFindMy | kFindIgnoreLocal)) != 0;
   for (CertPtr& certificate : session.knownCertificates()) {
-    if (!only_own || session.keys.owns(certificate.get())) candidates.push_back(std::move(certificate));
+    if (!onlyOwn || session.keys.owns(certificate.get())) candidates.push_back(std::move(certificate));
   }
   return candidates;
 }
 
 /// Whether the certificate may be used now. An own certificate may be, even where its issuer is not known yet.
-bool isUsable(const TrustChecker& trust, X509* certificate, uint32_t flags) {
+bool IsUsable(const TrustChecker& trust, X509* certificate, uint32_t flags) {
   if ((flags & kFindAll) != 0) return true;
-  const time_t now = currentTime();
-  const bool check_time = (flags & kFindNoTimeCheck) == 0;
-  if (check_time && !isWithinValidity(certificate, now)) return false;
-  if ((flags & kFindNoKeyTimeCheck) == 0 && !isWithinKeyPeriod(certificate, now)) return false;
+  const time_t now = CurrentTime();
+  const bool checkTime = (flags & kFindNoTimeCheck) == 0;
+  if (checkTime && !IsWithinValidity(certificate, now)) return false;
+  if ((flags & kFindNoKeyTimeCheck) == 0 && !IsWithinKeyPeriod(certificate, now)) return false;
   if ((flags & (kFindMy | kFindNoVerify)) != 0) return true;
   TrustOptions options;
-  options.check_time = check_time;
+  options.checkTime = checkTime;
   const int32_t verdict = trust.check(certificate, options);
   return verdict == kOk || verdict == kVerifiedWithRemarks;
 }
 
 }  // namespace
 
-std::vector<CertPtr> findCertificates(Session& session, const FindParamRecord& param) {
-  const bool by_id = namesCertificate(param.mycert);
-  const bool partial_subject = (param.flag & kFindPartialSubject) != 0;
+std::vector<CertPtr> FindCertificates(Session& session, const FindParamRecord& param) {
+  const bool byId = NamesCertificate(param.mycert);
+  const bool partialSubject = (param.flag & kFindPartialSubject) != 0;
   const TrustChecker trust(session);
   std::vector<CertPtr> found;
-  for (CertPtr& candidate : candidatesOf(session, param.flag)) {
-    if (by_id && !matches(candidate.get(), *param.mycert)) continue;
-    if (!fits(candidate.get(), param.certTemplate, partial_subject)) continue;
-    if (isUsable(trust, candidate.get(), param.flag)) found.push_back(std::move(candidate));
+  for (CertPtr& candidate : CandidatesOf(session, param.flag)) {
+    if (byId && !Matches(candidate.get(), *param.mycert)) continue;
+    if (!Fits(candidate.get(), param.certTemplate, partialSubject)) continue;
+    if (IsUsable(trust, candidate.get(), param.flag)) found.push_back(std::move(candidate));
   }
   if ((param.flag & kFindSelect) == 0) return found;
-  return selectCertificates(found);
+  return SelectCertificates(found);
 }
 
 }  // namespace standin

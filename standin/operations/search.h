@@ -18,6 +18,6 @@ constexpr uint32_t kFindIgnoreLocal = 0x0800;
 
 /// The certificates that the parameters describe, own ones first. An empty result is no failure, except where the user
 /// was asked to choose: then it is kSelectionCancelled, or kNoDisplay.
-std::vector<CertPtr> findCertificates(Session& session, const FindParamRecord& param);
+std::vector<CertPtr> FindCertificates(Session& session, const FindParamRecord& param);
 
 }  // namespace standin

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "standin/base/codes.h"
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 
 namespace standin {
 namespace {
@@ -12,43 +12,43 @@ namespace {
 /// A message that was read whole: its signatures, and its content if it has one.
 struct ReadMessage {
   SignedParts parts;
-  bool has_content = false;
-  uint64_t content_length = 0;
+  bool hasContent = false;
+  uint64_t contentLength = 0;
 };
 
 using Sink = MessageReader::OnContent;
 
-ReadMessage finishReading(MessageReader& reader) {
+ReadMessage FinishReading(MessageReader& reader) {
   reader.finish();
-  return {SignedParts::of(reader), reader.head().has_content, 0};
+  return {SignedParts::of(reader), reader.head().hasContent, 0};
 }
 
-ReadMessage readSigned(ByteView message, const Sink& on_content) {
-  MessageReader reader([](const MessageReader::Head&) {}, on_content);
+ReadMessage ReadSigned(ByteView message, const Sink& onContent) {
+  MessageReader reader([](const MessageReader::Head&) {}, onContent);
   reader.feed(message);
-  return finishReading(reader);
+  return FinishReading(reader);
 }
 
-ReadMessage readSignedFile(const char* path, const Sink& on_content) {
+ReadMessage ReadSignedFile(const char* path, const Sink& onContent) {
   uint64_t length = 0;
   MessageReader reader([](const MessageReader::Head&) {},
                        [&](ByteView piece) {
                          length += piece.size();
-                         on_content(piece);
+                         onContent(piece);
                        });
   InputFile file(path);
   for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) reader.feed(piece);
-  ReadMessage message = finishReading(reader);
-  message.content_length = length;
+  ReadMessage message = FinishReading(reader);
+  message.contentLength = length;
   return message;
 }
 
-void ignore(ByteView) {}
+void Ignore(ByteView) {}
 
 /// Where the content of a signed file comes from; it can be gone through more than once.
 struct ContentFile {
   const char* path;
-  bool inside_message;
+  bool insideMessage;
   uint64_t length;
 
   void pump(const Sink& sink) const {
@@ -57,44 +57,44 @@ struct ContentFile {
       seen += piece.size();
       sink(piece);
     };
-    if (inside_message) {
-      readSignedFile(path, counted);
+    if (insideMessage) {
+      ReadSignedFile(path, counted);
     } else {
       InputFile file(path);
       for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) counted(piece);
     }
-    if (seen != length) fail(kFileChanged);
+    if (seen != length) Fail(kFileChanged);
   }
 };
 
-void requireSameContent(const char* data, const char* message) {
-  Digest in_file(defaultDigest());
-  Digest in_message(defaultDigest());
+void RequireSameContent(const char* data, const char* message) {
+  Digest inFile(DefaultDigest());
+  Digest inMessage(DefaultDigest());
   InputFile file(data);
-  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) in_file.update(piece);
-  readSignedFile(message, [&](ByteView piece) { in_message.update(piece); });
-  if (in_file.finish() != in_message.finish()) fail(kContentMismatch);
+  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) inFile.update(piece);
+  ReadSignedFile(message, [&](ByteView piece) { inMessage.update(piece); });
+  if (inFile.finish() != inMessage.finish()) Fail(kContentMismatch);
 }
 
-ContentFile contentOf(SignatureMaker& maker, const char* data, const char* existing) {
-  if (data == nullptr && existing == nullptr) fail(kContentMissing);
+ContentFile ContentOf(SignatureMaker& maker, const char* data, const char* existing) {
+  if (data == nullptr && existing == nullptr) Fail(kContentMissing);
   ContentFile content{data, false, data == nullptr ? 0 : InputFile(data).size()};
   if (existing == nullptr) return content;
-  ReadMessage message = readSignedFile(existing, ignore);
+  ReadMessage message = ReadSignedFile(existing, Ignore);
   maker.addTo(std::move(message.parts));
   if (data == nullptr) {
-    if (!message.has_content) fail(kContentMissing);
-    return {existing, true, message.content_length};
+    if (!message.hasContent) Fail(kContentMissing);
+    return {existing, true, message.contentLength};
   }
-  if (message.has_content) requireSameContent(data, existing);
+  if (message.hasContent) RequireSameContent(data, existing);
   return content;
 }
 
-void writeAttached(SignatureMaker& maker, const ContentFile& content, const char* out) {
+void WriteAttached(SignatureMaker& maker, const ContentFile& content, const char* out) {
   // The header states lengths that are only known when the signature is made: leave room for it, and fill it in then.
   const SignedParts estimate = maker.estimate();
   const Bytes room = estimate.header(content.length, estimate.trailer().size());
-  SignedParts signed_parts;
+  SignedParts signedParts;
   Bytes header;
   {
     OutputFile file(out);
@@ -103,9 +103,9 @@ void writeAttached(SignatureMaker& maker, const ContentFile& content, const char
       maker.update(piece);
       file.write(piece);
     });
-    signed_parts = maker.finish();
-    const Bytes trailer = signed_parts.trailer();
-    header = signed_parts.header(content.length, trailer.size());
+    signedParts = maker.finish();
+    const Bytes trailer = signedParts.trailer();
+    header = signedParts.header(content.length, trailer.size());
     file.write(trailer);
     if (header.size() == room.size()) {
       file.overwrite(0, header);
@@ -116,11 +116,11 @@ void writeAttached(SignatureMaker& maker, const ContentFile& content, const char
   OutputFile file(out);
   file.write(header);
   content.pump([&](ByteView piece) { file.write(piece); });
-  file.write(signed_parts.trailer());
+  file.write(signedParts.trailer());
   file.commit();
 }
 
-DataBlob_t outputOf(Session& session, SignatureMaker& maker, ByteView content) {
+DataBlob_t OutputOf(Session& session, SignatureMaker& maker, ByteView content) {
   const SignedParts parts = maker.finish();
   if (maker.isDetached()) return session.buffers.copyBytes(parts.withoutContent());
   const Bytes trailer = parts.trailer();
@@ -129,43 +129,44 @@ DataBlob_t outputOf(Session& session, SignatureMaker& maker, ByteView content) {
 
 }  // namespace
 
-DataBlob_t signMemory(Session& session, const SignParamRecord* param, std::optional<ByteView> data,
+DataBlob_t SignMemory(Session& session, const SignParamRecord* param, std::optional<ByteView> data,
                       std::optional<ByteView> existing) {
   SignatureMaker maker(session.keys, param);
   Bytes kept;
   ByteView content = data.value_or(ByteView());
   if (existing) {
-    ReadMessage message = readSigned(*existing, [&](ByteView piece) { append(kept, piece); });
-    if (!data && !message.has_content) fail(kContentMissing);
-    if (data && message.has_content && !std::equal(content.begin(), content.end(), kept.begin(), kept.end())) {
-      fail(kContentMismatch);
+    ReadMessage message = ReadSigned(*existing, [&](ByteView piece) { Append(kept, piece); });
+    if (!data && !message.hasContent) Fail(kContentMissing);
+    if (data && message.hasContent && !std::equal(content.begin(), content.end(), kept.begin(), kept.end())) {
+      Fail(kContentMismatch);
     }
     if (!data) content = kept;
     maker.addTo(std::move(message.parts));
   }
   maker.update(content);
-  return outputOf(session, maker, content);
+  return OutputOf(session, maker, content);
 }
 
-void signFile(Session& session, const SignParamRecord* param, const char* data, const char* existing, const char* out) {
-  if (out == nullptr) fail(kWinInvalidParameter);
+void SignFiles(Session& session, const SignParamRecord* param, const char* data, const char* existing,
+               const char* out) {
+  if (out == nullptr) Fail(kWinInvalidParameter);
   SignatureMaker maker(session.keys, param);
-  const ContentFile content = contentOf(maker, given(data), given(existing));
+  const ContentFile content = ContentOf(maker, Given(data), Given(existing));
   if (!maker.isDetached()) {
-    writeAttached(maker, content, out);
+    WriteAttached(maker, content, out);
     return;
   }
   content.pump([&](ByteView piece) { maker.update(piece); });
-  writeWholeFile(out, maker.finish().withoutContent());
+  WriteWholeFile(out, maker.finish().withoutContent());
 }
 
 SignStream::SignStream(Session& session, const SignParamRecord* param, std::optional<ByteView> existing)
     : session_(session), maker_(session.keys, param) {
   if (!existing) return;
   Bytes content;
-  ReadMessage message = readSigned(*existing, [&](ByteView piece) { append(content, piece); });
+  ReadMessage message = ReadSigned(*existing, [&](ByteView piece) { Append(content, piece); });
   maker_.addTo(std::move(message.parts));
-  if (message.has_content) existing_content_ = std::move(content);
+  if (message.hasContent) existing_content_ = std::move(content);
 }
 
 void SignStream::update(ByteView data) {
@@ -173,21 +174,21 @@ void SignStream::update(ByteView data) {
     // The content is in the message already; data beside it can only be the same again.
     const ByteView expected = ByteView(*existing_content_).subspan(matched_);
     if (data.size() > expected.size() || !std::equal(data.begin(), data.end(), expected.begin()))
-      fail(kContentMismatch);
+      Fail(kContentMismatch);
     matched_ += data.size();
     return;
   }
   maker_.update(data);
-  if (!maker_.isDetached()) append(content_, data);
+  if (!maker_.isDetached()) Append(content_, data);
 }
 
 DataBlob_t SignStream::finish() {
   if (existing_content_) {
-    if (matched_ != 0 && matched_ != existing_content_->size()) fail(kContentMismatch);
+    if (matched_ != 0 && matched_ != existing_content_->size()) Fail(kContentMismatch);
     content_ = std::move(*existing_content_);
     maker_.update(content_);
   }
-  return outputOf(session_, maker_, content_);
+  return OutputOf(session_, maker_, content_);
 }
 
 }  // namespace standin

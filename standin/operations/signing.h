@@ -10,11 +10,11 @@ namespace standin {
 
 /// The signed message or detached signature, in memory of the session. The data may be left out when the existing
 /// message has its content; without either, nothing is signed: no bytes.
-DataBlob_t signMemory(Session& session, const SignParamRecord* param, std::optional<ByteView> data,
+DataBlob_t SignMemory(Session& session, const SignParamRecord* param, std::optional<ByteView> data,
                       std::optional<ByteView> existing);
 
 /// The same from files to a file; a null path and the device NUL are absent files. Memory does not grow with the files.
-void signFile(Session& session, const SignParamRecord* param, const char* data, const char* existing, const char* out);
+void SignFiles(Session& session, const SignParamRecord* param, const char* data, const char* existing, const char* out);
 
 /// Signing of data in pieces. Data is kept only when it becomes part of the message.
 class SignStream : public Stream {

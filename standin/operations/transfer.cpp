@@ -17,114 +17,114 @@
 namespace standin {
 namespace {
 
-void requireOwn(const Session& session, const CertIdRecord* id) {
-  if (namesCertificate(id)) session.keys.pick(id, KeyPurpose::kAny);
+void RequireOwn(const Session& session, const CertIdRecord* id) {
+  if (NamesCertificate(id)) session.keys.pick(id, KeyPurpose::kAny);
 }
 
-Bytes pemOf(const char* label, ByteView der) {
+Bytes PemOf(const char* label, ByteView der) {
   const BioPtr out(BIO_new(BIO_s_mem()));
   if (out == nullptr || PEM_write_bio(out.get(), label, "", der.data(), static_cast<long>(der.size())) <= 0) {
-    fail(kWinOutOfMemory);
+    Fail(kWinOutOfMemory);
   }
   char* text = nullptr;
   const long length = BIO_get_mem_data(out.get(), &text);
   return Bytes(text, text + length);
 }
 
-CertPtr namedCertificate(const Session& session, const CertIdRecord& id) {
+CertPtr NamedCertificate(const Session& session, const CertIdRecord& id) {
   for (CertPtr& certificate : session.knownCertificates()) {
-    if (matches(certificate.get(), id)) return std::move(certificate);
+    if (Matches(certificate.get(), id)) return std::move(certificate);
   }
   return nullptr;
 }
 
 /// A signed message without signers that carries everything the store has.
-Bytes storeAsMessage(const Session& session) {
+Bytes StoreAsMessage(const Session& session) {
   const std::vector<CertPtr> certificates = session.knownCertificates();
-  if (certificates.empty() && session.store.crls().empty()) fail(kNothingToExport);
+  if (certificates.empty() && session.store.crls().empty()) Fail(kNothingToExport);
   const CmsPtr message(CMS_sign(nullptr, nullptr, nullptr, nullptr, CMS_PARTIAL | CMS_DETACHED));
-  if (message == nullptr) fail(kWinOutOfMemory);
+  if (message == nullptr) Fail(kWinOutOfMemory);
   for (const CertPtr& certificate : certificates) CMS_add1_cert(message.get(), certificate.get());
   for (const CrlPtr& crl : session.store.crls()) CMS_add1_crl(message.get(), crl.get());
   unsigned char* der = nullptr;
   const int length = i2d_CMS_ContentInfo(message.get(), &der);
-  if (length <= 0) fail(kInternal);
+  if (length <= 0) Fail(kInternal);
   const OctetsPtr owner(der);
   return Bytes(der, der + length);
 }
 
-CertPtr chosenCertificate(const Session& session, const SignParamRecord& param) {
-  if ((param.flag & kExportUi) != 0) return std::move(selectCertificates(session.knownCertificates()).front());
-  if (!namesCertificate(param.mycert)) return nullptr;
-  CertPtr certificate = namedCertificate(session, *param.mycert);
-  if (certificate == nullptr) fail(kNothingToExport);
+CertPtr ChosenCertificate(const Session& session, const SignParamRecord& param) {
+  if ((param.flag & kExportUi) != 0) return std::move(SelectCertificates(session.knownCertificates()).front());
+  if (!NamesCertificate(param.mycert)) return nullptr;
+  CertPtr certificate = NamedCertificate(session, *param.mycert);
+  if (certificate == nullptr) Fail(kNothingToExport);
   return certificate;
 }
 
-void confirmImport(const FoundObjects& found) {
-  requireDisplay();
+void ConfirmImport(const FoundObjects& found) {
+  RequireDisplay();
   std::wstring text = L"Добавить в справочник?";
   for (const CertPtr& certificate : found.certificates) {
-    text += L"\n" + wideFromUtf8(nameText(X509_get_subject_name(certificate.get())));
+    text += L"\n" + WideFromUtf8(NameText(X509_get_subject_name(certificate.get())));
   }
   for (const CrlPtr& crl : found.crls) {
-    text += L"\nСписок отозванных: " + wideFromUtf8(nameText(X509_CRL_get_issuer(crl.get())));
+    text += L"\nСписок отозванных: " + WideFromUtf8(NameText(X509_CRL_get_issuer(crl.get())));
   }
   const int answer =
       MessageBoxW(GetActiveWindow(), text.c_str(), L"Импорт сертификатов", MB_OKCANCEL | MB_ICONQUESTION);
-  if (answer != IDOK) fail(kSelectionCancelled);
+  if (answer != IDOK) Fail(kSelectionCancelled);
 }
 
 /// With no kind named, all kinds are wanted.
-FoundObjects wantedObjects(FoundObjects found, uint32_t flags) {
+FoundObjects WantedObjects(FoundObjects found, uint32_t flags) {
   const bool any = (flags & (kImportCertificate | kImportCrl | kImportMyCertificate)) == 0;
   if (!any && (flags & (kImportCertificate | kImportMyCertificate)) == 0) found.certificates.clear();
   if (!any && (flags & kImportCrl) == 0) found.crls.clear();
-  if (found.certificates.empty() && found.crls.empty()) fail(kNothingToImport);
+  if (found.certificates.empty() && found.crls.empty()) Fail(kNothingToImport);
   return found;
 }
 
 }  // namespace
 
-void addCertificate(Session& session, const SignParamRecord& addition, ByteView encoded) {
-  requireOwn(session, addition.mycert);
-  FoundObjects found = objectsIn(encoded);
-  if (found.certificates.size() != 1 || !found.crls.empty()) fail(kCertificateDamaged);
+void AddCertificate(Session& session, const SignParamRecord& addition, ByteView encoded) {
+  RequireOwn(session, addition.mycert);
+  FoundObjects found = ObjectsIn(encoded);
+  if (found.certificates.size() != 1 || !found.crls.empty()) Fail(kCertificateDamaged);
   session.addCertificate(found.certificates.front().get());
 }
 
-void addCrl(Session& session, const SignParamRecord& addition, ByteView encoded) {
-  requireOwn(session, addition.mycert);
-  FoundObjects found = objectsIn(encoded);
-  if (found.crls.size() != 1 || !found.certificates.empty()) fail(kCrlDamaged);
+void AddCrl(Session& session, const SignParamRecord& addition, ByteView encoded) {
+  RequireOwn(session, addition.mycert);
+  FoundObjects found = ObjectsIn(encoded);
+  if (found.crls.size() != 1 || !found.certificates.empty()) Fail(kCrlDamaged);
   session.store.add(found.crls.front().get());
 }
 
-Bytes exportObjects(Session& session, const SignParamRecord& param) {
-  if ((param.flag & (kExportTokens | kExportRevocationRequest)) != 0) fail(kNotSupported);
-  const bool as_der = (param.flag & kExportDer) != 0;
+Bytes ExportObjects(Session& session, const SignParamRecord& param) {
+  if ((param.flag & (kExportTokens | kExportRevocationRequest)) != 0) Fail(kNotSupported);
+  const bool asDer = (param.flag & kExportDer) != 0;
   if ((param.flag & kExportNewRequest) != 0) {
-    const Bytes request = newestRequest(session.store);
-    return as_der ? request : pemOf(PEM_STRING_X509_REQ, request);
+    const Bytes request = NewestRequest(session.store);
+    return asDer ? request : PemOf(PEM_STRING_X509_REQ, request);
   }
-  const CertPtr certificate = chosenCertificate(session, param);
+  const CertPtr certificate = ChosenCertificate(session, param);
   if (certificate == nullptr) {
-    const Bytes message = storeAsMessage(session);
-    return as_der ? message : pemOf(PEM_STRING_PKCS7, message);
+    const Bytes message = StoreAsMessage(session);
+    return asDer ? message : PemOf(PEM_STRING_PKCS7, message);
   }
-  const Bytes der = derOf(certificate.get());
-  return as_der ? der : pemOf(PEM_STRING_X509, der);
+  const Bytes der = DerOf(certificate.get());
+  return asDer ? der : PemOf(PEM_STRING_X509, der);
 }
 
-void importObjects(Session& session, const SignParamRecord& param, ByteView bytes) {
-  requireOwn(session, param.mycert);
-  const FoundObjects found = wantedObjects(objectsInBundle(bytes), param.flag);
+void ImportObjects(Session& session, const SignParamRecord& param, ByteView bytes) {
+  RequireOwn(session, param.mycert);
+  const FoundObjects found = WantedObjects(ObjectsInBundle(bytes), param.flag);
   if ((param.flag & kImportMyCertificate) != 0) {
     for (const CertPtr& certificate : found.certificates) {
-      if (!session.keys.hasKeyOf(certificate.get())) fail(kKeyDoesNotMatch);
+      if (!session.keys.hasKeyOf(certificate.get())) Fail(kKeyDoesNotMatch);
     }
   }
-  if ((param.flag & kImportUi) != 0) confirmImport(found);
+  if ((param.flag & kImportUi) != 0) ConfirmImport(found);
   for (const CertPtr& certificate : found.certificates) session.addCertificate(certificate.get());
   for (const CrlPtr& crl : found.crls) {
     try {

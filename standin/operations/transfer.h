@@ -18,14 +18,14 @@ constexpr uint32_t kImportUpdate = 0x0010;
 
 /// Adds one encoded certificate or list. A named own certificate must exist. Fails with kCertificateDamaged,
 /// kCrlDamaged, or as the store does.
-void addCertificate(Session& session, const SignParamRecord& addition, ByteView encoded);
-void addCrl(Session& session, const SignParamRecord& addition, ByteView encoded);
+void AddCertificate(Session& session, const SignParamRecord& addition, ByteView encoded);
+void AddCrl(Session& session, const SignParamRecord& addition, ByteView encoded);
 
 /// The certificate that the parameters name, or the whole store as a message of certificates and lists; DER or PEM.
-Bytes exportObjects(Session& session, const SignParamRecord& param);
+Bytes ExportObjects(Session& session, const SignParamRecord& param);
 
 /// Everything that the bytes hold and the flags admit. Fails with kNothingToImport, kKeyDoesNotMatch,
 /// kSelectionCancelled, or as the store does.
-void importObjects(Session& session, const SignParamRecord& param, ByteView bytes);
+void ImportObjects(Session& session, const SignParamRecord& param, ByteView bytes);
 
 }  // namespace standin

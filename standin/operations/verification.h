@@ -15,21 +15,21 @@ struct Verification {
 };
 
 /// Writes verdicts into a result record; the certificates under the mask of `param`.
-void fillResult(VerifyResultRecord& result, const Verification& verification, const VerifyParamRecord& param,
+void FillResult(VerifyResultRecord& result, const Verification& verification, const VerifyParamRecord& param,
                 Buffers& buffers);
-void freeResult(VerifyResultRecord& result, Buffers& buffers);
+void FreeResult(VerifyResultRecord& result, Buffers& buffers);
 
 /// `out` receives the content of the message, or the message without the removed signature, when the code is kOk.
-Verification verifyMemory(Session& session, const VerifyParamRecord& param, std::optional<ByteView> data,
+Verification VerifyMemory(Session& session, const VerifyParamRecord& param, std::optional<ByteView> data,
                           ByteView message, DataBlob_t& out);
 
 /// The same with files; `data` and `out` may be null or empty. The output appears when the signatures are good, with or
 /// without remarks, and the message carries its content or keeps signatures.
-Verification verifyFile(Session& session, const VerifyParamRecord& param, const char* data, const char* message,
-                        const char* out);
+Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const char* data, const char* message,
+                         const char* out);
 
 /// How many signatures the file carries. Fails with kNotSigned when none.
-uint32_t countSignatures(const char* message);
+uint32_t CountSignatures(const char* message);
 
 /// Verification of a message or of data in pieces. When what Init was given is a whole signature without content, the
 /// pieces are the data that it covers; otherwise they continue the message.

@@ -21,26 +21,26 @@ constexpr char kAnyExtKeyUsage[] = "2.5.29.37.0";
 
 using AlgorithmPtr = std::unique_ptr<X509_ALGOR, FreeWith<X509_ALGOR_free>>;
 
-const EVP_MD* digestOf(const X509_ALGOR* algorithm) {
+const EVP_MD* DigestOf(const X509_ALGOR* algorithm) {
   const ASN1_OBJECT* object = nullptr;
   X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
   return EVP_get_digestbynid(OBJ_obj2nid(object));
 }
 
-const EVP_MD* digestOf(CMS_SignerInfo* signer) {
+const EVP_MD* DigestOf(CMS_SignerInfo* signer) {
   X509_ALGOR* algorithm = nullptr;
   CMS_SignerInfo_get0_algs(signer, nullptr, nullptr, &algorithm, nullptr);
-  return digestOf(algorithm);
+  return DigestOf(algorithm);
 }
 
 /// Each digest of the message once, those that are unknown left out.
-std::vector<const EVP_MD*> digestsOf(const MessageReader::Head& head) {
+std::vector<const EVP_MD*> DigestsOf(const MessageReader::Head& head) {
   std::vector<const EVP_MD*> digests;
-  for (const Bytes& der : digestAlgorithmsOf(head)) {
+  for (const Bytes& der : DigestAlgorithmsOf(head)) {
     const unsigned char* cursor = der.data();
     const AlgorithmPtr algorithm(d2i_X509_ALGOR(nullptr, &cursor, static_cast<long>(der.size())));
-    if (algorithm == nullptr) fail(kMessageDamaged);
-    const EVP_MD* digest = digestOf(algorithm.get());
+    if (algorithm == nullptr) Fail(kMessageDamaged);
+    const EVP_MD* digest = DigestOf(algorithm.get());
     if (digest != nullptr && std::find(digests.begin(), digests.end(), digest) == digests.end()) {
       digests.push_back(digest);
     }
@@ -48,25 +48,25 @@ std::vector<const EVP_MD*> digestsOf(const MessageReader::Head& head) {
   return digests;
 }
 
-time_t signingTimeOf(const CMS_SignerInfo* signer) {
+time_t SigningTimeOf(const CMS_SignerInfo* signer) {
   const int at = CMS_signed_get_attr_by_NID(signer, NID_pkcs9_signingTime, -1);
   if (at < 0) return 0;
   const ASN1_TYPE* value = X509_ATTRIBUTE_get0_type(CMS_signed_get_attr(signer, at), 0);
   if (value == nullptr) return 0;
   const int type = ASN1_TYPE_get(value);
-  const bool is_time = type == V_ASN1_UTCTIME || type == V_ASN1_GENERALIZEDTIME;
-  return is_time ? secondsOf(value->value.asn1_string) : 0;
+  const bool isTime = type == V_ASN1_UTCTIME || type == V_ASN1_GENERALIZEDTIME;
+  return isTime ? SecondsOf(value->value.asn1_string) : 0;
 }
 
 /// A signature may state what kind of content it covers; it must then be the kind of the message.
-bool statesContentTypeOf(CMS_ContentInfo* message, const CMS_SignerInfo* signer) {
+bool StatesContentTypeOf(CMS_ContentInfo* message, const CMS_SignerInfo* signer) {
   const auto* stated = static_cast<const ASN1_OBJECT*>(
       CMS_signed_get0_data_by_OBJ(signer, OBJ_nid2obj(NID_pkcs9_contentType), -3, V_ASN1_OBJECT));
   return stated != nullptr && OBJ_cmp(stated, CMS_get0_eContentType(message)) == 0;
 }
 
 /// The algorithm that a signature names must be one of its signer's key; libcrypto goes by the key alone.
-bool namesAlgorithmOf(CMS_SignerInfo* signer) {
+bool NamesAlgorithmOf(CMS_SignerInfo* signer) {
   EVP_PKEY* key = nullptr;
   X509_ALGOR* digest = nullptr;
   X509_ALGOR* signature = nullptr;
@@ -75,23 +75,22 @@ bool namesAlgorithmOf(CMS_SignerInfo* signer) {
   int parameters = V_ASN1_UNDEF;
   X509_ALGOR_get0(&object, &parameters, nullptr, signature);
   const int stated = OBJ_obj2nid(object);
-  const int key_type = EVP_PKEY_get_base_id(key);
-  if (stated == NID_rsassaPss) return key_type == EVP_PKEY_RSA || key_type == EVP_PKEY_RSA_PSS;
+  const int keyType = EVP_PKEY_get_base_id(key);
+  if (stated == NID_rsassaPss) return keyType == EVP_PKEY_RSA || keyType == EVP_PKEY_RSA_PSS;
   if (parameters != V_ASN1_UNDEF && parameters != V_ASN1_NULL) return false;
-  if (stated == key_type) return true;
-  int of_digest = NID_undef;
-  int of_key = NID_undef;
-  if (OBJ_find_sigid_algs(stated, &of_digest, &of_key) != 1 || of_key != key_type) return false;
-  return of_digest == NID_undef || of_digest == EVP_MD_get_type(digestOf(digest));
+  if (stated == keyType) return true;
+  int ofDigest = NID_undef;
+  int ofKey = NID_undef;
+  if (OBJ_find_sigid_algs(stated, &ofDigest, &ofKey) != 1 || ofKey != keyType) return false;
+  return ofDigest == NID_undef || ofDigest == EVP_MD_get_type(DigestOf(digest));
 }
 
 /// Each part states a version that follows from what is in it; any other is none that anybody wrote.
-bool hasPlausibleVersions(const SignedParts& parts) {
-  const bool is_data =
-      std::equal(parts.content_type.begin(), parts.content_type.end(), kOidData.begin(), kOidData.end());
-  int highest = is_data ? 1 : 3;
+bool HasPlausibleVersions(const SignedParts& parts) {
+  const bool isData = std::equal(parts.contentType.begin(), parts.contentType.end(), kOidData.begin(), kOidData.end());
+  int highest = isData ? 1 : 3;
   for (const Bytes& signer : parts.signers) {
-    const std::vector<ByteView> members = ber::childrenOf(signer);
+    const std::vector<ByteView> members = ber::ChildrenOf(signer);
     if (members.size() < 2) return false;
     const uint8_t version = members[1][0] == ber::kContext0 ? 3 : 1;
     const uint8_t element[] = {ber::kInteger, 1, version};
@@ -101,40 +100,40 @@ bool hasPlausibleVersions(const SignedParts& parts) {
   return parts.version >= 1 && parts.version <= highest;
 }
 
-bool contains(const std::vector<std::string>& list, const char* wanted, const char* any) {
+bool Contains(const std::vector<std::string>& list, const char* wanted, const char* any) {
   return std::any_of(list.begin(), list.end(),
                      [&](const std::string& one) { return one == any || (wanted != nullptr && one == wanted); });
 }
 
-bool hasExtension(const X509* certificate, const ExtensionRecord& wanted) {
-  const std::vector<CertExtension> extensions = extensionsOf(certificate);
+bool HasExtension(const X509* certificate, const ExtensionRecord& wanted) {
+  const std::vector<CertExtension> extensions = ExtensionsOf(certificate);
   return std::any_of(extensions.begin(), extensions.end(), [&](const CertExtension& one) {
     if (wanted.oid == nullptr || one.oid != wanted.oid) return false;
-    const ByteView data = viewOf(&wanted.data);
+    const ByteView data = ViewOf(&wanted.data);
     return data.empty() || std::equal(data.begin(), data.end(), one.value.begin(), one.value.end());
   });
 }
 
-bool isGood(int32_t code) { return code == kOk || code == kVerifiedWithRemarks; }
+bool IsGood(int32_t code) { return code == kOk || code == kVerifiedWithRemarks; }
 
 }  // namespace
 
-Verifier::Verifier(const Session& session, MessageReader::OnContent on_content)
+Verifier::Verifier(const Session& session, MessageReader::OnContent onContent)
     : session_(session),
       reader_([this](const MessageReader::Head& head) { begin(head); },
-              [this, on_content = std::move(on_content)](ByteView piece) {
+              [this, onContent = std::move(onContent)](ByteView piece) {
                 hash(piece);
-                on_content(piece);
+                onContent(piece);
               }) {}
 
 void Verifier::begin(const MessageReader::Head& head) {
-  if (head.kind != MessageKind::kSigned) fail(kNotSigned);
+  if (head.kind != MessageKind::kSigned) Fail(kNotSigned);
   digests_.reset(BIO_new(BIO_s_null()));
-  for (const EVP_MD* algorithm : digestsOf(head)) {
+  for (const EVP_MD* algorithm : DigestsOf(head)) {
     BIO* digest = BIO_new(BIO_f_md());
-    if (digest == nullptr) fail(kWinOutOfMemory);
+    if (digest == nullptr) Fail(kWinOutOfMemory);
     digests_.reset(BIO_push(digest, digests_.release()));
-    if (BIO_set_md(digest, algorithm) != 1) fail(kInternal);
+    if (BIO_set_md(digest, algorithm) != 1) Fail(kInternal);
   }
 }
 
@@ -151,18 +150,18 @@ void Verifier::finish(const VerifyParamRecord& param) {
   param_ = &param;
   reader_.finish();
   parts_ = SignedParts::of(reader_);
-  if (parts_.signers.empty()) fail(kNotSigned);
-  if (parts_.signers.size() > kMostSigners || parts_.certificates.size() > kMostCertificates) fail(kTooLarge);
-  const CmsPtr message = messageFromDer(parts_.withoutContent());
+  if (parts_.signers.empty()) Fail(kNotSigned);
+  if (parts_.signers.size() > kMostSigners || parts_.certificates.size() > kMostCertificates) Fail(kTooLarge);
+  const CmsPtr message = MessageFromDer(parts_.withoutContent());
 
-  if (!hasPlausibleVersions(parts_)) fail(kMessageDamaged);
+  if (!HasPlausibleVersions(parts_)) Fail(kMessageDamaged);
 
-  const bool use_attached = (param_->flag & kVerifyNoAttachedCertificates) == 0;
-  const CertStackPtr attached(use_attached ? CMS_get1_certs(message.get()) : nullptr);
+  const bool useAttached = (param_->flag & kVerifyNoAttachedCertificates) == 0;
+  const CertStackPtr attached(useAttached ? CMS_get1_certs(message.get()) : nullptr);
   const CertViewPtr known(sk_X509_new_null());
   for (const CertPtr& certificate : session_.store.certificates()) sk_X509_push(known.get(), certificate.get());
   for (const OwnKey& own : session_.keys.own()) sk_X509_push(known.get(), own.certificate.get());
-  CMS_set1_signers_certs(message.get(), known.get(), use_attached ? 0 : CMS_NOINTERN);
+  CMS_set1_signers_certs(message.get(), known.get(), useAttached ? 0 : CMS_NOINTERN);
 
   const TrustChecker trust(session_, attached.get());
   STACK_OF(CMS_SignerInfo)* signers = CMS_get0_SignerInfos(message.get());
@@ -173,66 +172,66 @@ void Verifier::finish(const VerifyParamRecord& param) {
 }
 
 SignerVerdict Verifier::judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, const TrustChecker& trust) {
-  SignerVerdict verdict{kOk, signingTimeOf(signer), nullptr};
+  SignerVerdict verdict{kOk, SigningTimeOf(signer), nullptr};
   X509* certificate = nullptr;
   CMS_SignerInfo_get0_algs(signer, nullptr, &certificate, nullptr, nullptr);
   if (certificate == nullptr) {
     verdict.code = kSignerUnknown;
     return verdict;
   }
-  verdict.certificate = share(certificate);
-  if (digestOf(signer) == nullptr) {
+  verdict.certificate = Share(certificate);
+  if (DigestOf(signer) == nullptr) {
     verdict.code = kAlgorithmUnknown;
   } else if (!isGenuine(message, signer)) {
     verdict.code = kBadSignature;
   } else {
     TrustOptions options;
-    options.check_time = (param_->flag & kVerifyNoTimeCheck) == 0;
-    if ((param_->flag & kVerifyAtSigningTime) != 0) options.at = verdict.signing_time;
+    options.checkTime = (param_->flag & kVerifyNoTimeCheck) == 0;
+    if ((param_->flag & kVerifyAtSigningTime) != 0) options.at = verdict.signingTime;
     verdict.code = trust.check(certificate, options);
-    const int32_t demand = isGood(verdict.code) ? checkDemands(certificate) : kOk;
+    const int32_t demand = IsGood(verdict.code) ? checkDemands(certificate) : kOk;
     if (demand != kOk) verdict.code = demand;
   }
   return verdict;
 }
 
 bool Verifier::isGenuine(CMS_ContentInfo* message, CMS_SignerInfo* signer) {
-  if (!namesAlgorithmOf(signer)) return false;
-  const bool has_attributes = CMS_signed_get_attr_count(signer) >= 0;
-  if (has_attributes && (!statesContentTypeOf(message, signer) || CMS_SignerInfo_verify(signer) != 1)) return false;
+  if (!NamesAlgorithmOf(signer)) return false;
+  const bool hasAttributes = CMS_signed_get_attr_count(signer) >= 0;
+  if (hasAttributes && (!StatesContentTypeOf(message, signer) || CMS_SignerInfo_verify(signer) != 1)) return false;
   return CMS_SignerInfo_verify_content(signer, digests_.get()) == 1;
 }
 
 int32_t Verifier::checkDemands(X509* certificate) const {
-  const uint32_t uses = keyUsageOf(certificate);
+  const uint32_t uses = KeyUsageOf(certificate);
   if (uses != 0 && (uses & kSigningUses) == 0) return kKeyUsageMissing;
-  if ((param_->flag & kVerifyKeyUsage) != 0 && !allowsKeyUsage(certificate, param_->keyUsage)) return kKeyUsageMissing;
+  if ((param_->flag & kVerifyKeyUsage) != 0 && !AllowsKeyUsage(certificate, param_->keyUsage)) return kKeyUsageMissing;
   if ((param_->flag & kVerifyPolicy) != 0) {
     std::vector<std::string> stated;
-    for (const CertPolicy& policy : policiesOf(certificate)) stated.push_back(policy.oid);
+    for (const CertPolicy& policy : PoliciesOf(certificate)) stated.push_back(policy.oid);
     for (int32_t i = 0; i < param_->policyCount; ++i) {
-      if (!contains(stated, param_->policies[i].oid, kAnyPolicy)) return kPolicyMissing;
+      if (!Contains(stated, param_->policies[i].oid, kAnyPolicy)) return kPolicyMissing;
     }
   }
   if ((param_->flag & kVerifyExtKeyUsage) != 0) {
-    const std::vector<std::string> stated = extKeyUsageOf(certificate);
+    const std::vector<std::string> stated = ExtKeyUsageOf(certificate);
     for (int32_t i = 0; i < param_->extKeyUsageCount; ++i) {
-      if (!contains(stated, param_->extKeyUsage[i], kAnyExtKeyUsage)) return kExtKeyUsageMissing;
+      if (!Contains(stated, param_->extKeyUsage[i], kAnyExtKeyUsage)) return kExtKeyUsageMissing;
     }
   }
   for (int32_t i = 0; i < param_->extensionCount; ++i) {
-    if (!hasExtension(certificate, param_->extensions[i])) return kExtensionMissing;
+    if (!HasExtension(certificate, param_->extensions[i])) return kExtensionMissing;
   }
   return kOk;
 }
 
 int32_t Verifier::overall() const {
-  const auto is_good = [](const SignerVerdict& verdict) { return isGood(verdict.code); };
-  const auto good = std::count_if(verdicts_.begin(), verdicts_.end(), is_good);
-  const bool enough_will_do = (param_->flag & kVerifyMinSignatures) != 0;
-  if (enough_will_do && good < param_->minsigns) return kTooFewSignatures;
-  const auto bad = std::find_if_not(verdicts_.begin(), verdicts_.end(), is_good);
-  if (bad != verdicts_.end()) return enough_will_do && good > 0 ? kVerifiedWithRemarks : bad->code;
+  const auto isGood = [](const SignerVerdict& verdict) { return IsGood(verdict.code); };
+  const auto good = std::count_if(verdicts_.begin(), verdicts_.end(), isGood);
+  const bool enoughWillDo = (param_->flag & kVerifyMinSignatures) != 0;
+  if (enoughWillDo && good < param_->minsigns) return kTooFewSignatures;
+  const auto bad = std::find_if_not(verdicts_.begin(), verdicts_.end(), isGood);
+  if (bad != verdicts_.end()) return enoughWillDo && good > 0 ? kVerifiedWithRemarks : bad->code;
   const bool remarks =
       std::any_of(verdicts_.begin(), verdicts_.end(), [](const SignerVerdict& verdict) { return verdict.code != kOk; });
   return remarks ? kVerifiedWithRemarks : kOk;
@@ -241,7 +240,7 @@ int32_t Verifier::overall() const {
 void Verifier::removeSignature() {
   const int32_t index = param_->nSignToDelete;
   if (index == kDeleteAllSignatures) return;
-  if (index < 0 || static_cast<size_t>(index) >= parts_.signers.size()) fail(kNoSuchSignature);
+  if (index < 0 || static_cast<size_t>(index) >= parts_.signers.size()) Fail(kNoSuchSignature);
   parts_.signers.erase(parts_.signers.begin() + index);
   removes_one_ = !parts_.signers.empty();
 }

@@ -4,7 +4,7 @@
 #include "standin/certificates/cert_record.h"
 #include "standin/messages/signed_parts.h"
 #include "standin/sessions/session.h"
-#include "standin/sessions/trust.h"
+#include "standin/sessions/trust_checker.h"
 
 namespace standin {
 
@@ -21,19 +21,19 @@ constexpr int32_t kDeleteAllSignatures = -1;
 /// The verdict on one signature.
 struct SignerVerdict {
   int32_t code;
-  time_t signing_time;  ///< 0 when the signature does not state one
+  time_t signingTime;   ///< 0 when the signature does not state one
   CertPtr certificate;  ///< null when there is none
 };
 
 class Verifier {
  public:
-  /// `on_content` receives the content that the message carries, before anything is known about its signatures.
-  Verifier(const Session& session, MessageReader::OnContent on_content);
+  /// `onContent` receives the content that the message carries, before anything is known about its signatures.
+  Verifier(const Session& session, MessageReader::OnContent onContent);
 
   void feedMessage(ByteView bytes) { reader_.feed(bytes); }
   bool headKnown() const { return reader_.headKnown(); }
   /// The message carries its content; valid once the head is known.
-  bool hasContent() const { return reader_.head().has_content; }
+  bool hasContent() const { return reader_.head().hasContent; }
   /// The data of a message that does not carry it.
   void feedData(ByteView bytes) { hash(bytes); }
 

@@ -7,26 +7,26 @@
 
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
+#include "standin/base/files.h"
 #include "standin/base/times.h"
-#include "standin/base/win_file.h"
 #include "standin/certificates/cert_id.h"
-#include "standin/sessions/pkcs12_file.h"
+#include "standin/sessions/sealed_keys.h"
 
 namespace standin {
 namespace {
 
 constexpr uint64_t kLargestKeyFile = 4 * 1024 * 1024;
 
-Bytes readKeyFile(const std::string& path) {
+Bytes ReadKeyFile(const std::string& path) {
   try {
-    return readWholeFile(path.c_str(), kLargestKeyFile);
+    return ReadWholeFile(path.c_str(), kLargestKeyFile);
   } catch (const EngineError& error) {
     const bool missing = error.code == ERROR_FILE_NOT_FOUND || error.code == ERROR_PATH_NOT_FOUND;
-    fail(missing ? kKeyFileMissing : error.code == kTooLarge ? kKeyFileDamaged : error.code);
+    Fail(missing ? kKeyFileMissing : error.code == kTooLarge ? kKeyFileDamaged : error.code);
   }
 }
 
-bool suits(X509* certificate, KeyPurpose purpose) {
+bool Suits(X509* certificate, KeyPurpose purpose) {
   if (purpose == KeyPurpose::kAny) return true;
   const uint32_t wanted = purpose == KeyPurpose::kSigning ? KU_DIGITAL_SIGNATURE | KU_NON_REPUDIATION
                                                           : KU_KEY_ENCIPHERMENT | KU_KEY_AGREEMENT;
@@ -38,10 +38,10 @@ bool suits(X509* certificate, KeyPurpose purpose) {
 
 KeyStore::~KeyStore() { OPENSSL_cleanse(pin_.data(), pin_.size()); }
 
-void KeyStore::setPin(const std::string& pin) { pin_ = utf8FromAnsi(pin); }
+void KeyStore::setPin(const std::string& pin) { pin_ = Utf8FromAnsi(pin); }
 
 void KeyStore::open(const std::string& path) {
-  Pkcs12Content content = readPkcs12(readKeyFile(path), pin_);
+  Pkcs12Content content = ReadPkcs12(ReadKeyFile(path), pin_);
   for (KeyPtr& key : content.keys) keys_.push_back(std::move(key));
   for (CertPtr& certificate : content.certificates) {
     if (hasKeyOf(certificate.get())) {
@@ -53,9 +53,9 @@ void KeyStore::open(const std::string& path) {
 }
 
 void KeyStore::openFolder(const std::string& folder) {
-  for (const std::string& name : filesIn(folder, "*.key")) {
+  for (const std::string& name : FilesIn(folder, "*.key")) {
     try {
-      if (KeyPtr key = readSealedKey(readKeyFile(joinPath(folder, name)), pin_)) keys_.push_back(std::move(key));
+      if (KeyPtr key = ReadSealedKey(ReadKeyFile(JoinPath(folder, name)), pin_)) keys_.push_back(std::move(key));
     } catch (const EngineError&) {
       // The folder is shared: what is unreadable here need not be ours.
     }
@@ -63,7 +63,7 @@ void KeyStore::openFolder(const std::string& folder) {
 }
 
 void KeyStore::keep(EVP_PKEY* key, const std::string& folder, const std::string& name) {
-  writeWholeFile(joinPath(folder, name + ".key").c_str(), sealKey(key, pin_));
+  WriteWholeFile(JoinPath(folder, name + ".key").c_str(), SealKey(key, pin_));
   EVP_PKEY_up_ref(key);
   keys_.emplace_back(key);
 }
@@ -79,7 +79,7 @@ void KeyStore::adopt(X509* certificate) {
   EVP_PKEY* key = keyOf(certificate);
   if (key == nullptr || owns(certificate)) return;
   EVP_PKEY_up_ref(key);
-  own_.push_back({share(certificate), KeyPtr(key)});
+  own_.push_back({Share(certificate), KeyPtr(key)});
 }
 
 bool KeyStore::owns(const X509* certificate) const {
@@ -89,20 +89,20 @@ bool KeyStore::owns(const X509* certificate) const {
 
 const OwnKey& KeyStore::pick(const CertIdRecord* id, KeyPurpose purpose) const {
   const OwnKey* best = nullptr;
-  int best_score = -1;
+  int bestScore = -1;
   for (const OwnKey& own : own_) {
-    if (namesCertificate(id)) {
-      if (matches(own.certificate.get(), *id)) return own;
+    if (NamesCertificate(id)) {
+      if (Matches(own.certificate.get(), *id)) return own;
       continue;
     }
-    const int score = (suits(own.certificate.get(), purpose) ? 2 : 0) +
-                      (isWithinValidity(own.certificate.get(), currentTime()) ? 1 : 0);
-    if (score > best_score) {
+    const int score = (Suits(own.certificate.get(), purpose) ? 2 : 0) +
+                      (IsWithinValidity(own.certificate.get(), CurrentTime()) ? 1 : 0);
+    if (score > bestScore) {
       best = &own;
-      best_score = score;
+      bestScore = score;
     }
   }
-  if (best == nullptr) fail(kOwnCertificateNotFound);
+  if (best == nullptr) Fail(kOwnCertificateNotFound);
   return *best;
 }
 

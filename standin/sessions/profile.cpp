@@ -45,11 +45,11 @@ class RegistryKey {
   HKEY key_ = nullptr;
 };
 
-SessionSource sourceIn(const RegistryKey& profile) {
+SessionSource SourceIn(const RegistryKey& profile) {
   return {profile.text("pse"), profile.text("pincode"), profile.text("localstore"), 0};
 }
 
-std::string selectedSubkey(const RegistryKey& profiles) {
+std::string SelectedSubkey(const RegistryKey& profiles) {
   char name[16];
   std::snprintf(name, sizeof name, "%lu", static_cast<unsigned long>(profiles.number("CurSel").value_or(0)));
   return name;
@@ -57,10 +57,10 @@ std::string selectedSubkey(const RegistryKey& profiles) {
 
 }  // namespace
 
-SessionSource readProfile(const std::string& name) {
+SessionSource ReadProfile(const std::string& name) {
   const RegistryKey profiles(HKEY_CURRENT_USER, kProfilesKey);
-  if (!profiles.isOpen()) fail(kProfileNotFound);
-  const std::string selected = name.empty() ? selectedSubkey(profiles) : std::string();
+  if (!profiles.isOpen()) Fail(kProfileNotFound);
+  const std::string selected = name.empty() ? SelectedSubkey(profiles) : std::string();
   char subkey[256];
   for (DWORD i = 0;; ++i) {
     DWORD length = sizeof subkey;
@@ -69,9 +69,9 @@ SessionSource readProfile(const std::string& name) {
     if (!profile.isOpen()) continue;
     const bool wanted =
         name.empty() ? selected == subkey : lstrcmpiA(profile.text("ProfileName").c_str(), name.c_str()) == 0;
-    if (wanted) return sourceIn(profile);
+    if (wanted) return SourceIn(profile);
   }
-  fail(kProfileNotFound);
+  Fail(kProfileNotFound);
 }
 
 }  // namespace standin

@@ -7,6 +7,6 @@ namespace standin {
 
 /// The source that the profile describes; an empty name stands for the selected one ("CurSel"). Names are compared
 /// without regard to case. Fails with kProfileNotFound.
-SessionSource readProfile(const std::string& name);
+SessionSource ReadProfile(const std::string& name);
 
 }  // namespace standin

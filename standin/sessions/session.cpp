@@ -8,7 +8,7 @@ namespace standin {
 namespace {
 
 /// Handles of sessions and of streams come from one counter, so that neither is ever taken for the other.
-void* nextHandle() {
+void* NextHandle() {
   static volatile LONG64 last = 0x1000;
   return reinterpret_cast<void*>(static_cast<uintptr_t>(InterlockedAdd64(&last, 16)));
 }
@@ -19,9 +19,9 @@ struct SessionTable {
 };
 
 /// Not an object with static duration: when a process ends with sessions open, nothing may be done about them any more.
-SessionTable& table() {
-  static SessionTable* const the_table = new SessionTable;
-  return *the_table;
+SessionTable& Table() {
+  static SessionTable* const kTheTable = new SessionTable;
+  return *kTheTable;
 }
 
 }  // namespace
@@ -31,13 +31,13 @@ Session::Session(const SessionSource& source) {
   if ((source.flags & kInitVerifyContext) == 0) openKeys(source);
   if ((source.flags & kInitCheckExpired) == 0) return;
   for (const OwnKey& own : keys.own()) {
-    if (!isWithinValidity(own.certificate.get(), currentTime())) fail(kOwnCertificateExpired);
+    if (!IsWithinValidity(own.certificate.get(), CurrentTime())) Fail(kOwnCertificateExpired);
   }
 }
 
 void Session::openKeys(const SessionSource& source) {
   keys.setPin(source.pin);
-  if (!source.key_file.empty()) keys.open(source.key_file);
+  if (!source.keyFile.empty()) keys.open(source.keyFile);
   if (store.isOpen()) keys.openFolder(store.folder());
   for (const CertPtr& certificate : store.certificates()) keys.adopt(certificate.get());
   store.addTrusted(keys.chainCertificates());
@@ -50,23 +50,23 @@ void Session::addCertificate(X509* certificate) {
 
 std::vector<CertPtr> Session::knownCertificates() const {
   std::vector<CertPtr> known;
-  for (const OwnKey& own : keys.own()) known.push_back(share(own.certificate.get()));
+  for (const OwnKey& own : keys.own()) known.push_back(Share(own.certificate.get()));
   for (const CertPtr& certificate : store.certificates()) {
-    if (!keys.owns(certificate.get())) known.push_back(share(certificate.get()));
+    if (!keys.owns(certificate.get())) known.push_back(Share(certificate.get()));
   }
   return known;
 }
 
 EngineStream Session::addStream(std::unique_ptr<Stream> stream) {
-  const EngineStream handle = nextHandle();
+  const EngineStream handle = NextHandle();
   streams_.emplace(handle, std::move(stream));
   return handle;
 }
 
-void Session::failStream() { fail(kBadStream); }
+void Session::failStream() { Fail(kBadStream); }
 
 Stream* Session::findStream(const EngineStream* handle) {
-  if (handle == nullptr) fail(kWinInvalidParameter);
+  if (handle == nullptr) Fail(kWinInvalidParameter);
   const auto found = streams_.find(*handle);
   return found == streams_.end() ? nullptr : found->second.get();
 }
@@ -79,29 +79,29 @@ std::unique_ptr<Stream> Session::takeStream(EngineStream* handle) {
   return stream;
 }
 
-EngineSession addSession(std::shared_ptr<Session> session) {
-  LockScope scope(table().lock);
-  const EngineSession handle = nextHandle();
-  table().sessions.emplace(handle, std::move(session));
+EngineSession AddSession(std::shared_ptr<Session> session) {
+  LockScope scope(Table().lock);
+  const EngineSession handle = NextHandle();
+  Table().sessions.emplace(handle, std::move(session));
   return handle;
 }
 
-std::shared_ptr<Session> findSession(EngineSession handle) {
-  LockScope scope(table().lock);
-  const auto found = table().sessions.find(handle);
-  if (found == table().sessions.end()) fail(kBadSession);
+std::shared_ptr<Session> FindSession(EngineSession handle) {
+  LockScope scope(Table().lock);
+  const auto found = Table().sessions.find(handle);
+  if (found == Table().sessions.end()) Fail(kBadSession);
   return found->second;
 }
 
-std::shared_ptr<Session> removeSession(EngineSession handle) {
-  LockScope scope(table().lock);
-  const auto found = table().sessions.find(handle);
-  if (found == table().sessions.end()) fail(kBadSession);
+std::shared_ptr<Session> RemoveSession(EngineSession handle) {
+  LockScope scope(Table().lock);
+  const auto found = Table().sessions.find(handle);
+  if (found == Table().sessions.end()) Fail(kBadSession);
   std::shared_ptr<Session> session = std::move(found->second);
-  table().sessions.erase(found);
+  Table().sessions.erase(found);
   return session;
 }
 
-void removeAllSessions() { delete &table(); }
+void RemoveAllSessions() { delete &Table(); }
 
 }  // namespace standin

@@ -22,7 +22,7 @@ class Stream {
 
 /// Where a session finds its keys and its store; all texts are ANSI.
 struct SessionSource {
-  std::string key_file;
+  std::string keyFile;
   std::string pin;
   std::string folder;
   uint32_t flags = 0;
@@ -73,12 +73,12 @@ class Session {
 };
 
 /// Enters a session in the table; the handle is a number that is never used again, not an address.
-EngineSession addSession(std::shared_ptr<Session> session);
+EngineSession AddSession(std::shared_ptr<Session> session);
 /// The live session behind `handle`; fails with kBadSession.
-std::shared_ptr<Session> findSession(EngineSession handle);
+std::shared_ptr<Session> FindSession(EngineSession handle);
 /// Takes the session out of the table; fails with kBadSession.
-std::shared_ptr<Session> removeSession(EngineSession handle);
+std::shared_ptr<Session> RemoveSession(EngineSession handle);
 /// Forgets every session and the table itself: the last call before the library is unloaded.
-void removeAllSessions();
+void RemoveAllSessions();
 
 }  // namespace standin

@@ -7,60 +7,60 @@
 
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
+#include "standin/base/files.h"
 #include "standin/base/times.h"
-#include "standin/base/win_file.h"
 #include "standin/certificates/der_objects.h"
 
 namespace standin {
 namespace {
 
 /// A file that cannot be read is passed over: a store is shared, and a file may be on its way in or out.
-FoundObjects objectsInFile(const std::string& path) {
+FoundObjects ObjectsInFile(const std::string& path) {
   try {
-    return objectsIn(readWholeFile(path.c_str(), kLargestObject));
+    return ObjectsIn(ReadWholeFile(path.c_str(), kLargestObject));
   } catch (const EngineError&) {
     return {};
   }
 }
 
-time_t issuedAt(const X509_CRL* crl) { return secondsOf(X509_CRL_get0_lastUpdate(crl)); }
+time_t IssuedAt(const X509_CRL* crl) { return SecondsOf(X509_CRL_get0_lastUpdate(crl)); }
 
-bool isOutdated(const X509_CRL* crl) {
+bool IsOutdated(const X509_CRL* crl) {
   const ASN1_TIME* next = X509_CRL_get0_nextUpdate(crl);
-  return next != nullptr && secondsOf(next) < currentTime();
+  return next != nullptr && SecondsOf(next) < CurrentTime();
 }
 
 }  // namespace
 
-std::string thumbprintText(ByteView der) {
+std::string ThumbprintText(ByteView der) {
   unsigned char hash[EVP_MAX_MD_SIZE];
   unsigned int length = 0;
-  if (EVP_Digest(der.data(), der.size(), hash, &length, EVP_sha1(), nullptr) != 1) fail(kInternal);
-  return hexOf({hash, length});
+  if (EVP_Digest(der.data(), der.size(), hash, &length, EVP_sha1(), nullptr) != 1) Fail(kInternal);
+  return HexOf({hash, length});
 }
 
 void Store::open(const std::string& folder) {
   const DWORD attributes = GetFileAttributesA(folder.c_str());
-  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) fail(kStoreUnreadable);
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) Fail(kStoreUnreadable);
   folder_ = folder;
   readFolder(true);
 }
 
-void Store::readFolder(bool certificates_too) {
-  for (const std::string& name : filesIn(folder_, "*")) {
-    FoundObjects found = objectsInFile(joinPath(folder_, name));
+void Store::readFolder(bool certificatesToo) {
+  for (const std::string& name : FilesIn(folder_, "*")) {
+    FoundObjects found = ObjectsInFile(JoinPath(folder_, name));
     for (CrlPtr& crl : found.crls) remember(std::move(crl));
-    if (!certificates_too) continue;
+    if (!certificatesToo) continue;
     for (CertPtr& certificate : found.certificates) remember(std::move(certificate));
   }
 }
 
 void Store::addTrusted(const std::vector<CertPtr>& certificates) {
-  for (const CertPtr& certificate : certificates) remember(share(certificate.get()));
+  for (const CertPtr& certificate : certificates) remember(Share(certificate.get()));
 }
 
 Store::CrlReload Store::reloadCrls() {
-  if (!isOpen()) fail(kNoStore);
+  if (!isOpen()) Fail(kNoStore);
   std::vector<CrlPtr> before = std::move(crls_);
   crls_.clear();
   try {
@@ -72,33 +72,33 @@ Store::CrlReload Store::reloadCrls() {
   CrlReload result;
   result.lists = crls_.size();
   for (const CrlPtr& crl : crls_) {
-    const bool is_old = std::any_of(before.begin(), before.end(),
-                                    [&](const CrlPtr& known) { return X509_CRL_match(known.get(), crl.get()) == 0; });
-    if (!is_old) ++result.added;
-    if (isOutdated(crl.get())) ++result.outdated;
+    const bool isOld = std::any_of(before.begin(), before.end(),
+                                   [&](const CrlPtr& known) { return X509_CRL_match(known.get(), crl.get()) == 0; });
+    if (!isOld) ++result.added;
+    if (IsOutdated(crl.get())) ++result.outdated;
   }
   return result;
 }
 
 void Store::add(X509* certificate) {
-  if (!isOpen()) fail(kNoStore);
-  const Bytes der = derOf(certificate);
-  if (!knows(certificate)) writeWholeFile(joinPath(folder_, thumbprintText(der) + ".cer").c_str(), der);
-  remember(share(certificate));
+  if (!isOpen()) Fail(kNoStore);
+  const Bytes der = DerOf(certificate);
+  if (!knows(certificate)) WriteWholeFile(JoinPath(folder_, ThumbprintText(der) + ".cer").c_str(), der);
+  remember(Share(certificate));
 }
 
 void Store::add(X509_CRL* crl) {
-  if (!isOpen()) fail(kNoStore);
+  if (!isOpen()) Fail(kNoStore);
   const X509_NAME* issuer = X509_CRL_get_issuer(crl);
-  const bool issuer_known = std::any_of(certificates_.begin(), certificates_.end(), [&](const CertPtr& certificate) {
+  const bool issuerKnown = std::any_of(certificates_.begin(), certificates_.end(), [&](const CertPtr& certificate) {
     return X509_NAME_cmp(X509_get_subject_name(certificate.get()), issuer) == 0;
   });
-  if (issuer_known && issuerOf(crl) == nullptr) fail(kCrlForged);
+  if (issuerKnown && issuerOf(crl) == nullptr) Fail(kCrlForged);
   const X509_CRL* known = crlOf(issuer);
   if (known != nullptr && X509_CRL_match(known, crl) == 0) return;
-  if (known != nullptr && issuedAt(crl) < issuedAt(known)) fail(kCrlOlder);
-  const Bytes der = derOf(crl);
-  writeWholeFile(joinPath(folder_, thumbprintText(der) + ".crl").c_str(), der);
+  if (known != nullptr && IssuedAt(crl) < IssuedAt(known)) Fail(kCrlOlder);
+  const Bytes der = DerOf(crl);
+  WriteWholeFile(JoinPath(folder_, ThumbprintText(der) + ".crl").c_str(), der);
   X509_CRL_up_ref(crl);
   remember(CrlPtr(crl));
 }
@@ -107,7 +107,7 @@ X509_CRL* Store::crlOf(const X509_NAME* issuer) const {
   X509_CRL* newest = nullptr;
   for (const CrlPtr& crl : crls_) {
     if (X509_NAME_cmp(X509_CRL_get_issuer(crl.get()), issuer) != 0) continue;
-    if (newest == nullptr || issuedAt(crl.get()) > issuedAt(newest)) newest = crl.get();
+    if (newest == nullptr || IssuedAt(crl.get()) > IssuedAt(newest)) newest = crl.get();
   }
   return newest;
 }

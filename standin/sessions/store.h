@@ -47,7 +47,7 @@ class Store {
  private:
   void remember(CertPtr certificate);
   bool remember(CrlPtr crl);
-  void readFolder(bool certificates_too);
+  void readFolder(bool certificatesToo);
 
   std::string folder_;
   std::vector<CertPtr> certificates_;
@@ -55,6 +55,6 @@ class Store {
 };
 
 /// SHA-1 of the DER form, as capital hexadecimal digits: the name of the file of an object.
-std::string thumbprintText(ByteView der);
+std::string ThumbprintText(ByteView der);
 
 }  // namespace standin

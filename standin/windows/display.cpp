@@ -17,7 +17,7 @@
 namespace standin {
 namespace {
 
-bool stationIsVisible() {
+bool StationIsVisible() {
   USEROBJECTFLAGS flags{};
   DWORD needed = 0;
   const HWINSTA station = GetProcessWindowStation();
@@ -25,7 +25,7 @@ bool stationIsVisible() {
          (flags.dwFlags & WSF_VISIBLE) != 0;
 }
 
-bool windowCanBeMade() {
+bool WindowCanBeMade() {
   const HWND window = CreateWindowExW(WS_EX_TOOLWINDOW, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
                                       GetModuleHandleW(nullptr), nullptr);
   if (window == nullptr) return false;
@@ -33,9 +33,9 @@ bool windowCanBeMade() {
   return true;
 }
 
-std::wstring dateText(const ASN1_TIME* time) {
+std::wstring DateText(const ASN1_TIME* time) {
   if (time == nullptr) return L"-";
-  const time_t seconds = secondsOf(time);
+  const time_t seconds = SecondsOf(time);
   const std::tm* parts = std::gmtime(&seconds);
   wchar_t text[32] = L"-";
   if (parts != nullptr) std::wcsftime(text, sizeof text / sizeof *text, L"%d.%m.%Y %H:%M:%S UTC", parts);
@@ -43,32 +43,32 @@ std::wstring dateText(const ASN1_TIME* time) {
 }
 
 /// Some systems' viewers show certificates only.
-void describe(X509_CRL* crl) {
+void Describe(X509_CRL* crl) {
   const int revoked = sk_X509_REVOKED_num(X509_CRL_get_REVOKED(crl));
-  const std::wstring text = L"Издатель: " + wideFromUtf8(nameText(X509_CRL_get_issuer(crl))) + L"\nВыпущен: " +
-                            dateText(X509_CRL_get0_lastUpdate(crl)) + L"\nСледующий: " +
-                            dateText(X509_CRL_get0_nextUpdate(crl)) + L"\nОтозвано сертификатов: " +
+  const std::wstring text = L"Издатель: " + WideFromUtf8(NameText(X509_CRL_get_issuer(crl))) + L"\nВыпущен: " +
+                            DateText(X509_CRL_get0_lastUpdate(crl)) + L"\nСледующий: " +
+                            DateText(X509_CRL_get0_nextUpdate(crl)) + L"\nОтозвано сертификатов: " +
                             std::to_wstring(revoked < 0 ? 0 : revoked);
   if (MessageBoxW(GetActiveWindow(), text.c_str(), L"Список отозванных сертификатов", MB_OK | MB_ICONINFORMATION) ==
       0) {
-    failWithLastError();
+    FailWithLastError();
   }
 }
 
 }  // namespace
 
-void requireDisplay() {
-  if (!stationIsVisible() || !windowCanBeMade()) fail(kNoDisplay);
+void RequireDisplay() {
+  if (!StationIsVisible() || !WindowCanBeMade()) Fail(kNoDisplay);
 }
 
-void showCertificate(X509* certificate) {
-  requireDisplay();
-  if (viewCertificate(derOf(certificate)) == Viewing::kUnavailable) failWithLastError();
+void ShowCertificate(X509* certificate) {
+  RequireDisplay();
+  if (ViewCertificate(DerOf(certificate)) == Viewing::kUnavailable) FailWithLastError();
 }
 
-void showCrl(X509_CRL* crl) {
-  requireDisplay();
-  if (viewCrl(derOf(crl)) != Viewing::kShown) describe(crl);
+void ShowCrl(X509_CRL* crl) {
+  RequireDisplay();
+  if (ViewCrl(DerOf(crl)) != Viewing::kShown) Describe(crl);
 }
 
 }  // namespace standin

@@ -6,10 +6,10 @@
 namespace standin {
 
 /// Fails with kNoDisplay when nobody could see a window.
-void requireDisplay();
+void RequireDisplay();
 
 /// Shows the object in the platform's viewer until the user closes it. Fails with kNoDisplay or a Windows error number.
-void showCertificate(X509* certificate);
-void showCrl(X509_CRL* crl);
+void ShowCertificate(X509* certificate);
+void ShowCrl(X509_CRL* crl);
 
 }  // namespace standin

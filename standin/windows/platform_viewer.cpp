@@ -42,27 +42,27 @@ class SystemLibrary {
   HMODULE library_ = nullptr;
 };
 
-Viewing view(DWORD kind, const void* context) {
+Viewing View(DWORD kind, const void* context) {
   using ViewContext = BOOL(WINAPI*)(DWORD, const void*, HWND, LPCWSTR, DWORD, void*);
   const SystemLibrary viewer(L"cryptui.dll");
-  const ViewContext view_context = viewer.function<ViewContext>("CryptUIDlgViewContext");
-  if (context == nullptr || view_context == nullptr) return Viewing::kUnavailable;
-  const bool shown = view_context(kind, context, GetActiveWindow(), nullptr, 0, nullptr) != 0;
+  const ViewContext viewContext = viewer.function<ViewContext>("CryptUIDlgViewContext");
+  if (context == nullptr || viewContext == nullptr) return Viewing::kUnavailable;
+  const bool shown = viewContext(kind, context, GetActiveWindow(), nullptr, 0, nullptr) != 0;
   return shown ? Viewing::kShown : Viewing::kRefused;
 }
 
 }  // namespace
 
-Viewing viewCertificate(ByteView der) {
+Viewing ViewCertificate(ByteView der) {
   const std::unique_ptr<const CERT_CONTEXT, FreeCertificate> context(
       CertCreateCertificateContext(X509_ASN_ENCODING, der.data(), static_cast<DWORD>(der.size())));
-  return view(CERT_STORE_CERTIFICATE_CONTEXT, context.get());
+  return View(CERT_STORE_CERTIFICATE_CONTEXT, context.get());
 }
 
-Viewing viewCrl(ByteView der) {
+Viewing ViewCrl(ByteView der) {
   const std::unique_ptr<const CRL_CONTEXT, FreeCrl> context(
       CertCreateCRLContext(X509_ASN_ENCODING, der.data(), static_cast<DWORD>(der.size())));
-  return view(CERT_STORE_CRL_CONTEXT, context.get());
+  return View(CERT_STORE_CRL_CONTEXT, context.get());
 }
 
 }  // namespace standin

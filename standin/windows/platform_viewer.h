@@ -14,7 +14,7 @@ enum class Viewing {
 };
 
 /// Shows the object until the user closes the window.
-Viewing viewCertificate(ByteView der);
-Viewing viewCrl(ByteView der);
+Viewing ViewCertificate(ByteView der);
+Viewing ViewCrl(ByteView der);
 
 }  // namespace standin

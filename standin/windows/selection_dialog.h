@@ -9,6 +9,6 @@ namespace standin {
 
 /// The chosen ones. Fails with kSelectionCancelled when there is nothing to choose from or the user gives up, and with
 /// kNoDisplay.
-std::vector<CertPtr> selectCertificates(const std::vector<CertPtr>& candidates);
+std::vector<CertPtr> SelectCertificates(const std::vector<CertPtr>& candidates);
 
 }  // namespace standin

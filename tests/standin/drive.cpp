@@ -16,37 +16,37 @@ namespace {
 
 using Arguments = std::vector<const char*>;
 
-const char* pathOrNull(const char* argument) { return std::strcmp(argument, "-") == 0 ? nullptr : argument; }
-uint32_t number(const char* argument) { return static_cast<uint32_t>(std::strtoul(argument, nullptr, 0)); }
+const char* PathOrNull(const char* argument) { return std::strcmp(argument, "-") == 0 ? nullptr : argument; }
+uint32_t Number(const char* argument) { return static_cast<uint32_t>(std::strtoul(argument, nullptr, 0)); }
 
 /// sign FLAGS DATA EXISTING OUT
-int32_t sign(EngineSession session, const Arguments& a) {
-  const SignParamRecord param{number(a[0]), nullptr};
-  return QUIVO_SignFile(session, &param, pathOrNull(a[1]), pathOrNull(a[2]), a[3]);
+int32_t Sign(EngineSession session, const Arguments& a) {
+  const SignParamRecord param{Number(a[0]), nullptr};
+  return QUIVO_SignFile(session, &param, PathOrNull(a[1]), PathOrNull(a[2]), a[3]);
 }
 
-void printCertificate(const char* what, const CertificateRecord& certificate) {
+void PrintCertificate(const char* what, const CertificateRecord& certificate) {
   std::printf("%s %s\n", what, certificate.subject == nullptr ? "-" : certificate.subject);
 }
 
 /// verify FLAGS DATA MESSAGE OUT [INDEX]: one line a signature, "status time subject".
-int32_t verify(EngineSession session, const Arguments& a) {
+int32_t Verify(EngineSession session, const Arguments& a) {
   VerifyParamRecord param{};
-  param.flag = number(a[0]);
+  param.flag = Number(a[0]);
   param.info = 4;
   if (a.size() > 4) param.nSignToDelete = std::atoi(a[4]);
   VerifyResultRecord result{};
-  const int32_t code = QUIVO_VerifyFile(session, &param, pathOrNull(a[1]), a[2], pathOrNull(a[3]), &result);
+  const int32_t code = QUIVO_VerifyFile(session, &param, PathOrNull(a[1]), a[2], PathOrNull(a[3]), &result);
   for (int32_t i = 0; i < result.count; ++i) {
     const SignStatusEntry& entry = result.entries[i];
     std::printf("%08X %u ", static_cast<unsigned>(entry.status), entry.time);
-    printCertificate("signer", entry.cert == nullptr ? CertificateRecord{} : *entry.cert);
+    PrintCertificate("signer", entry.cert == nullptr ? CertificateRecord{} : *entry.cert);
   }
   QUIVO_FreeVerifyResult(session, &result);
   return code;
 }
 
-std::vector<uint8_t> readFile(const char* path) {
+std::vector<uint8_t> ReadBytes(const char* path) {
   std::vector<uint8_t> bytes;
   if (FILE* file = std::fopen(path, "rb")) {
     for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) bytes.push_back(static_cast<uint8_t>(c));
@@ -56,29 +56,29 @@ std::vector<uint8_t> readFile(const char* path) {
 }
 
 /// encrypt FLAGS IN OUT CERTIFICATE...
-int32_t encrypt(EngineSession session, const Arguments& a) {
+int32_t Encrypt(EngineSession session, const Arguments& a) {
   std::vector<std::vector<uint8_t>> certificates;
-  for (size_t i = 3; i < a.size(); ++i) certificates.push_back(readFile(a[i]));
+  for (size_t i = 3; i < a.size(); ++i) certificates.push_back(ReadBytes(a[i]));
   std::vector<CertificateRecord> receivers(certificates.size());
   for (size_t i = 0; i < receivers.size(); ++i) {
     receivers[i].certEncoded = {static_cast<uint32_t>(certificates[i].size()), certificates[i].data()};
   }
-  const EncryptParamRecord param{number(a[0]), nullptr, static_cast<int32_t>(receivers.size()), receivers.data()};
+  const EncryptParamRecord param{Number(a[0]), nullptr, static_cast<int32_t>(receivers.size()), receivers.data()};
   return QUIVO_EncryptFile(session, &param, a[1], a[2]);
 }
 
 /// decrypt IN OUT
-int32_t decrypt(EngineSession session, const Arguments& a) {
+int32_t Decrypt(EngineSession session, const Arguments& a) {
   const DecryptParamRecord param{1, nullptr, 4};
   DecryptResultRecord result{};
   const int32_t code = QUIVO_DecryptFile(session, &param, a[0], a[1], &result);
-  printCertificate("sender", result.cert);
+  PrintCertificate("sender", result.cert);
   QUIVO_FreeDecryptResult(session, &result);
   return code;
 }
 
 /// count MESSAGE
-int32_t countSignatures(EngineSession session, const Arguments& a) {
+int32_t CountSignatures(EngineSession session, const Arguments& a) {
   SignedInfoResultRecord info{};
   const int32_t code = QUIVO_SignedInfoFile(session, a[0], &info);
   std::printf("signatures %u\n", info.signatureCount);
@@ -87,13 +87,13 @@ int32_t countSignatures(EngineSession session, const Arguments& a) {
 }
 
 /// request FLAGS SUBJECT OUT
-int32_t request(EngineSession session, const Arguments& a) {
+int32_t Request(EngineSession session, const Arguments& a) {
   std::string subject = a[1];
   CertificateRecord wanted{};
   wanted.subject = subject.empty() ? nullptr : subject.data();
   wanted.keyUsage = 1 | 4;
   DataBlob_t xml{};
-  const int32_t code = QUIVO_CreateXmlRequest(session, number(a[0]), &wanted, &xml);
+  const int32_t code = QUIVO_CreateXmlRequest(session, Number(a[0]), &wanted, &xml);
   if (code != 0) return code;
   if (FILE* file = std::fopen(a[2], "wb")) {
     std::fwrite(xml.data, 1, xml.len, file);
@@ -103,34 +103,34 @@ int32_t request(EngineSession session, const Arguments& a) {
 }
 
 /// import FLAGS FILE
-int32_t import(EngineSession session, const Arguments& a) {
-  const SignParamRecord param{number(a[0]), nullptr};
+int32_t Import(EngineSession session, const Arguments& a) {
+  const SignParamRecord param{Number(a[0]), nullptr};
   return QUIVO_ImportFile(session, &param, a[1]);
 }
 
 /// export FLAGS FILE
-int32_t exportStore(EngineSession session, const Arguments& a) {
-  const SignParamRecord param{number(a[0]), nullptr};
+int32_t ExportStore(EngineSession session, const Arguments& a) {
+  const SignParamRecord param{Number(a[0]), nullptr};
   return QUIVO_ExportFile(session, &param, a[1]);
 }
 
 /// find FLAGS [SUBJECT]
-int32_t find(EngineSession session, const Arguments& a) {
+int32_t Find(EngineSession session, const Arguments& a) {
   std::string subject = a.size() > 1 ? a[1] : "";
   FindParamRecord param{};
-  param.flag = number(a[0]);
+  param.flag = Number(a[0]);
   param.info = 4;
   param.certTemplate.subject = subject.data();
   FindResultRecord result{};
   const int32_t code = QUIVO_FindCert(session, &param, &result);
-  for (int32_t i = 0; i < result.count; ++i) printCertificate("found", result.certificates[i]);
+  for (int32_t i = 0; i < result.count; ++i) PrintCertificate("found", result.certificates[i]);
   QUIVO_FreeFindResult(session, &result);
   return code;
 }
 
 /// show FILE
-int32_t show(EngineSession session, const Arguments& a) {
-  std::vector<uint8_t> bytes = readFile(a[0]);
+int32_t Show(EngineSession session, const Arguments& a) {
+  std::vector<uint8_t> bytes = ReadBytes(a[0]);
   const DataBlob_t blob{static_cast<uint32_t>(bytes.size()), bytes.data()};
   const int32_t code = QUIVO_ShowCertificate(session, &blob);
   return code == 0x7040 ? QUIVO_ShowCrl(session, &blob) : code;
@@ -138,18 +138,18 @@ int32_t show(EngineSession session, const Arguments& a) {
 
 struct Command {
   const char* name;
-  size_t least_arguments;
+  size_t leastArguments;
   int32_t (*run)(EngineSession, const Arguments&);
 };
 
 constexpr Command kCommands[] = {
-    {"sign", 4, sign},       {"verify", 4, verify},         {"encrypt", 3, encrypt},
-    {"decrypt", 2, decrypt}, {"count", 1, countSignatures}, {"request", 3, request},
-    {"import", 2, import},   {"export", 2, exportStore},    {"find", 1, find},
-    {"show", 1, show},
+    {"sign", 4, Sign},       {"verify", 4, Verify},         {"encrypt", 3, Encrypt},
+    {"decrypt", 2, Decrypt}, {"count", 1, CountSignatures}, {"request", 3, Request},
+    {"import", 2, Import},   {"export", 2, ExportStore},    {"find", 1, Find},
+    {"show", 1, Show},
 };
 
-int report(int32_t code) {
+int Report(int32_t code) {
   if (code == 0) {
     std::puts("done");
     return 0;
@@ -166,19 +166,19 @@ int main(int count, char** values) {
   if (count < 5) return 2;
   LocalParamRecord local{};
   local.size = sizeof local;
-  local.pse = pathOrNull(values[1]) == nullptr ? nullptr : values[1];
+  local.pse = PathOrNull(values[1]) == nullptr ? nullptr : values[1];
   local.pincode = values[2];
-  local.localstore = pathOrNull(values[3]) == nullptr ? nullptr : values[3];
+  local.localstore = PathOrNull(values[3]) == nullptr ? nullptr : values[3];
   EngineSession session = nullptr;
   const int32_t opened = QUIVO_InitializeEx(kEngineLocalParam, &local, &session);
-  if (opened != 0) return report(opened);
+  if (opened != 0) return Report(opened);
   for (const Command& command : kCommands) {
     if (std::strcmp(command.name, values[4]) != 0) continue;
     const Arguments arguments(values + 5, values + count);
-    if (arguments.size() < command.least_arguments) break;
+    if (arguments.size() < command.leastArguments) break;
     const int32_t code = command.run(session, arguments);
     const int32_t closed = QUIVO_Uninitialize(session);
-    return report(code == 0 ? closed : code);
+    return Report(code == 0 ? closed : code);
   }
   return 2;
 }

@@ -16,7 +16,7 @@ void PrintTo(const EngineCode& code, std::ostream* out) {
 
 namespace {
 
-std::string folderFrom(const char* variable) {
+std::string FolderFrom(const char* variable) {
   const char* value = std::getenv(variable);
   if (value == nullptr) {
     ADD_FAILURE() << variable << " is not set";
@@ -29,34 +29,34 @@ std::string folderFrom(const char* variable) {
 
 }  // namespace
 
-DataBlob_t blobOf(const Bytes& bytes) {
+DataBlob_t BlobOf(const Bytes& bytes) {
   static uint8_t none;
   return {static_cast<uint32_t>(bytes.size()), bytes.empty() ? &none : const_cast<uint8_t*>(bytes.data())};
 }
 
-Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
+Bytes BytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
-std::string materialPath(const std::string& name) {
-  std::string path = folderFrom("TAVL_STANDIN_MATERIAL") + "\\" + name;
+std::string MaterialPath(const std::string& name) {
+  std::string path = FolderFrom("TAVL_STANDIN_MATERIAL") + "\\" + name;
   std::replace(path.begin(), path.end(), '/', '\\');
   return path;
 }
 
-Bytes material(const std::string& name) {
-  Bytes bytes = readFile(materialPath(name));
+Bytes Material(const std::string& name) {
+  Bytes bytes = ReadBytes(MaterialPath(name));
   EXPECT_FALSE(bytes.empty()) << name;
   return bytes;
 }
 
-std::string scratchPath(const std::string& name) {
-  const std::string root = folderFrom("TAVL_STANDIN_SCRATCH");
+std::string ScratchPath(const std::string& name) {
+  const std::string root = FolderFrom("TAVL_STANDIN_SCRATCH");
   CreateDirectoryA(root.c_str(), nullptr);
   const std::string folder = root + "\\" + std::to_string(GetCurrentProcessId());
   CreateDirectoryA(folder.c_str(), nullptr);
   return folder + "\\" + name;
 }
 
-Bytes readFile(const std::string& path) {
+Bytes ReadBytes(const std::string& path) {
   Bytes bytes;
   FILE* file = std::fopen(path.c_str(), "rb");
   if (file == nullptr) return bytes;
@@ -68,7 +68,7 @@ Bytes readFile(const std::string& path) {
   return bytes;
 }
 
-void writeFile(const std::string& path, const Bytes& bytes) {
+void WriteBytes(const std::string& path, const Bytes& bytes) {
   FILE* file = std::fopen(path.c_str(), "wb");
   ASSERT_NE(nullptr, file) << path;
   const size_t written = bytes.empty() ? 0 : std::fwrite(bytes.data(), 1, bytes.size(), file);
@@ -76,11 +76,11 @@ void writeFile(const std::string& path, const Bytes& bytes) {
   std::fclose(file);
 }
 
-bool fileExists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+bool FileExists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
-std::string copyOfStore(const std::string& store, const std::string& name) {
-  const std::string source = materialPath(store);
-  const std::string target = scratchPath(name);
+std::string CopyOfStore(const std::string& store, const std::string& name) {
+  const std::string source = MaterialPath(store);
+  const std::string target = ScratchPath(name);
   CreateDirectoryA(target.c_str(), nullptr);
   WIN32_FIND_DATAA entry;
   const HANDLE search = FindFirstFileA((source + "\\*").c_str(), &entry);
@@ -98,19 +98,19 @@ EngineTest::~EngineTest() {
 }
 
 EngineSession EngineTest::open(const std::string& person, const std::string& store) {
-  return openIn(person, materialPath(store));
+  return openIn(person, MaterialPath(store));
 }
 
 EngineSession EngineTest::openIn(const std::string& person, const std::string& folder) {
   EngineSession session = nullptr;
-  const std::string keys = person.empty() ? std::string() : materialPath(person + ".p12");
+  const std::string keys = person.empty() ? std::string() : MaterialPath(person + ".p12");
   EXPECT_CODE(0, tryOpen(keys, "12345678", folder, session));
   return session;
 }
 
-int32_t EngineTest::tryOpen(const std::string& key_file, const std::string& pin, const std::string& folder,
+int32_t EngineTest::tryOpen(const std::string& keyFile, const std::string& pin, const std::string& folder,
                             EngineSession& session, uint32_t flags) {
-  std::string keys = key_file;
+  std::string keys = keyFile;
   std::string secret = pin;
   std::string store = folder;
   LocalParamRecord param{};
@@ -150,10 +150,10 @@ int32_t EngineTest::trySign(EngineSession session, uint32_t flags, const Bytes* 
                             const CertIdRecord* own) {
   const SignParamRecord param{flags, own};
   const DataBlob_t none{};
-  const DataBlob_t data_blob = data == nullptr ? none : blobOf(*data);
-  const DataBlob_t existing_blob = existing == nullptr ? none : blobOf(*existing);
+  const DataBlob_t dataBlob = data == nullptr ? none : BlobOf(*data);
+  const DataBlob_t existingBlob = existing == nullptr ? none : BlobOf(*existing);
   DataBlob_t result{};
-  const int32_t code = QUIVO_SignMem(session, &param, &data_blob, &existing_blob, &result);
+  const int32_t code = QUIVO_SignMem(session, &param, &dataBlob, &existingBlob, &result);
   out = take(session, result);
   return code;
 }
@@ -174,7 +174,7 @@ namespace {
 
 constexpr uint32_t kFieldSubject = 4;
 
-std::vector<Verdict> verdictsOf(const VerifyResultRecord& result) {
+std::vector<Verdict> VerdictsOf(const VerifyResultRecord& result) {
   std::vector<Verdict> verdicts;
   for (int32_t i = 0; i < result.count; ++i) {
     const SignStatusEntry& entry = result.entries[i];
@@ -188,13 +188,13 @@ std::vector<Verdict> verdictsOf(const VerifyResultRecord& result) {
 
 Verified EngineTest::verify(EngineSession session, const Bytes& message, const Bytes* data, VerifyParamRecord param) {
   param.info |= kFieldSubject;
-  const DataBlob_t message_blob = blobOf(message);
-  const DataBlob_t data_blob = data == nullptr ? DataBlob_t{} : blobOf(*data);
+  const DataBlob_t messageBlob = BlobOf(message);
+  const DataBlob_t dataBlob = data == nullptr ? DataBlob_t{} : BlobOf(*data);
   DataBlob_t out{};
   VerifyResultRecord result{};
   Verified verified{};
-  verified.code = QUIVO_VerifyMem(session, &param, &data_blob, &message_blob, &out, &result);
-  verified.verdicts = verdictsOf(result);
+  verified.code = QUIVO_VerifyMem(session, &param, &dataBlob, &messageBlob, &out, &result);
+  verified.verdicts = VerdictsOf(result);
   verified.out = take(session, out);
   EXPECT_CODE(0, QUIVO_FreeVerifyResult(session, &result));
   return verified;
@@ -207,17 +207,17 @@ Verified EngineTest::verifyFile(EngineSession session, const std::string& messag
   Verified verified{};
   const char* target = out.empty() ? nullptr : out.c_str();
   verified.code = QUIVO_VerifyFile(session, &param, data, message.c_str(), target, &result);
-  verified.verdicts = verdictsOf(result);
-  if (!out.empty()) verified.out = readFile(out);
+  verified.verdicts = VerdictsOf(result);
+  if (!out.empty()) verified.out = ReadBytes(out);
   EXPECT_CODE(0, QUIVO_FreeVerifyResult(session, &result));
   return verified;
 }
 
 Receivers::Receivers(const std::vector<std::string>& people) {
-  for (const std::string& person : people) encoded_.push_back(material(person + ".cer"));
+  for (const std::string& person : people) encoded_.push_back(Material(person + ".cer"));
   for (const Bytes& encoded : encoded_) {
     records_.push_back({});
-    records_.back().certEncoded = blobOf(encoded);
+    records_.back().certEncoded = BlobOf(encoded);
   }
 }
 
@@ -229,7 +229,7 @@ int32_t EngineTest::tryEncrypt(EngineSession session, uint32_t flags, const Byte
                                const std::vector<std::string>& people, Bytes& out) {
   Receivers receivers(people);
   const EncryptParamRecord param = receivers.param(flags);
-  const DataBlob_t in = blobOf(data);
+  const DataBlob_t in = BlobOf(data);
   DataBlob_t result{};
   const int32_t code = QUIVO_EncryptMem(session, &param, &in, &result);
   out = take(session, result);
@@ -244,7 +244,7 @@ Bytes EngineTest::encrypt(EngineSession session, const Bytes& data, const std::v
 
 Decrypted EngineTest::decrypt(EngineSession session, const Bytes& message, const CertIdRecord* own) {
   const DecryptParamRecord param{1, own, kFieldSubject};
-  const DataBlob_t in = blobOf(message);
+  const DataBlob_t in = BlobOf(message);
   DataBlob_t out{};
   DecryptResultRecord result{};
   Decrypted decrypted{};

@@ -46,19 +46,19 @@ struct Decrypted {
 };
 
 /// A blob that names bytes of the test's own.
-DataBlob_t blobOf(const Bytes& bytes);
-Bytes bytesOf(const std::string& text);
+DataBlob_t BlobOf(const Bytes& bytes);
+Bytes BytesOf(const std::string& text);
 
 /// Bytes of a file of the material.
-std::string materialPath(const std::string& name);
-Bytes material(const std::string& name);
+std::string MaterialPath(const std::string& name);
+Bytes Material(const std::string& name);
 /// A path in the folder for files of this test process; the folder exists.
-std::string scratchPath(const std::string& name);
-Bytes readFile(const std::string& path);
-void writeFile(const std::string& path, const Bytes& bytes);
-bool fileExists(const std::string& path);
+std::string ScratchPath(const std::string& name);
+Bytes ReadBytes(const std::string& path);
+void WriteBytes(const std::string& path, const Bytes& bytes);
+bool FileExists(const std::string& path);
 /// A fresh folder with the files of a store of the material.
-std::string copyOfStore(const std::string& store, const std::string& name);
+std::string CopyOfStore(const std::string& store, const std::string& name);
 
 class EngineTest : public ::testing::Test {
  protected:
@@ -68,8 +68,8 @@ class EngineTest : public ::testing::Test {
   EngineSession open(const std::string& person, const std::string& store = "store");
   /// One with a store anywhere.
   EngineSession openIn(const std::string& person, const std::string& folder);
-  int32_t tryOpen(const std::string& key_file, const std::string& pin, const std::string& folder,
-                  EngineSession& session, uint32_t flags = 0);
+  int32_t tryOpen(const std::string& keyFile, const std::string& pin, const std::string& folder, EngineSession& session,
+                  uint32_t flags = 0);
   EngineSession openMinimal();
   void close(EngineSession session);
 

@@ -7,7 +7,7 @@ using namespace standin;
 
 namespace {
 
-std::string hex(const Bytes& bytes) {
+std::string Hex(const Bytes& bytes) {
   std::string text;
   for (uint8_t byte : bytes) {
     text += "0123456789abcdef"[byte >> 4];
@@ -19,12 +19,12 @@ std::string hex(const Bytes& bytes) {
 class Hashing : public EngineTest {
  protected:
   std::string hashOfFile(const char* algorithm, const Bytes& data) {
-    const std::string path = scratchPath("to hash");
-    writeFile(path, data);
+    const std::string path = ScratchPath("to hash");
+    WriteBytes(path, data);
     const EngineSession session = openMinimal();
     DataBlob_t hash{};
     EXPECT_CODE(0, QUIVO_StrHashFile(session, algorithm, path.c_str(), &hash));
-    return hex(take(session, hash));
+    return Hex(take(session, hash));
   }
 };
 
@@ -42,7 +42,7 @@ constexpr char kSha256[] = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410
 }  // namespace
 
 TEST_F(Hashing, NamedAlgorithmsAreKnown) {
-  const Bytes abc = bytesOf("abc");
+  const Bytes abc = BytesOf("abc");
   EXPECT_EQ("900150983cd24fb0d6963f7d28e17f72", hashOfFile("MD5", abc));
   EXPECT_EQ("a9993e364706816aba3e25717850c26c9cd0d89d", hashOfFile("SHA-1", abc));
   EXPECT_EQ("a9993e364706816aba3e25717850c26c9cd0d89d", hashOfFile("sha1", abc));
@@ -55,15 +55,15 @@ TEST_F(Hashing, NamedAlgorithmsAreKnown) {
 
 TEST_F(Hashing, DefaultIsTheSameInMemoryAndFiles) {
   const EngineSession session = openMinimal();
-  const Bytes abc = bytesOf("abc");
-  const std::string path = scratchPath("abc");
-  writeFile(path, abc);
-  const DataBlob_t in = blobOf(abc);
+  const Bytes abc = BytesOf("abc");
+  const std::string path = ScratchPath("abc");
+  WriteBytes(path, abc);
+  const DataBlob_t in = BlobOf(abc);
   DataBlob_t hash{};
   ASSERT_CODE(0, QUIVO_HashMem(session, &in, &hash));
-  EXPECT_EQ(kSha256, hex(take(session, hash)));
+  EXPECT_EQ(kSha256, Hex(take(session, hash)));
   ASSERT_CODE(0, QUIVO_HashFile(session, path.c_str(), &hash));
-  EXPECT_EQ(kSha256, hex(take(session, hash)));
+  EXPECT_EQ(kSha256, Hex(take(session, hash)));
 }
 
 TEST_F(Hashing, UnknownAlgorithmAndMissingFileAreRefused) {
@@ -72,7 +72,7 @@ TEST_F(Hashing, UnknownAlgorithmAndMissingFileAreRefused) {
   EngineStream stream = nullptr;
   EXPECT_CODE(kHashUnknown, QUIVO_StrHashFile(session, "SHA-257", "any", &hash));
   EXPECT_CODE(kHashUnknown, QUIVO_StrHashInitMem(session, "no such", &stream));
-  EXPECT_CODE(2, QUIVO_HashFile(session, scratchPath("missing").c_str(), &hash));
+  EXPECT_CODE(2, QUIVO_HashFile(session, ScratchPath("missing").c_str(), &hash));
   EXPECT_CODE(kWinInvalidParameter, QUIVO_HashFile(session, nullptr, &hash));
 }
 

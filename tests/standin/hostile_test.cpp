@@ -15,7 +15,7 @@ namespace {
 using Attempt = std::function<int32_t(const Bytes&)>;
 
 /// Milliseconds of work of this process: other than the clock on the wall, it does not count what other processes do.
-ULONGLONG workDone() {
+ULONGLONG WorkDone() {
   FILETIME created, ended, kernel, user;
   GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
   const auto ticks = [](FILETIME time) {
@@ -24,7 +24,7 @@ ULONGLONG workDone() {
   return (ticks(kernel) + ticks(user)) / 10000;
 }
 
-size_t privateMemory() {
+size_t PrivateMemory() {
   PROCESS_MEMORY_COUNTERS counters{};
   GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
   return counters.PagefileUsage;
@@ -34,9 +34,9 @@ class Hostile : public EngineTest {
  protected:
   /// One call on such input: what it returns does not matter here, only that it does, with a text, and soon.
   static void survive(const Attempt& attempt, const Bytes& input) {
-    const ULONGLONG start = workDone();
+    const ULONGLONG start = WorkDone();
     const int32_t code = attempt(input);
-    EXPECT_GT(2000u, workDone() - start);
+    EXPECT_GT(2000u, WorkDone() - start);
     char text[512] = {};
     QUIVO_GetErrorText(code, text, sizeof text);
     EXPECT_NE(0, text[0]);
@@ -97,12 +97,12 @@ class Hostile : public EngineTest {
       largeLengths(attempt, whole);
       noise(attempt);
     };
-    const ULONGLONG start = workDone();
+    const ULONGLONG start = WorkDone();
     round();
-    EXPECT_LT(start, workDone()) << "the measure of work does not move";
-    const size_t before = privateMemory();
+    EXPECT_LT(start, WorkDone()) << "the measure of work does not move";
+    const size_t before = PrivateMemory();
     round();
-    const size_t after = privateMemory();
+    const size_t after = PrivateMemory();
     EXPECT_GT(before + 1024 * 1024, after);
   }
 
@@ -114,11 +114,11 @@ class Hostile : public EngineTest {
   }
 
   /// A small message, so that the test has time for many of its kind.
-  const Bytes data_ = Bytes(100, 'd');
+  const Bytes payload = Bytes(100, 'd');
 };
 
 /// Nested elements of no stated length.
-Bytes nested(size_t depth, uint8_t tag) {
+Bytes Nested(size_t depth, uint8_t tag) {
   Bytes bytes;
   for (size_t i = 0; i < depth; ++i) bytes.insert(bytes.end(), {tag, 0x80});
   return bytes;
@@ -128,26 +128,26 @@ Bytes nested(size_t depth, uint8_t tag) {
 
 TEST_F(Hostile, SignedMessages) {
   const EngineSession session = open("bob");
-  all(verifying(session), addSignature(session, kSendCertificate, nullptr, sign(open("alice"), 8, data_)));
+  all(verifying(session), addSignature(session, kSendCertificate, nullptr, sign(open("alice"), 8, payload)));
 }
 
 TEST_F(Hostile, OpensslStreams) {
-  const Bytes stream = material("messages/stream.p7s");
+  const Bytes stream = Material("messages/stream.p7s");
   cuts(verifying(open("bob")), stream);
   changes(verifying(open("bob")), stream, 300);
-  const Bytes sealed = material("messages/stream.p7e");
+  const Bytes sealed = Material("messages/stream.p7e");
   cuts(decrypting(open("bob")), sealed);
   changes(decrypting(open("bob")), sealed, 300);
 }
 
-TEST_F(Hostile, EnvelopesForRsa) { all(decrypting(open("alice")), encrypt(open("bob"), data_, {"alice"})); }
+TEST_F(Hostile, EnvelopesForRsa) { all(decrypting(open("alice")), encrypt(open("bob"), payload, {"alice"})); }
 
-TEST_F(Hostile, EnvelopesForEc) { all(decrypting(open("bob")), encrypt(open("bob"), data_, {"bob"})); }
+TEST_F(Hostile, EnvelopesForEc) { all(decrypting(open("bob")), encrypt(open("bob"), payload, {"bob"})); }
 
 TEST_F(Hostile, Certificates) {
   const EngineSession session = open("alice");
   const Attempt parse = [&](const Bytes& bytes) {
-    const DataBlob_t blob = blobOf(bytes);
+    const DataBlob_t blob = BlobOf(bytes);
     CertificateRecord record{};
     const int32_t code = QUIVO_ParseCert(session, &blob, 0x7FFFF, &record);
     QUIVO_FreeCert(session, &record);
@@ -156,40 +156,40 @@ TEST_F(Hostile, Certificates) {
     QUIVO_FreeCert(session, &record);
     return code;
   };
-  all(parse, material("alice.cer"));
+  all(parse, Material("alice.cer"));
 }
 
 TEST_F(Hostile, RevocationLists) {
-  const EngineSession session = openIn("alice", copyOfStore("roots", "hostile lists"));
+  const EngineSession session = openIn("alice", CopyOfStore("roots", "hostile lists"));
   const SignParamRecord addition{};
   const Attempt add = [&](const Bytes& bytes) {
-    const DataBlob_t blob = blobOf(bytes);
+    const DataBlob_t blob = BlobOf(bytes);
     return QUIVO_AddCRL(session, &addition, &blob);
   };
-  const Bytes crl = material("root.crl");
+  const Bytes crl = Material("root.crl");
   cuts(add, crl);
   noise(add);
   largeLengths(add, crl);
 }
 
 TEST_F(Hostile, KeyFiles) {
-  const std::string path = scratchPath("hostile.p12");
-  const Attempt open_keys = [&](const Bytes& bytes) {
-    writeFile(path, bytes);
+  const std::string path = ScratchPath("hostile.p12");
+  const Attempt openKeys = [&](const Bytes& bytes) {
+    WriteBytes(path, bytes);
     EngineSession session = nullptr;
-    const int32_t code = tryOpen(path, "12345678", materialPath("roots"), session);
+    const int32_t code = tryOpen(path, "12345678", MaterialPath("roots"), session);
     if (code == 0) close(session);
     return code;
   };
-  const Bytes keys = material("bob.p12");
-  cuts(open_keys, keys);
-  changes(open_keys, keys, 60);
-  largeLengths(open_keys, keys, 40);
-  noise(open_keys);
+  const Bytes keys = Material("bob.p12");
+  cuts(openKeys, keys);
+  changes(openKeys, keys, 60);
+  largeLengths(openKeys, keys, 40);
+  noise(openKeys);
 }
 
 TEST_F(Hostile, KeyFileThatAsksForEndlessWork) {
-  Bytes keys = material("bob.p12");
+  Bytes keys = Material("bob.p12");
   // The rounds of the file's checksum are the last number in it: 2048 becomes 2^31 - 1.
   const Bytes rounds = {0x02, 0x02, 0x08, 0x00};
   ASSERT_TRUE(std::equal(rounds.begin(), rounds.end(), keys.end() - 4));
@@ -202,49 +202,49 @@ TEST_F(Hostile, KeyFileThatAsksForEndlessWork) {
   ASSERT_EQ(0x41, keys.at(checksum + 1));
   keys[checksum + 1] += 2;
   keys[3] = static_cast<uint8_t>(keys[3] + 2);
-  const std::string path = scratchPath("endless.p12");
-  writeFile(path, keys);
+  const std::string path = ScratchPath("endless.p12");
+  WriteBytes(path, keys);
   EngineSession session = nullptr;
-  const ULONGLONG start = workDone();
-  EXPECT_CODE(kKeyFileDamaged, tryOpen(path, "12345678", materialPath("roots"), session));
-  EXPECT_GT(2000u, workDone() - start);
+  const ULONGLONG start = WorkDone();
+  EXPECT_CODE(kKeyFileDamaged, tryOpen(path, "12345678", MaterialPath("roots"), session));
+  EXPECT_GT(2000u, WorkDone() - start);
 }
 
 TEST_F(Hostile, DeepNesting) {
   const EngineSession session = open("alice");
   for (uint8_t tag : {0x30, 0x31, 0xA0, 0x24}) {
-    EXPECT_NE(0, verify(session, nested(1000000, tag)).code);
-    EXPECT_NE(0, decrypt(session, nested(1000000, tag)).code);
+    EXPECT_NE(0, verify(session, Nested(1000000, tag)).code);
+    EXPECT_NE(0, decrypt(session, Nested(1000000, tag)).code);
   }
   // Where nesting is allowed: inside the content.
-  Bytes message = material("messages/stream.p7s");
+  Bytes message = Material("messages/stream.p7s");
   const Bytes octets = {0x24, 0x80, 0x04};
   const auto content = std::search(message.begin(), message.end(), octets.begin(), octets.end());
   ASSERT_NE(message.end(), content);
-  const Bytes deep = nested(100000, 0x24);
+  const Bytes deep = Nested(100000, 0x24);
   message.insert(content, deep.begin(), deep.end());
   EXPECT_CODE(kMessageDamaged, verify(session, message).code);
 }
 
 TEST_F(Hostile, BytesBehindAMessageAreRefused) {
   const EngineSession session = open("alice");
-  Bytes signed_message = sign(session, kSendCertificate, data_);
-  signed_message.push_back(0);
-  EXPECT_CODE(kMessageDamaged, verify(session, signed_message).code);
-  Bytes sealed = encrypt(session, data_, {"alice"});
+  Bytes signedMessage = sign(session, kSendCertificate, payload);
+  signedMessage.push_back(0);
+  EXPECT_CODE(kMessageDamaged, verify(session, signedMessage).code);
+  Bytes sealed = encrypt(session, payload, {"alice"});
   sealed.push_back(0);
   EXPECT_CODE(kMessageDamaged, decrypt(session, sealed).code);
 }
 
 TEST_F(Hostile, StoreOfGarbageIsOpened) {
-  const std::string folder = copyOfStore("store", "garbage");
+  const std::string folder = CopyOfStore("store", "garbage");
   std::mt19937 random(7);
   for (int i = 0; i < 20; ++i) {
     Bytes bytes(1000);
     for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
     bytes[0] = 0x30;
-    writeFile(folder + "\\" + std::to_string(i) + (i % 2 == 0 ? ".cer" : ".key"), bytes);
+    WriteBytes(folder + "\\" + std::to_string(i) + (i % 2 == 0 ? ".cer" : ".key"), bytes);
   }
   const EngineSession session = openIn("alice", folder);
-  EXPECT_CODE(0, verify(session, sign(session, kSendCertificate, data_)).code);
+  EXPECT_CODE(0, verify(session, sign(session, kSendCertificate, payload)).code);
 }

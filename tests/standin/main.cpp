@@ -10,9 +10,9 @@
 
 namespace {
 
-void removeScratch() {
+void RemoveScratch() {
   std::error_code ignored;
-  std::filesystem::remove_all(std::filesystem::path(scratchPath("")).parent_path(), ignored);
+  std::filesystem::remove_all(std::filesystem::path(ScratchPath("")).parent_path(), ignored);
 }
 
 }  // namespace
@@ -23,14 +23,14 @@ int main(int count, char** arguments) {
     std::fprintf(stderr, "the ANSI code page is %u; these tests need 1251 (tools/wine sets it)\n", GetACP());
     return 1;
   }
-  if (!fileExists(materialPath("data.bin"))) {
+  if (!FileExists(MaterialPath("data.bin"))) {
     std::fprintf(stderr,
                  "there is no material for these tests: TAVL_STANDIN_MATERIAL is to be a folder of make-material\n");
     return 1;
   }
   // A process that crashed may have left its files, and numbers of processes come again.
-  removeScratch();
+  RemoveScratch();
   const int result = RUN_ALL_TESTS();
-  removeScratch();
+  RemoveScratch();
   return result;
 }

@@ -10,7 +10,7 @@ class Requests : public StoreTest {};
 }  // namespace
 
 TEST_F(Requests, RequestIsMadeKeptAndExported) {
-  const std::string folder = copyOfStore("roots", "requests");
+  const std::string folder = CopyOfStore("roots", "requests");
   const EngineSession session = openIn("alice", folder);
   char subject[] = "CN=\xCD\xEE\xE2\xFB\xE9 <&> \"q\", O=\"A, B\", C=RU";
   char address[] = "new@example.test";
@@ -37,7 +37,7 @@ TEST_F(Requests, RequestIsMadeKeptAndExported) {
 TEST_F(Requests, OwnKeyIsUsedWhenNoneIsToBeMade) {
   const EngineSession session = open("bob", "roots");
   const CertificateRecord wanted{};
-  const std::string folder = copyOfStore("roots", "own key");
+  const std::string folder = CopyOfStore("roots", "own key");
   DataBlob_t out{};
   ASSERT_CODE(0, QUIVO_CreateXmlRequest(openIn("bob", folder), 4, &wanted, &out));
   EXPECT_CODE(kWinInvalidParameter, QUIVO_CreateXmlRequest(openIn("bob", folder), 0, &wanted, &out));
@@ -53,5 +53,5 @@ TEST_F(Requests, WithoutAStoreAKeyWouldBeLost) {
   char broken[] = "no name at all";
   wanted.subject = broken;
   EXPECT_CODE(kWinInvalidParameter, QUIVO_CreateXmlRequest(openMinimal(), 0, &wanted, &out));
-  exported(openIn("alice", copyOfStore("roots", "no requests")), 4, nullptr, kNothingToExport);
+  exported(openIn("alice", CopyOfStore("roots", "no requests")), 4, nullptr, kNothingToExport);
 }

@@ -13,26 +13,26 @@ const std::string kBob = "emailAddress=bob@example.test, CN=Bob\\, Second, O=Exa
 }  // namespace
 
 TEST_F(Searching, OwnCertificatesAreTheOnesWithKeys) {
-  EXPECT_EQ(std::vector<std::string>{kBob}, find(open("bob"), withFlags(1)));
-  EXPECT_TRUE(find(open("", "store"), withFlags(1)).empty());
-  EXPECT_TRUE(find(openMinimal(), withFlags(1)).empty());
+  EXPECT_EQ(std::vector<std::string>{kBob}, find(open("bob"), WithFlags(1)));
+  EXPECT_TRUE(find(open("", "store"), WithFlags(1)).empty());
+  EXPECT_TRUE(find(openMinimal(), WithFlags(1)).empty());
 }
 
 TEST_F(Searching, ExpiredOwnCertificateIsFoundOnlyWithoutTheCheck) {
-  EXPECT_TRUE(find(open("dave"), withFlags(1)).empty());
-  EXPECT_EQ(1u, find(open("dave"), withFlags(1 | 0x10)).size());
+  EXPECT_TRUE(find(open("dave"), WithFlags(1)).empty());
+  EXPECT_EQ(1u, find(open("dave"), WithFlags(1 | 0x10)).size());
 }
 
-TEST_F(Searching, OwnCertificateNeedsNoKnownIssuer) { EXPECT_EQ(1u, find(open("mallory"), withFlags(1)).size()); }
+TEST_F(Searching, OwnCertificateNeedsNoKnownIssuer) { EXPECT_EQ(1u, find(open("mallory"), WithFlags(1)).size()); }
 
 TEST_F(Searching, OnlyGoodCertificatesAreFoundUnlessAllAreWanted) {
   const EngineSession session = open("alice");
-  const std::vector<std::string> good = find(session, withFlags(0));
+  const std::vector<std::string> good = find(session, WithFlags(0));
   EXPECT_EQ(5u, good.size());  // root, middle, alice, bob, frank
-  EXPECT_EQ(6u, find(session, withFlags(0x20)).size());
-  EXPECT_EQ(8u, find(session, withFlags(0x30)).size());
-  EXPECT_EQ(8u, find(session, withFlags(2)).size());
-  EXPECT_EQ(1u, find(session, withFlags(0x800)).size());
+  EXPECT_EQ(6u, find(session, WithFlags(0x20)).size());
+  EXPECT_EQ(8u, find(session, WithFlags(0x30)).size());
+  EXPECT_EQ(8u, find(session, WithFlags(2)).size());
+  EXPECT_EQ(1u, find(session, WithFlags(0x800)).size());
 }
 
 TEST_F(Searching, TemplatesAreMatched) {
@@ -83,8 +83,8 @@ TEST_F(Searching, TemplatesAreMatched) {
 
 TEST_F(Searching, NumbersAndHashesAreMatched) {
   const EngineSession session = open("alice");
-  const Bytes encoded = material("bob.cer");
-  const DataBlob_t blob = blobOf(encoded);
+  const Bytes encoded = Material("bob.cer");
+  const DataBlob_t blob = BlobOf(encoded);
   CertificateRecord bob{};
   ASSERT_CODE(0, QUIVO_ParseCert(session, &blob, 0x7FFFF, &bob));
 
@@ -127,7 +127,7 @@ TEST_F(Searching, RecordsMayOutliveTheirArray) {
 }
 
 TEST_F(Searching, NothingToChooseFromIsACancelledSelection) {
-  FindParamRecord param = withFlags(8);
+  FindParamRecord param = WithFlags(8);
   char nobody[] = "CN=nobody";
   param.certTemplate.subject = nobody;
   find(open("alice"), param, kSelectionCancelled);
@@ -135,13 +135,13 @@ TEST_F(Searching, NothingToChooseFromIsACancelledSelection) {
 
 TEST_F(Display, ThereIsNoneInTests) {
   const EngineSession session = open("alice");
-  const Bytes certificate = material("alice.cer");
-  const Bytes crl = material("root.crl");
-  const DataBlob_t certificate_blob = blobOf(certificate);
-  const DataBlob_t crl_blob = blobOf(crl);
-  EXPECT_CODE(kNoDisplay, QUIVO_ShowCertificate(session, &certificate_blob));
-  EXPECT_CODE(kNoDisplay, QUIVO_ShowCrl(session, &crl_blob));
-  EXPECT_CODE(kCertificateDamaged, QUIVO_ShowCertificate(session, &crl_blob));
-  EXPECT_CODE(kCrlDamaged, QUIVO_ShowCrl(session, &certificate_blob));
-  find(session, withFlags(8), kNoDisplay);
+  const Bytes certificate = Material("alice.cer");
+  const Bytes crl = Material("root.crl");
+  const DataBlob_t certificateBlob = BlobOf(certificate);
+  const DataBlob_t crlBlob = BlobOf(crl);
+  EXPECT_CODE(kNoDisplay, QUIVO_ShowCertificate(session, &certificateBlob));
+  EXPECT_CODE(kNoDisplay, QUIVO_ShowCrl(session, &crlBlob));
+  EXPECT_CODE(kCertificateDamaged, QUIVO_ShowCertificate(session, &crlBlob));
+  EXPECT_CODE(kCrlDamaged, QUIVO_ShowCrl(session, &certificateBlob));
+  find(session, WithFlags(8), kNoDisplay);
 }

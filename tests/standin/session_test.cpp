@@ -12,11 +12,11 @@ namespace {
 /// A profile in the registry for the time of a test.
 class Profile {
  public:
-  Profile(const char* name, const std::string& key_file, const std::string& store, const char* pin) {
+  Profile(const char* name, const std::string& keyFile, const std::string& store, const char* pin) {
     HKEY key;
     RegCreateKeyA(HKEY_CURRENT_USER, kPath, &key);
     const std::pair<const char*, std::string> values[] = {
-        {"ProfileName", name}, {"pse", key_file}, {"localstore", store}, {"pincode", pin}};
+        {"ProfileName", name}, {"pse", keyFile}, {"localstore", store}, {"pincode", pin}};
     for (const auto& [value, text] : values) {
       RegSetValueExA(key, value, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                      static_cast<DWORD>(text.size() + 1));
@@ -34,10 +34,10 @@ class Session : public EngineTest {};
 }  // namespace
 
 TEST_F(Session, NamedProfileIsFoundWhateverTheCase) {
-  const Profile profile("Standin test", materialPath("alice.p12"), materialPath("store"), "12345678");
+  const Profile profile("Standin test", MaterialPath("alice.p12"), MaterialPath("store"), "12345678");
   EngineSession session = nullptr;
   ASSERT_CODE(0, QUIVO_Initialize("STANDIN TEST", 0, &session));
-  EXPECT_FALSE(sign(session, 0, bytesOf("text")).empty());
+  EXPECT_FALSE(sign(session, 0, BytesOf("text")).empty());
   EXPECT_CODE(0, QUIVO_Uninitialize(session));
 }
 
@@ -49,20 +49,20 @@ TEST_F(Session, UnknownProfileIsRefused) {
 
 TEST_F(Session, WhatCannotBeOpenedHasItsOwnCode) {
   EngineSession session = nullptr;
-  const std::string store = materialPath("store");
-  EXPECT_CODE(kWrongPin, tryOpen(materialPath("alice.p12"), "1234567", store, session));
-  EXPECT_CODE(kWrongPin, tryOpen(materialPath("alice.p12"), "", store, session));
-  EXPECT_CODE(kKeyFileMissing, tryOpen(materialPath("nobody.p12"), "12345678", store, session));
-  EXPECT_CODE(kKeyFileDamaged, tryOpen(materialPath("alice.cer"), "12345678", store, session));
-  EXPECT_CODE(kStoreUnreadable, tryOpen(materialPath("alice.p12"), "12345678", materialPath("nothing"), session));
-  EXPECT_CODE(kStoreUnreadable, tryOpen(materialPath("alice.p12"), "12345678", materialPath("data.bin"), session));
+  const std::string store = MaterialPath("store");
+  EXPECT_CODE(kWrongPin, tryOpen(MaterialPath("alice.p12"), "1234567", store, session));
+  EXPECT_CODE(kWrongPin, tryOpen(MaterialPath("alice.p12"), "", store, session));
+  EXPECT_CODE(kKeyFileMissing, tryOpen(MaterialPath("nobody.p12"), "12345678", store, session));
+  EXPECT_CODE(kKeyFileDamaged, tryOpen(MaterialPath("alice.cer"), "12345678", store, session));
+  EXPECT_CODE(kStoreUnreadable, tryOpen(MaterialPath("alice.p12"), "12345678", MaterialPath("nothing"), session));
+  EXPECT_CODE(kStoreUnreadable, tryOpen(MaterialPath("alice.p12"), "12345678", MaterialPath("data.bin"), session));
   EXPECT_EQ(nullptr, session);
 }
 
 TEST_F(Session, ExpiredOwnCertificateIsNoticedWhenAsked) {
   EngineSession session = nullptr;
-  EXPECT_CODE(kOwnCertificateExpired, tryOpen(materialPath("dave.p12"), "12345678", materialPath("store"), session, 2));
-  EXPECT_CODE(0, tryOpen(materialPath("dave.p12"), "12345678", materialPath("store"), session));
+  EXPECT_CODE(kOwnCertificateExpired, tryOpen(MaterialPath("dave.p12"), "12345678", MaterialPath("store"), session, 2));
+  EXPECT_CODE(0, tryOpen(MaterialPath("dave.p12"), "12345678", MaterialPath("store"), session));
 }
 
 TEST_F(Session, RemoteParametersAreRefused) {
@@ -76,8 +76,8 @@ TEST_F(Session, RemoteParametersAreRefused) {
 
 TEST_F(Session, MinimalSessionHashesButHasNoKeys) {
   const EngineSession session = openMinimal();
-  const Bytes data = bytesOf("abc");
-  const DataBlob_t in = blobOf(data);
+  const Bytes data = BytesOf("abc");
+  const DataBlob_t in = BlobOf(data);
   DataBlob_t hash{};
   EXPECT_CODE(0, QUIVO_HashMem(session, &in, &hash));
   EXPECT_EQ(32u, take(session, hash).size());
@@ -87,20 +87,20 @@ TEST_F(Session, MinimalSessionHashesButHasNoKeys) {
 
 TEST_F(Session, ContextForVerificationHasNoKeys) {
   EngineSession session = nullptr;
-  ASSERT_CODE(0, tryOpen(materialPath("alice.p12"), "wrong", materialPath("store"), session, 0x80000000));
+  ASSERT_CODE(0, tryOpen(MaterialPath("alice.p12"), "wrong", MaterialPath("store"), session, 0x80000000));
   Bytes out;
-  const Bytes data = bytesOf("abc");
+  const Bytes data = BytesOf("abc");
   EXPECT_CODE(kOwnCertificateNotFound, trySign(session, 0, &data, nullptr, out));
-  EXPECT_CODE(0, verify(session, material("messages/attached.p7s")).code);
+  EXPECT_CODE(0, verify(session, Material("messages/attached.p7s")).code);
 }
 
 TEST_F(Session, UnknownHandlesAreRefused) {
-  const Bytes data = bytesOf("abc");
+  const Bytes data = BytesOf("abc");
   Bytes out;
   EngineSession closed = openMinimal();
   close(closed);
-  int on_stack = 0;
-  for (EngineSession handle : {EngineSession(nullptr), EngineSession(&on_stack), closed}) {
+  int onStack = 0;
+  for (EngineSession handle : {EngineSession(nullptr), EngineSession(&onStack), closed}) {
     EXPECT_CODE(kBadSession, trySign(handle, 0, &data, nullptr, out));
     EXPECT_CODE(kBadSession, QUIVO_Uninitialize(handle));
     EXPECT_CODE(kBadSession, QUIVO_FreeMem(handle, nullptr));
@@ -122,20 +122,20 @@ TEST_F(Session, MemoryThatIsNotTheSessionsIsRefused) {
 TEST_F(Session, TwoSessionsAreIndependent) {
   const EngineSession alice = open("alice");
   const EngineSession bob = open("bob");
-  const Bytes by_alice = sign(alice, kSendCertificate, bytesOf("text"));
+  const Bytes byAlice = sign(alice, kSendCertificate, BytesOf("text"));
   close(alice);
-  EXPECT_CODE(0, verify(bob, by_alice).code);
+  EXPECT_CODE(0, verify(bob, byAlice).code);
 }
 
 TEST_F(Session, ReloadOfRevocationListsIsDescribed) {
-  const std::string folder = copyOfStore("roots", "reload");
+  const std::string folder = CopyOfStore("roots", "reload");
   const EngineSession session = openIn("alice", folder);
-  writeFile(folder + "\\root.crl", material("root.crl"));
+  WriteBytes(folder + "\\root.crl", Material("root.crl"));
   char text[4096] = {};
   DataBlob_t blob{sizeof text, reinterpret_cast<uint8_t*>(text)};
   EXPECT_CODE(0, QUIVO_Ctrl(session, kEngineCtrlUpdateCrl, &blob));
   EXPECT_NE(std::string::npos, std::string(text).find("1")) << text;
-  const Bytes by_carol = sign(open("carol"), kSendCertificate, bytesOf("text"));
-  EXPECT_CODE(kRevoked, verify(session, by_carol).code);
+  const Bytes byCarol = sign(open("carol"), kSendCertificate, BytesOf("text"));
+  EXPECT_CODE(kRevoked, verify(session, byCarol).code);
   EXPECT_CODE(kNotSupported, QUIVO_Ctrl(session, 5, &blob));
 }

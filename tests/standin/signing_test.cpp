@@ -7,31 +7,31 @@ namespace {
 
 class Signing : public EngineTest {
  protected:
-  const Bytes data_ = bytesOf("some text to sign");
+  const Bytes payload = BytesOf("some text to sign");
 };
 
 /// An identifier by key, of the first own certificate of a session.
-CertIdRecord byHash(const Bytes& hash) {
+CertIdRecord ByHash(const Bytes& hash) {
   CertIdRecord id{};
   id.type = 2;
-  id.certHash = blobOf(hash);
+  id.certHash = BlobOf(hash);
   return id;
 }
 
 }  // namespace
 
 TEST_F(Signing, AttachedMessageGivesItsContentBack) {
-  const Verified verified = verify(open("alice"), sign(open("alice"), kSendCertificate, data_));
+  const Verified verified = verify(open("alice"), sign(open("alice"), kSendCertificate, payload));
   EXPECT_CODE(0, verified.code);
-  EXPECT_EQ(data_, verified.out);
+  EXPECT_EQ(payload, verified.out);
 }
 
 TEST_F(Signing, DetachedSignatureNeedsTheData) {
   const EngineSession session = open("alice");
-  const Bytes signature = sign(session, kSendCertificate | kDetached, data_);
-  EXPECT_CODE(0, verify(session, signature, &data_).code);
+  const Bytes signature = sign(session, kSendCertificate | kDetached, payload);
+  EXPECT_CODE(0, verify(session, signature, &payload).code);
   EXPECT_CODE(kContentMissing, verify(session, signature).code);
-  const Bytes other = bytesOf("some text to sigh");
+  const Bytes other = BytesOf("some text to sigh");
   EXPECT_CODE(kBadSignature, verify(session, signature, &other).code);
 }
 
@@ -46,45 +46,45 @@ TEST_F(Signing, NoBytesCanBeSigned) {
 TEST_F(Signing, CertificateIsSentAlongOnlyWhenAsked) {
   const EngineSession alice = open("alice");
   const EngineSession stranger = open("bob", "roots");
-  EXPECT_CODE(0, verify(stranger, sign(alice, kSendCertificate, data_)).code);
-  const Verified without = verify(stranger, sign(alice, 0, data_));
+  EXPECT_CODE(0, verify(stranger, sign(alice, kSendCertificate, payload)).code);
+  const Verified without = verify(stranger, sign(alice, 0, payload));
   EXPECT_CODE(kSignerUnknown, without.code);
   ASSERT_EQ(1u, without.verdicts.size());
   EXPECT_EQ("", without.verdicts[0].subject);
-  EXPECT_CODE(0, verify(open("bob"), sign(alice, 0, data_)).code);
+  EXPECT_CODE(0, verify(open("bob"), sign(alice, 0, payload)).code);
 }
 
 TEST_F(Signing, SecondSignerIsAddedToADetachedSignature) {
-  const Bytes first = sign(open("alice"), kSendCertificate | kDetached, data_);
-  const Bytes both = addSignature(open("bob"), kSendCertificate | kDetached, &data_, first);
-  const Verified verified = verify(open("carol"), both, &data_);
+  const Bytes first = sign(open("alice"), kSendCertificate | kDetached, payload);
+  const Bytes both = addSignature(open("bob"), kSendCertificate | kDetached, &payload, first);
+  const Verified verified = verify(open("carol"), both, &payload);
   EXPECT_CODE(0, verified.code);
   EXPECT_EQ(2u, verified.verdicts.size());
 }
 
 TEST_F(Signing, SecondSignerNeedsNoDataWhenTheMessageHasIt) {
-  const Bytes first = sign(open("alice"), kSendCertificate, data_);
+  const Bytes first = sign(open("alice"), kSendCertificate, payload);
   const Bytes both = addSignature(open("bob"), kSendCertificate, nullptr, first);
   const Verified verified = verify(open("carol"), both);
   EXPECT_CODE(0, verified.code);
   EXPECT_EQ(2u, verified.verdicts.size());
-  EXPECT_EQ(data_, verified.out);
+  EXPECT_EQ(payload, verified.out);
 }
 
 TEST_F(Signing, SecondSignerMayTakeTheContentOut) {
-  const Bytes first = sign(open("alice"), kSendCertificate, data_);
+  const Bytes first = sign(open("alice"), kSendCertificate, payload);
   const Bytes both = addSignature(open("bob"), kSendCertificate | kDetached, nullptr, first);
   EXPECT_CODE(kContentMissing, verify(open("carol"), both).code);
-  EXPECT_EQ(2u, verify(open("carol"), both, &data_).verdicts.size());
+  EXPECT_EQ(2u, verify(open("carol"), both, &payload).verdicts.size());
 }
 
 TEST_F(Signing, OtherDataThanTheExistingSignatureCoversIsRefused) {
   const EngineSession session = open("alice");
-  const Bytes other = bytesOf("something else");
+  const Bytes other = BytesOf("something else");
   Bytes out;
-  const Bytes attached = sign(session, kSendCertificate, data_);
+  const Bytes attached = sign(session, kSendCertificate, payload);
   EXPECT_CODE(kContentMismatch, trySign(session, kSendCertificate, &other, &attached, out));
-  const Bytes detached = sign(session, kSendCertificate | kDetached, data_);
+  const Bytes detached = sign(session, kSendCertificate | kDetached, payload);
   EXPECT_CODE(kContentMismatch, trySign(session, kSendCertificate | kDetached, &other, &detached, out));
   EXPECT_CODE(kContentMissing, trySign(session, kSendCertificate | kDetached, nullptr, &detached, out));
 }
@@ -92,87 +92,87 @@ TEST_F(Signing, OtherDataThanTheExistingSignatureCoversIsRefused) {
 TEST_F(Signing, SignerIsChosenByIdentifier) {
   const EngineSession session = open("alice");
   Bytes out;
-  const Bytes wrong_hash(20, 1);
-  const CertIdRecord wrong = byHash(wrong_hash);
-  EXPECT_CODE(kOwnCertificateNotFound, trySign(session, 0, &data_, nullptr, out, &wrong));
+  const Bytes wrongHash(20, 1);
+  const CertIdRecord wrong = ByHash(wrongHash);
+  EXPECT_CODE(kOwnCertificateNotFound, trySign(session, 0, &payload, nullptr, out, &wrong));
   CertIdRecord incomplete{};
   incomplete.type = 1;
-  EXPECT_CODE(kWinInvalidParameter, trySign(session, 0, &data_, nullptr, out, &incomplete));
-  CertIdRecord not_chosen{};
-  not_chosen.type = -1;
-  EXPECT_CODE(0, trySign(session, 0, &data_, nullptr, out, &not_chosen));
+  EXPECT_CODE(kWinInvalidParameter, trySign(session, 0, &payload, nullptr, out, &incomplete));
+  CertIdRecord notChosen{};
+  notChosen.type = -1;
+  EXPECT_CODE(0, trySign(session, 0, &payload, nullptr, out, &notChosen));
 
-  const Bytes encoded = material("alice.cer");
-  const DataBlob_t blob = blobOf(encoded);
+  const Bytes encoded = Material("alice.cer");
+  const DataBlob_t blob = BlobOf(encoded);
   CertificateRecord record{};
   ASSERT_CODE(0, QUIVO_ParseCert(session, &blob, 0x7FFFF, &record));
-  CertIdRecord by_issuer{};
-  by_issuer.type = 0;
-  by_issuer.issuerAndSerial = {record.issuer, record.serialNumber};
-  EXPECT_CODE(0, trySign(session, 0, &data_, nullptr, out, &by_issuer));
-  CertIdRecord by_key{};
-  by_key.type = 1;
-  by_key.keyId = record.keyId;
-  EXPECT_CODE(0, trySign(session, 0, &data_, nullptr, out, &by_key));
-  CertIdRecord by_hash{};
-  by_hash.type = 2;
-  by_hash.certHash = record.certHash;
-  EXPECT_CODE(0, trySign(session, 0, &data_, nullptr, out, &by_hash));
+  CertIdRecord byIssuer{};
+  byIssuer.type = 0;
+  byIssuer.issuerAndSerial = {record.issuer, record.serialNumber};
+  EXPECT_CODE(0, trySign(session, 0, &payload, nullptr, out, &byIssuer));
+  CertIdRecord byKey{};
+  byKey.type = 1;
+  byKey.keyId = record.keyId;
+  EXPECT_CODE(0, trySign(session, 0, &payload, nullptr, out, &byKey));
+  CertIdRecord byHash{};
+  byHash.type = 2;
+  byHash.certHash = record.certHash;
+  EXPECT_CODE(0, trySign(session, 0, &payload, nullptr, out, &byHash));
   EXPECT_CODE(0, QUIVO_FreeCert(session, &record));
 }
 
 TEST_F(Signing, FilesAreSignedLikeMemory) {
   const EngineSession session = open("alice");
-  const std::string data = scratchPath("data");
-  const std::string attached = scratchPath("attached");
-  const std::string detached = scratchPath("detached");
-  const std::string both = scratchPath("both");
-  writeFile(data, data_);
-  const SignParamRecord with_content{kSendCertificate, nullptr};
+  const std::string data = ScratchPath("data");
+  const std::string attached = ScratchPath("attached");
+  const std::string detached = ScratchPath("detached");
+  const std::string both = ScratchPath("both");
+  WriteBytes(data, payload);
+  const SignParamRecord withContent{kSendCertificate, nullptr};
   const SignParamRecord without{kSendCertificate | kDetached, nullptr};
-  EXPECT_CODE(0, QUIVO_SignFile(session, &with_content, data.c_str(), nullptr, attached.c_str()));
+  EXPECT_CODE(0, QUIVO_SignFile(session, &withContent, data.c_str(), nullptr, attached.c_str()));
   EXPECT_CODE(0, QUIVO_StrSignFile(session, &without, data.c_str(), nullptr, detached.c_str()));
-  EXPECT_CODE(0, verify(session, readFile(attached)).code);
-  EXPECT_CODE(0, verify(session, readFile(detached), &data_).code);
-  EXPECT_CODE(0, QUIVO_SignFile(open("bob"), &with_content, nullptr, attached.c_str(), both.c_str()));
-  EXPECT_EQ(2u, verify(session, readFile(both)).verdicts.size());
+  EXPECT_CODE(0, verify(session, ReadBytes(attached)).code);
+  EXPECT_CODE(0, verify(session, ReadBytes(detached), &payload).code);
+  EXPECT_CODE(0, QUIVO_SignFile(open("bob"), &withContent, nullptr, attached.c_str(), both.c_str()));
+  EXPECT_EQ(2u, verify(session, ReadBytes(both)).verdicts.size());
   EXPECT_CODE(0, QUIVO_SignFile(open("bob"), &without, data.c_str(), detached.c_str(), both.c_str()));
-  EXPECT_EQ(2u, verify(session, readFile(both), &data_).verdicts.size());
+  EXPECT_EQ(2u, verify(session, ReadBytes(both), &payload).verdicts.size());
 }
 
 TEST_F(Signing, FileMayBeReplacedByItsSignedForm) {
   const EngineSession session = open("alice");
-  const std::string path = scratchPath("in place");
-  writeFile(path, data_);
+  const std::string path = ScratchPath("in place");
+  WriteBytes(path, payload);
   const SignParamRecord param{kSendCertificate, nullptr};
   EXPECT_CODE(0, QUIVO_SignFile(session, &param, path.c_str(), nullptr, path.c_str()));
-  EXPECT_EQ(data_, verify(session, readFile(path)).out);
+  EXPECT_EQ(payload, verify(session, ReadBytes(path)).out);
 }
 
 TEST_F(Signing, FilesThatCannotBeUsedHaveTheSystemsCodes) {
   const EngineSession session = open("alice");
-  const std::string data = scratchPath("data");
-  writeFile(data, data_);
+  const std::string data = ScratchPath("data");
+  WriteBytes(data, payload);
   const SignParamRecord param{kSendCertificate, nullptr};
-  const auto sign_file = [&](const char* in, const char* out) {
+  const auto signFile = [&](const char* in, const char* out) {
     return QUIVO_SignFile(session, &param, in, nullptr, out);
   };
-  EXPECT_CODE(2, sign_file(scratchPath("missing").c_str(), scratchPath("out").c_str()));
-  EXPECT_CODE(3, sign_file(data.c_str(), scratchPath("no folder\\out").c_str()));
-  EXPECT_CODE(5, sign_file(data.c_str(), scratchPath("").c_str()));
-  EXPECT_CODE(kWinInvalidParameter, sign_file(data.c_str(), nullptr));
-  EXPECT_CODE(kContentMissing, sign_file(nullptr, scratchPath("out").c_str()));
-  EXPECT_FALSE(fileExists(scratchPath("out")));
+  EXPECT_CODE(2, signFile(ScratchPath("missing").c_str(), ScratchPath("out").c_str()));
+  EXPECT_CODE(3, signFile(data.c_str(), ScratchPath("no folder\\out").c_str()));
+  EXPECT_CODE(5, signFile(data.c_str(), ScratchPath("").c_str()));
+  EXPECT_CODE(kWinInvalidParameter, signFile(data.c_str(), nullptr));
+  EXPECT_CODE(kContentMissing, signFile(nullptr, ScratchPath("out").c_str()));
+  EXPECT_FALSE(FileExists(ScratchPath("out")));
 }
 
 TEST_F(Signing, EmptyPathIsNotAnAbsentFile) {
   const EngineSession session = open("alice");
-  const std::string data = scratchPath("data"), out = scratchPath("out");
-  writeFile(data, data_);
+  const std::string data = ScratchPath("data"), out = ScratchPath("out");
+  WriteBytes(data, payload);
   const SignParamRecord param{kSendCertificate, nullptr};
   EXPECT_CODE(3, QUIVO_SignFile(session, &param, data.c_str(), "", out.c_str()));
   EXPECT_CODE(3, QUIVO_SignFile(session, &param, "", nullptr, out.c_str()));
-  EXPECT_FALSE(fileExists(out));
+  EXPECT_FALSE(FileExists(out));
   EXPECT_CODE(0, QUIVO_SignFile(session, &param, data.c_str(), nullptr, out.c_str()));
   VerifyParamRecord verify{};
   VerifyResultRecord result{};
@@ -184,8 +184,8 @@ TEST_F(Signing, EmptyPathIsNotAnAbsentFile) {
 
 TEST_F(Signing, NullDeviceIsAnAbsentFile) {
   const EngineSession session = open("alice");
-  const std::string data = scratchPath("data"), out = scratchPath("out");
-  writeFile(data, data_);
+  const std::string data = ScratchPath("data"), out = ScratchPath("out");
+  WriteBytes(data, payload);
   const SignParamRecord param{kSendCertificate, nullptr};
   EXPECT_CODE(0, QUIVO_SignFile(session, &param, data.c_str(), "NUL", out.c_str()));
   VerifyParamRecord verify{};

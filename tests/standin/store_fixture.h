@@ -18,12 +18,12 @@ class StoreTest : public EngineTest {
 
   static int32_t add(EngineSession session, const Bytes& encoded) {
     const SignParamRecord addition{};
-    const DataBlob_t blob = blobOf(encoded);
+    const DataBlob_t blob = BlobOf(encoded);
     return QUIVO_AddCertificate(session, &addition, &blob);
   }
   static int32_t addCrl(EngineSession session, const Bytes& encoded) {
     const SignParamRecord addition{};
-    const DataBlob_t blob = blobOf(encoded);
+    const DataBlob_t blob = BlobOf(encoded);
     return QUIVO_AddCRL(session, &addition, &blob);
   }
   Bytes exported(EngineSession session, uint32_t flags, const CertIdRecord* id, int32_t expected = 0) {
@@ -34,12 +34,12 @@ class StoreTest : public EngineTest {
   }
   static int32_t import(EngineSession session, uint32_t flags, const Bytes& bytes) {
     const SignParamRecord param{flags, nullptr};
-    const DataBlob_t blob = blobOf(bytes);
+    const DataBlob_t blob = BlobOf(bytes);
     return QUIVO_ImportMem(session, &param, &blob);
   }
 };
 
-inline FindParamRecord withFlags(uint32_t flags) {
+inline FindParamRecord WithFlags(uint32_t flags) {
   FindParamRecord param{};
   param.flag = flags;
   return param;

@@ -11,20 +11,20 @@ namespace {
 class Streams : public EngineTest {
  protected:
   void SetUp() override {
-    for (int i = 0; i < 5000; ++i) data_.push_back(static_cast<uint8_t>(i * 7));
+    for (int i = 0; i < 5000; ++i) payload.push_back(static_cast<uint8_t>(i * 7));
   }
 
   /// Hands the bytes over in pieces of that size.
-  static void inPieces(const Bytes& bytes, size_t size, const std::function<void(const DataBlob_t&)>& take_piece) {
+  static void inPieces(const Bytes& bytes, size_t size, const std::function<void(const DataBlob_t&)>& takePiece) {
     for (size_t start = 0; start < bytes.size(); start += size) {
       const size_t count = std::min(size, bytes.size() - start);
-      take_piece({static_cast<uint32_t>(count), const_cast<uint8_t*>(bytes.data()) + start});
+      takePiece({static_cast<uint32_t>(count), const_cast<uint8_t*>(bytes.data()) + start});
     }
   }
 
   Bytes signInPieces(EngineSession session, uint32_t flags, const Bytes* existing, const Bytes& data, size_t size) {
     const SignParamRecord param{flags, nullptr};
-    const DataBlob_t start = existing == nullptr ? DataBlob_t{} : blobOf(*existing);
+    const DataBlob_t start = existing == nullptr ? DataBlob_t{} : BlobOf(*existing);
     EngineStream stream = nullptr;
     EXPECT_CODE(0, QUIVO_StrSignInitMem(session, &param, &start, &stream));
     inPieces(data, size, [&](const DataBlob_t& piece) {
@@ -38,9 +38,9 @@ class Streams : public EngineTest {
 
   Verified verifyInPieces(EngineSession session, const Bytes& start, const Bytes& rest, size_t size) {
     const VerifyParamRecord param{};
-    const DataBlob_t start_blob = start.empty() ? DataBlob_t{} : blobOf(start);
+    const DataBlob_t startBlob = start.empty() ? DataBlob_t{} : BlobOf(start);
     EngineStream stream = nullptr;
-    EXPECT_CODE(0, QUIVO_StrVerifyInitMem(session, &param, &start_blob, &stream));
+    EXPECT_CODE(0, QUIVO_StrVerifyInitMem(session, &param, &startBlob, &stream));
     inPieces(rest, size, [&](const DataBlob_t& piece) {
       EXPECT_CODE(0, QUIVO_StrVerifyUpdateMem(session, &param, &stream, &piece));
     });
@@ -64,7 +64,7 @@ class Streams : public EngineTest {
       const Bytes piece = take(session, out);
       message.insert(message.end(), piece.begin(), piece.end());
     };
-    inPieces(data_, size, [&](const DataBlob_t& piece) {
+    inPieces(payload, size, [&](const DataBlob_t& piece) {
       DataBlob_t out{};
       EXPECT_CODE(0, QUIVO_StrEncryptUpdateMem(session, &param, &stream, &piece, &out));
       add(out);
@@ -99,7 +99,7 @@ class Streams : public EngineTest {
     return decrypted;
   }
 
-  Bytes data_;
+  Bytes payload;
 };
 
 constexpr size_t kPieceSizes[] = {1, 3, 64, 4096, 100000};
@@ -109,50 +109,50 @@ constexpr size_t kPieceSizes[] = {1, 3, 64, 4096, 100000};
 TEST_F(Streams, AttachedSignatureIsMadeOfPieces) {
   const EngineSession session = open("alice");
   for (size_t size : kPieceSizes) {
-    const Verified verified = verify(session, signInPieces(session, kSendCertificate, nullptr, data_, size));
+    const Verified verified = verify(session, signInPieces(session, kSendCertificate, nullptr, payload, size));
     EXPECT_CODE(0, verified.code);
-    EXPECT_EQ(data_, verified.out);
+    EXPECT_EQ(payload, verified.out);
   }
 }
 
 TEST_F(Streams, SecondSignatureIsAddedInPieces) {
-  const Bytes first = sign(open("alice"), kSendCertificate | kDetached, data_);
-  const Bytes both = signInPieces(open("bob"), kSendCertificate | kDetached, &first, data_, 1000);
-  EXPECT_EQ(2u, verify(open("bob"), both, &data_).verdicts.size());
-  const Bytes attached = sign(open("alice"), kSendCertificate, data_);
-  const Bytes both_attached = signInPieces(open("bob"), kSendCertificate, &attached, {}, 1);
-  EXPECT_EQ(2u, verify(open("bob"), both_attached).verdicts.size());
-  EXPECT_EQ(data_, verify(open("bob"), signInPieces(open("bob"), 0, &attached, data_, 999)).out);
+  const Bytes first = sign(open("alice"), kSendCertificate | kDetached, payload);
+  const Bytes both = signInPieces(open("bob"), kSendCertificate | kDetached, &first, payload, 1000);
+  EXPECT_EQ(2u, verify(open("bob"), both, &payload).verdicts.size());
+  const Bytes attached = sign(open("alice"), kSendCertificate, payload);
+  const Bytes bothAttached = signInPieces(open("bob"), kSendCertificate, &attached, {}, 1);
+  EXPECT_EQ(2u, verify(open("bob"), bothAttached).verdicts.size());
+  EXPECT_EQ(payload, verify(open("bob"), signInPieces(open("bob"), 0, &attached, payload, 999)).out);
 }
 
 TEST_F(Streams, DetachedSignatureIsVerifiedOverPieces) {
   const EngineSession session = open("alice");
-  const Bytes signature = sign(session, kSendCertificate | kDetached, data_);
-  for (size_t size : kPieceSizes) EXPECT_CODE(0, verifyInPieces(session, signature, data_, size).code);
-  Bytes changed = data_;
+  const Bytes signature = sign(session, kSendCertificate | kDetached, payload);
+  for (size_t size : kPieceSizes) EXPECT_CODE(0, verifyInPieces(session, signature, payload, size).code);
+  Bytes changed = payload;
   changed[4000] ^= 1;
   EXPECT_CODE(kBadSignature, verifyInPieces(session, signature, changed, 100).code);
 }
 
 TEST_F(Streams, AttachedMessageIsVerifiedInPieces) {
   const EngineSession session = open("alice");
-  const Bytes message = sign(session, kSendCertificate, data_);
+  const Bytes message = sign(session, kSendCertificate, payload);
   for (size_t size : kPieceSizes) {
     const Verified verified = verifyInPieces(session, {}, message, size);
     EXPECT_CODE(0, verified.code);
-    EXPECT_EQ(data_, verified.out);
+    EXPECT_EQ(payload, verified.out);
   }
   EXPECT_CODE(0, verifyInPieces(session, message, {}, 1).code);
   const Bytes start(message.begin(), message.begin() + 77);
   const Bytes rest(message.begin() + 77, message.end());
-  EXPECT_EQ(data_, verifyInPieces(session, start, rest, 500).out);
+  EXPECT_EQ(payload, verifyInPieces(session, start, rest, 500).out);
 }
 
 TEST_F(Streams, OpensslStreamIsVerifiedInPieces) {
   const EngineSession session = open("bob");
-  const Bytes message = material("messages/stream.p7s");
+  const Bytes message = Material("messages/stream.p7s");
   for (size_t size : {1, 7, 1000}) {
-    EXPECT_EQ(material("data.bin"), verifyInPieces(session, {}, message, size).out);
+    EXPECT_EQ(Material("data.bin"), verifyInPieces(session, {}, message, size).out);
   }
 }
 
@@ -160,20 +160,20 @@ TEST_F(Streams, MessageIsEncryptedInPieces) {
   const EngineSession session = open("carol");
   for (size_t size : kPieceSizes) {
     const Bytes message = encryptInPieces(session, {"alice", "bob"}, size);
-    EXPECT_EQ(data_, decrypt(open("alice"), message).out) << size;
-    EXPECT_EQ(data_, decrypt(open("bob"), message).out) << size;
+    EXPECT_EQ(payload, decrypt(open("alice"), message).out) << size;
+    EXPECT_EQ(payload, decrypt(open("bob"), message).out) << size;
   }
 }
 
 TEST_F(Streams, MessageIsDecryptedInPieces) {
   const EngineSession session = open("alice");
-  const Bytes whole = encrypt(open("carol"), data_, {"alice"});
+  const Bytes whole = encrypt(open("carol"), payload, {"alice"});
   const Bytes stream = encryptInPieces(open("carol"), {"alice"}, 333);
   for (size_t size : kPieceSizes) {
     for (const Bytes& message : {whole, stream}) {
       const Decrypted opened = decryptInPieces(session, message, size);
       EXPECT_CODE(0, opened.code);
-      EXPECT_EQ(data_, opened.out) << size;
+      EXPECT_EQ(payload, opened.out) << size;
       EXPECT_EQ("CN=Carol, C=RU", opened.sender);
     }
   }
@@ -181,22 +181,22 @@ TEST_F(Streams, MessageIsDecryptedInPieces) {
 
 TEST_F(Streams, CutMessageIsRefusedInTheEnd) {
   const EngineSession session = open("alice");
-  Bytes message = encrypt(session, data_, {"alice"});
+  Bytes message = encrypt(session, payload, {"alice"});
   message.resize(message.size() - 20);
   EXPECT_CODE(kMessageDamaged, decryptInPieces(session, message, 512).code);
-  Bytes signature = sign(session, kSendCertificate, data_);
+  Bytes signature = sign(session, kSendCertificate, payload);
   signature.resize(signature.size() - 20);
   EXPECT_CODE(kMessageDamaged, verifyInPieces(session, {}, signature, 512).code);
 }
 
 TEST_F(Streams, HashIsMadeOfPieces) {
   const EngineSession session = openMinimal();
-  const DataBlob_t all = blobOf(data_);
+  const DataBlob_t all = BlobOf(payload);
   DataBlob_t expected{};
   ASSERT_CODE(0, QUIVO_HashMem(session, &all, &expected));
   EngineStream stream = nullptr;
   ASSERT_CODE(0, QUIVO_StrHashInitMem(session, "SHA-256", &stream));
-  inPieces(data_, 17, [&](const DataBlob_t& piece) { QUIVO_StrHashUpdateMem(session, &stream, &piece); });
+  inPieces(payload, 17, [&](const DataBlob_t& piece) { QUIVO_StrHashUpdateMem(session, &stream, &piece); });
   DataBlob_t hash{};
   ASSERT_CODE(0, QUIVO_StrHashFinalMem(session, &stream, &hash));
   EXPECT_EQ(take(session, expected), take(session, hash));
@@ -236,9 +236,9 @@ TEST_F(Streams, StreamOfAnotherKindIsRefusedAndLivesOn) {
 TEST_F(Streams, AbandonedStreamsEndWithTheirSession) {
   EngineSession session = open("alice");
   Receivers receivers({"alice"});
-  const EncryptParamRecord encrypt_param = receivers.param();
+  const EncryptParamRecord encryptParam = receivers.param();
   EngineStream streams[2] = {};
-  ASSERT_CODE(0, QUIVO_StrEncryptInitMem(session, &encrypt_param, &streams[0]));
+  ASSERT_CODE(0, QUIVO_StrEncryptInitMem(session, &encryptParam, &streams[0]));
   ASSERT_CODE(0, QUIVO_StrHashInitMem(session, nullptr, &streams[1]));
   close(session);
   const DataBlob_t none{};

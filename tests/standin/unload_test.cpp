@@ -13,7 +13,7 @@
 namespace {
 
 template <typename Function>
-Function* find(HMODULE library, const char* name) {
+Function* Find(HMODULE library, const char* name) {
   return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library, name)));
 }
 
@@ -24,12 +24,12 @@ struct Work {
   bool done;
 };
 
-DWORD WINAPI signOnce(void* argument) {
+DWORD WINAPI SignOnce(void* argument) {
   Work& work = *static_cast<Work*>(argument);
   char pin[] = "12345678";
   const LocalParamRecord local{sizeof local, 0, work.keys, work.store, nullptr, pin};
   EngineSession session = nullptr;
-  if (find<decltype(QUIVO_InitializeEx)>(work.library, "QUIVO_InitializeEx")(kEngineLocalParam, &local, &session) !=
+  if (Find<decltype(QUIVO_InitializeEx)>(work.library, "QUIVO_InitializeEx")(kEngineLocalParam, &local, &session) !=
       0) {
     return 1;
   }
@@ -38,11 +38,11 @@ DWORD WINAPI signOnce(void* argument) {
   const DataBlob_t none{};
   const SignParamRecord param{8, nullptr};
   DataBlob_t out{};
-  work.done = find<decltype(QUIVO_SignMem)>(work.library, "QUIVO_SignMem")(session, &param, &data, &none, &out) == 0;
+  work.done = Find<decltype(QUIVO_SignMem)>(work.library, "QUIVO_SignMem")(session, &param, &data, &none, &out) == 0;
   return 0;
 }
 
-void workOnce() {
+void WorkOnce() {
   const HMODULE library = LoadLibraryA("tavl1.dll");
   ASSERT_NE(nullptr, library);
   const char* material = std::getenv("TAVL_STANDIN_MATERIAL");
@@ -50,8 +50,8 @@ void workOnce() {
   std::string keys = std::string(material) + "/alice.p12", store = std::string(material) + "/store";
   Work here{library, keys.data(), store.data(), false};
   Work there{library, keys.data(), store.data(), false};
-  signOnce(&here);
-  const HANDLE thread = CreateThread(nullptr, 0, signOnce, &there, 0, nullptr);
+  SignOnce(&here);
+  const HANDLE thread = CreateThread(nullptr, 0, SignOnce, &there, 0, nullptr);
   WaitForSingleObject(thread, INFINITE);
   CloseHandle(thread);
   FreeLibrary(library);
@@ -59,7 +59,7 @@ void workOnce() {
   EXPECT_EQ(nullptr, GetModuleHandleA("tavl1.dll"));
 }
 
-size_t memory() {
+size_t Memory() {
   PROCESS_MEMORY_COUNTERS counters{};
   GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
   return counters.PagefileUsage;
@@ -70,8 +70,8 @@ size_t memory() {
 TEST(Unload, LeavesNoMemoryBehind) {
   constexpr int kRounds = 40;
   constexpr size_t kMostGrowth = 128 * 1024;
-  for (int round = 0; round < kRounds && !HasFailure(); ++round) workOnce();
-  const size_t before = memory();
-  for (int round = 0; round < kRounds && !HasFailure(); ++round) workOnce();
-  EXPECT_LE(memory(), before + kMostGrowth);
+  for (int round = 0; round < kRounds && !HasFailure(); ++round) WorkOnce();
+  const size_t before = Memory();
+  for (int round = 0; round < kRounds && !HasFailure(); ++round) WorkOnce();
+  EXPECT_LE(Memory(), before + kMostGrowth);
 }

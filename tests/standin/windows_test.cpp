@@ -11,7 +11,7 @@ using namespace standin;
 
 namespace {
 
-std::wstring captionOf(HWND window) {
+std::wstring CaptionOf(HWND window) {
   wchar_t text[256] = {};
   GetWindowTextW(window, text, 256);
   return text;
@@ -50,14 +50,14 @@ class User {
       EnumWindows(check, reinterpret_cast<LPARAM>(this));
     }
     if (window_ == nullptr) return;
-    caption_ = captionOf(window_);
+    caption_ = CaptionOf(window_);
     answer_(window_);
   }
 
   static BOOL CALLBACK check(HWND window, LPARAM self) {
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
-    if (process != GetCurrentProcessId() || !IsWindowVisible(window) || captionOf(window).empty()) return TRUE;
+    if (process != GetCurrentProcessId() || !IsWindowVisible(window) || CaptionOf(window).empty()) return TRUE;
     reinterpret_cast<User*>(self)->window_ = window;
     return FALSE;
   }
@@ -68,10 +68,10 @@ class User {
   std::wstring caption_;
 };
 
-User::Answer press(int button) {
+User::Answer Press(int button) {
   return [button](HWND window) { PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(button), 0); };
 }
-void closeWindow(HWND window) { PostMessageW(window, WM_CLOSE, 0, 0); }
+void Dismiss(HWND window) { PostMessageW(window, WM_CLOSE, 0, 0); }
 
 class Windows : public EngineTest {
  protected:
@@ -92,7 +92,7 @@ class Windows : public EngineTest {
 }  // namespace
 
 TEST_F(Windows, FirstCertificateIsSelectedFromTheStart) {
-  User user(press(IDOK));
+  User user(Press(IDOK));
   EXPECT_EQ(std::vector<std::string>{"CN=Carol, C=RU"}, select(open("carol"), 2));
   EXPECT_EQ(L"Выбор сертификата", user.sawCaption());
 }
@@ -110,7 +110,7 @@ TEST_F(Windows, AnyNumberCanBeSelected) {
 }
 
 TEST_F(Windows, SelectionCanBeGivenUp) {
-  User user(press(IDCANCEL));
+  User user(Press(IDCANCEL));
   EXPECT_TRUE(select(open("carol"), 0, kSelectionCancelled).empty());
 }
 
@@ -124,35 +124,35 @@ TEST_F(Windows, NothingSelectedIsGivenUpToo) {
 
 TEST_F(Windows, CertificateIsShownUntilItsWindowIsClosed) {
   const EngineSession session = open("alice");
-  const Bytes encoded = material("bob.cer");
-  const DataBlob_t blob = blobOf(encoded);
-  User user(closeWindow);
+  const Bytes encoded = Material("bob.cer");
+  const DataBlob_t blob = BlobOf(encoded);
+  User user(Dismiss);
   EXPECT_CODE(0, QUIVO_ShowCertificate(session, &blob));
   EXPECT_NE(L"", user.sawCaption());
 }
 
 TEST_F(Windows, RevocationListIsShownUntilItsWindowIsClosed) {
   const EngineSession session = open("alice");
-  const Bytes encoded = material("root.crl");
-  const DataBlob_t blob = blobOf(encoded);
-  User user(closeWindow);
+  const Bytes encoded = Material("root.crl");
+  const DataBlob_t blob = BlobOf(encoded);
+  User user(Dismiss);
   EXPECT_CODE(0, QUIVO_ShowCrl(session, &blob));
   EXPECT_NE(L"", user.sawCaption());
 }
 
 TEST_F(Windows, ImportCanAsk) {
-  const EngineSession session = openIn("alice", copyOfStore("roots", "asked"));
-  const Bytes encoded = material("bob.cer");
-  const DataBlob_t blob = blobOf(encoded);
+  const EngineSession session = openIn("alice", CopyOfStore("roots", "asked"));
+  const Bytes encoded = Material("bob.cer");
+  const DataBlob_t blob = BlobOf(encoded);
   const SignParamRecord param{1, nullptr};
-  const Bytes message = sign(open("bob"), 0, bytesOf("text"));
+  const Bytes message = sign(open("bob"), 0, BytesOf("text"));
   {
-    User user(press(IDCANCEL));
+    User user(Press(IDCANCEL));
     EXPECT_CODE(kSelectionCancelled, QUIVO_ImportMem(session, &param, &blob));
   }
   EXPECT_CODE(kSignerUnknown, verify(session, message).code);
   {
-    User user(press(IDOK));
+    User user(Press(IDOK));
     EXPECT_CODE(0, QUIVO_ImportMem(session, &param, &blob));
   }
   EXPECT_CODE(0, verify(session, message).code);
@@ -162,7 +162,7 @@ TEST_F(Windows, ExportCanAsk) {
   const EngineSession session = open("carol");
   const SignParamRecord param{1 | 2, nullptr};
   DataBlob_t out{};
-  User user(press(IDOK));
+  User user(Press(IDOK));
   EXPECT_CODE(0, QUIVO_ExportMem(session, &param, &out));
-  EXPECT_EQ(material("carol.cer"), take(session, out));
+  EXPECT_EQ(Material("carol.cer"), take(session, out));
 }

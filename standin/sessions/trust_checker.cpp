@@ -1,5 +1,5 @@
 // Checking of certificate chains.
-#include "standin/sessions/trust.h"
+#include "standin/sessions/trust_checker.h"
 
 #include <algorithm>
 
@@ -14,8 +14,8 @@ constexpr int32_t kBySeverity[] = {
     kIssuerUnknown, kChainBroken, kCrlForged, kRevoked, kExpired, kNotYetValid, kVerifiedWithRemarks, kOk,
 };
 
-int32_t codeOf(int verify_error) {
-  switch (verify_error) {
+int32_t CodeOf(int verifyError) {
+  switch (verifyError) {
     case X509_V_OK:
     // A store without a list of this issuer simply knows of no revocation.
     case X509_V_ERR_UNABLE_TO_GET_CRL:
@@ -59,45 +59,45 @@ class Findings {
 };
 
 /// Notes the error and goes on: one verdict is chosen from all that is found.
-int noteError(int ok, X509_STORE_CTX* context) {
+int NoteError(int ok, X509_STORE_CTX* context) {
   if (ok == 1) return 1;
-  static_cast<Findings*>(X509_STORE_CTX_get_app_data(context))->add(codeOf(X509_STORE_CTX_get_error(context)));
+  static_cast<Findings*>(X509_STORE_CTX_get_app_data(context))->add(CodeOf(X509_STORE_CTX_get_error(context)));
   return 1;
 }
 
-void push(STACK_OF(X509) * stack, X509* certificate) {
-  if (sk_X509_push(stack, certificate) == 0) fail(kWinOutOfMemory);
+void Push(STACK_OF(X509) * stack, X509* certificate) {
+  if (sk_X509_push(stack, certificate) == 0) Fail(kWinOutOfMemory);
 }
 
 }  // namespace
 
 TrustChecker::TrustChecker(const Session& session, const STACK_OF(X509) * helpers)
     : store_(X509_STORE_new()), helpers_(sk_X509_new_null()) {
-  if (store_ == nullptr || helpers_ == nullptr) fail(kWinOutOfMemory);
+  if (store_ == nullptr || helpers_ == nullptr) Fail(kWinOutOfMemory);
   for (const CertPtr& certificate : session.store.certificates()) {
     if ((X509_get_extension_flags(certificate.get()) & EXFLAG_SS) != 0) {
       X509_STORE_add_cert(store_.get(), certificate.get());
     } else {
-      push(helpers_.get(), certificate.get());
+      Push(helpers_.get(), certificate.get());
     }
   }
   for (const CrlPtr& crl : session.store.crls()) X509_STORE_add_crl(store_.get(), crl.get());
-  for (int i = 0; helpers != nullptr && i < sk_X509_num(helpers); ++i) push(helpers_.get(), sk_X509_value(helpers, i));
+  for (int i = 0; helpers != nullptr && i < sk_X509_num(helpers); ++i) Push(helpers_.get(), sk_X509_value(helpers, i));
 }
 
 int32_t TrustChecker::check(X509* certificate, const TrustOptions& options) const {
   const TrustContextPtr context(X509_STORE_CTX_new());
   if (context == nullptr || X509_STORE_CTX_init(context.get(), store_.get(), certificate, helpers_.get()) != 1) {
-    fail(kWinOutOfMemory);
+    Fail(kWinOutOfMemory);
   }
   X509_VERIFY_PARAM* param = X509_STORE_CTX_get0_param(context.get());
   unsigned long flags = X509_V_FLAG_CRL_CHECK | X509_V_FLAG_CRL_CHECK_ALL;
-  if (!options.check_time) flags |= X509_V_FLAG_NO_CHECK_TIME;
+  if (!options.checkTime) flags |= X509_V_FLAG_NO_CHECK_TIME;
   X509_VERIFY_PARAM_set_flags(param, flags);
   if (options.at != 0) X509_VERIFY_PARAM_set_time(param, options.at);
   Findings findings;
   X509_STORE_CTX_set_app_data(context.get(), &findings);
-  X509_STORE_CTX_set_verify_cb(context.get(), noteError);
+  X509_STORE_CTX_set_verify_cb(context.get(), NoteError);
   if (X509_verify_cert(context.get()) < 0) return kChainBroken;
   return findings.weightiest();
 }

@@ -1,5 +1,5 @@
 // The bags of a PKCS#12 file, and single sealed keys.
-#include "standin/sessions/pkcs12_file.h"
+#include "standin/sessions/sealed_keys.h"
 
 #include <openssl/err.h>
 #include <openssl/pem.h>
@@ -31,7 +31,7 @@ constexpr long kMostRounds = 2'000'000;
 constexpr int kDeepestNesting = 4;
 
 template <typename Owner>
-Owner unpack(const X509_ALGOR* algorithm, const ASN1_ITEM* item) {
+Owner Unpack(const X509_ALGOR* algorithm, const ASN1_ITEM* item) {
   const ASN1_OBJECT* object = nullptr;
   int type = 0;
   const void* value = nullptr;
@@ -41,16 +41,16 @@ Owner unpack(const X509_ALGOR* algorithm, const ASN1_ITEM* item) {
 }
 
 /// The rounds of key derivation that the algorithm asks for; 0 when it states none.
-long roundsOf(const X509_ALGOR* algorithm) {
+long RoundsOf(const X509_ALGOR* algorithm) {
   const ASN1_OBJECT* object = nullptr;
   X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
   if (OBJ_obj2nid(object) != NID_pbes2) {
-    const PbeParamPtr param = unpack<PbeParamPtr>(algorithm, ASN1_ITEM_rptr(PBEPARAM));
+    const PbeParamPtr param = Unpack<PbeParamPtr>(algorithm, ASN1_ITEM_rptr(PBEPARAM));
     return param == nullptr ? 0 : ASN1_INTEGER_get(param->iter);
   }
-  const Pbe2ParamPtr outer = unpack<Pbe2ParamPtr>(algorithm, ASN1_ITEM_rptr(PBE2PARAM));
+  const Pbe2ParamPtr outer = Unpack<Pbe2ParamPtr>(algorithm, ASN1_ITEM_rptr(PBE2PARAM));
   if (outer == nullptr) return 0;
-  const Pbkdf2ParamPtr param = unpack<Pbkdf2ParamPtr>(outer->keyfunc, ASN1_ITEM_rptr(PBKDF2PARAM));
+  const Pbkdf2ParamPtr param = Unpack<Pbkdf2ParamPtr>(outer->keyfunc, ASN1_ITEM_rptr(PBKDF2PARAM));
   return param == nullptr ? 0 : ASN1_INTEGER_get(param->iter);
 }
 
@@ -61,7 +61,7 @@ class Reader {
   Pkcs12Content read(PKCS12* file) {
     checkPin(file);
     const SafesPtr safes(PKCS12_unpack_authsafes(file));
-    if (safes == nullptr) fail(kKeyFileDamaged);
+    if (safes == nullptr) Fail(kKeyFileDamaged);
     for (int i = 0; i < sk_PKCS7_num(safes.get()); ++i) readSafe(sk_PKCS7_value(safes.get(), i));
     return std::move(content_);
   }
@@ -69,7 +69,7 @@ class Reader {
  private:
   void spend(long rounds) {
     // -1 is a number that does not fit.
-    if (rounds < 0 || rounds > kMostRounds - rounds_) fail(kKeyFileDamaged);
+    if (rounds < 0 || rounds > kMostRounds - rounds_) Fail(kKeyFileDamaged);
     rounds_ += rounds;
   }
 
@@ -88,7 +88,7 @@ class Reader {
     }
     // An empty PIN is written in two ways: as no text and as a text of no characters.
     spend(stated);
-    if (!pin_.empty() || PKCS12_verify_mac(file, nullptr, 0) != 1) fail(kWrongPin);
+    if (!pin_.empty() || PKCS12_verify_mac(file, nullptr, 0) != 1) Fail(kWrongPin);
     password_ = nullptr;
   }
 
@@ -97,13 +97,13 @@ class Reader {
       readBags(BagsPtr(PKCS12_unpack_p7data(safe)), 0);
     } else if (PKCS7_type_is_encrypted(safe) && safe->d.encrypted != nullptr &&
                safe->d.encrypted->enc_data != nullptr) {
-      spend(roundsOf(safe->d.encrypted->enc_data->algorithm));
+      spend(RoundsOf(safe->d.encrypted->enc_data->algorithm));
       readBags(BagsPtr(PKCS12_unpack_p7encdata(safe, password_, -1)), 0);
     }
   }
 
   void readBags(const BagsPtr& bags, int depth) {
-    if (bags == nullptr) fail(kKeyFileDamaged);
+    if (bags == nullptr) Fail(kKeyFileDamaged);
     for (int i = 0; i < sk_PKCS12_SAFEBAG_num(bags.get()); ++i) {
       readBag(sk_PKCS12_SAFEBAG_value(bags.get(), i), depth);
     }
@@ -118,9 +118,9 @@ class Reader {
         const X509_SIG* sealed = PKCS12_SAFEBAG_get0_pkcs8(bag);
         const X509_ALGOR* algorithm = nullptr;
         X509_SIG_get0(sealed, &algorithm, nullptr);
-        spend(roundsOf(algorithm));
+        spend(RoundsOf(algorithm));
         const KeyInfoPtr key(PKCS12_decrypt_skey(bag, password_, -1));
-        if (key == nullptr) fail(kKeyFileDamaged);
+        if (key == nullptr) Fail(kKeyFileDamaged);
         addKey(key.get());
         break;
       }
@@ -128,7 +128,7 @@ class Reader {
         if (CertPtr certificate{PKCS12_SAFEBAG_get1_cert(bag)}) content_.certificates.push_back(std::move(certificate));
         break;
       case NID_safeContentsBag:
-        if (depth >= kDeepestNesting) fail(kKeyFileDamaged);
+        if (depth >= kDeepestNesting) Fail(kKeyFileDamaged);
         for (int i = 0; i < sk_PKCS12_SAFEBAG_num(PKCS12_SAFEBAG_get0_safes(bag)); ++i) {
           readBag(sk_PKCS12_SAFEBAG_value(PKCS12_SAFEBAG_get0_safes(bag), i), depth + 1);
         }
@@ -140,7 +140,7 @@ class Reader {
 
   void addKey(const PKCS8_PRIV_KEY_INFO* info) {
     KeyPtr key(EVP_PKCS82PKEY(info));
-    if (key == nullptr) fail(kKeyFileDamaged);
+    if (key == nullptr) Fail(kKeyFileDamaged);
     content_.keys.push_back(std::move(key));
   }
 
@@ -152,32 +152,32 @@ class Reader {
 
 }  // namespace
 
-Pkcs12Content readPkcs12(ByteView der, const std::string& pin) {
+Pkcs12Content ReadPkcs12(ByteView der, const std::string& pin) {
   const unsigned char* cursor = der.data();
   const Pkcs12Ptr file(d2i_PKCS12(nullptr, &cursor, static_cast<long>(der.size())));
-  if (file == nullptr) fail(kKeyFileDamaged);
+  if (file == nullptr) Fail(kKeyFileDamaged);
   return Reader(pin).read(file.get());
 }
 
-KeyPtr readSealedKey(ByteView der, const std::string& pin) {
+KeyPtr ReadSealedKey(ByteView der, const std::string& pin) {
   const unsigned char* cursor = der.data();
   const SealedKeyPtr sealed(d2i_X509_SIG(nullptr, &cursor, static_cast<long>(der.size())));
   if (sealed == nullptr) return nullptr;
   const X509_ALGOR* algorithm = nullptr;
   X509_SIG_get0(sealed.get(), &algorithm, nullptr);
-  const long rounds = roundsOf(algorithm);
+  const long rounds = RoundsOf(algorithm);
   if (rounds < 0 || rounds > kMostRounds) return nullptr;
   const KeyInfoPtr info(PKCS8_decrypt(sealed.get(), pin.c_str(), static_cast<int>(pin.size())));
   return KeyPtr(info == nullptr ? nullptr : EVP_PKCS82PKEY(info.get()));
 }
 
-Bytes sealKey(EVP_PKEY* key, const std::string& pin) {
+Bytes SealKey(EVP_PKEY* key, const std::string& pin) {
   const BioPtr out(BIO_new(BIO_s_mem()));
   // The function does not change the text, whatever its type says.
   char* text = const_cast<char*>(pin.c_str());
   if (out == nullptr || i2d_PKCS8PrivateKey_bio(out.get(), key, EVP_aes_256_cbc(), text, static_cast<int>(pin.size()),
                                                 nullptr, nullptr) != 1) {
-    fail(kRequestFailed);
+    Fail(kRequestFailed);
   }
   char* der = nullptr;
   const long length = BIO_get_mem_data(out.get(), &der);

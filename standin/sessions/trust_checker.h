@@ -10,7 +10,7 @@
 namespace standin {
 
 struct TrustOptions {
-  bool check_time = true;
+  bool checkTime = true;
   time_t at = 0;  ///< when the certificate has to be valid; 0 is now
 };
 

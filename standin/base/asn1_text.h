@@ -8,7 +8,7 @@
 namespace standin {
 
 /// UTF-8, up to an embedded zero; empty when there is no text in it.
-inline std::string textOf(const ASN1_STRING* text) {
+inline std::string TextOf(const ASN1_STRING* text) {
   if (text == nullptr) return {};
   unsigned char* utf8 = nullptr;
   const int length = ASN1_STRING_to_UTF8(&utf8, text);

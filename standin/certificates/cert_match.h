@@ -7,10 +7,10 @@
 namespace standin {
 
 /// Everything that the record states must hold; texts are compared without regard to case. When `fields` is 0, all
-/// members that are set count, otherwise only those of its mask. `partial_subject`: the subject need only occur.
-bool fits(X509* certificate, const CertificateRecord& wanted, bool partial_subject);
+/// members that are set count, otherwise only those of its mask. `partialSubject`: the subject need only occur.
+bool Fits(X509* certificate, const CertificateRecord& wanted, bool partialSubject);
 
 /// Whether the record states anything at all that a certificate could be told by.
-bool statesAnything(const CertificateRecord& wanted);
+bool StatesAnything(const CertificateRecord& wanted);
 
 }  // namespace standin

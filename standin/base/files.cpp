@@ -1,5 +1,5 @@
 // Reading and writing of files for the engine.
-#include "standin/base/win_file.h"
+#include "standin/base/files.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -8,36 +8,36 @@
 
 namespace standin {
 
-void failWithLastError() {
+void FailWithLastError() {
   const DWORD error = GetLastError();
-  fail(error == 0 ? kInternal : static_cast<int32_t>(error));
+  Fail(error == 0 ? kInternal : static_cast<int32_t>(error));
 }
 
 InputFile::InputFile(const char* path) {
-  if (path == nullptr) fail(kWinInvalidParameter);
+  if (path == nullptr) Fail(kWinInvalidParameter);
   handle_.reset(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                             FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-  if (!handle_.valid()) failWithLastError();
+  if (!handle_.valid()) FailWithLastError();
   LARGE_INTEGER size;
-  if (!GetFileSizeEx(handle_.get(), &size)) failWithLastError();
+  if (!GetFileSizeEx(handle_.get(), &size)) FailWithLastError();
   size_ = static_cast<uint64_t>(size.QuadPart);
 }
 
 ByteView InputFile::next() {
   if (piece_.empty()) piece_.resize(static_cast<size_t>(std::clamp<uint64_t>(size_, 1, kFilePiece)));
   DWORD read = 0;
-  if (!ReadFile(handle_.get(), piece_.data(), static_cast<DWORD>(piece_.size()), &read, nullptr)) failWithLastError();
+  if (!ReadFile(handle_.get(), piece_.data(), static_cast<DWORD>(piece_.size()), &read, nullptr)) FailWithLastError();
   return {piece_.data(), read};
 }
 
-Bytes readWholeFile(const char* path, uint64_t limit) {
+Bytes ReadWholeFile(const char* path, uint64_t limit) {
   InputFile file(path);
-  if (file.size() > limit) fail(kTooLarge);
+  if (file.size() > limit) Fail(kTooLarge);
   Bytes bytes;
   bytes.reserve(static_cast<size_t>(file.size()));
   for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) {
-    append(bytes, piece);
-    if (bytes.size() > limit) fail(kTooLarge);
+    Append(bytes, piece);
+    if (bytes.size() > limit) Fail(kTooLarge);
   }
   return bytes;
 }
@@ -45,33 +45,33 @@ Bytes readWholeFile(const char* path, uint64_t limit) {
 namespace {
 
 /// A free name in the folder of `path`, opened.
-FileHandle createBeside(const std::string& path, std::string& name) {
-  const size_t folder_length = path.find_last_of("\\/:") + 1;
+FileHandle CreateBeside(const std::string& path, std::string& name) {
+  const size_t folderLength = path.find_last_of("\\/:") + 1;
   for (unsigned attempt = 0; attempt < 100; ++attempt) {
     char leaf[32];
     std::snprintf(leaf, sizeof leaf, "~t%08lx.tmp",
                   static_cast<unsigned long>(GetTickCount() ^ (GetCurrentThreadId() << 16) ^ (attempt * 0x9E3779B9u)));
-    name = path.substr(0, folder_length) + leaf;
+    name = path.substr(0, folderLength) + leaf;
     FileHandle handle(CreateFileA(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                   FILE_ATTRIBUTE_NORMAL, nullptr));
     if (handle.valid()) return handle;
-    if (GetLastError() != ERROR_FILE_EXISTS) failWithLastError();
+    if (GetLastError() != ERROR_FILE_EXISTS) FailWithLastError();
   }
-  fail(ERROR_FILE_EXISTS);
+  Fail(ERROR_FILE_EXISTS);
 }
 
 }  // namespace
 
 OutputFile::OutputFile(const char* path) {
-  if (path == nullptr || *path == 0) fail(kWinInvalidParameter);
+  if (path == nullptr || *path == 0) Fail(kWinInvalidParameter);
   path_ = path;
   // A folder under the wanted name would only be noticed at the end, after all the work.
   const DWORD attributes = GetFileAttributesA(path);
   if (attributes != INVALID_FILE_ATTRIBUTES &&
       (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0) {
-    fail(ERROR_ACCESS_DENIED);
+    Fail(ERROR_ACCESS_DENIED);
   }
-  handle_ = createBeside(path_, temporary_);
+  handle_ = CreateBeside(path_, temporary_);
   buffer_.reserve(kFilePiece);
 }
 
@@ -86,7 +86,7 @@ void OutputFile::write(ByteView bytes) {
   if (bytes.size() >= kFilePiece) {
     writeThrough(bytes);
   } else {
-    append(buffer_, bytes);
+    Append(buffer_, bytes);
   }
 }
 
@@ -94,15 +94,15 @@ void OutputFile::overwrite(uint64_t offset, ByteView bytes) {
   flush();
   LARGE_INTEGER position;
   position.QuadPart = static_cast<LONGLONG>(offset);
-  if (!SetFilePointerEx(handle_.get(), position, nullptr, FILE_BEGIN)) failWithLastError();
+  if (!SetFilePointerEx(handle_.get(), position, nullptr, FILE_BEGIN)) FailWithLastError();
   writeThrough(bytes);
-  if (!SetFilePointerEx(handle_.get(), LARGE_INTEGER{}, nullptr, FILE_END)) failWithLastError();
+  if (!SetFilePointerEx(handle_.get(), LARGE_INTEGER{}, nullptr, FILE_END)) FailWithLastError();
 }
 
 void OutputFile::commit() {
   flush();
   handle_.reset();
-  if (!MoveFileExA(temporary_.c_str(), path_.c_str(), MOVEFILE_REPLACE_EXISTING)) failWithLastError();
+  if (!MoveFileExA(temporary_.c_str(), path_.c_str(), MOVEFILE_REPLACE_EXISTING)) FailWithLastError();
   temporary_.clear();
 }
 
@@ -115,37 +115,37 @@ void OutputFile::writeThrough(ByteView bytes) {
   while (!bytes.empty()) {
     const DWORD wanted = static_cast<DWORD>(std::min<size_t>(bytes.size(), 64 * kFilePiece));
     DWORD written = 0;
-    if (!WriteFile(handle_.get(), bytes.data(), wanted, &written, nullptr)) failWithLastError();
-    if (written == 0) fail(kWinDiskFull);
+    if (!WriteFile(handle_.get(), bytes.data(), wanted, &written, nullptr)) FailWithLastError();
+    if (written == 0) Fail(kWinDiskFull);
     bytes = bytes.subspan(written);
   }
 }
 
-std::string freeNameBeside(const std::string& path) {
+std::string FreeNameBeside(const std::string& path) {
   std::string name;
-  createBeside(path, name);
+  CreateBeside(path, name);
   return name;
 }
 
-void writeWholeFile(const char* path, ByteView bytes) {
+void WriteWholeFile(const char* path, ByteView bytes) {
   OutputFile file(path);
   file.write(bytes);
   file.commit();
 }
 
-std::string joinPath(const std::string& folder, const std::string& name) {
+std::string JoinPath(const std::string& folder, const std::string& name) {
   if (folder.empty()) return name;
   const char last = folder.back();
   return last == '\\' || last == '/' ? folder + name : folder + '\\' + name;
 }
 
-std::vector<std::string> filesIn(const std::string& folder, const char* pattern) {
+std::vector<std::string> FilesIn(const std::string& folder, const char* pattern) {
   WIN32_FIND_DATAA entry{};
-  const HANDLE search = FindFirstFileA(joinPath(folder, pattern).c_str(), &entry);
+  const HANDLE search = FindFirstFileA(JoinPath(folder, pattern).c_str(), &entry);
   std::vector<std::string> names;
   if (search == INVALID_HANDLE_VALUE) {
     if (GetLastError() == ERROR_FILE_NOT_FOUND) return names;
-    fail(kStoreUnreadable);
+    Fail(kStoreUnreadable);
   }
   do {
     if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.emplace_back(entry.cFileName);

@@ -59,10 +59,10 @@ class InputFile {
 
 /// The path, or null if it names the null device: script hosts that cannot pass a null string name no file that way.
 /// An empty path is not absent: it names a file that does not exist.
-inline const char* given(const char* path) { return path != nullptr && _stricmp(path, "NUL") != 0 ? path : nullptr; }
+inline const char* Given(const char* path) { return path != nullptr && _stricmp(path, "NUL") != 0 ? path : nullptr; }
 
 /// The whole file, refused when it is longer than `limit`.
-Bytes readWholeFile(const char* path, uint64_t limit);
+Bytes ReadWholeFile(const char* path, uint64_t limit);
 
 /// A file that appears under its name only when `commit` is reached; until then it has a temporary name beside it,
 /// and it is deleted when the object goes without a commit.
@@ -88,16 +88,16 @@ class OutputFile {
   Bytes buffer_;
 };
 
-void writeWholeFile(const char* path, ByteView bytes);
+void WriteWholeFile(const char* path, ByteView bytes);
 
 /// The path of no existing file, in the folder of `path`. An empty file is left there to keep the name.
-std::string freeNameBeside(const std::string& path);
+std::string FreeNameBeside(const std::string& path);
 
 /// "folder\name", with one separator.
-std::string joinPath(const std::string& folder, const std::string& name);
+std::string JoinPath(const std::string& folder, const std::string& name);
 
 /// The names of the files in a folder that fit the pattern; empty when there are none. Fails with kStoreUnreadable when
 /// the folder cannot be read.
-std::vector<std::string> filesIn(const std::string& folder, const char* pattern);
+std::vector<std::string> FilesIn(const std::string& folder, const char* pattern);
 
 }  // namespace standin

@@ -14,11 +14,11 @@ struct Pkcs12Content {
 };
 
 /// Fails with kWrongPin or kKeyFileDamaged. The PIN is UTF-8.
-Pkcs12Content readPkcs12(ByteView der, const std::string& pin);
+Pkcs12Content ReadPkcs12(ByteView der, const std::string& pin);
 
 /// A single key; null when the bytes are none or the PIN is another.
-KeyPtr readSealedKey(ByteView der, const std::string& pin);
+KeyPtr ReadSealedKey(ByteView der, const std::string& pin);
 /// The sealed form of a key.
-Bytes sealKey(EVP_PKEY* key, const std::string& pin);
+Bytes SealKey(EVP_PKEY* key, const std::string& pin);
 
 }  // namespace standin

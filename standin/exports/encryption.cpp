@@ -1,8 +1,8 @@
 // Exported functions: encryption and decryption.
+#include "standin/operations/encryption.h"
 #include "standin/certificates/cert_record.h"
 #include "standin/exports/guard.h"
 #include "standin/operations/decryption.h"
-#include "standin/operations/encryption.h"
 
 using namespace standin;
 
@@ -10,11 +10,11 @@ namespace {
 
 /// Runs a decryption; the code is also the status of the result, which stays empty otherwise when it fails.
 template <typename Decrypt>
-int32_t decrypting(EngineSession session, const DecryptParamRecord* param, DecryptResultRecord* result,
+int32_t Decrypting(EngineSession session, const DecryptParamRecord* param, DecryptResultRecord* result,
                    Decrypt decrypt) {
-  const int32_t code = inSession(session, [&](Session& s) {
-    required(result) = {};
-    decrypt(s, required(param));
+  const int32_t code = InSession(session, [&](Session& s) {
+    Required(result) = {};
+    decrypt(s, Required(param));
   });
   if (code != kOk && result != nullptr) result->status = code;
   return code;
@@ -24,15 +24,15 @@ int32_t decrypting(EngineSession session, const DecryptParamRecord* param, Decry
 
 int32_t QUIVO_EncryptMem(EngineSession session, const EncryptParamRecord* param, const DataBlob_t* in,
                          DataBlob_t* out) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& target = required(out);
-    target = encryptMemory(s, required(param), viewOf(in));
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& target = Required(out);
+    target = EncryptMemory(s, Required(param), ViewOf(in));
   });
 }
 
 int32_t QUIVO_EncryptFile(EngineSession session, const EncryptParamRecord* param, const char* file_in,
                           const char* file_out) {
-  return inSession(session, [&](Session& s) { encryptFile(s, required(param), file_in, file_out); });
+  return InSession(session, [&](Session& s) { EncryptFiles(s, Required(param), file_in, file_out); });
 }
 
 int32_t QUIVO_StrEncryptFile(EngineSession session, const EncryptParamRecord* param, const char* file_in,
@@ -42,16 +42,16 @@ int32_t QUIVO_StrEncryptFile(EngineSession session, const EncryptParamRecord* pa
 
 int32_t QUIVO_DecryptMem(EngineSession session, const DecryptParamRecord* param, const DataBlob_t* in, DataBlob_t* out,
                          DecryptResultRecord* result) {
-  return decrypting(session, param, result, [&](Session& s, const DecryptParamRecord& p) {
-    DataBlob_t& target = required(out);
-    target = decryptMemory(s, p, viewOf(in), *result);
+  return Decrypting(session, param, result, [&](Session& s, const DecryptParamRecord& p) {
+    DataBlob_t& target = Required(out);
+    target = DecryptMemory(s, p, ViewOf(in), *result);
   });
 }
 
 int32_t QUIVO_DecryptFile(EngineSession session, const DecryptParamRecord* param, const char* file_in,
                           const char* file_out, DecryptResultRecord* result) {
-  return decrypting(session, param, result,
-                    [&](Session& s, const DecryptParamRecord& p) { decryptFile(s, p, file_in, file_out, *result); });
+  return Decrypting(session, param, result,
+                    [&](Session& s, const DecryptParamRecord& p) { DecryptFiles(s, p, file_in, file_out, *result); });
 }
 
 int32_t QUIVO_StrDecryptFile(EngineSession session, const DecryptParamRecord* param, const char* file_in,
@@ -60,57 +60,57 @@ int32_t QUIVO_StrDecryptFile(EngineSession session, const DecryptParamRecord* pa
 }
 
 int32_t QUIVO_FreeDecryptResult(EngineSession session, DecryptResultRecord* result) {
-  return inSession(session, [&](Session& s) {
-    freeRecord(required(result).cert, s.buffers);
+  return InSession(session, [&](Session& s) {
+    FreeRecord(Required(result).cert, s.buffers);
     *result = {};
   });
 }
 
 int32_t QUIVO_StrEncryptInitMem(EngineSession session, const EncryptParamRecord* param, EngineStream* stream) {
-  return inSession(session, [&](Session& s) {
-    EngineStream& handle = required(stream);
-    handle = s.addStream(std::make_unique<EncryptStream>(s, required(param)));
+  return InSession(session, [&](Session& s) {
+    EngineStream& handle = Required(stream);
+    handle = s.addStream(std::make_unique<EncryptStream>(s, Required(param)));
   });
 }
 
 int32_t QUIVO_StrEncryptUpdateMem(EngineSession session, const EncryptParamRecord*, EngineStream* stream,
                                   const DataBlob_t* in, DataBlob_t* out) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& target = required(out);
-    target = s.stream<EncryptStream>(stream).update(viewOf(in));
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& target = Required(out);
+    target = s.stream<EncryptStream>(stream).update(ViewOf(in));
   });
 }
 
 int32_t QUIVO_StrEncryptFinalMem(EngineSession session, const EncryptParamRecord*, EngineStream* stream,
                                  DataBlob_t* out) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& target = required(out);
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& target = Required(out);
     target = s.endStream<EncryptStream>(stream)->finish();
   });
 }
 
 int32_t QUIVO_StrDecryptInitMem(EngineSession session, const DecryptParamRecord* param, const DataBlob_t* in,
                                 int32_t* left, EngineStream* stream) {
-  return inSession(session, [&](Session& s) {
-    EngineStream& handle = required(stream);
+  return InSession(session, [&](Session& s) {
+    EngineStream& handle = Required(stream);
     // Every piece is taken whole: nothing is ever left for the caller to give again.
-    required(left) = 0;
-    handle = s.addStream(std::make_unique<DecryptStream>(s, required(param).mycert, viewOf(in)));
+    Required(left) = 0;
+    handle = s.addStream(std::make_unique<DecryptStream>(s, Required(param).mycert, ViewOf(in)));
   });
 }
 
 int32_t QUIVO_StrDecryptUpdateMem(EngineSession session, const DecryptParamRecord*, EngineStream* stream,
                                   const DataBlob_t* in, int32_t* left, DataBlob_t* out) {
-  return inSession(session, [&](Session& s) {
-    DataBlob_t& target = required(out);
-    required(left) = 0;
-    target = s.stream<DecryptStream>(stream).update(viewOf(in));
+  return InSession(session, [&](Session& s) {
+    DataBlob_t& target = Required(out);
+    Required(left) = 0;
+    target = s.stream<DecryptStream>(stream).update(ViewOf(in));
   });
 }
 
 int32_t QUIVO_StrDecryptFinalMem(EngineSession session, const DecryptParamRecord* param, EngineStream* stream,
                                  DecryptResultRecord* result) {
-  return decrypting(session, param, result, [&](Session& s, const DecryptParamRecord& p) {
+  return Decrypting(session, param, result, [&](Session& s, const DecryptParamRecord& p) {
     s.endStream<DecryptStream>(stream)->finish(p.info, *result);
   });
 }
