@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "engine/records.h"
+#include "standin/base/contract.h"
 
 namespace standin {
 

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "standin/base/contract.h"
+
 namespace standin {
 
 enum Code : int32_t {
@@ -84,11 +86,6 @@ enum Code : int32_t {
   kRandomFailed = 0x7052,
 
   kInternal = 0x70FF,
-
-  // Codes that callers of the engine know by value.
-  kVerifiedWithRemarks = static_cast<int32_t>(0xE0700019),
-  kOutsideValidity = static_cast<int32_t>(0xE0700036),
-  kSelectionCancelled = static_cast<int32_t>(0xE072008A),
 };
 
 /// The one exception of this engine; it never leaves an exported function.

@@ -3,7 +3,6 @@
 
 #include <array>
 
-#include "engine/records.h"
 #include "standin/base/buffers.h"
 #include "standin/base/openssl_owners.h"
 

@@ -11,18 +11,13 @@
 namespace standin {
 namespace {
 
-constexpr int32_t kByIssuerAndSerial = 0;
-constexpr int32_t kByKeyId = 1;
-constexpr int32_t kByHash = 2;
-constexpr int32_t kNotChosen = -1;
-
 bool IsComplete(const CertIdRecord& id) {
   switch (id.type) {
-    case kByIssuerAndSerial:
+    case kIdIssuerAndSerial:
       return id.issuerAndSerial.issuer != nullptr && id.issuerAndSerial.serialNumber != nullptr;
-    case kByKeyId:
+    case kIdKeyId:
       return id.keyId != nullptr;
-    case kByHash:
+    case kIdCertHash:
       return id.certHash.data != nullptr && id.certHash.len != 0;
     default:
       return false;
@@ -47,7 +42,7 @@ const EVP_MD* DigestOfLength(uint32_t length) {
 }  // namespace
 
 bool NamesCertificate(const CertIdRecord* id) {
-  if (id == nullptr || id->type == kNotChosen) return false;
+  if (id == nullptr || id->type == kIdNotChosen) return false;
   if (!IsComplete(*id)) Fail(kWinInvalidParameter);
   return true;
 }
@@ -63,10 +58,10 @@ bool IsHashOf(const X509* certificate, const DataBlob_t& hash) {
 
 bool Matches(const X509* certificate, const CertIdRecord& id) {
   switch (id.type) {
-    case kByIssuerAndSerial:
+    case kIdIssuerAndSerial:
       return IsSameHex(id.issuerAndSerial.serialNumber, SerialText(certificate)) &&
              IsNameText(X509_get_issuer_name(certificate), Utf8FromAnsi(id.issuerAndSerial.issuer));
-    case kByKeyId:
+    case kIdKeyId:
       return IsSameHex(id.keyId, HexOf(KeyIdOf(certificate)));
     default:
       return IsHashOf(certificate, id.certHash);

@@ -1,7 +1,7 @@
 // Certificate identifiers: by issuer and serial number, by key identifier, by hash.
 #pragma once
 
-#include "engine/records.h"
+#include "standin/base/contract.h"
 #include "standin/base/openssl_owners.h"
 
 namespace standin {

@@ -57,7 +57,7 @@ class Comparison {
         !IsSameHex(wanted_.serialNumber, SerialText(certificate_))) {
       return false;
     }
-    if (counts(kFieldKeyId) && IsSet(wanted_.keyId) && !IsSameHex(wanted_.keyId, HexOf(KeyIdOf(certificate_)))) {
+    if (counts(kFieldKeyID) && IsSet(wanted_.keyId) && !IsSameHex(wanted_.keyId, HexOf(KeyIdOf(certificate_)))) {
       return false;
     }
     if (counts(kFieldCertHash) && wanted_.certHash.len != 0 && !IsHashOf(certificate_, wanted_.certHash)) return false;
@@ -123,7 +123,7 @@ bool StatesAnything(const CertificateRecord& wanted) {
                             return IsSet(wanted.subjectAltName.*member.text);
                           });
   return hasAddress || (counts(kFieldSubject) && IsSet(wanted.subject)) ||
-         (counts(kFieldSerial) && IsSet(wanted.serialNumber)) || (counts(kFieldKeyId) && IsSet(wanted.keyId)) ||
+         (counts(kFieldSerial) && IsSet(wanted.serialNumber)) || (counts(kFieldKeyID) && IsSet(wanted.keyId)) ||
          (counts(kFieldCertHash) && wanted.certHash.len != 0) ||
          (counts(kFieldCertEncoded) && wanted.certEncoded.len != 0);
 }

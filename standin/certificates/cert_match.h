@@ -1,7 +1,7 @@
 // Whether a certificate fits the template of a search or the description of a recipient.
 #pragma once
 
-#include "engine/records.h"
+#include "standin/base/contract.h"
 #include "standin/base/openssl_owners.h"
 
 namespace standin {

@@ -22,7 +22,7 @@ class RecordFiller {
     fillTimes();
     fillUniqueIds();
     fillExtensions();
-    if (wants(kFieldKeyId)) putText(record_.keyId, kFieldKeyId, HexOf(KeyIdOf(certificate_)));
+    if (wants(kFieldKeyID)) putText(record_.keyId, kFieldKeyID, HexOf(KeyIdOf(certificate_)));
     if (wants(kFieldCertEncoded)) putBytes(record_.certEncoded, kFieldCertEncoded, DerOf(certificate_));
     if (wants(kFieldCertHash)) putBytes(record_.certHash, kFieldCertHash, hash());
   }
@@ -53,14 +53,14 @@ class RecordFiller {
       const NameForm form = wants(kFieldSubjectQualified) ? NameForm::kQualified : NameForm::kShort;
       putText(record_.subject, kFieldSubject, AnsiFromUtf8(NameText(X509_get_subject_name(certificate_), form)));
     }
-    if (wants(kFieldAlgorithm | kFieldAlgorithmOid)) putText(record_.algorithm, kFieldAlgorithm, algorithmText());
+    if (wants(kFieldAlgorithm | kFieldAlgorithmOidFormat)) putText(record_.algorithm, kFieldAlgorithm, algorithmText());
   }
 
   std::string algorithmText() const {
     const X509_ALGOR* algorithm = X509_get0_tbs_sigalg(certificate_);
     const ASN1_OBJECT* object = nullptr;
     X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
-    return ObjectText(object, wants(kFieldAlgorithmOid));
+    return ObjectText(object, wants(kFieldAlgorithmOidFormat));
   }
 
   void fillTimes() {
@@ -78,8 +78,8 @@ class RecordFiller {
     const ASN1_BIT_STRING* issuer = nullptr;
     const ASN1_BIT_STRING* subject = nullptr;
     X509_get0_uids(certificate_, &issuer, &subject);
-    if (wants(kFieldIssuerId)) putText(record_.issuerUID, kFieldIssuerId, bitsText(issuer));
-    if (wants(kFieldSubjectId)) putText(record_.subjectUID, kFieldSubjectId, bitsText(subject));
+    if (wants(kFieldIssuerID)) putText(record_.issuerUID, kFieldIssuerID, bitsText(issuer));
+    if (wants(kFieldSubjectID)) putText(record_.subjectUID, kFieldSubjectID, bitsText(subject));
   }
 
   static std::string bitsText(const ASN1_BIT_STRING* bits) {
@@ -159,9 +159,15 @@ struct UsageBit {
 };
 
 constexpr UsageBit kUsageBits[] = {
-    {1, KU_DIGITAL_SIGNATURE}, {2, KU_NON_REPUDIATION}, {4, KU_KEY_ENCIPHERMENT},
-    {8, KU_DATA_ENCIPHERMENT}, {16, KU_KEY_AGREEMENT},  {32, KU_KEY_CERT_SIGN},
-    {64, KU_CRL_SIGN},         {128, KU_ENCIPHER_ONLY}, {256, KU_DECIPHER_ONLY},
+    {kKeyUsageDigitalSignature, KU_DIGITAL_SIGNATURE},
+    {kKeyUsageNonRepudation, KU_NON_REPUDIATION},
+    {kKeyUsageKeyEncipherment, KU_KEY_ENCIPHERMENT},
+    {kKeyUsageDataEncipherment, KU_DATA_ENCIPHERMENT},
+    {kKeyUsageKeyAgreement, KU_KEY_AGREEMENT},
+    {kKeyUsageKeyCertSign, KU_KEY_CERT_SIGN},
+    {kKeyUsageCrlSign, KU_CRL_SIGN},
+    {kKeyUsageEncipherOnly, KU_ENCIPHER_ONLY},
+    {kKeyUsageDecipherOnly, KU_DECIPHER_ONLY},
 };
 
 }  // namespace

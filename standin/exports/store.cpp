@@ -13,9 +13,6 @@ using namespace standin;
 
 namespace {
 
-/// The bit of the verification mode under which validity is left to the caller.
-constexpr uint32_t kVerifyCertNoTimeCheck = 4;
-
 CertPtr CertificateIn(const DataBlob_t* encoded) {
   FoundObjects found = ObjectsIn(ViewOf(encoded));
   if (found.certificates.size() != 1) Fail(kCertificateDamaged);

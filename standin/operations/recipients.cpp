@@ -12,13 +12,11 @@
 namespace standin {
 namespace {
 
-constexpr uint32_t kKeyEncipherment = 4;
-constexpr uint32_t kDataEncipherment = 8;
-constexpr uint32_t kKeyAgreement = 16;
+constexpr uint32_t kReceivingUses = kKeyUsageKeyEncipherment | kKeyUsageDataEncipherment | kKeyUsageKeyAgreement;
 
 bool CanReceive(X509* certificate) {
   const uint32_t uses = KeyUsageOf(certificate);
-  return uses == 0 || (uses & (kKeyEncipherment | kDataEncipherment | kKeyAgreement)) != 0;
+  return uses == 0 || (uses & kReceivingUses) != 0;
 }
 
 CertPtr FindOne(const Session& session, const CertificateRecord& wanted, uint32_t flags) {

@@ -25,6 +25,7 @@ struct FreeExtensions {
   void operator()(STACK_OF(X509_EXTENSION) * stack) const { sk_X509_EXTENSION_pop_free(stack, X509_EXTENSION_free); }
 };
 
+constexpr uint32_t kTokens = kXmlRequestEtokenGost | kXmlRequestRutokenGost | kXmlRequestGost2001 | kXmlRequestGost2012;
 constexpr int kKeyUsageBits = 9;
 constexpr unsigned kRsaBits = 2048;
 
@@ -165,8 +166,8 @@ std::string XmlOf(const CertificateRecord& wanted, const X509_NAME* subject, EVP
 }  // namespace
 
 Bytes MakeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& wanted) {
-  if ((flags & kRequestTokens) != 0) Fail(kNotSupported);
-  const bool usesOwn = (flags & kRequestDoNotGenerate) != 0;
+  if ((flags & kTokens) != 0) Fail(kNotSupported);
+  const bool usesOwn = (flags & kXmlRequestDoNotGenerate) != 0;
   const OwnKey* own = usesOwn ? &session.keys.pick(nullptr, KeyPurpose::kAny) : nullptr;
   const NamePtr subject = SubjectOf(wanted, own == nullptr ? nullptr : own->certificate.get());
   const RequestedExtensions extensions(wanted);

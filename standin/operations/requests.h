@@ -5,9 +5,6 @@
 
 namespace standin {
 
-constexpr uint32_t kRequestDoNotGenerate = 0x0004;
-constexpr uint32_t kRequestTokens = 0x0002 | 0x0008 | 0x0010 | 0x0020;
-
 /// The XML form of a request for what the template states. Unless the flags forbid it a key is made, and kept in the
 /// store's folder under the session's PIN. Fails with kNotSupported, kNoStore, kOwnCertificateNotFound or
 /// kRequestFailed.

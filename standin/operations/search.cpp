@@ -46,7 +46,7 @@ std::vector<CertPtr> FindCertificates(Session& session, const FindParamRecord& p
     if (!Fits(candidate.get(), param.certTemplate, partialSubject)) continue;
     if (IsUsable(trust, candidate.get(), param.flag)) found.push_back(std::move(candidate));
   }
-  if ((param.flag & kFindSelect) == 0) return found;
+  if ((param.flag & kFindSelectUI) == 0) return found;
   return SelectCertificates(found);
 }
 

@@ -38,7 +38,7 @@ bool UsesDefaultDigest(CMS_SignerInfo* signer) {
 SignatureMaker::SignatureMaker(const KeyStore& keys, const SignParamRecord* param) : digest_(DefaultDigest()) {
   const uint32_t flags = param == nullptr ? 0 : param->flag;
   detached_ = (flags & kSignDetached) != 0;
-  send_certificate_ = (flags & kSignSendCertificate) != 0;
+  send_certificate_ = (flags & kSignSendSert) != 0;
   const OwnKey& own = keys.pick(param == nullptr ? nullptr : param->mycert, KeyPurpose::kSigning);
   certificate_ = Share(own.certificate.get());
   EVP_PKEY_up_ref(own.key.get());

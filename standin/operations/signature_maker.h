@@ -1,15 +1,11 @@
 // Makes one signature over content that arrives in pieces, and joins it to those that a message already has.
 #pragma once
 
-#include "engine/records.h"
 #include "standin/base/digest.h"
 #include "standin/messages/signed_parts.h"
 #include "standin/sessions/key_store.h"
 
 namespace standin {
-
-constexpr uint32_t kSignDetached = 0x02;
-constexpr uint32_t kSignSendCertificate = 0x08;
 
 class SignatureMaker {
  public:

@@ -17,6 +17,8 @@
 namespace standin {
 namespace {
 
+constexpr uint32_t kExportTokens = kExportEtokenGost | kExportRutokenGost | kExportGost2001 | kExportGost2012;
+
 void RequireOwn(const Session& session, const CertIdRecord* id) {
   if (NamesCertificate(id)) session.keys.pick(id, KeyPurpose::kAny);
 }
@@ -54,7 +56,7 @@ Bytes StoreAsMessage(const Session& session) {
 }
 
 CertPtr ChosenCertificate(const Session& session, const SignParamRecord& param) {
-  if ((param.flag & kExportUi) != 0) return std::move(SelectCertificates(session.knownCertificates()).front());
+  if ((param.flag & kExportUI) != 0) return std::move(SelectCertificates(session.knownCertificates()).front());
   if (!NamesCertificate(param.mycert)) return nullptr;
   CertPtr certificate = NamedCertificate(session, *param.mycert);
   if (certificate == nullptr) Fail(kNothingToExport);
@@ -101,8 +103,8 @@ void AddCrl(Session& session, const SignParamRecord& addition, ByteView encoded)
 }
 
 Bytes ExportObjects(Session& session, const SignParamRecord& param) {
-  if ((param.flag & (kExportTokens | kExportRevocationRequest)) != 0) Fail(kNotSupported);
-  const bool asDer = (param.flag & kExportDer) != 0;
+  if ((param.flag & (kExportTokens | kExportRevRequest)) != 0) Fail(kNotSupported);
+  const bool asDer = (param.flag & kExportAsn1) != 0;
   if ((param.flag & kExportNewRequest) != 0) {
     const Bytes request = NewestRequest(session.store);
     return asDer ? request : PemOf(PEM_STRING_X509_REQ, request);
@@ -124,7 +126,7 @@ void ImportObjects(Session& session, const SignParamRecord& param, ByteView byte
       if (!session.keys.hasKeyOf(certificate.get())) Fail(kKeyDoesNotMatch);
     }
   }
-  if ((param.flag & kImportUi) != 0) ConfirmImport(found);
+  if ((param.flag & kImportUI) != 0) ConfirmImport(found);
   for (const CertPtr& certificate : found.certificates) session.addCertificate(certificate.get());
   for (const CrlPtr& crl : found.crls) {
     try {

@@ -136,7 +136,7 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
   data = Given(data);
   out = Given(out);
   // With one signature removed the output begins with lengths that are only known at the end.
-  const bool removesOne = (param.flag & kVerifyDeleteSignature) != 0 && param.nSignToDelete != kDeleteAllSignatures;
+  const bool removesOne = (param.flag & kVerifyDelSign) != 0 && param.nSignToDelete != kDeleteAllSigns;
   std::optional<OutputFile> content;
   if (out != nullptr && !removesOne) content.emplace(out);
   std::optional<ContentComparison> comparison;

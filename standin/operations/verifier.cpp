@@ -15,7 +15,7 @@ namespace {
 constexpr size_t kMostSigners = 256;
 constexpr size_t kMostCertificates = 512;
 
-constexpr uint32_t kSigningUses = 1 | 2;
+constexpr uint32_t kSigningUses = kKeyUsageDigitalSignature | kKeyUsageNonRepudation;
 constexpr char kAnyPolicy[] = "2.5.29.32.0";
 constexpr char kAnyExtKeyUsage[] = "2.5.29.37.0";
 
@@ -156,7 +156,7 @@ void Verifier::finish(const VerifyParamRecord& param) {
 
   if (!HasPlausibleVersions(parts_)) Fail(kMessageDamaged);
 
-  const bool useAttached = (param_->flag & kVerifyNoAttachedCertificates) == 0;
+  const bool useAttached = (param_->flag & kVerifyNoAttachedCert) == 0;
   const CertStackPtr attached(useAttached ? CMS_get1_certs(message.get()) : nullptr);
   const CertViewPtr known(sk_X509_new_null());
   for (const CertPtr& certificate : session_.store.certificates()) sk_X509_push(known.get(), certificate.get());
@@ -168,7 +168,7 @@ void Verifier::finish(const VerifyParamRecord& param) {
   for (int i = 0; i < sk_CMS_SignerInfo_num(signers); ++i) {
     verdicts_.push_back(judge(message.get(), sk_CMS_SignerInfo_value(signers, i), trust));
   }
-  if ((param_->flag & kVerifyDeleteSignature) != 0) removeSignature();
+  if ((param_->flag & kVerifyDelSign) != 0) removeSignature();
 }
 
 SignerVerdict Verifier::judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, const TrustChecker& trust) {
@@ -187,7 +187,7 @@ SignerVerdict Verifier::judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, 
   } else {
     TrustOptions options;
     options.checkTime = (param_->flag & kVerifyNoTimeCheck) == 0;
-    if ((param_->flag & kVerifyAtSigningTime) != 0) options.at = verdict.signingTime;
+    if ((param_->flag & kVerifyUserVTime) != 0) options.at = verdict.signingTime;
     verdict.code = trust.check(certificate, options);
     const int32_t demand = IsGood(verdict.code) ? checkDemands(certificate) : kOk;
     if (demand != kOk) verdict.code = demand;
@@ -228,7 +228,7 @@ int32_t Verifier::checkDemands(X509* certificate) const {
 int32_t Verifier::overall() const {
   const auto isGood = [](const SignerVerdict& verdict) { return IsGood(verdict.code); };
   const auto good = std::count_if(verdicts_.begin(), verdicts_.end(), isGood);
-  const bool enoughWillDo = (param_->flag & kVerifyMinSignatures) != 0;
+  const bool enoughWillDo = (param_->flag & kVerifyMinSigns) != 0;
   if (enoughWillDo && good < param_->minsigns) return kTooFewSignatures;
   const auto bad = std::find_if_not(verdicts_.begin(), verdicts_.end(), isGood);
   if (bad != verdicts_.end()) return enoughWillDo && good > 0 ? kVerifiedWithRemarks : bad->code;
@@ -239,7 +239,7 @@ int32_t Verifier::overall() const {
 
 void Verifier::removeSignature() {
   const int32_t index = param_->nSignToDelete;
-  if (index == kDeleteAllSignatures) return;
+  if (index == kDeleteAllSigns) return;
   if (index < 0 || static_cast<size_t>(index) >= parts_.signers.size()) Fail(kNoSuchSignature);
   parts_.signers.erase(parts_.signers.begin() + index);
   removes_one_ = !parts_.signers.empty();

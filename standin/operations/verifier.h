@@ -8,16 +8,6 @@
 
 namespace standin {
 
-constexpr uint32_t kVerifyDeleteSignature = 0x0004;
-constexpr uint32_t kVerifyKeyUsage = 0x0008;
-constexpr uint32_t kVerifyPolicy = 0x0010;
-constexpr uint32_t kVerifyExtKeyUsage = 0x0020;
-constexpr uint32_t kVerifyMinSignatures = 0x0080;
-constexpr uint32_t kVerifyNoTimeCheck = 0x0400;
-constexpr uint32_t kVerifyNoAttachedCertificates = 0x1000;
-constexpr uint32_t kVerifyAtSigningTime = 0x2000;
-constexpr int32_t kDeleteAllSignatures = -1;
-
 /// The verdict on one signature.
 struct SignerVerdict {
   int32_t code;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/records.h"
+#include "standin/base/contract.h"
 #include "standin/base/openssl_owners.h"
 
 namespace standin {

@@ -29,7 +29,7 @@ SessionTable& Table() {
 Session::Session(const SessionSource& source) {
   if (!source.folder.empty()) store.open(source.folder);
   if ((source.flags & kInitVerifyContext) == 0) openKeys(source);
-  if ((source.flags & kInitCheckExpired) == 0) return;
+  if ((source.flags & kInitCheckexpired) == 0) return;
   for (const OwnKey& own : keys.own()) {
     if (!IsWithinValidity(own.certificate.get(), CurrentTime())) Fail(kOwnCertificateExpired);
   }

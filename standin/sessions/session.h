@@ -28,10 +28,6 @@ struct SessionSource {
   uint32_t flags = 0;
 };
 
-/// Flags of opening that this engine follows; the rest concern networks, caches and tokens, which it has not.
-constexpr uint32_t kInitCheckExpired = 0x00000002;
-constexpr uint32_t kInitVerifyContext = 0x80000000;
-
 class Session {
  public:
   /// Without a source: nothing but what needs neither keys nor a store.
