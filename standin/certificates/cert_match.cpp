@@ -17,6 +17,16 @@ namespace standin {
 namespace {
 
 bool IsSet(const char* text) { return text != nullptr && *text != 0; }
+bool IsSet(const DataBlob_t& bytes) { return bytes.len != 0; }
+bool IsSet(const AltNameRecord& name) {
+  bool any = false;
+  ForEachMember([&](const char* text) { any = any || IsSet(text); }, name);
+  return any;
+}
+
+bool Counts(const CertificateRecord& wanted, uint32_t field) {
+  return wanted.fields == 0 || (wanted.fields & field) != 0;
+}
 
 bool SameText(const std::string& leftAnsi, const std::string& rightAnsi) {
   return FoldCase(Utf8FromAnsi(leftAnsi)) == FoldCase(Utf8FromAnsi(rightAnsi));
@@ -36,7 +46,7 @@ class Comparison {
  public:
   Comparison(X509* certificate, const CertificateRecord& wanted) : certificate_(certificate), wanted_(wanted) {}
 
-  bool counts(uint32_t field) const { return wanted_.fields == 0 || (wanted_.fields & field) != 0; }
+  bool counts(uint32_t field) const { return Counts(wanted_, field); }
 
   bool names(bool partialSubject) const {
     if (counts(kFieldIssuer) && IsSet(wanted_.issuer) &&
@@ -60,8 +70,8 @@ class Comparison {
     if (counts(kFieldKeyID) && IsSet(wanted_.keyId) && !IsSameHex(wanted_.keyId, HexOf(KeyIdOf(certificate_)))) {
       return false;
     }
-    if (counts(kFieldCertHash) && wanted_.certHash.len != 0 && !IsHashOf(certificate_, wanted_.certHash)) return false;
-    if (!counts(kFieldCertEncoded) || wanted_.certEncoded.len == 0) return true;
+    if (counts(kFieldCertHash) && IsSet(wanted_.certHash) && !IsHashOf(certificate_, wanted_.certHash)) return false;
+    if (!counts(kFieldCertEncoded) || !IsSet(wanted_.certEncoded)) return true;
     const ByteView encoded = ViewOf(&wanted_.certEncoded);
     const Bytes der = DerOf(certificate_);
     return std::equal(encoded.begin(), encoded.end(), der.begin(), der.end());
@@ -93,16 +103,15 @@ class Comparison {
     Buffers buffers;
     AltNameRecord stated{};
     FillAltName(stated, certificate_, extensionNid, buffers);
-    for (const AltNameField& member : AltNameFields()) {
-      const char* text = wanted.*member.text;
-      if (!IsSet(text)) continue;
-      const char* here = stated.*member.text;
-      if (here != nullptr && SameText(here, text)) continue;
-      // Older certificates have the e-mail address in the subject itself.
-      const bool inSubject = extensionNid == NID_subject_alt_name && member.place == AltNameField::Place::kEmail;
-      if (!inSubject || !SubjectHasAddress(certificate_, text)) return false;
-    }
-    return true;
+    bool agrees = true;
+    ForEachMember(
+        [&](char* const& text, const char* here) {
+          if (!IsSet(text) || (here != nullptr && SameText(here, text))) return;
+          // Older certificates have the e-mail address in the subject itself.
+          agrees = agrees && &text == &wanted_.subjectAltName.emailAddress && SubjectHasAddress(certificate_, text);
+        },
+        wanted, stated);
+    return agrees;
   }
 
   X509* certificate_;
@@ -117,15 +126,10 @@ bool Fits(X509* certificate, const CertificateRecord& wanted, bool partialSubjec
 }
 
 bool StatesAnything(const CertificateRecord& wanted) {
-  const auto counts = [&](uint32_t field) { return wanted.fields == 0 || (wanted.fields & field) != 0; };
-  const bool hasAddress = counts(kFieldSubjectAltName) &&
-                          std::any_of(AltNameFields().begin(), AltNameFields().end(), [&](const AltNameField& member) {
-                            return IsSet(wanted.subjectAltName.*member.text);
-                          });
-  return hasAddress || (counts(kFieldSubject) && IsSet(wanted.subject)) ||
-         (counts(kFieldSerial) && IsSet(wanted.serialNumber)) || (counts(kFieldKeyID) && IsSet(wanted.keyId)) ||
-         (counts(kFieldCertHash) && wanted.certHash.len != 0) ||
-         (counts(kFieldCertEncoded) && wanted.certEncoded.len != 0);
+  const auto states = [&](uint32_t field, const auto& member) { return Counts(wanted, field) && IsSet(member); };
+  return states(kFieldSubjectAltName, wanted.subjectAltName) || states(kFieldSubject, wanted.subject) ||
+         states(kFieldSerial, wanted.serialNumber) || states(kFieldKeyID, wanted.keyId) ||
+         states(kFieldCertHash, wanted.certHash) || states(kFieldCertEncoded, wanted.certEncoded);
 }
 
 }  // namespace standin

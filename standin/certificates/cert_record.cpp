@@ -177,37 +177,6 @@ void FillRecord(CertificateRecord& record, X509* certificate, uint32_t mask, Buf
   RecordFiller(record, certificate, mask, buffers).fill();
 }
 
-void FreeRecord(CertificateRecord& record, Buffers& buffers) {
-  for (char* text : {record.issuer, record.serialNumber, record.subject, record.algorithm, record.issuerUID,
-                     record.subjectUID, record.keyId}) {
-    buffers.release(text);
-  }
-  FreeAltName(record.issuerAltName, buffers);
-  FreeAltName(record.subjectAltName, buffers);
-  // A record whose arrays are none of ours was made elsewhere; its counts are not to be believed either.
-  if (buffers.owns(record.policies)) {
-    for (int32_t i = 0; i < record.policyCount; ++i) {
-      const PolicyRecord& policy = record.policies[i];
-      for (char* text : {policy.oid, policy.org_name, policy.text}) buffers.release(text);
-    }
-    buffers.release(record.policies);
-  }
-  if (buffers.owns(record.extKeyUsage)) {
-    for (int32_t i = 0; i < record.extKeyUsageCount; ++i) buffers.release(record.extKeyUsage[i]);
-    buffers.release(record.extKeyUsage);
-  }
-  if (buffers.owns(record.extensions)) {
-    for (int32_t i = 0; i < record.extensionCount; ++i) {
-      buffers.release(record.extensions[i].oid);
-      buffers.release(record.extensions[i].data.data);
-    }
-    buffers.release(record.extensions);
-  }
-  buffers.release(record.certEncoded.data);
-  buffers.release(record.certHash.data);
-  record = {};
-}
-
 uint32_t KeyUsageOf(X509* certificate) {
   if ((X509_get_extension_flags(certificate) & EXFLAG_KUSAGE) == 0) return 0;
   const uint32_t stated = X509_get_key_usage(certificate);

@@ -1,17 +1,14 @@
-// Certificate records: filled from certificates under a mask of fields, copied, and given back.
+// Certificate records, filled from certificates under a mask of fields.
 #pragma once
 
-#include "standin/base/buffers.h"
 #include "standin/base/openssl_owners.h"
+#include "standin/base/records.h"
 
 namespace standin {
 
 /// Fills the fields of `mask` that the certificate has and states in `fields` which those are. The record is taken as
 /// empty; what it points to is memory of `buffers`.
 void FillRecord(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers);
-
-/// Gives back what the record points to, and empties it.
-void FreeRecord(CertificateRecord& record, Buffers& buffers);
 
 /// Key usage in the bits of the records; 0 when the certificate does not state it.
 uint32_t KeyUsageOf(X509* certificate);

@@ -60,10 +60,7 @@ int32_t QUIVO_StrDecryptFile(EngineSession session, const DecryptParamRecord* pa
 }
 
 int32_t QUIVO_FreeDecryptResult(EngineSession session, DecryptResultRecord* result) {
-  return InSession(session, [&](Session& s) {
-    FreeRecord(Required(result).cert, s.buffers);
-    *result = {};
-  });
+  return InSession(session, [&](Session& s) { FreeRecord(Required(result), s.buffers); });
 }
 
 int32_t QUIVO_StrEncryptInitMem(EngineSession session, const EncryptParamRecord* param, EngineStream* stream) {

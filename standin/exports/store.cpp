@@ -36,15 +36,7 @@ int32_t QUIVO_FindCert(EngineSession session, const FindParamRecord* param, Find
 }
 
 int32_t QUIVO_FreeFindResult(EngineSession session, FindResultRecord* result) {
-  return InSession(session, [&](Session& s) {
-    FindResultRecord& found = Required(result);
-    // A caller may have kept the records and given the array back already.
-    if (s.buffers.owns(found.certificates)) {
-      for (int32_t i = 0; i < found.count; ++i) FreeRecord(found.certificates[i], s.buffers);
-      s.buffers.release(found.certificates);
-    }
-    found = {};
-  });
+  return InSession(session, [&](Session& s) { FreeRecord(Required(result), s.buffers); });
 }
 
 int32_t QUIVO_FreeCert(EngineSession session, CertificateRecord* certificate) {

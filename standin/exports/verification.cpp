@@ -41,7 +41,7 @@ int32_t QUIVO_StrVerifyFile(EngineSession session, const VerifyParamRecord* para
 }
 
 int32_t QUIVO_FreeVerifyResult(EngineSession session, VerifyResultRecord* result) {
-  return InSession(session, [&](Session& s) { FreeResult(Required(result), s.buffers); });
+  return InSession(session, [&](Session& s) { FreeRecord(Required(result), s.buffers); });
 }
 
 int32_t QUIVO_SignedInfoFile(EngineSession session, const char* file, SignedInfoResultRecord* info) {

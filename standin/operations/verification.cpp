@@ -98,19 +98,6 @@ void FillResult(VerifyResultRecord& result, const Verification& verification, co
   }
 }
 
-void FreeResult(VerifyResultRecord& result, Buffers& buffers) {
-  if (buffers.owns(result.entries)) {
-    for (int32_t i = 0; i < result.count; ++i) {
-      CertificateRecord* record = result.entries[i].cert;
-      if (!buffers.owns(record)) continue;
-      FreeRecord(*record, buffers);
-      buffers.release(record);
-    }
-    buffers.release(result.entries);
-  }
-  result = {};
-}
-
 Verification VerifyMemory(Session& session, const VerifyParamRecord& param, std::optional<ByteView> data,
                           ByteView message, DataBlob_t& out) {
   GrowingBuffer content;

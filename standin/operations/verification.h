@@ -17,7 +17,6 @@ struct Verification {
 /// Writes verdicts into a result record; the certificates under the mask of `param`.
 void FillResult(VerifyResultRecord& result, const Verification& verification, const VerifyParamRecord& param,
                 Buffers& buffers);
-void FreeResult(VerifyResultRecord& result, Buffers& buffers);
 
 /// `out` receives the content of the message, or the message without the removed signature, when the code is kOk.
 Verification VerifyMemory(Session& session, const VerifyParamRecord& param, std::optional<ByteView> data,
