@@ -9,49 +9,30 @@
 #include <vector>
 
 #include "standin/base/bytes.h"
+#include "standin/base/owned.h"
 
 namespace standin {
 
 /// The size of the pieces in which files are read and written.
 constexpr size_t kFilePiece = 1024 * 1024;
 
-/// A HANDLE of CreateFile.
-class FileHandle {
- public:
-  explicit FileHandle(HANDLE handle = INVALID_HANDLE_VALUE) : handle_(handle) {}
-  FileHandle(FileHandle&& other) noexcept : handle_(other.release()) {}
-  FileHandle& operator=(FileHandle&& other) noexcept {
-    reset(other.release());
-    return *this;
-  }
-  ~FileHandle() { reset(); }
-
-  HANDLE get() const { return handle_; }
-  bool valid() const { return handle_ != INVALID_HANDLE_VALUE; }
-  void reset(HANDLE handle = INVALID_HANDLE_VALUE) {
-    if (valid()) CloseHandle(handle_);
-    handle_ = handle;
-  }
-  HANDLE release() {
-    HANDLE handle = handle_;
-    handle_ = INVALID_HANDLE_VALUE;
-    return handle;
-  }
-
- private:
-  HANDLE handle_;
-};
+using FileHandle = Owned<CloseHandle>;
 
 class InputFile {
  public:
   explicit InputFile(const char* path);
 
   uint64_t size() const { return size_; }
-  /// The next piece, valid until the following call; empty at the end of the file.
-  ByteView next();
-  void close() { handle_.reset(); }
+  /// Calls `take` with the file, piece by piece, and closes it.
+  template <typename Take>
+  void forEachPiece(Take take) {
+    for (ByteView piece = next(); !piece.empty(); piece = next()) take(piece);
+    handle_.reset();
+  }
 
  private:
+  ByteView next();
+
   FileHandle handle_;
   uint64_t size_;
   Bytes piece_;

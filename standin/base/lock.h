@@ -1,7 +1,9 @@
-// Locks over the platform's own, as the compiler's win32 thread model has none.
+// A lock over the platform's own, as the compiler's win32 thread model has none. std::lock_guard holds it.
 #pragma once
 
 #include <windows.h>
+
+#include <mutex>
 
 namespace standin {
 
@@ -13,22 +15,11 @@ class Lock {
   Lock(const Lock&) = delete;
   Lock& operator=(const Lock&) = delete;
 
-  void enter() { EnterCriticalSection(&section_); }
-  void leave() { LeaveCriticalSection(&section_); }
+  void lock() { EnterCriticalSection(&section_); }
+  void unlock() { LeaveCriticalSection(&section_); }
 
  private:
   CRITICAL_SECTION section_;
-};
-
-class LockScope {
- public:
-  explicit LockScope(Lock& lock) : lock_(lock) { lock_.enter(); }
-  ~LockScope() { lock_.leave(); }
-  LockScope(const LockScope&) = delete;
-  LockScope& operator=(const LockScope&) = delete;
-
- private:
-  Lock& lock_;
 };
 
 }  // namespace standin

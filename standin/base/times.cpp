@@ -30,8 +30,7 @@ bool IsWithinValidity(const X509* certificate, time_t at) {
 }
 
 KeyPeriod PrivateKeyPeriod(const X509* certificate) {
-  using PeriodPtr = std::unique_ptr<PKEY_USAGE_PERIOD, FreeWith<PKEY_USAGE_PERIOD_free>>;
-  const PeriodPtr period(
+  const Owned<PKEY_USAGE_PERIOD_free> period(
       static_cast<PKEY_USAGE_PERIOD*>(X509_get_ext_d2i(certificate, NID_private_key_usage_period, nullptr, nullptr)));
   KeyPeriod result;
   if (period == nullptr) return result;

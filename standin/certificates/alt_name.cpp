@@ -112,14 +112,10 @@ class AltNameFiller {
   Buffers& buffers_;
 };
 
-using GeneralNamePtr = std::unique_ptr<GENERAL_NAME, FreeWith<GENERAL_NAME_free>>;
-using ObjectPtr = std::unique_ptr<ASN1_OBJECT, FreeWith<ASN1_OBJECT_free>>;
-using TypePtr = std::unique_ptr<ASN1_TYPE, FreeWith<ASN1_TYPE_free>>;
-
 GeneralNamePtr OtherName(const char* oid, const std::string& utf8) {
   GeneralNamePtr name(GENERAL_NAME_new());
   ObjectPtr type(OBJ_txt2obj(oid, 1));
-  TypePtr value(ASN1_TYPE_new());
+  Owned<ASN1_TYPE_free> value(ASN1_TYPE_new());
   ASN1_STRING* text = ASN1_STRING_type_new(V_ASN1_UTF8STRING);
   if (name == nullptr || type == nullptr || value == nullptr || text == nullptr) Fail(kWinOutOfMemory);
   ASN1_TYPE_set(value.get(), V_ASN1_UTF8STRING, text);

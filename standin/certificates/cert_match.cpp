@@ -46,60 +46,51 @@ class Comparison {
  public:
   Comparison(X509* certificate, const CertificateRecord& wanted) : certificate_(certificate), wanted_(wanted) {}
 
-  bool counts(uint32_t field) const { return Counts(wanted_, field); }
-
-  bool names(bool partialSubject) const {
-    if (counts(kFieldIssuer) && IsSet(wanted_.issuer) &&
-        !IsNameText(X509_get_issuer_name(certificate_), Utf8FromAnsi(wanted_.issuer))) {
-      return false;
-    }
-    if (counts(kFieldSubject) && IsSet(wanted_.subject)) {
-      const X509_NAME* subject = X509_get_subject_name(certificate_);
-      const std::string text = Utf8FromAnsi(wanted_.subject);
-      if (!(partialSubject ? NameContains(subject, text) : IsNameText(subject, text))) return false;
-    }
-    return altName(kFieldSubjectAltName, wanted_.subjectAltName, NID_subject_alt_name) &&
-           altName(kFieldIssuerAltName, wanted_.issuerAltName, NID_issuer_alt_name);
-  }
-
-  bool numbers() const {
-    if (counts(kFieldSerial) && IsSet(wanted_.serialNumber) &&
-        !IsSameHex(wanted_.serialNumber, SerialText(certificate_))) {
-      return false;
-    }
-    if (counts(kFieldKeyID) && IsSet(wanted_.keyId) && !IsSameHex(wanted_.keyId, HexOf(KeyIdOf(certificate_)))) {
-      return false;
-    }
-    if (counts(kFieldCertHash) && IsSet(wanted_.certHash) && !IsHashOf(certificate_, wanted_.certHash)) return false;
-    if (!counts(kFieldCertEncoded) || !IsSet(wanted_.certEncoded)) return true;
-    const ByteView encoded = ViewOf(&wanted_.certEncoded);
-    const Bytes der = DerOf(certificate_);
-    return std::equal(encoded.begin(), encoded.end(), der.begin(), der.end());
-  }
-
-  bool uses() const {
-    if (counts(kFieldKeyUsage) && !AllowsKeyUsage(certificate_, wanted_.keyUsage)) return false;
-    if (counts(kFieldExtKeyUsage) && wanted_.extKeyUsage != nullptr) {
-      const std::vector<std::string> stated = ExtKeyUsageOf(certificate_);
-      for (int32_t i = 0; i < wanted_.extKeyUsageCount; ++i) {
-        const std::string oid = TextOrEmpty(wanted_.extKeyUsage[i]);
-        if (std::find(stated.begin(), stated.end(), oid) == stated.end()) return false;
-      }
-    }
-    if (!counts(kFieldPolicy) || wanted_.policies == nullptr) return true;
-    const std::vector<CertPolicy> stated = PoliciesOf(certificate_);
-    for (int32_t i = 0; i < wanted_.policyCount; ++i) {
-      const std::string oid = TextOrEmpty(wanted_.policies[i].oid);
-      if (std::none_of(stated.begin(), stated.end(), [&](const CertPolicy& one) { return one.oid == oid; })) {
-        return false;
-      }
-    }
-    return true;
+  bool holds(bool partialSubject) const {
+    return agrees(kFieldSerial, wanted_.serialNumber,
+                  [&](const char* text) { return IsSameHex(text, SerialText(certificate_)); }) &&
+           agrees(kFieldKeyID, wanted_.keyId,
+                  [&](const char* text) { return IsSameHex(text, HexOf(KeyIdOf(certificate_))); }) &&
+           agrees(kFieldCertHash, wanted_.certHash,
+                  [&](const DataBlob_t& hash) { return IsHashOf(certificate_, hash); }) &&
+           agrees(kFieldCertEncoded, wanted_.certEncoded,
+                  [&](const DataBlob_t& der) { return Equal(ViewOf(&der), DerOf(certificate_)); }) &&
+           agrees(
+               kFieldIssuer, wanted_.issuer,
+               [&](const char* text) { return IsNameText(X509_get_issuer_name(certificate_), Utf8FromAnsi(text)); }) &&
+           agrees(kFieldSubject, wanted_.subject,
+                  [&](const char* text) {
+                    const X509_NAME* subject = X509_get_subject_name(certificate_);
+                    return partialSubject ? NameContains(subject, Utf8FromAnsi(text))
+                                          : IsNameText(subject, Utf8FromAnsi(text));
+                  }) &&
+           hasUses() && hasAltName(kFieldSubjectAltName, wanted_.subjectAltName, NID_subject_alt_name) &&
+           hasAltName(kFieldIssuerAltName, wanted_.issuerAltName, NID_issuer_alt_name);
   }
 
  private:
-  bool altName(uint32_t field, const AltNameRecord& wanted, int extensionNid) const {
-    if (!counts(field)) return true;
+  template <typename Member, typename Test>
+  bool agrees(uint32_t field, const Member& member, Test test) const {
+    return !Counts(wanted_, field) || !IsSet(member) || test(member);
+  }
+
+  bool hasUses() const {
+    if (Counts(wanted_, kFieldKeyUsage) && !AllowsKeyUsage(certificate_, wanted_.keyUsage)) return false;
+    if (Counts(wanted_, kFieldExtKeyUsage)) {
+      const std::vector<std::string> stated = ExtKeyUsageOf(certificate_);
+      for (const char* oid : ListOf(wanted_.extKeyUsage, wanted_.extKeyUsageCount)) {
+        if (std::ranges::find(stated, TextOrEmpty(oid)) == stated.end()) return false;
+      }
+    }
+    if (!Counts(wanted_, kFieldPolicy)) return true;
+    const std::vector<CertPolicy> stated = PoliciesOf(certificate_);
+    return std::ranges::all_of(ListOf(wanted_.policies, wanted_.policyCount), [&](const PolicyRecord& policy) {
+      return std::ranges::find(stated, TextOrEmpty(policy.oid), &CertPolicy::oid) != stated.end();
+    });
+  }
+
+  bool hasAltName(uint32_t field, const AltNameRecord& wanted, int extensionNid) const {
+    if (!Counts(wanted_, field)) return true;
     Buffers buffers;
     AltNameRecord stated{};
     FillAltName(stated, certificate_, extensionNid, buffers);
@@ -121,8 +112,7 @@ class Comparison {
 }  // namespace
 
 bool Fits(X509* certificate, const CertificateRecord& wanted, bool partialSubject) {
-  const Comparison comparison(certificate, wanted);
-  return comparison.numbers() && comparison.uses() && comparison.names(partialSubject);
+  return Comparison(certificate, wanted).holds(partialSubject);
 }
 
 bool StatesAnything(const CertificateRecord& wanted) {

@@ -14,10 +14,10 @@ namespace {
 
 class RecordFiller {
  public:
-  RecordFiller(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers)
-      : record_(record), certificate_(certificate), mask_(mask), buffers_(buffers) {}
+  RecordFiller(X509* certificate, uint32_t mask, Buffers& buffers)
+      : certificate_(certificate), mask_(mask), buffers_(buffers) {}
 
-  void fill() {
+  CertificateRecord fill() {
     fillNames();
     fillTimes();
     fillUniqueIds();
@@ -25,6 +25,7 @@ class RecordFiller {
     if (wants(kFieldKeyID)) putText(record_.keyId, kFieldKeyID, HexOf(KeyIdOf(certificate_)));
     if (wants(kFieldCertEncoded)) putBytes(record_.certEncoded, kFieldCertEncoded, DerOf(certificate_));
     if (wants(kFieldCertHash)) putBytes(record_.certHash, kFieldCertHash, hash());
+    return record_;
   }
 
  private:
@@ -147,7 +148,7 @@ class RecordFiller {
     return digest.finish();
   }
 
-  CertificateRecord& record_;
+  CertificateRecord record_{};
   X509* certificate_;
   uint32_t mask_;
   Buffers& buffers_;
@@ -172,9 +173,8 @@ constexpr UsageBit kUsageBits[] = {
 
 }  // namespace
 
-void FillRecord(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers) {
-  record = {};
-  RecordFiller(record, certificate, mask, buffers).fill();
+CertificateRecord RecordOf(X509* certificate, uint32_t mask, Buffers& buffers) {
+  return RecordFiller(certificate, mask, buffers).fill();
 }
 
 uint32_t KeyUsageOf(X509* certificate) {

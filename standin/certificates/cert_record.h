@@ -6,9 +6,9 @@
 
 namespace standin {
 
-/// Fills the fields of `mask` that the certificate has and states in `fields` which those are. The record is taken as
-/// empty; what it points to is memory of `buffers`.
-void FillRecord(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers);
+/// A record with the fields of `mask` that the certificate has; its `fields` states which those are. What it points to
+/// is memory of `buffers`.
+CertificateRecord RecordOf(X509* certificate, uint32_t mask, Buffers& buffers);
 
 /// Key usage in the bits of the records; 0 when the certificate does not state it.
 uint32_t KeyUsageOf(X509* certificate);

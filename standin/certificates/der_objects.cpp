@@ -104,7 +104,8 @@ RequestPtr RequestFromDer(ByteView der) { return DecodeWhole<RequestPtr>(der, d2
 
 Bytes DerOf(const X509* certificate) { return Encode(certificate, i2d_X509); }
 Bytes DerOf(const X509_CRL* crl) { return Encode(crl, i2d_X509_CRL); }
-Bytes DerOf(X509_REQ* request) { return Encode(request, i2d_X509_REQ); }
+Bytes DerOf(const X509_REQ* request) { return Encode(request, i2d_X509_REQ); }
+Bytes DerOf(const CMS_ContentInfo* message) { return Encode(message, i2d_CMS_ContentInfo); }
 
 FoundObjects ObjectsIn(ByteView bytes) { return Find(bytes, false); }
 FoundObjects ObjectsInBundle(ByteView bytes) { return Find(bytes, true); }

@@ -18,7 +18,8 @@ RequestPtr RequestFromDer(ByteView der);
 
 Bytes DerOf(const X509* certificate);
 Bytes DerOf(const X509_CRL* crl);
-Bytes DerOf(X509_REQ* request);
+Bytes DerOf(const X509_REQ* request);
+Bytes DerOf(const CMS_ContentInfo* message);
 
 /// What was found in a file's bytes.
 struct FoundObjects {

@@ -32,21 +32,30 @@ int32_t Guarded(Work work) noexcept {
   return code;
 }
 
-/// Runs `work(session)` on the live session behind the handle; kBadSession when there is none.
-template <typename Work>
-int32_t InSession(EngineSession handle, Work work) noexcept {
-  return Guarded([&] {
-    const std::shared_ptr<Session> session = FindSession(handle);
-    LockScope scope(session->lock);
-    work(*session);
-  });
-}
-
 /// A pointer that the caller must give.
 template <typename T>
 T& Required(T* pointer) {
   if (pointer == nullptr) Fail(kWinInvalidParameter);
   return *pointer;
+}
+
+/// Runs `work(session)` on the live session behind the handle; kBadSession when there is none.
+template <typename Work>
+int32_t InSession(EngineSession handle, Work work) noexcept {
+  return Guarded([&] {
+    const std::shared_ptr<Session> session = FindSession(handle);
+    const std::lock_guard scope(session->lock);
+    work(*session);
+  });
+}
+
+/// The same for work that returns a value for the caller's `out`.
+template <typename Value, typename Work>
+int32_t InSession(EngineSession handle, Value* out, Work work) noexcept {
+  return InSession(handle, [&](Session& session) {
+    Value& target = Required(out);
+    target = work(session);
+  });
 }
 
 }  // namespace standin

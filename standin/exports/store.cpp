@@ -22,16 +22,15 @@ CertPtr CertificateIn(const DataBlob_t* encoded) {
 }  // namespace
 
 int32_t QUIVO_FindCert(EngineSession session, const FindParamRecord* param, FindResultRecord* result) {
-  return InSession(session, [&](Session& s) {
-    FindResultRecord& target = Required(result);
-    const FindParamRecord& wanted = Required(param);
-    const std::vector<CertPtr> found = FindCertificates(s, wanted);
-    target = {};
-    if (found.empty()) return;
-    target.certificates = s.buffers.allocateArray<CertificateRecord>(found.size());
+  return InSession(session, result, [&](Session& s) {
+    const std::vector<CertPtr> found = FindCertificates(s, Required(param));
+    FindResultRecord records{};
+    if (found.empty()) return records;
+    records.certificates = s.buffers.allocateArray<CertificateRecord>(found.size());
     for (const CertPtr& certificate : found) {
-      FillRecord(target.certificates[target.count++], certificate.get(), wanted.info, s.buffers);
+      records.certificates[records.count++] = RecordOf(certificate.get(), param->info, s.buffers);
     }
+    return records;
   });
 }
 
@@ -44,10 +43,8 @@ int32_t QUIVO_FreeCert(EngineSession session, CertificateRecord* certificate) {
 }
 
 int32_t QUIVO_ParseCert(EngineSession session, const DataBlob_t* encoded, uint32_t info, CertificateRecord* result) {
-  return InSession(session, [&](Session& s) {
-    CertificateRecord& target = Required(result);
-    FillRecord(target, CertificateIn(encoded).get(), info, s.buffers);
-  });
+  return InSession(session, result,
+                   [&](Session& s) { return RecordOf(CertificateIn(encoded).get(), info, s.buffers); });
 }
 
 int32_t QUIVO_VerifyCert(EngineSession session, const VerifyCertParamRecord* param, const DataBlob_t* encoded,
@@ -61,7 +58,7 @@ int32_t QUIVO_VerifyCert(EngineSession session, const VerifyCertParamRecord* par
     options.checkTime = (wanted.mode & kVerifyCertNoTimeCheck) == 0;
     const int32_t verdict = TrustChecker(s).check(certificate.get(), options);
     if (verdict != kOk && verdict != kVerifiedWithRemarks) Fail(verdict);
-    FillRecord(target, certificate.get(), wanted.info, s.buffers);
+    target = RecordOf(certificate.get(), wanted.info, s.buffers);
   });
 }
 
@@ -86,10 +83,7 @@ int32_t QUIVO_AddCRL(EngineSession session, const SignParamRecord* addition, con
 }
 
 int32_t QUIVO_ExportMem(EngineSession session, const SignParamRecord* param, DataBlob_t* out) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(out);
-    target = s.buffers.copyBytes(ExportObjects(s, Required(param)));
-  });
+  return InSession(session, out, [&](Session& s) { return s.buffers.copyBytes(ExportObjects(s, Required(param))); });
 }
 
 int32_t QUIVO_ExportFile(EngineSession session, const SignParamRecord* param, const char* file) {
@@ -107,8 +101,6 @@ int32_t QUIVO_ImportFile(EngineSession session, const SignParamRecord* param, co
 
 int32_t QUIVO_CreateXmlRequest(EngineSession session, uint32_t flag, const CertificateRecord* certTemplate,
                                DataBlob_t* request) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(request);
-    target = s.buffers.copyBytes(MakeXmlRequest(s, flag, Required(certTemplate)));
-  });
+  return InSession(session, request,
+                   [&](Session& s) { return s.buffers.copyBytes(MakeXmlRequest(s, flag, Required(certTemplate))); });
 }

@@ -57,10 +57,8 @@ int32_t QUIVO_FreeSignedInfoResult(EngineSession session, SignedInfoResultRecord
 
 int32_t QUIVO_StrVerifyInitMem(EngineSession session, const VerifyParamRecord*, const DataBlob_t* sign_in,
                                EngineStream* stream) {
-  return InSession(session, [&](Session& s) {
-    EngineStream& handle = Required(stream);
-    handle = s.addStream(std::make_unique<VerifyStream>(s, ViewOf(sign_in)));
-  });
+  return InSession(session, stream,
+                   [&](Session& s) { return s.addStream(std::make_unique<VerifyStream>(s, ViewOf(sign_in))); });
 }
 
 int32_t QUIVO_StrVerifyUpdateMem(EngineSession session, const VerifyParamRecord*, EngineStream* stream,

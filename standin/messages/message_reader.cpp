@@ -17,12 +17,17 @@ constexpr size_t kLongestHeader = 9;
 
 Bytes CopyOf(ByteView bytes) { return Bytes(bytes.begin(), bytes.end()); }
 
-bool Equals(ByteView left, ByteView right) { return std::equal(left.begin(), left.end(), right.begin(), right.end()); }
-
 }  // namespace
 
 MessageReader::MessageReader(OnHead onHead, OnContent onContent)
     : on_head_(std::move(onHead)), on_content_(std::move(onContent)) {}
+
+MessageReader MessageReader::whole(ByteView message, OnContent onContent) {
+  MessageReader reader(std::move(onContent));
+  reader.feed(message);
+  reader.finish();
+  return reader;
+}
 
 void MessageReader::feed(ByteView bytes) {
   Bytes behindHead;
@@ -70,9 +75,9 @@ bool MessageReader::tryHead() {
 void MessageReader::parseHead(ber::Cursor& cursor) {
   levels_.push_back(openLevel(cursor, ber::kSequence));
   const ByteView type = cursor.element(ber::kOid);
-  if (Equals(type, kOidSignedData)) {
+  if (Equal(type, kOidSignedData)) {
     head_.kind = MessageKind::kSigned;
-  } else if (Equals(type, kOidEnvelopedData)) {
+  } else if (Equal(type, kOidEnvelopedData)) {
     head_.kind = MessageKind::kEnveloped;
   } else {
     Fail(kMessageDamaged);

@@ -28,6 +28,10 @@ class MessageReader {
 
   /// `onHead` is called once, before the first piece of content.
   MessageReader(OnHead onHead, OnContent onContent);
+  explicit MessageReader(OnContent onContent) : MessageReader([](const Head&) {}, std::move(onContent)) {}
+  /// A reader that has read the whole message.
+  static MessageReader whole(
+      ByteView message, OnContent onContent = [](ByteView) {});
 
   /// Fails with kMessageDamaged.
   void feed(ByteView bytes);

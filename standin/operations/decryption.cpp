@@ -66,6 +66,11 @@ void Decryptor::finish() {
   if (!ended_) Fail(kMessageDamaged);
 }
 
+DecryptResultRecord Decryptor::result(uint32_t info, Buffers& buffers) const {
+  if (sender_ == nullptr) return {};
+  return {kOk, RecordOf(sender_.get(), info, buffers)};
+}
+
 void Decryptor::open(const MessageReader::Head& head) {
   const EnvelopedParts parts = EnvelopedParts::of(head);
   if (!head.hasContent) Fail(kMessageDamaged);
@@ -102,11 +107,6 @@ void Decryptor::endContent() {
   plain_.clear();
 }
 
-void FillResult(DecryptResultRecord& result, const Decryptor& decryptor, uint32_t info, Buffers& buffers) {
-  result = {};
-  if (decryptor.sender() != nullptr) FillRecord(result.cert, decryptor.sender(), info, buffers);
-}
-
 DataBlob_t DecryptMemory(Session& session, const DecryptParamRecord& param, ByteView message,
                          DecryptResultRecord& result) {
   GrowingBuffer plain;
@@ -115,7 +115,7 @@ DataBlob_t DecryptMemory(Session& session, const DecryptParamRecord& param, Byte
   decryptor.feed(message);
   decryptor.finish();
   const DataBlob_t out = plain.handOut(session.buffers);
-  FillResult(result, decryptor, param.info, session.buffers);
+  result = decryptor.result(param.info, session.buffers);
   return out;
 }
 
@@ -124,11 +124,10 @@ void DecryptFiles(Session& session, const DecryptParamRecord& param, const char*
   InputFile input(in);
   OutputFile output(out);
   Decryptor decryptor(session, param.mycert, [&](ByteView piece) { output.write(piece); });
-  for (ByteView piece = input.next(); !piece.empty(); piece = input.next()) decryptor.feed(piece);
-  input.close();
+  input.forEachPiece([&](ByteView piece) { decryptor.feed(piece); });
   decryptor.finish();
   output.commit();
-  FillResult(result, decryptor, param.info, session.buffers);
+  result = decryptor.result(param.info, session.buffers);
 }
 
 DecryptStream::DecryptStream(Session& session, const CertIdRecord* id, ByteView start)
@@ -145,7 +144,7 @@ void DecryptStream::finish(uint32_t info, DecryptResultRecord& result) {
   decryptor_.finish();
   // What came with Init was never fetched by an Update: the caller would lose it without a word.
   if (!plain_.view().empty()) Fail(kStreamOrder);
-  FillResult(result, decryptor_, info, session_.buffers);
+  result = decryptor_.result(info, session_.buffers);
 }
 
 }  // namespace standin

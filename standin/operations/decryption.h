@@ -17,8 +17,8 @@ class Decryptor {
   void feed(ByteView bytes);
   void finish();
 
-  /// The certificate that the message names as its sender's; null when it names none. Nothing proves that it is.
-  X509* sender() const { return sender_.get(); }
+  /// The certificate that the message names as its sender's, under the mask. Nothing proves that it is.
+  DecryptResultRecord result(uint32_t info, Buffers& buffers) const;
 
  private:
   void open(const MessageReader::Head& head);
@@ -35,9 +35,6 @@ class Decryptor {
   CertPtr sender_;
   bool ended_ = false;
 };
-
-/// Fills the result of a decryption: the sender's certificate under the mask.
-void FillResult(DecryptResultRecord& result, const Decryptor& decryptor, uint32_t info, Buffers& buffers);
 
 DataBlob_t DecryptMemory(Session& session, const DecryptParamRecord& param, ByteView message,
                          DecryptResultRecord& result);

@@ -53,11 +53,10 @@ void EncryptFiles(Session& session, const EncryptParamRecord& param, const char*
     output.write(piece.view());
     piece.clear();
   };
-  for (ByteView data = input.next(); !data.empty(); data = input.next()) {
+  input.forEachPiece([&](ByteView data) {
     envelope.cipher().update(data, piece);
     flush();
-  }
-  input.close();
+  });
   if (!envelope.cipher().finish(piece)) Fail(kEncryptionFailed);
   flush();
   if (written != expected) Fail(kFileChanged);

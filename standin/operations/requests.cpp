@@ -15,16 +15,6 @@
 namespace standin {
 namespace {
 
-using ExtensionPtr = std::unique_ptr<X509_EXTENSION, FreeWith<X509_EXTENSION_free>>;
-using BitsPtr = std::unique_ptr<ASN1_BIT_STRING, FreeWith<ASN1_BIT_STRING_free>>;
-using UsagesPtr = std::unique_ptr<EXTENDED_KEY_USAGE, FreeWith<EXTENDED_KEY_USAGE_free>>;
-using OctetStringPtr = std::unique_ptr<ASN1_OCTET_STRING, FreeWith<ASN1_OCTET_STRING_free>>;
-using ObjectPtr = std::unique_ptr<ASN1_OBJECT, FreeWith<ASN1_OBJECT_free>>;
-
-struct FreeExtensions {
-  void operator()(STACK_OF(X509_EXTENSION) * stack) const { sk_X509_EXTENSION_pop_free(stack, X509_EXTENSION_free); }
-};
-
 constexpr uint32_t kTokens = kXmlRequestEtokenGost | kXmlRequestRutokenGost | kXmlRequestGost2001 | kXmlRequestGost2012;
 constexpr int kKeyUsageBits = 9;
 constexpr unsigned kRsaBits = 2048;
@@ -54,7 +44,7 @@ class RequestedExtensions {
 
   void addKeyUsage(uint32_t uses) {
     if (uses == 0) return;
-    const BitsPtr bits(ASN1_BIT_STRING_new());
+    const Owned<ASN1_BIT_STRING_free> bits(ASN1_BIT_STRING_new());
     for (int bit = 0; bit < kKeyUsageBits; ++bit) {
       if ((uses >> bit & 1) != 0) ASN1_BIT_STRING_set_bit(bits.get(), bit, 1);
     }
@@ -63,7 +53,7 @@ class RequestedExtensions {
 
   void addExtKeyUsage(const CertificateRecord& wanted) {
     if (wanted.extKeyUsage == nullptr || wanted.extKeyUsageCount <= 0) return;
-    const UsagesPtr usages(EXTENDED_KEY_USAGE_new());
+    const ExtKeyUsagePtr usages(EXTENDED_KEY_USAGE_new());
     for (int32_t i = 0; i < wanted.extKeyUsageCount; ++i) {
       ObjectPtr usage(OBJ_txt2obj(TextOrEmpty(wanted.extKeyUsage[i]).c_str(), 0));
       if (usage == nullptr || sk_ASN1_OBJECT_push(usages.get(), usage.get()) == 0) Fail(kRequestFailed);
@@ -74,7 +64,7 @@ class RequestedExtensions {
 
   void addOther(const ExtensionRecord& wanted) {
     const ObjectPtr type(OBJ_txt2obj(TextOrEmpty(wanted.oid).c_str(), 1));
-    const OctetStringPtr value(ASN1_OCTET_STRING_new());
+    const Owned<ASN1_OCTET_STRING_free> value(ASN1_OCTET_STRING_new());
     const ByteView data = ViewOf(&wanted.data);
     if (type == nullptr || ASN1_OCTET_STRING_set(value.get(), data.data(), static_cast<int>(data.size())) != 1) {
       Fail(kRequestFailed);
@@ -82,7 +72,7 @@ class RequestedExtensions {
     add(ExtensionPtr(X509_EXTENSION_create_by_OBJ(nullptr, type.get(), wanted.critical != 0 ? 1 : 0, value.get())));
   }
 
-  std::unique_ptr<STACK_OF(X509_EXTENSION), FreeExtensions> stack_;
+  std::unique_ptr<STACK_OF(X509_EXTENSION), FreeStack<X509_EXTENSION_free>> stack_;
 };
 
 NamePtr SubjectOf(const CertificateRecord& wanted, const X509* own) {

@@ -11,8 +11,6 @@
 namespace standin {
 namespace {
 
-using ObjectPtr = std::unique_ptr<ASN1_OBJECT, FreeWith<ASN1_OBJECT_free>>;
-
 ObjectPtr ObjectFromDer(ByteView der) {
   const unsigned char* cursor = der.data();
   ObjectPtr object(d2i_ASN1_OBJECT(nullptr, &cursor, static_cast<long>(der.size())));
@@ -87,8 +85,7 @@ void SignatureMaker::checkExisting(ByteView digest) const {
     CMS_SignerInfo* signer = sk_CMS_SignerInfo_value(signers, i);
     const ASN1_OCTET_STRING* stated = StatedDigest(signer);
     if (stated == nullptr || !UsesDefaultDigest(signer)) continue;
-    const ByteView theirs(stated->data, static_cast<size_t>(stated->length));
-    if (!std::equal(theirs.begin(), theirs.end(), digest.begin(), digest.end())) Fail(kContentMismatch);
+    if (!Equal({stated->data, static_cast<size_t>(stated->length)}, digest)) Fail(kContentMismatch);
   }
 }
 

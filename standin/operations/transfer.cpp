@@ -48,11 +48,7 @@ Bytes StoreAsMessage(const Session& session) {
   if (message == nullptr) Fail(kWinOutOfMemory);
   for (const CertPtr& certificate : certificates) CMS_add1_cert(message.get(), certificate.get());
   for (const CrlPtr& crl : session.store.crls()) CMS_add1_crl(message.get(), crl.get());
-  unsigned char* der = nullptr;
-  const int length = i2d_CMS_ContentInfo(message.get(), &der);
-  if (length <= 0) Fail(kInternal);
-  const OctetsPtr owner(der);
-  return Bytes(der, der + length);
+  return DerOf(message.get());
 }
 
 CertPtr ChosenCertificate(const Session& session, const SignParamRecord& param) {

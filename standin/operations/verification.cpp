@@ -11,8 +11,6 @@
 namespace standin {
 namespace {
 
-void Ignore(ByteView) {}
-
 Verification ResultOf(Verifier& verifier, const VerifyParamRecord& param) {
   verifier.finish(param);
   Verification result;
@@ -32,10 +30,7 @@ DataBlob_t OutputOf(const Verifier& verifier, GrowingBuffer& content, Buffers& b
   return buffers.join({parts.header(content.view().size(), trailer.size()), content.view(), trailer});
 }
 
-void FeedFile(const char* path, const MessageReader::OnContent& take) {
-  InputFile file(path);
-  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) take(piece);
-}
+void FeedFile(const char* path, const MessageReader::OnContent& take) { InputFile(path).forEachPiece(take); }
 
 /// The hash of data that is given beside a message, to be compared with the content that the message carries.
 class ContentComparison {
@@ -55,11 +50,10 @@ class ContentComparison {
 /// Goes through the content of a message file once more.
 void CopyContent(const char* message, uint64_t expectedLength, OutputFile& file) {
   uint64_t copied = 0;
-  MessageReader reader([](const MessageReader::Head&) {},
-                       [&](ByteView piece) {
-                         copied += piece.size();
-                         file.write(piece);
-                       });
+  MessageReader reader([&](ByteView piece) {
+    copied += piece.size();
+    file.write(piece);
+  });
   FeedFile(message, [&](ByteView piece) { reader.feed(piece); });
   if (copied != expectedLength) Fail(kFileChanged);
 }
@@ -94,7 +88,7 @@ void FillResult(VerifyResultRecord& result, const Verification& verification, co
     entry.time = RecordTime(verdict.signingTime);
     if (verdict.certificate == nullptr) continue;
     entry.cert = buffers.allocateArray<CertificateRecord>(1);
-    FillRecord(*entry.cert, verdict.certificate.get(), param.info, buffers);
+    *entry.cert = RecordOf(verdict.certificate.get(), param.info, buffers);
   }
 }
 
@@ -109,8 +103,7 @@ Verification VerifyMemory(Session& session, const VerifyParamRecord& param, std:
     if (!data) Fail(kContentMissing);
     verifier.feedData(*data);
   } else if (data) {
-    const ByteView carried = content.view();
-    if (!std::equal(data->begin(), data->end(), carried.begin(), carried.end())) Fail(kContentMismatch);
+    if (!Equal(*data, content.view())) Fail(kContentMismatch);
   }
   Verification result = ResultOf(verifier, param);
   if (result.code == kOk) out = OutputOf(verifier, content, session.buffers);
@@ -159,7 +152,7 @@ uint32_t CountSignatures(const char* message) {
       [](const MessageReader::Head& head) {
         if (head.kind != MessageKind::kSigned) Fail(kNotSigned);
       },
-      Ignore);
+      [](ByteView) {});
   FeedFile(message, [&](ByteView piece) { reader.feed(piece); });
   reader.finish();
   const size_t count = SignedParts::of(reader).signers.size();

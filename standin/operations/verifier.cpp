@@ -19,8 +19,6 @@ constexpr uint32_t kSigningUses = kKeyUsageDigitalSignature | kKeyUsageNonRepuda
 constexpr char kAnyPolicy[] = "2.5.29.32.0";
 constexpr char kAnyExtKeyUsage[] = "2.5.29.37.0";
 
-using AlgorithmPtr = std::unique_ptr<X509_ALGOR, FreeWith<X509_ALGOR_free>>;
-
 const EVP_MD* DigestOf(const X509_ALGOR* algorithm) {
   const ASN1_OBJECT* object = nullptr;
   X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
@@ -87,14 +85,13 @@ bool NamesAlgorithmOf(CMS_SignerInfo* signer) {
 
 /// Each part states a version that follows from what is in it; any other is none that anybody wrote.
 bool HasPlausibleVersions(const SignedParts& parts) {
-  const bool isData = std::equal(parts.contentType.begin(), parts.contentType.end(), kOidData.begin(), kOidData.end());
-  int highest = isData ? 1 : 3;
+  int highest = Equal(parts.contentType, kOidData) ? 1 : 3;
   for (const Bytes& signer : parts.signers) {
     const std::vector<ByteView> members = ber::ChildrenOf(signer);
     if (members.size() < 2) return false;
     const uint8_t version = members[1][0] == ber::kContext0 ? 3 : 1;
     const uint8_t element[] = {ber::kInteger, 1, version};
-    if (!std::equal(members[0].begin(), members[0].end(), element, element + sizeof element)) return false;
+    if (!Equal(members[0], element)) return false;
     highest = std::max<int>(highest, version);
   }
   return parts.version >= 1 && parts.version <= highest;
@@ -110,7 +107,7 @@ bool HasExtension(const X509* certificate, const ExtensionRecord& wanted) {
   return std::any_of(extensions.begin(), extensions.end(), [&](const CertExtension& one) {
     if (wanted.oid == nullptr || one.oid != wanted.oid) return false;
     const ByteView data = ViewOf(&wanted.data);
-    return data.empty() || std::equal(data.begin(), data.end(), one.value.begin(), one.value.end());
+    return data.empty() || Equal(data, one.value);
   });
 }
 

@@ -12,19 +12,12 @@
 namespace standin {
 namespace {
 
-struct FreeSafes {
-  void operator()(STACK_OF(PKCS7) * stack) const { sk_PKCS7_pop_free(stack, PKCS7_free); }
-};
-struct FreeBags {
-  void operator()(STACK_OF(PKCS12_SAFEBAG) * stack) const { sk_PKCS12_SAFEBAG_pop_free(stack, PKCS12_SAFEBAG_free); }
-};
-using SafesPtr = std::unique_ptr<STACK_OF(PKCS7), FreeSafes>;
-using BagsPtr = std::unique_ptr<STACK_OF(PKCS12_SAFEBAG), FreeBags>;
-using KeyInfoPtr = std::unique_ptr<PKCS8_PRIV_KEY_INFO, FreeWith<PKCS8_PRIV_KEY_INFO_free>>;
-using SealedKeyPtr = std::unique_ptr<X509_SIG, FreeWith<X509_SIG_free>>;
-using PbeParamPtr = std::unique_ptr<PBEPARAM, FreeWith<PBEPARAM_free>>;
-using Pbe2ParamPtr = std::unique_ptr<PBE2PARAM, FreeWith<PBE2PARAM_free>>;
-using Pbkdf2ParamPtr = std::unique_ptr<PBKDF2PARAM, FreeWith<PBKDF2PARAM_free>>;
+using SafesPtr = std::unique_ptr<STACK_OF(PKCS7), FreeStack<PKCS7_free>>;
+using BagsPtr = std::unique_ptr<STACK_OF(PKCS12_SAFEBAG), FreeStack<PKCS12_SAFEBAG_free>>;
+using KeyInfoPtr = Owned<PKCS8_PRIV_KEY_INFO_free>;
+using PbeParamPtr = Owned<PBEPARAM_free>;
+using Pbe2ParamPtr = Owned<PBE2PARAM_free>;
+using Pbkdf2ParamPtr = Owned<PBKDF2PARAM_free>;
 
 /// A file may ask for any number of rounds of key derivation; beyond this many in all it only means to keep us busy.
 constexpr long kMostRounds = 2'000'000;
@@ -154,14 +147,14 @@ class Reader {
 
 Pkcs12Content ReadPkcs12(ByteView der, const std::string& pin) {
   const unsigned char* cursor = der.data();
-  const Pkcs12Ptr file(d2i_PKCS12(nullptr, &cursor, static_cast<long>(der.size())));
+  const Owned<PKCS12_free> file(d2i_PKCS12(nullptr, &cursor, static_cast<long>(der.size())));
   if (file == nullptr) Fail(kKeyFileDamaged);
   return Reader(pin).read(file.get());
 }
 
 KeyPtr ReadSealedKey(ByteView der, const std::string& pin) {
   const unsigned char* cursor = der.data();
-  const SealedKeyPtr sealed(d2i_X509_SIG(nullptr, &cursor, static_cast<long>(der.size())));
+  const Owned<X509_SIG_free> sealed(d2i_X509_SIG(nullptr, &cursor, static_cast<long>(der.size())));
   if (sealed == nullptr) return nullptr;
   const X509_ALGOR* algorithm = nullptr;
   X509_SIG_get0(sealed.get(), &algorithm, nullptr);

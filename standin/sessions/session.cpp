@@ -80,21 +80,21 @@ std::unique_ptr<Stream> Session::takeStream(EngineStream* handle) {
 }
 
 EngineSession AddSession(std::shared_ptr<Session> session) {
-  LockScope scope(Table().lock);
+  const std::lock_guard scope(Table().lock);
   const EngineSession handle = NextHandle();
   Table().sessions.emplace(handle, std::move(session));
   return handle;
 }
 
 std::shared_ptr<Session> FindSession(EngineSession handle) {
-  LockScope scope(Table().lock);
+  const std::lock_guard scope(Table().lock);
   const auto found = Table().sessions.find(handle);
   if (found == Table().sessions.end()) Fail(kBadSession);
   return found->second;
 }
 
 std::shared_ptr<Session> RemoveSession(EngineSession handle) {
-  LockScope scope(Table().lock);
+  const std::lock_guard scope(Table().lock);
   const auto found = Table().sessions.find(handle);
   if (found == Table().sessions.end()) Fail(kBadSession);
   std::shared_ptr<Session> session = std::move(found->second);
