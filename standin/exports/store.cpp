@@ -54,10 +54,9 @@ int32_t QUIVO_VerifyCert(EngineSession session, const VerifyCertParamRecord* par
     target = {};
     const VerifyCertParamRecord& wanted = Required(param);
     const CertPtr certificate = CertificateIn(encoded);
-    TrustOptions options;
-    options.checkTime = (wanted.mode & kVerifyCertNoTimeCheck) == 0;
-    const int32_t verdict = TrustChecker(s).check(certificate.get(), options);
-    if (verdict != kOk && verdict != kVerifiedWithRemarks) Fail(verdict);
+    const bool checkTime = (wanted.mode & kVerifyCertNoTimeCheck) == 0;
+    const int32_t verdict = TrustChecker(s).check(certificate.get(), {.checkTime = checkTime});
+    if (!IsGood(verdict)) Fail(verdict);
     target = RecordOf(certificate.get(), wanted.info, s.buffers);
   });
 }

@@ -46,10 +46,8 @@ void Check(const TrustChecker& trust, X509* certificate, uint32_t flags) {
   if (!CanReceive(certificate)) Fail(kRecipientUnsuitable);
   const bool checkTime = (flags & kEncryptNoTimeCheck) == 0;
   if ((flags & kEncryptNoVerify) == 0) {
-    TrustOptions options;
-    options.checkTime = checkTime;
-    const int32_t verdict = trust.check(certificate, options);
-    if (verdict != kOk && verdict != kVerifiedWithRemarks) Fail(verdict);
+    const int32_t verdict = trust.check(certificate, {.checkTime = checkTime});
+    if (!IsGood(verdict)) Fail(verdict);
   } else if (checkTime && !IsWithinValidity(certificate, CurrentTime())) {
     Fail(CurrentTime() < SecondsOf(X509_get0_notBefore(certificate)) ? kNotYetValid : kExpired);
   }
@@ -59,11 +57,12 @@ void Check(const TrustChecker& trust, X509* certificate, uint32_t flags) {
 }  // namespace
 
 std::vector<CertPtr> ResolveRecipients(const Session& session, const EncryptParamRecord& param) {
-  if (param.receiverCount <= 0 || param.receivers == nullptr) Fail(kNoRecipients);
+  const std::span receivers = ListOf(param.receivers, param.receiverCount);
+  if (receivers.empty()) Fail(kNoRecipients);
   const TrustChecker trust(session);
   std::vector<CertPtr> recipients;
-  for (int32_t i = 0; i < param.receiverCount; ++i) {
-    CertPtr recipient = Resolve(session, param.receivers[i], param.flag);
+  for (const CertificateRecord& receiver : receivers) {
+    CertPtr recipient = Resolve(session, receiver, param.flag);
     Check(trust, recipient.get(), param.flag);
     recipients.push_back(std::move(recipient));
   }

@@ -24,13 +24,11 @@ class RequestedExtensions {
  public:
   explicit RequestedExtensions(const CertificateRecord& wanted) : stack_(sk_X509_EXTENSION_new_null()) {
     addKeyUsage(wanted.keyUsage);
-    addExtKeyUsage(wanted);
+    addExtKeyUsage(ListOf(wanted.extKeyUsage, wanted.extKeyUsageCount));
     if (const GeneralNamesPtr names = GeneralNamesOf(wanted.subjectAltName)) {
       add(ExtensionPtr(X509V3_EXT_i2d(NID_subject_alt_name, 0, names.get())));
     }
-    for (int32_t i = 0; wanted.extensions != nullptr && i < wanted.extensionCount; ++i) {
-      addOther(wanted.extensions[i]);
-    }
+    for (const ExtensionRecord& extension : ListOf(wanted.extensions, wanted.extensionCount)) addOther(extension);
   }
 
   STACK_OF(X509_EXTENSION) * get() const { return stack_.get(); }
@@ -51,11 +49,11 @@ class RequestedExtensions {
     add(ExtensionPtr(X509V3_EXT_i2d(NID_key_usage, 1, bits.get())));
   }
 
-  void addExtKeyUsage(const CertificateRecord& wanted) {
-    if (wanted.extKeyUsage == nullptr || wanted.extKeyUsageCount <= 0) return;
+  void addExtKeyUsage(std::span<char* const> uses) {
+    if (uses.empty()) return;
     const ExtKeyUsagePtr usages(EXTENDED_KEY_USAGE_new());
-    for (int32_t i = 0; i < wanted.extKeyUsageCount; ++i) {
-      ObjectPtr usage(OBJ_txt2obj(TextOrEmpty(wanted.extKeyUsage[i]).c_str(), 0));
+    for (const char* use : uses) {
+      ObjectPtr usage(OBJ_txt2obj(TextOrEmpty(use).c_str(), 0));
       if (usage == nullptr || sk_ASN1_OBJECT_push(usages.get(), usage.get()) == 0) Fail(kRequestFailed);
       usage.release();
     }
@@ -106,24 +104,12 @@ std::string KeyIdText(EVP_PKEY* key) {
 }
 
 std::string Escaped(const std::string& text) {
+  static constexpr std::string_view kCharacters = "&<>\"";
+  static constexpr const char* kEntities[] = {"&amp;", "&lt;", "&gt;", "&quot;"};
   std::string result;
   for (const char c : text) {
-    switch (c) {
-      case '&':
-        result += "&amp;";
-        break;
-      case '<':
-        result += "&lt;";
-        break;
-      case '>':
-        result += "&gt;";
-        break;
-      case '"':
-        result += "&quot;";
-        break;
-      default:
-        result += c;
-    }
+    const size_t found = kCharacters.find(c);
+    result += found == std::string_view::npos ? std::string(1, c) : kEntities[found];
   }
   return result;
 }
@@ -146,8 +132,8 @@ std::string XmlOf(const CertificateRecord& wanted, const X509_NAME* subject, EVP
   AddElement(xml, "KeyAlgorithm", OBJ_nid2ln(EVP_PKEY_get_base_id(key)));
   AddElement(xml, "KeyId", KeyIdText(key));
   if (wanted.keyUsage != 0) AddElement(xml, "KeyUsage", std::to_string(wanted.keyUsage));
-  for (int32_t i = 0; wanted.extKeyUsage != nullptr && i < wanted.extKeyUsageCount; ++i) {
-    AddElement(xml, "ExtKeyUsage", Utf8FromAnsi(TextOrEmpty(wanted.extKeyUsage[i])));
+  for (const char* use : ListOf(wanted.extKeyUsage, wanted.extKeyUsageCount)) {
+    AddElement(xml, "ExtKeyUsage", Utf8FromAnsi(TextOrEmpty(use)));
   }
   AddElement(xml, "Pkcs10", Base64Of(request));
   return xml + "</CertificateRequest>\n";

@@ -28,10 +28,7 @@ bool IsUsable(const TrustChecker& trust, X509* certificate, uint32_t flags) {
   if (checkTime && !IsWithinValidity(certificate, now)) return false;
   if ((flags & kFindNoKeyTimeCheck) == 0 && !IsWithinKeyPeriod(certificate, now)) return false;
   if ((flags & (kFindMy | kFindNoVerify)) != 0) return true;
-  TrustOptions options;
-  options.checkTime = checkTime;
-  const int32_t verdict = trust.check(certificate, options);
-  return verdict == kOk || verdict == kVerifiedWithRemarks;
+  return IsGood(trust.check(certificate, {.checkTime = checkTime}));
 }
 
 }  // namespace

@@ -19,8 +19,6 @@ Verification ResultOf(Verifier& verifier, const VerifyParamRecord& param) {
   return result;
 }
 
-bool IsGood(int32_t code) { return code == kOk || code == kVerifiedWithRemarks; }
-
 /// What a message is given back as: its content, or itself with the signatures that are left.
 DataBlob_t OutputOf(const Verifier& verifier, GrowingBuffer& content, Buffers& buffers) {
   if (!verifier.leavesSignatures()) return content.handOut(buffers);

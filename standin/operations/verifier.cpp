@@ -111,8 +111,6 @@ bool HasExtension(const X509* certificate, const ExtensionRecord& wanted) {
   });
 }
 
-bool IsGood(int32_t code) { return code == kOk || code == kVerifiedWithRemarks; }
-
 }  // namespace
 
 Verifier::Verifier(const Session& session, MessageReader::OnContent onContent)
@@ -182,10 +180,8 @@ SignerVerdict Verifier::judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, 
   } else if (!isGenuine(message, signer)) {
     verdict.code = kBadSignature;
   } else {
-    TrustOptions options;
-    options.checkTime = (param_->flag & kVerifyNoTimeCheck) == 0;
-    if ((param_->flag & kVerifyUserVTime) != 0) options.at = verdict.signingTime;
-    verdict.code = trust.check(certificate, options);
+    const time_t at = (param_->flag & kVerifyUserVTime) != 0 ? verdict.signingTime : 0;
+    verdict.code = trust.check(certificate, {.checkTime = (param_->flag & kVerifyNoTimeCheck) == 0, .at = at});
     const int32_t demand = IsGood(verdict.code) ? checkDemands(certificate) : kOk;
     if (demand != kOk) verdict.code = demand;
   }
@@ -206,32 +202,31 @@ int32_t Verifier::checkDemands(X509* certificate) const {
   if ((param_->flag & kVerifyPolicy) != 0) {
     std::vector<std::string> stated;
     for (const CertPolicy& policy : PoliciesOf(certificate)) stated.push_back(policy.oid);
-    for (int32_t i = 0; i < param_->policyCount; ++i) {
-      if (!Contains(stated, param_->policies[i].oid, kAnyPolicy)) return kPolicyMissing;
+    for (const PolicyRecord& policy : ListOf(param_->policies, param_->policyCount)) {
+      if (!Contains(stated, policy.oid, kAnyPolicy)) return kPolicyMissing;
     }
   }
   if ((param_->flag & kVerifyExtKeyUsage) != 0) {
     const std::vector<std::string> stated = ExtKeyUsageOf(certificate);
-    for (int32_t i = 0; i < param_->extKeyUsageCount; ++i) {
-      if (!Contains(stated, param_->extKeyUsage[i], kAnyExtKeyUsage)) return kExtKeyUsageMissing;
+    for (const char* use : ListOf(param_->extKeyUsage, param_->extKeyUsageCount)) {
+      if (!Contains(stated, use, kAnyExtKeyUsage)) return kExtKeyUsageMissing;
     }
   }
-  for (int32_t i = 0; i < param_->extensionCount; ++i) {
-    if (!HasExtension(certificate, param_->extensions[i])) return kExtensionMissing;
+  for (const ExtensionRecord& extension : ListOf(param_->extensions, param_->extensionCount)) {
+    if (!HasExtension(certificate, extension)) return kExtensionMissing;
   }
   return kOk;
 }
 
 int32_t Verifier::overall() const {
   const auto isGood = [](const SignerVerdict& verdict) { return IsGood(verdict.code); };
-  const auto good = std::count_if(verdicts_.begin(), verdicts_.end(), isGood);
+  const auto good = std::ranges::count_if(verdicts_, isGood);
   const bool enoughWillDo = (param_->flag & kVerifyMinSigns) != 0;
   if (enoughWillDo && good < param_->minsigns) return kTooFewSignatures;
-  const auto bad = std::find_if_not(verdicts_.begin(), verdicts_.end(), isGood);
+  const auto bad = std::ranges::find_if_not(verdicts_, isGood);
   if (bad != verdicts_.end()) return enoughWillDo && good > 0 ? kVerifiedWithRemarks : bad->code;
-  const bool remarks =
-      std::any_of(verdicts_.begin(), verdicts_.end(), [](const SignerVerdict& verdict) { return verdict.code != kOk; });
-  return remarks ? kVerifiedWithRemarks : kOk;
+  const auto remark = std::ranges::find_if(verdicts_, [](const SignerVerdict& verdict) { return verdict.code != kOk; });
+  return remark == verdicts_.end() ? kOk : kVerifiedWithRemarks;
 }
 
 void Verifier::removeSignature() {

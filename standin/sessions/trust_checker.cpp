@@ -44,18 +44,14 @@ int32_t CodeOf(int verifyError) {
   }
 }
 
+/// The weightiest of the codes that were added.
 class Findings {
  public:
-  void add(int32_t code) { codes_.push_back(code); }
-  int32_t weightiest() const {
-    for (const int32_t code : kBySeverity) {
-      if (std::find(codes_.begin(), codes_.end(), code) != codes_.end()) return code;
-    }
-    return kOk;
-  }
+  void add(int32_t code) { weightiest_ = std::min(weightiest_, std::ranges::find(kBySeverity, code)); }
+  int32_t weightiest() const { return *weightiest_; }
 
  private:
-  std::vector<int32_t> codes_;
+  const int32_t* weightiest_ = std::end(kBySeverity) - 1;
 };
 
 /// Notes the error and goes on: one verdict is chosen from all that is found.

@@ -4,6 +4,7 @@
 #include <ctime>
 #include <vector>
 
+#include "standin/base/codes.h"
 #include "standin/base/openssl_owners.h"
 #include "standin/sessions/session.h"
 
@@ -13,6 +14,9 @@ struct TrustOptions {
   bool checkTime = true;
   time_t at = 0;  ///< when the certificate has to be valid; 0 is now
 };
+
+/// kOk, with or without remarks.
+inline bool IsGood(int32_t code) { return code == kOk || code == kVerifiedWithRemarks; }
 
 class TrustChecker {
  public:
