@@ -12,7 +12,6 @@ namespace standin {
 /// Characters that the ANSI code page lacks become its default character.
 std::string AnsiFromUtf8(std::string_view text);
 std::string Utf8FromAnsi(std::string_view text);
-std::string Utf8FromWide(std::wstring_view text);
 std::wstring WideFromUtf8(std::string_view text);
 
 /// Capital hexadecimal digits without separators.

@@ -12,7 +12,6 @@ enum Code : int32_t {
   kOk = 0,
 
   // Windows error numbers that this engine raises by itself.
-  kWinFileNotFound = 2,
   kWinOutOfMemory = 8,
   kWinInvalidParameter = 87,
   kWinDiskFull = 112,

@@ -17,6 +17,8 @@ class Digest {
   DigestContextPtr context_;
 };
 
+Bytes HashOf(ByteView bytes, const EVP_MD* algorithm);
+
 /// What is used where the caller names no algorithm.
 const EVP_MD* DefaultDigest();
 /// MD5, SHA-1, SHA-224, SHA-256, SHA-384, SHA-512, SHA3-256, SHA3-384 and SHA3-512, with or without the hyphens, in any

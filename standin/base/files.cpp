@@ -1,4 +1,3 @@
-// Reading and writing of files for the engine.
 #include "standin/base/files.h"
 
 #include <algorithm>

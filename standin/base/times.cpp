@@ -1,4 +1,3 @@
-// Reading of times.
 #include "standin/base/times.h"
 
 #include <chrono>

@@ -1,4 +1,3 @@
-// Conversion of alternative names.
 #include "standin/certificates/alt_name.h"
 
 #include "engine/layout.h"

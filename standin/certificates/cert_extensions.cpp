@@ -1,4 +1,3 @@
-// Reading of certificate extensions.
 #include "standin/certificates/cert_extensions.h"
 
 #include "standin/base/asn1_text.h"

@@ -1,4 +1,3 @@
-// Comparison of certificates with templates.
 #include "standin/certificates/cert_match.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// Filling and freeing of certificate records.
 #include "standin/certificates/cert_record.h"
 
 #include "standin/base/ansi.h"
@@ -24,7 +23,7 @@ class RecordFiller {
     fillExtensions();
     if (wants(kFieldKeyID)) putText(record_.keyId, kFieldKeyID, HexOf(KeyIdOf(certificate_)));
     if (wants(kFieldCertEncoded)) putBytes(record_.certEncoded, kFieldCertEncoded, DerOf(certificate_));
-    if (wants(kFieldCertHash)) putBytes(record_.certHash, kFieldCertHash, hash());
+    if (wants(kFieldCertHash)) putBytes(record_.certHash, kFieldCertHash, HashOf(DerOf(certificate_), EVP_sha1()));
     return record_;
   }
 
@@ -140,12 +139,6 @@ class RecordFiller {
       target.data = buffers_.copyBytes(extension.value);
     }
     record_.fields |= kFieldExtensions;
-  }
-
-  Bytes hash() const {
-    Digest digest(EVP_sha1());
-    digest.update(DerOf(certificate_));
-    return digest.finish();
   }
 
   CertificateRecord record_{};

@@ -1,4 +1,3 @@
-// Decoding and encoding of certificates, lists and requests.
 #include "standin/certificates/der_objects.h"
 
 #include <openssl/err.h>

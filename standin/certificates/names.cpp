@@ -1,4 +1,3 @@
-// Texts of names and numbers.
 #include "standin/certificates/names.h"
 
 #include <openssl/x509v3.h>

@@ -1,6 +1,6 @@
 // Exported functions: encryption and decryption.
 #include "standin/operations/encryption.h"
-#include "standin/certificates/cert_record.h"
+#include "standin/base/records.h"
 #include "standin/exports/guard.h"
 #include "standin/operations/decryption.h"
 

@@ -2,8 +2,6 @@
 // code.
 #pragma once
 
-#include <windows.h>
-
 #include <openssl/err.h>
 
 #include <new>

@@ -30,11 +30,7 @@ Bytes HashFile(const char* algorithm, const char* path) {
 }  // namespace
 
 int32_t QUIVO_HashMem(EngineSession session, const DataBlob_t* in, DataBlob_t* hash) {
-  return InSession(session, hash, [&](Session& s) {
-    Digest digest(DefaultDigest());
-    digest.update(ViewOf(in));
-    return s.buffers.copyBytes(digest.finish());
-  });
+  return InSession(session, hash, [&](Session& s) { return s.buffers.copyBytes(HashOf(ViewOf(in), DefaultDigest())); });
 }
 
 int32_t QUIVO_HashFile(EngineSession session, const char* file, DataBlob_t* hash) {

@@ -1,4 +1,3 @@
-// Reading and writing of BER elements.
 #include "standin/messages/ber.h"
 
 #include <algorithm>

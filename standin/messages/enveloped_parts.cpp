@@ -1,4 +1,3 @@
-// Putting together of enveloped messages.
 #include "standin/messages/enveloped_parts.h"
 
 #include "standin/base/codes.h"

@@ -1,4 +1,3 @@
-// The incremental parser of messages.
 #include "standin/messages/message_reader.h"
 
 #include <algorithm>

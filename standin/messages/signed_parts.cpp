@@ -1,4 +1,3 @@
-// Taking apart and putting together of signed messages.
 #include "standin/messages/signed_parts.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// Two operations in a row, with a file between them that nobody else sees the end of.
 #include "standin/operations/combined.h"
 
 #include <windows.h>

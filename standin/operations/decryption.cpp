@@ -1,4 +1,3 @@
-// The forms of decryption.
 #include "standin/operations/decryption.h"
 
 #include "standin/base/codes.h"

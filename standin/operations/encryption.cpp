@@ -1,4 +1,3 @@
-// The forms of encryption.
 #include "standin/operations/encryption.h"
 
 #include "standin/base/codes.h"

@@ -1,9 +1,7 @@
-// Finding and checking of recipients.
 #include "standin/operations/recipients.h"
 
 #include "standin/base/codes.h"
 #include "standin/base/times.h"
-#include "standin/certificates/cert_id.h"
 #include "standin/certificates/cert_match.h"
 #include "standin/certificates/cert_record.h"
 #include "standin/certificates/der_objects.h"

@@ -1,4 +1,3 @@
-// Making of certificate requests.
 #include "standin/operations/requests.h"
 
 #include <windows.h>

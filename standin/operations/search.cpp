@@ -1,7 +1,5 @@
-// Finding certificates.
 #include "standin/operations/search.h"
 
-#include "standin/base/codes.h"
 #include "standin/base/times.h"
 #include "standin/certificates/cert_id.h"
 #include "standin/certificates/cert_match.h"

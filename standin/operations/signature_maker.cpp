@@ -1,9 +1,4 @@
-// Making of signatures with libcrypto.
 #include "standin/operations/signature_maker.h"
-
-#include <openssl/err.h>
-
-#include <algorithm>
 
 #include "standin/base/codes.h"
 #include "standin/base/oids.h"

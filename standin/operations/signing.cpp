@@ -1,7 +1,4 @@
-// The forms of signing.
 #include "standin/operations/signing.h"
-
-#include <algorithm>
 
 #include "standin/base/codes.h"
 #include "standin/base/files.h"

@@ -1,4 +1,3 @@
-// Import and export.
 #include "standin/operations/transfer.h"
 
 #include <windows.h>

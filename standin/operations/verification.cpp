@@ -1,7 +1,4 @@
-// The forms of verification.
 #include "standin/operations/verification.h"
-
-#include <algorithm>
 
 #include "standin/base/codes.h"
 #include "standin/base/digest.h"

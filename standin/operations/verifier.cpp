@@ -1,4 +1,3 @@
-// The verdicts on signatures.
 #include "standin/operations/verifier.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// The own keys of a session.
 #include "standin/sessions/key_store.h"
 
 #include <windows.h>

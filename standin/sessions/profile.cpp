@@ -1,4 +1,3 @@
-// Reading of profiles from the registry.
 #include "standin/sessions/profile.h"
 
 #include <windows.h>

@@ -1,9 +1,6 @@
-// The bags of a PKCS#12 file, and single sealed keys.
 #include "standin/sessions/sealed_keys.h"
 
-#include <openssl/err.h>
 #include <openssl/pem.h>
-#include <openssl/pkcs12.h>
 
 #include <string>
 

@@ -1,4 +1,3 @@
-// Sessions and the table of those that are open.
 #include "standin/sessions/session.h"
 
 #include "standin/base/codes.h"

@@ -38,15 +38,14 @@ class Store {
   /// one that its known issuer has not signed with kCrlForged.
   void add(X509_CRL* crl);
 
+ private:
+  bool knows(const X509* certificate) const;
   /// The newest list of the issuer, or null.
   X509_CRL* crlOf(const X509_NAME* issuer) const;
-  /// The certificate of that name with which the list verifies, or null.
-  X509* issuerOf(X509_CRL* crl) const;
-  bool knows(const X509* certificate) const;
-
- private:
+  /// The store has certificates of the issuer, and the list verifies with none of them.
+  bool isForged(X509_CRL* crl) const;
   void remember(CertPtr certificate);
-  bool remember(CrlPtr crl);
+  void remember(CrlPtr crl);
   void readFolder(bool certificatesToo);
 
   std::string folder_;

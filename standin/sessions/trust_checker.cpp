@@ -1,10 +1,6 @@
-// Checking of certificate chains.
 #include "standin/sessions/trust_checker.h"
 
 #include <algorithm>
-
-#include "standin/base/codes.h"
-#include "standin/base/times.h"
 
 namespace standin {
 namespace {

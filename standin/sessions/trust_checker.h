@@ -2,7 +2,6 @@
 #pragma once
 
 #include <ctime>
-#include <vector>
 
 #include "standin/base/codes.h"
 #include "standin/base/openssl_owners.h"

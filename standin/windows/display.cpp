@@ -1,4 +1,3 @@
-// Showing of certificates and lists with the platform's own viewer.
 #include "standin/windows/display.h"
 
 #include <windows.h>

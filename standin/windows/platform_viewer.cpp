@@ -1,4 +1,3 @@
-// Calls of the platform's viewer.
 #include "standin/windows/platform_viewer.h"
 
 #include <windows.h>

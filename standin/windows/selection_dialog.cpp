@@ -1,4 +1,3 @@
-// Choosing of certificates.
 #include "standin/windows/selection_dialog.h"
 
 #include <windows.h>
