@@ -1,5 +1,4 @@
-// Conversions between the system ANSI code page, in which callers give and take text, and UTF-8, which libcrypto uses;
-// and text forms of bytes and numbers.
+// Conversions between the system ANSI code page, which callers use, and UTF-8, which libcrypto uses; hexadecimal text.
 #pragma once
 
 #include <string>

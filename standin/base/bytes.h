@@ -15,13 +15,13 @@ namespace standin {
 using Bytes = std::vector<uint8_t>;
 using ByteView = std::span<const uint8_t>;
 
-/// A blob without a pointer, or none at all, stands for "not given"; one with a pointer may have no bytes.
+/// Nothing if the blob or its pointer is null: the caller gave no bytes. A blob with a pointer may have length 0.
 inline std::optional<ByteView> OptionalViewOf(const DataBlob_t* blob) {
   if (blob == nullptr || blob->data == nullptr) return std::nullopt;
   return ByteView(blob->data, blob->len);
 }
 
-/// The caller's bytes; an absent blob, or a length without a pointer, is empty.
+/// The same, with an empty view in place of nothing.
 inline ByteView ViewOf(const DataBlob_t* blob) { return OptionalViewOf(blob).value_or(ByteView()); }
 
 /// The elements of a list in a record; none if the pointer is null.

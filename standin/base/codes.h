@@ -1,5 +1,5 @@
-// The result codes of this engine. They lie outside the numbers of Windows errors, which this engine returns as they
-// are, and are told apart by their low 16 bits alone, as callers may hand back no more of a code than that.
+// The result codes of this engine, and its one exception. The codes lie outside the numbers of Windows errors, which
+// the engine returns unchanged. They differ in their low 16 bits, because callers may keep no more of a code.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace standin {
 enum Code : int32_t {
   kOk = 0,
 
-  // Windows error numbers that this engine raises by itself.
+  // Windows error numbers that this engine also raises itself.
   kWinOutOfMemory = 8,
   kWinInvalidParameter = 87,
   kWinDiskFull = 112,
@@ -87,7 +87,7 @@ enum Code : int32_t {
   kInternal = 0x70FF,
 };
 
-/// The one exception of this engine; it never leaves an exported function.
+/// No exported function lets it pass.
 struct EngineError {
   int32_t code;
 };

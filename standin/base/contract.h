@@ -1,4 +1,4 @@
-// The engine's contract: its records, flags and codes are the words of everything here.
+// The engine's contract. The stand-in uses its records, flags and codes without qualification.
 #pragma once
 
 #include "engine/codes.h"

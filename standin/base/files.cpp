@@ -14,7 +14,7 @@ FileHandle Open(const char* path, DWORD access, DWORD share, DWORD creation, DWO
   return FileHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
-/// A free name in the folder of `path`, opened.
+/// A new file with a free name in the folder of `path`.
 FileHandle CreateBeside(const std::string& path, std::string& name) {
   const size_t folderLength = path.find_last_of("\\/:") + 1;
   for (unsigned attempt = 0; attempt < 100; ++attempt) {
@@ -62,7 +62,7 @@ Bytes ReadWholeFile(const char* path, uint64_t limit) {
 OutputFile::OutputFile(const char* path) {
   if (path == nullptr || *path == 0) Fail(kWinInvalidParameter);
   path_ = path;
-  // A folder under the wanted name would only be noticed at the end, after all the work.
+  // Otherwise a folder or a read-only file of that name would fail the commit, after all the work.
   const DWORD attributes = GetFileAttributesA(path);
   if (attributes != INVALID_FILE_ATTRIBUTES &&
       (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0) {

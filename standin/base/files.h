@@ -1,4 +1,4 @@
-// Files by ANSI path: reading in large pieces, and writing that leaves nothing half-written behind.
+// Files by ANSI path: read in large pieces, written whole or not at all.
 // Every failure is an EngineError with the Windows error number.
 #pragma once
 
@@ -38,15 +38,14 @@ class InputFile {
   Bytes piece_;
 };
 
-/// The path, or null if it names the null device: script hosts that cannot pass a null string name no file that way.
-/// An empty path is not absent: it names a file that does not exist.
+/// The path; null if it is the null device, which script hosts pass where they cannot pass a null string. An empty path
+/// stays: it names a file that does not exist.
 inline const char* Given(const char* path) { return path != nullptr && _stricmp(path, "NUL") != 0 ? path : nullptr; }
 
-/// The whole file, refused when it is longer than `limit`.
+/// Fails with kTooLarge if the file is longer than `limit`.
 Bytes ReadWholeFile(const char* path, uint64_t limit);
 
-/// A file that appears under its name only when `commit` is reached; until then it has a temporary name beside it,
-/// and it is deleted when the object goes without a commit.
+/// A file with a temporary name in the folder of `path`. `commit` gives it its name; without a commit it is deleted.
 class OutputFile {
  public:
   explicit OutputFile(const char* path);
@@ -55,7 +54,7 @@ class OutputFile {
   OutputFile& operator=(const OutputFile&) = delete;
 
   void write(ByteView bytes);
-  /// Puts `bytes` over what was written at `offset`.
+  /// Replaces what was written at `offset`.
   void overwrite(uint64_t offset, ByteView bytes);
   void commit();
 
@@ -77,8 +76,7 @@ std::string FreeNameBeside(const std::string& path);
 /// "folder\name", with one separator.
 std::string JoinPath(const std::string& folder, const std::string& name);
 
-/// The names of the files in a folder that fit the pattern; empty when there are none. Fails with kStoreUnreadable when
-/// the folder cannot be read.
+/// The names of the files in a folder that fit the pattern. Fails with kStoreUnreadable if the folder cannot be read.
 std::vector<std::string> FilesIn(const std::string& folder, const char* pattern);
 
 }  // namespace standin

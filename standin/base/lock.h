@@ -1,4 +1,4 @@
-// A lock over the platform's own, as the compiler's win32 thread model has none. std::lock_guard holds it.
+// A lock for std::lock_guard: the compiler's win32 thread model has no mutex.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,7 @@
 
 namespace standin {
 
-/// Re-entrant: a window that the engine shows runs the caller's message loop, which may call the engine again.
+/// Re-entrant: a window of the engine runs the message loop, which may call the engine again.
 class Lock {
  public:
   Lock() { InitializeCriticalSection(&section_); }

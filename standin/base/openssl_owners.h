@@ -1,4 +1,4 @@
-// Owners of libcrypto objects: what a function of libcrypto gives away is held by one of these from then on.
+// Owners of libcrypto's objects.
 #pragma once
 
 #include <openssl/bio.h>
@@ -26,7 +26,7 @@ struct FreeStack {
     });
   }
 };
-/// A stack whose elements belong to somebody else.
+/// A stack that does not own its elements.
 struct FreeStackAlone {
   void operator()(STACK_OF(X509) * stack) const { sk_X509_free(stack); }
 };

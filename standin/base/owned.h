@@ -1,4 +1,4 @@
-// Owners of what a C function frees.
+// Owners of objects that a C function frees.
 #pragma once
 
 #include <memory>

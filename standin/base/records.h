@@ -1,4 +1,4 @@
-// Giving back of the engine's records.
+// Frees what the engine's records point to.
 #pragma once
 
 #include <type_traits>
@@ -8,7 +8,7 @@
 
 namespace standin {
 
-/// Visits the members of records and gives back what they point to.
+/// Visits the members of records and frees what they point to.
 class MemberRelease {
  public:
   explicit MemberRelease(Buffers& buffers) : buffers_(buffers) {}
@@ -29,7 +29,7 @@ class MemberRelease {
   }
 
  private:
-  /// An array that the session did not hand out is left alone, and its count is not trusted.
+  /// Skips an array that the session did not hand out: its count cannot be trusted either.
   template <typename Element>
   void release(Element* elements, int32_t count) const {
     if (!buffers_.owns(elements)) return;
@@ -42,7 +42,7 @@ class MemberRelease {
   Buffers& buffers_;
 };
 
-/// Gives back what the record points to, and empties it.
+/// Frees what the record points to, and empties the record.
 template <typename Record>
 void FreeRecord(Record& record, Buffers& buffers) {
   ForEachMember(MemberRelease(buffers), std::as_const(record));

@@ -9,10 +9,10 @@
 namespace standin {
 namespace {
 
-/// Where a record's text stands in an alternative name.
+/// The place of a record's text in an alternative name.
 struct AltNameField {
   char* AltNameRecord::*text;
-  int kind;         ///< of general name
+  int kind;         ///< of the general name
   const char* oid;  ///< of the directory attribute or of the other name
 };
 

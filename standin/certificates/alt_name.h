@@ -1,4 +1,4 @@
-// Alternative names of subjects and issuers: from certificates into records and, for requests, the other way.
+// Alternative names of subjects and issuers: from certificates to records, and from records to requests.
 #pragma once
 
 #include "standin/base/buffers.h"
@@ -6,11 +6,10 @@
 
 namespace standin {
 
-/// False when the certificate has no such extension. The first name of a kind counts.
+/// False if the certificate has no such extension. Of several names of one kind the record has the first.
 bool FillAltName(AltNameRecord& record, const X509* certificate, int extensionNid, Buffers& buffers);
 
-/// The names that the record states, for a request; null when it states none. Fails with kRequestFailed when one cannot
-/// be written.
+/// The names of the record, for a request; null if it has none. Fails with kRequestFailed if one cannot be encoded.
 GeneralNamesPtr GeneralNamesOf(const AltNameRecord& record);
 
 }  // namespace standin

@@ -97,7 +97,7 @@ class Comparison {
     ForEachMember(
         [&](char* const& text, const char* here) {
           if (!IsSet(text) || (here != nullptr && SameText(here, text))) return;
-          // Older certificates have the e-mail address in the subject itself.
+          // Older certificates have the e-mail address in the subject.
           agrees = agrees && &text == &wanted_.subjectAltName.emailAddress && SubjectHasAddress(certificate_, text);
         },
         wanted, stated);

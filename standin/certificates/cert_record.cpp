@@ -70,8 +70,8 @@ class RecordFiller {
     if (wants(kFieldNotAfter)) putTime(record_.notAfter, kFieldNotAfter, SecondsOf(X509_get0_notAfter(certificate_)));
     if (!wants(kFieldNotBeforePrivate | kFieldNotAfterPrivate)) return;
     const KeyPeriod period = PrivateKeyPeriod(certificate_);
-    if (wants(kFieldNotBeforePrivate)) putTime(record_.notBeforePrivate, kFieldNotBeforePrivate, period.not_before);
-    if (wants(kFieldNotAfterPrivate)) putTime(record_.notAfterPrivate, kFieldNotAfterPrivate, period.not_after);
+    if (wants(kFieldNotBeforePrivate)) putTime(record_.notBeforePrivate, kFieldNotBeforePrivate, period.notBefore);
+    if (wants(kFieldNotAfterPrivate)) putTime(record_.notAfterPrivate, kFieldNotAfterPrivate, period.notAfter);
   }
 
   void fillUniqueIds() {

@@ -6,13 +6,12 @@
 
 namespace standin {
 
-/// A record with the fields of `mask` that the certificate has; its `fields` states which those are. What it points to
-/// is memory of `buffers`.
+/// A record with the fields of `mask` that the certificate has, listed in `fields`. It points to memory of `buffers`.
 CertificateRecord RecordOf(X509* certificate, uint32_t mask, Buffers& buffers);
 
-/// Key usage in the bits of the records; 0 when the certificate does not state it.
+/// A mask of KeyUsage; 0 if the certificate does not state the extension.
 uint32_t KeyUsageOf(X509* certificate);
-/// Whether the certificate allows every use in `bits`; one that states no key usage allows all.
+/// Whether the certificate allows every use in `bits`. Without the extension it allows all.
 bool AllowsKeyUsage(X509* certificate, uint32_t bits);
 
 }  // namespace standin

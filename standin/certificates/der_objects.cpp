@@ -46,7 +46,7 @@ void AddFromMessage(ByteView der, FoundObjects& found) {
     return;
   }
   if (OBJ_obj2nid(CMS_get0_type(message.get())) != NID_pkcs7_signed) return;
-  // A message that somebody signed is a document, not a bundle.
+  // A message with signers is a document, not a bundle.
   if (sk_CMS_SignerInfo_num(CMS_get0_SignerInfos(message.get())) > 0) return;
   const CertStackPtr certificates(CMS_get1_certs(message.get()));
   for (int i = 0; certificates != nullptr && i < sk_X509_num(certificates.get()); ++i) {

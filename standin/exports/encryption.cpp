@@ -8,7 +8,7 @@ using namespace standin;
 
 namespace {
 
-/// Runs a decryption; the code is also the status of the result, which stays empty otherwise when it fails.
+/// Runs a decryption. The code is also the status of the result, which has no certificate after a failure.
 template <typename Decrypt>
 int32_t Decrypting(EngineSession session, const DecryptParamRecord* param, DecryptResultRecord* result,
                    Decrypt decrypt) {
@@ -78,7 +78,7 @@ int32_t QUIVO_StrEncryptFinalMem(EngineSession session, const EncryptParamRecord
 int32_t QUIVO_StrDecryptInitMem(EngineSession session, const DecryptParamRecord* param, const DataBlob_t* in,
                                 int32_t* left, EngineStream* stream) {
   return InSession(session, stream, [&](Session& s) {
-    // Every piece is taken whole: nothing is ever left for the caller to give again.
+    // Every piece is used whole.
     Required(left) = 0;
     return s.addStream(std::make_unique<DecryptStream>(s, Required(param).mycert, ViewOf(in)));
   });

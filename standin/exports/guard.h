@@ -1,5 +1,4 @@
-// What every exported function does around its work: finds and holds the session, and turns whatever is thrown into a
-// code.
+// The frame of every exported function: finds and locks the session, and turns exceptions into codes.
 #pragma once
 
 #include <openssl/err.h>
@@ -11,10 +10,9 @@
 
 namespace standin {
 
-/// Runs `work()`, which throws or returns nothing.
 template <typename Work>
 int32_t Guarded(Work work) noexcept {
-  // Errors of earlier calls on this thread would be taken for those of this one.
+  // Errors of earlier calls on this thread would be mistaken for errors of this one.
   ERR_clear_error();
   int32_t code = kOk;
   try {
@@ -37,7 +35,7 @@ T& Required(T* pointer) {
   return *pointer;
 }
 
-/// Runs `work(session)` on the live session behind the handle; kBadSession when there is none.
+/// Runs `work(session)`; kBadSession if the handle is of no open session.
 template <typename Work>
 int32_t InSession(EngineSession handle, Work work) noexcept {
   return Guarded([&] {
@@ -47,7 +45,7 @@ int32_t InSession(EngineSession handle, Work work) noexcept {
   });
 }
 
-/// The same for work that returns a value for the caller's `out`.
+/// The same for work whose result goes to the caller's `out`.
 template <typename Value, typename Work>
 int32_t InSession(EngineSession handle, Value* out, Work work) noexcept {
   return InSession(handle, [&](Session& session) {

@@ -136,7 +136,7 @@ const wchar_t* Find(int32_t code) {
   return nullptr;
 }
 
-/// What is left of a code that a caller has re-based (0xE069xxxx), made negative (0x8000xxxx), or taken from Windows
+/// The low half of a code that was re-based (0xE069xxxx), made negative (0x8000xxxx) or comes from Windows
 /// (0x8007xxxx).
 int32_t WithoutFacility(int32_t code) {
   const uint32_t high = static_cast<uint32_t>(code) >> 16;

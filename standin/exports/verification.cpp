@@ -7,7 +7,7 @@ using namespace standin;
 
 namespace {
 
-/// Runs a verification; its code is that of the whole, and the result lists the signatures whatever the code.
+/// Runs a verification and returns its code. The result lists the signatures even if they fail.
 template <typename Verify>
 int32_t Verifying(EngineSession session, const VerifyParamRecord* param, VerifyResultRecord* result, Verify verify) {
   int32_t code = kOk;

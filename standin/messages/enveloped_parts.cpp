@@ -62,7 +62,7 @@ Bytes EnvelopedParts::streamHeader() const {
 }
 
 Bytes EnvelopedParts::streamTrailer() {
-  // An end-of-contents mark for each of the five elements that streamHeader opens.
+  // End-of-contents marks of the five elements that streamHeader opens.
   return Bytes(5 * 2);
 }
 

@@ -8,10 +8,10 @@
 namespace standin {
 namespace {
 
-/// What stands before and behind the content is kept in memory; no honest message comes near this.
+/// The limit of the bytes before and after the content, which are kept in memory. Honest messages are far smaller.
 constexpr size_t kLargestPending = 16 * 1024 * 1024;
 constexpr size_t kDeepestContent = 8;
-/// The longest header of an element that ReadHeader accepts.
+/// The longest header that ReadHeader accepts.
 constexpr size_t kLongestHeader = 9;
 
 Bytes CopyOf(ByteView bytes) { return Bytes(bytes.begin(), bytes.end()); }
@@ -126,7 +126,7 @@ MessageReader::Level MessageReader::openLevel(ber::Cursor& cursor, uint8_t tag) 
   return levelOf(header, cursor.position(), levels_.empty() ? nullptr : &levels_.back());
 }
 
-/// Expects `offset_` behind the header.
+/// `offset_` must be the end of the header.
 void MessageReader::beginContent(const ber::Header& header) {
   const Level* parent = content_levels_.empty() ? &levels_.back() : &content_levels_.back();
   const Level level = levelOf(header, offset_, parent);
@@ -167,7 +167,7 @@ ByteView MessageReader::nextContentHeader(ByteView bytes) {
     header = ber::ReadHeader(bytes);
     bytes = bytes.subspan(header.size);
   } else {
-    // The header is cut by the end of a piece: gather it byte by byte.
+    // A piece ends inside the header: collect it byte by byte.
     pending_.push_back(bytes[0]);
     bytes = bytes.subspan(1);
     try {

@@ -10,10 +10,10 @@
 namespace standin {
 namespace {
 
-/// The recipients of a message beyond this many only mean to keep us busy.
+/// Hostile messages may have any number of recipients.
 constexpr int kMostRecipients = 4096;
 
-/// Opens the content key when this entry of the message is for the own key; false when it is for somebody else.
+/// Decrypts the content key with the own key; false if this entry is for another recipient.
 bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& own) {
   EVP_PKEY* key = own.key.get();
   switch (CMS_RecipientInfo_type(entry)) {
@@ -51,7 +51,7 @@ Decryptor::Decryptor(const Session& session, const CertIdRecord* id, MessageRead
       on_plain_(std::move(onPlain)),
       reader_([this](const MessageReader::Head& head) { open(head); }, [this](ByteView piece) { decrypt(piece); }) {
   if (session.keys.own().empty()) Fail(kOwnCertificateNotFound);
-  // A key that is named must be there, whatever the message says.
+  // A named key must exist, even if the message has no use for it.
   if (NamesCertificate(id)) session.keys.pick(id, KeyPurpose::kDecryption);
 }
 
@@ -84,7 +84,7 @@ void Decryptor::open(const MessageReader::Head& head) {
     }
     if (opened) break;
   }
-  // The identifier is the caller's and need not outlive the call that opened the message.
+  // The caller's identifier may be gone at the next call.
   id_ = nullptr;
   if (!opened) Fail(kNotARecipient);
   cipher_ = std::make_unique<ContentCipher>(message_.get());
@@ -141,7 +141,7 @@ DataBlob_t DecryptStream::update(ByteView piece) {
 
 void DecryptStream::finish(uint32_t info, DecryptResultRecord& result) {
   decryptor_.finish();
-  // What came with Init was never fetched by an Update: the caller would lose it without a word.
+  // No Update has fetched the content of the first piece: the caller would lose it.
   if (!plain_.view().empty()) Fail(kStreamOrder);
   result = decryptor_.result(info, session_.buffers);
 }

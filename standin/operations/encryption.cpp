@@ -7,7 +7,7 @@
 namespace standin {
 namespace {
 
-/// The certificate of whoever encrypts; null when the session has no own one and none is asked for.
+/// The sender's certificate; null if the session has none and the caller names none.
 const X509* SenderOf(const Session& session, const EncryptParamRecord& param) {
   if (session.keys.own().empty() && param.mycert == nullptr) return nullptr;
   return session.keys.pick(param.mycert, KeyPurpose::kAny).certificate.get();

@@ -18,7 +18,7 @@ constexpr uint32_t kTokens = kXmlRequestEtokenGost | kXmlRequestRutokenGost | kX
 constexpr int kKeyUsageBits = 9;
 constexpr unsigned kRsaBits = 2048;
 
-/// The extensions that a request asks for.
+/// The extensions of a request.
 class RequestedExtensions {
  public:
   explicit RequestedExtensions(const CertificateRecord& wanted) : stack_(sk_X509_EXTENSION_new_null()) {

@@ -18,7 +18,7 @@ std::vector<CertPtr> CandidatesOf(const Session& session, uint32_t flags) {
   return candidates;
 }
 
-/// Whether the certificate may be used now. An own certificate may be, even where its issuer is not known yet.
+/// Whether the certificate can be used now. An own certificate can, even if its issuer is not known yet.
 bool IsUsable(const TrustChecker& trust, X509* certificate, uint32_t flags) {
   if ((flags & kFindAll) != 0) return true;
   const time_t now = CurrentTime();

@@ -7,8 +7,8 @@
 
 namespace standin {
 
-/// The certificates that the parameters describe, own ones first. An empty result is no failure, except where the user
-/// was asked to choose: then it is kSelectionCancelled, or kNoDisplay.
+/// The certificates that fit the parameters, own ones first; perhaps none. A selection by the user fails with
+/// kSelectionCancelled or kNoDisplay.
 std::vector<CertPtr> FindCertificates(Session& session, const FindParamRecord& param);
 
 }  // namespace standin

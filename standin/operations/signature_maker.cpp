@@ -53,7 +53,7 @@ SignedParts SignatureMaker::estimate() const {
   return all;
 }
 
-/// Only the digest of the content goes in, so that the content need not be at hand.
+/// Needs only the hash of the content.
 SignedParts SignatureMaker::makeSignature(ByteView digest) const {
   constexpr unsigned kFlags = CMS_PARTIAL | CMS_BINARY | CMS_DETACHED | CMS_NOSMIMECAP;
   const CmsPtr message(CMS_sign(nullptr, nullptr, nullptr, nullptr, kFlags));

@@ -8,7 +8,7 @@ namespace {
 
 using Sink = MessageReader::OnContent;
 
-/// A message that was read whole: its signatures, and its content if it has one.
+/// A message that was read to its end.
 struct ReadMessage {
   explicit ReadMessage(const MessageReader& reader)
       : parts(SignedParts::of(reader)), hasContent(reader.head().hasContent) {}
@@ -31,7 +31,7 @@ ReadMessage ReadSignedFile(const char* path, const Sink& onContent) {
   return message;
 }
 
-/// Where the content of a signed file comes from; it can be gone through more than once.
+/// The source of the content of a signed file. It can be read more than once.
 struct ContentFile {
   const char* path;
   bool insideMessage;
@@ -75,7 +75,7 @@ ContentFile ContentOf(SignatureMaker& maker, const char* data, const char* exist
 }
 
 void WriteAttached(SignatureMaker& maker, const ContentFile& content, const char* out) {
-  // The header states lengths that are only known when the signature is made: leave room for it, and fill it in then.
+  // The header has lengths that are known only after the signature: leave room, and overwrite it in the end.
   const SignedParts estimate = maker.estimate();
   const Bytes room = estimate.header(content.length, estimate.trailer().size());
   SignedParts signedParts;
@@ -155,7 +155,7 @@ SignStream::SignStream(Session& session, const SignParamRecord* param, std::opti
 
 void SignStream::update(ByteView data) {
   if (existing_content_) {
-    // The content is in the message already; data beside it can only be the same again.
+    // The message has its content already: the data must repeat it.
     const ByteView expected = ByteView(*existing_content_).subspan(matched_);
     if (data.size() > expected.size() || !Equal(data, expected.first(data.size()))) Fail(kContentMismatch);
     matched_ += data.size();

@@ -39,7 +39,7 @@ CertPtr NamedCertificate(const Session& session, const CertIdRecord& id) {
   return nullptr;
 }
 
-/// A signed message without signers that carries everything the store has.
+/// The whole store in a signed message without signers.
 Bytes StoreAsMessage(const Session& session) {
   const std::vector<CertPtr> certificates = session.knownCertificates();
   if (certificates.empty() && session.store.crls().empty()) Fail(kNothingToExport);
@@ -72,7 +72,7 @@ void ConfirmImport(const FoundObjects& found) {
   if (answer != IDOK) Fail(kSelectionCancelled);
 }
 
-/// With no kind named, all kinds are wanted.
+/// Without a flag for a kind, all kinds are wanted.
 FoundObjects WantedObjects(FoundObjects found, uint32_t flags) {
   const bool any = (flags & (kImportCertificate | kImportCrl | kImportMyCertificate)) == 0;
   if (!any && (flags & (kImportCertificate | kImportMyCertificate)) == 0) found.certificates.clear();
@@ -127,7 +127,7 @@ void ImportObjects(Session& session, const SignParamRecord& param, ByteView byte
     try {
       session.store.add(crl.get());
     } catch (const EngineError& error) {
-      // An update brings the store up to date; what is older is no news.
+      // An update skips lists that are older than the store's.
       if (error.code != kCrlOlder || (param.flag & kImportUpdate) == 0) throw;
     }
   }

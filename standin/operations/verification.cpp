@@ -16,7 +16,7 @@ Verification ResultOf(Verifier& verifier, const VerifyParamRecord& param) {
   return result;
 }
 
-/// What a message is given back as: its content, or itself with the signatures that are left.
+/// The content, or the message with the remaining signatures.
 DataBlob_t OutputOf(const Verifier& verifier, GrowingBuffer& content, Buffers& buffers) {
   if (!verifier.leavesSignatures()) return content.handOut(buffers);
   const SignedParts& parts = verifier.remaining();
@@ -27,7 +27,7 @@ DataBlob_t OutputOf(const Verifier& verifier, GrowingBuffer& content, Buffers& b
 
 void FeedFile(const char* path, const MessageReader::OnContent& take) { InputFile(path).forEachPiece(take); }
 
-/// The hash of data that is given beside a message, to be compared with the content that the message carries.
+/// Compares the content of a message with data that the caller gives as well.
 class ContentComparison {
  public:
   ContentComparison() : in_message_(DefaultDigest()), in_data_(DefaultDigest()) {}
@@ -42,7 +42,7 @@ class ContentComparison {
   Digest in_data_;
 };
 
-/// Goes through the content of a message file once more.
+/// Reads the content of a message file once more.
 void CopyContent(const char* message, uint64_t expectedLength, OutputFile& file) {
   uint64_t copied = 0;
   MessageReader reader([&](ByteView piece) {
@@ -53,7 +53,7 @@ void CopyContent(const char* message, uint64_t expectedLength, OutputFile& file)
   if (copied != expectedLength) Fail(kFileChanged);
 }
 
-/// The file that a verification gives when it was not known beforehand what that would be.
+/// Writes the message with the remaining signatures, or the content if none remain.
 void WriteAfterwards(const Verifier& verifier, const char* message, uint64_t contentLength, const char* out) {
   if (!verifier.hasContent()) {
     if (verifier.leavesSignatures()) WriteWholeFile(out, verifier.remaining().withoutContent());
@@ -110,7 +110,7 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
   if (message == nullptr) Fail(kWinInvalidParameter);
   data = Given(data);
   out = Given(out);
-  // With one signature removed the output begins with lengths that are only known at the end.
+  // With one signature removed, the output begins with lengths that are known only at the end.
   const bool removesOne = (param.flag & kVerifyDelSign) != 0 && param.nSignToDelete != kDeleteAllSigns;
   std::optional<OutputFile> content;
   if (out != nullptr && !removesOne) content.emplace(out);

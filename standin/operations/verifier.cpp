@@ -10,7 +10,7 @@
 namespace standin {
 namespace {
 
-/// A message with more than these only means to keep us busy.
+/// Hostile messages may have any number of both.
 constexpr size_t kMostSigners = 256;
 constexpr size_t kMostCertificates = 512;
 
@@ -30,7 +30,7 @@ const EVP_MD* DigestOf(CMS_SignerInfo* signer) {
   return DigestOf(algorithm);
 }
 
-/// Each digest of the message once, those that are unknown left out.
+/// The known digests of the message, each once.
 std::vector<const EVP_MD*> DigestsOf(const MessageReader::Head& head) {
   std::vector<const EVP_MD*> digests;
   for (const Bytes& der : DigestAlgorithmsOf(head)) {
@@ -55,14 +55,14 @@ time_t SigningTimeOf(const CMS_SignerInfo* signer) {
   return isTime ? SecondsOf(value->value.asn1_string) : 0;
 }
 
-/// A signature may state what kind of content it covers; it must then be the kind of the message.
+/// The content type among the signed attributes must be that of the message.
 bool StatesContentTypeOf(CMS_ContentInfo* message, const CMS_SignerInfo* signer) {
   const auto* stated = static_cast<const ASN1_OBJECT*>(
       CMS_signed_get0_data_by_OBJ(signer, OBJ_nid2obj(NID_pkcs9_contentType), -3, V_ASN1_OBJECT));
   return stated != nullptr && OBJ_cmp(stated, CMS_get0_eContentType(message)) == 0;
 }
 
-/// The algorithm that a signature names must be one of its signer's key; libcrypto goes by the key alone.
+/// The stated algorithm must belong to the signer's key; libcrypto looks at the key alone.
 bool NamesAlgorithmOf(CMS_SignerInfo* signer) {
   EVP_PKEY* key = nullptr;
   X509_ALGOR* digest = nullptr;
@@ -82,7 +82,7 @@ bool NamesAlgorithmOf(CMS_SignerInfo* signer) {
   return ofDigest == NID_undef || ofDigest == EVP_MD_get_type(DigestOf(digest));
 }
 
-/// Each part states a version that follows from what is in it; any other is none that anybody wrote.
+/// The content of each part determines the version that it has to state.
 bool HasPlausibleVersions(const SignedParts& parts) {
   int highest = Equal(parts.contentType, kOidData) ? 1 : 3;
   for (const Bytes& signer : parts.signers) {

@@ -16,7 +16,7 @@ using PbeParamPtr = Owned<PBEPARAM_free>;
 using Pbe2ParamPtr = Owned<PBE2PARAM_free>;
 using Pbkdf2ParamPtr = Owned<PBKDF2PARAM_free>;
 
-/// A file may ask for any number of rounds of key derivation; beyond this many in all it only means to keep us busy.
+/// The limit of the rounds of key derivation in one file; without it a hostile file could cost hours.
 constexpr long kMostRounds = 2'000'000;
 constexpr int kDeepestNesting = 4;
 
@@ -30,7 +30,7 @@ Owner Unpack(const X509_ALGOR* algorithm, const ASN1_ITEM* item) {
   return Owner(static_cast<typename Owner::pointer>(ASN1_item_unpack(static_cast<const ASN1_STRING*>(value), item)));
 }
 
-/// The rounds of key derivation that the algorithm asks for; 0 when it states none.
+/// The rounds of key derivation that the algorithm states; 0 if it states none.
 long RoundsOf(const X509_ALGOR* algorithm) {
   const ASN1_OBJECT* object = nullptr;
   X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
@@ -58,7 +58,7 @@ class Reader {
 
  private:
   void spend(long rounds) {
-    // -1 is a number that does not fit.
+    // -1: the number does not fit into a long.
     if (rounds < 0 || rounds > kMostRounds - rounds_) Fail(kKeyFileDamaged);
     rounds_ += rounds;
   }
@@ -76,7 +76,7 @@ class Reader {
       password_ = pin_.c_str();
       return;
     }
-    // An empty PIN is written in two ways: as no text and as a text of no characters.
+    // An empty PIN has two encodings: no text, and a text without characters.
     spend(stated);
     if (!pin_.empty() || PKCS12_verify_mac(file, nullptr, 0) != 1) Fail(kWrongPin);
     password_ = nullptr;
@@ -163,7 +163,7 @@ KeyPtr ReadSealedKey(ByteView der, const std::string& pin) {
 
 Bytes SealKey(EVP_PKEY* key, const std::string& pin) {
   const BioPtr out(BIO_new(BIO_s_mem()));
-  // The function does not change the text, whatever its type says.
+  // The function does not change the text.
   char* text = const_cast<char*>(pin.c_str());
   if (out == nullptr || i2d_PKCS8PrivateKey_bio(out.get(), key, EVP_aes_256_cbc(), text, static_cast<int>(pin.size()),
                                                 nullptr, nullptr) != 1) {

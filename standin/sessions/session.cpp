@@ -6,7 +6,7 @@
 namespace standin {
 namespace {
 
-/// Handles of sessions and of streams come from one counter, so that neither is ever taken for the other.
+/// Sessions and streams share one counter, so that a handle of one is never a handle of the other.
 void* NextHandle() {
   static volatile LONG64 last = 0x1000;
   return reinterpret_cast<void*>(static_cast<uintptr_t>(InterlockedAdd64(&last, 16)));
@@ -17,7 +17,7 @@ struct SessionTable {
   std::map<EngineSession, std::shared_ptr<Session>> sessions;
 };
 
-/// Not an object with static duration: when a process ends with sessions open, nothing may be done about them any more.
+/// Not an object of static duration, whose destructor would touch open sessions when the process ends.
 SessionTable& Table() {
   static SessionTable* const kTheTable = new SessionTable;
   return *kTheTable;

@@ -14,7 +14,7 @@
 namespace standin {
 namespace {
 
-/// A file that cannot be read is passed over: a store is shared, and a file may be on its way in or out.
+/// Nothing for an unreadable file: the folder is shared, and somebody may be writing or deleting the file.
 FoundObjects ObjectsInFile(const std::string& path) {
   try {
     return ObjectsIn(ReadWholeFile(path.c_str(), kLargestObject));

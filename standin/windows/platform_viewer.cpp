@@ -11,7 +11,7 @@
 namespace standin {
 namespace {
 
-/// A library of the system folder and nothing else.
+/// Loads the library from the system folder only.
 Owned<FreeLibrary> SystemLibrary(const wchar_t* name) {
   wchar_t folder[MAX_PATH] = {};
   GetSystemDirectoryW(folder, MAX_PATH);
