@@ -1,4 +1,3 @@
-// Conversions of text.
 #include "standin/base/ansi.h"
 
 #include <windows.h>
@@ -28,7 +27,6 @@ std::string FromWide(UINT codePage, std::wstring_view text) {
 
 std::string AnsiFromUtf8(std::string_view text) { return FromWide(CP_ACP, ToWide(CP_UTF8, text)); }
 std::string Utf8FromAnsi(std::string_view text) { return FromWide(CP_UTF8, ToWide(CP_ACP, text)); }
-std::string Utf8FromWide(std::wstring_view text) { return FromWide(CP_UTF8, text); }
 std::wstring WideFromUtf8(std::string_view text) { return ToWide(CP_UTF8, text); }
 
 std::string HexOf(ByteView bytes) {

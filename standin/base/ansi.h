@@ -1,5 +1,4 @@
-// Conversions between the system ANSI code page, in which callers give and take text, and UTF-8, which libcrypto uses;
-// and text forms of bytes and numbers.
+// Conversions between the system ANSI code page, which callers use, and UTF-8, which libcrypto uses; hexadecimal text.
 #pragma once
 
 #include <string>
@@ -12,7 +11,6 @@ namespace standin {
 /// Characters that the ANSI code page lacks become its default character.
 std::string AnsiFromUtf8(std::string_view text);
 std::string Utf8FromAnsi(std::string_view text);
-std::string Utf8FromWide(std::wstring_view text);
 std::wstring WideFromUtf8(std::string_view text);
 
 /// Capital hexadecimal digits without separators.

@@ -7,7 +7,7 @@
 
 namespace standin {
 
-/// UTF-8, up to an embedded zero; empty when there is no text in it.
+/// UTF-8, up to an embedded zero; empty if the string has no text.
 inline std::string TextOf(const ASN1_STRING* text) {
   if (text == nullptr) return {};
   unsigned char* utf8 = nullptr;

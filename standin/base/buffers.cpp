@@ -1,9 +1,7 @@
-// Accounting of handed-out memory.
 #include "standin/base/buffers.h"
 
 #include <cstdlib>
 #include <cstring>
-#include <new>
 
 #include "standin/base/codes.h"
 

@@ -1,5 +1,5 @@
-// The memory that a session hands out. What is not given back goes with the session, and what the session did not
-// hand out is refused instead of freed.
+// The memory that a session hands out. The session frees what callers have not given back, and refuses to free what it
+// did not hand out.
 #pragma once
 
 #include <initializer_list>
@@ -32,7 +32,7 @@ class Buffers {
   void adopt(void* buffer) { live_.insert(buffer); }
 
   bool owns(const void* buffer) const { return live_.contains(buffer); }
-  /// False when the buffer is none of this session's. Null is accepted.
+  /// False if the session did not hand out the buffer. Null is accepted.
   bool release(const void* buffer);
 
  private:

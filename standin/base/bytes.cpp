@@ -1,4 +1,3 @@
-// Byte sequences.
 #include "standin/base/bytes.h"
 
 namespace standin {

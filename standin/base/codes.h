@@ -1,16 +1,17 @@
-// The result codes of this engine. They lie outside the numbers of Windows errors, which this engine returns as they
-// are, and are told apart by their low 16 bits alone, as callers may hand back no more of a code than that.
+// The result codes of this engine, and its one exception. The codes lie outside the numbers of Windows errors, which
+// the engine returns unchanged. They differ in their low 16 bits, because callers may keep no more of a code.
 #pragma once
 
 #include <cstdint>
+
+#include "standin/base/contract.h"
 
 namespace standin {
 
 enum Code : int32_t {
   kOk = 0,
 
-  // Windows error numbers that this engine raises by itself.
-  kWinFileNotFound = 2,
+  // Windows error numbers that this engine also raises itself.
   kWinOutOfMemory = 8,
   kWinInvalidParameter = 87,
   kWinDiskFull = 112,
@@ -84,14 +85,9 @@ enum Code : int32_t {
   kRandomFailed = 0x7052,
 
   kInternal = 0x70FF,
-
-  // Codes that callers of the engine know by value.
-  kVerifiedWithRemarks = static_cast<int32_t>(0xE0700019),
-  kOutsideValidity = static_cast<int32_t>(0xE0700036),
-  kSelectionCancelled = static_cast<int32_t>(0xE072008A),
 };
 
-/// The one exception of this engine; it never leaves an exported function.
+/// No exported function lets it pass.
 struct EngineError {
   int32_t code;
 };

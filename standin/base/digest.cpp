@@ -1,4 +1,3 @@
-// Running digests.
 #include "standin/base/digest.h"
 
 #include <cctype>
@@ -53,6 +52,12 @@ Bytes Digest::finish() {
   if (EVP_DigestFinal_ex(context_.get(), value.data(), &length) != 1) Fail(kInternal);
   value.resize(length);
   return value;
+}
+
+Bytes HashOf(ByteView bytes, const EVP_MD* algorithm) {
+  Digest digest(algorithm);
+  digest.update(bytes);
+  return digest.finish();
 }
 
 const EVP_MD* DefaultDigest() { return EVP_sha256(); }

@@ -10,14 +10,16 @@ class Digest {
  public:
   explicit Digest(const EVP_MD* algorithm);
   void update(ByteView bytes);
-  /// Ends the digest.
+  /// The hash; nothing can be added afterwards.
   Bytes finish();
 
  private:
   DigestContextPtr context_;
 };
 
-/// What is used where the caller names no algorithm.
+Bytes HashOf(ByteView bytes, const EVP_MD* algorithm);
+
+/// The algorithm where the caller names none.
 const EVP_MD* DefaultDigest();
 /// MD5, SHA-1, SHA-224, SHA-256, SHA-384, SHA-512, SHA3-256, SHA3-384 and SHA3-512, with or without the hyphens, in any
 /// case, or their object identifiers. Null or an empty name is the default. Fails with kHashUnknown.

@@ -1,4 +1,3 @@
-// Reading and writing of files for the engine.
 #include "standin/base/files.h"
 
 #include <algorithm>
@@ -7,17 +6,35 @@
 #include "standin/base/codes.h"
 
 namespace standin {
+namespace {
 
-void FailWithLastError() {
-  const DWORD error = GetLastError();
-  Fail(error == 0 ? kInternal : static_cast<int32_t>(error));
+/// Null if the file cannot be opened.
+FileHandle Open(const char* path, DWORD access, DWORD share, DWORD creation, DWORD flags) {
+  const HANDLE handle = CreateFileA(path, access, share, nullptr, creation, flags, nullptr);
+  return FileHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
+
+/// A new file with a free name in the folder of `path`.
+FileHandle CreateBeside(const std::string& path, std::string& name) {
+  const size_t folderLength = path.find_last_of("\\/:") + 1;
+  for (unsigned attempt = 0; attempt < 100; ++attempt) {
+    char leaf[32];
+    std::snprintf(leaf, sizeof leaf, "~t%08lx.tmp",
+                  static_cast<unsigned long>(GetTickCount() ^ (GetCurrentThreadId() << 16) ^ (attempt * 0x9E3779B9u)));
+    name = path.substr(0, folderLength) + leaf;
+    FileHandle handle = Open(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
+    if (handle != nullptr) return handle;
+    if (GetLastError() != ERROR_FILE_EXISTS) FailWithLastError();
+  }
+  Fail(ERROR_FILE_EXISTS);
+}
+
+}  // namespace
 
 InputFile::InputFile(const char* path) {
   if (path == nullptr) Fail(kWinInvalidParameter);
-  handle_.reset(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                            FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-  if (!handle_.valid()) FailWithLastError();
+  handle_ = Open(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
+  if (handle_ == nullptr) FailWithLastError();
   LARGE_INTEGER size;
   if (!GetFileSizeEx(handle_.get(), &size)) FailWithLastError();
   size_ = static_cast<uint64_t>(size.QuadPart);
@@ -35,37 +52,17 @@ Bytes ReadWholeFile(const char* path, uint64_t limit) {
   if (file.size() > limit) Fail(kTooLarge);
   Bytes bytes;
   bytes.reserve(static_cast<size_t>(file.size()));
-  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) {
+  file.forEachPiece([&](ByteView piece) {
     Append(bytes, piece);
     if (bytes.size() > limit) Fail(kTooLarge);
-  }
+  });
   return bytes;
 }
-
-namespace {
-
-/// A free name in the folder of `path`, opened.
-FileHandle CreateBeside(const std::string& path, std::string& name) {
-  const size_t folderLength = path.find_last_of("\\/:") + 1;
-  for (unsigned attempt = 0; attempt < 100; ++attempt) {
-    char leaf[32];
-    std::snprintf(leaf, sizeof leaf, "~t%08lx.tmp",
-                  static_cast<unsigned long>(GetTickCount() ^ (GetCurrentThreadId() << 16) ^ (attempt * 0x9E3779B9u)));
-    name = path.substr(0, folderLength) + leaf;
-    FileHandle handle(CreateFileA(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (handle.valid()) return handle;
-    if (GetLastError() != ERROR_FILE_EXISTS) FailWithLastError();
-  }
-  Fail(ERROR_FILE_EXISTS);
-}
-
-}  // namespace
 
 OutputFile::OutputFile(const char* path) {
   if (path == nullptr || *path == 0) Fail(kWinInvalidParameter);
   path_ = path;
-  // A folder under the wanted name would only be noticed at the end, after all the work.
+  // Otherwise a folder or a read-only file of that name would fail the commit, after all the work.
   const DWORD attributes = GetFileAttributesA(path);
   if (attributes != INVALID_FILE_ATTRIBUTES &&
       (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0) {

@@ -1,4 +1,4 @@
-// Files by ANSI path: reading in large pieces, and writing that leaves nothing half-written behind.
+// Files by ANSI path: read in large pieces, written whole or not at all.
 // Every failure is an EngineError with the Windows error number.
 #pragma once
 
@@ -9,63 +9,43 @@
 #include <vector>
 
 #include "standin/base/bytes.h"
+#include "standin/base/owned.h"
 
 namespace standin {
 
 /// The size of the pieces in which files are read and written.
 constexpr size_t kFilePiece = 1024 * 1024;
 
-/// A HANDLE of CreateFile.
-class FileHandle {
- public:
-  explicit FileHandle(HANDLE handle = INVALID_HANDLE_VALUE) : handle_(handle) {}
-  FileHandle(FileHandle&& other) noexcept : handle_(other.release()) {}
-  FileHandle& operator=(FileHandle&& other) noexcept {
-    reset(other.release());
-    return *this;
-  }
-  ~FileHandle() { reset(); }
-
-  HANDLE get() const { return handle_; }
-  bool valid() const { return handle_ != INVALID_HANDLE_VALUE; }
-  void reset(HANDLE handle = INVALID_HANDLE_VALUE) {
-    if (valid()) CloseHandle(handle_);
-    handle_ = handle;
-  }
-  HANDLE release() {
-    HANDLE handle = handle_;
-    handle_ = INVALID_HANDLE_VALUE;
-    return handle;
-  }
-
- private:
-  HANDLE handle_;
-};
+using FileHandle = Owned<CloseHandle>;
 
 class InputFile {
  public:
   explicit InputFile(const char* path);
 
   uint64_t size() const { return size_; }
-  /// The next piece, valid until the following call; empty at the end of the file.
-  ByteView next();
-  void close() { handle_.reset(); }
+  /// Calls `take` with the file, piece by piece, and closes it.
+  template <typename Take>
+  void forEachPiece(Take take) {
+    for (ByteView piece = next(); !piece.empty(); piece = next()) take(piece);
+    handle_.reset();
+  }
 
  private:
+  ByteView next();
+
   FileHandle handle_;
   uint64_t size_;
   Bytes piece_;
 };
 
-/// The path, or null if it names the null device: script hosts that cannot pass a null string name no file that way.
-/// An empty path is not absent: it names a file that does not exist.
+/// The path; null if it is the null device, which script hosts pass where they cannot pass a null string. An empty path
+/// stays: it names a file that does not exist.
 inline const char* Given(const char* path) { return path != nullptr && _stricmp(path, "NUL") != 0 ? path : nullptr; }
 
-/// The whole file, refused when it is longer than `limit`.
+/// Fails with kTooLarge if the file is longer than `limit`.
 Bytes ReadWholeFile(const char* path, uint64_t limit);
 
-/// A file that appears under its name only when `commit` is reached; until then it has a temporary name beside it,
-/// and it is deleted when the object goes without a commit.
+/// A file with a temporary name in the folder of `path`. `commit` gives it its name; without a commit it is deleted.
 class OutputFile {
  public:
   explicit OutputFile(const char* path);
@@ -74,7 +54,7 @@ class OutputFile {
   OutputFile& operator=(const OutputFile&) = delete;
 
   void write(ByteView bytes);
-  /// Puts `bytes` over what was written at `offset`.
+  /// Replaces what was written at `offset`.
   void overwrite(uint64_t offset, ByteView bytes);
   void commit();
 
@@ -96,8 +76,7 @@ std::string FreeNameBeside(const std::string& path);
 /// "folder\name", with one separator.
 std::string JoinPath(const std::string& folder, const std::string& name);
 
-/// The names of the files in a folder that fit the pattern; empty when there are none. Fails with kStoreUnreadable when
-/// the folder cannot be read.
+/// The names of the files in a folder that fit the pattern. Fails with kStoreUnreadable if the folder cannot be read.
 std::vector<std::string> FilesIn(const std::string& folder, const char* pattern);
 
 }  // namespace standin

@@ -1,4 +1,3 @@
-// Growing output.
 #include "standin/base/growing_buffer.h"
 
 #include <algorithm>

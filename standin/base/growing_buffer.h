@@ -1,5 +1,4 @@
-// Output whose length is not known beforehand, gathered in the memory that is then handed out: it is never copied
-// again.
+// Output of unknown length, collected in the memory that is handed out in the end, so that it is not copied.
 #pragma once
 
 #include "standin/base/buffers.h"
@@ -15,13 +14,13 @@ class GrowingBuffer {
 
   void reserve(size_t capacity);
   void append(ByteView bytes);
-  /// `count` more bytes at the end, to be written by the caller and cut back with `shrink`.
+  /// Adds `count` bytes, which the caller writes; `shrink` removes those that are left over.
   uint8_t* extend(size_t count);
   void shrink(size_t count) { size_ -= count; }
   void clear() { size_ = 0; }
   ByteView view() const { return {data_, size_}; }
 
-  /// Hands the bytes out as memory of the session; none give an absent blob. The buffer is empty afterwards.
+  /// Hands the bytes out as memory of the session and empties the buffer. No bytes give an absent blob.
   DataBlob_t handOut(Buffers& buffers);
 
  private:

@@ -1,11 +1,13 @@
-// Locks over the platform's own, as the compiler's win32 thread model has none.
+// A lock for std::lock_guard: the compiler's win32 thread model has no mutex.
 #pragma once
 
 #include <windows.h>
 
+#include <mutex>
+
 namespace standin {
 
-/// Re-entrant: a window that the engine shows runs the caller's message loop, which may call the engine again.
+/// Re-entrant: a window of the engine runs the message loop, which may call the engine again.
 class Lock {
  public:
   Lock() { InitializeCriticalSection(&section_); }
@@ -13,22 +15,11 @@ class Lock {
   Lock(const Lock&) = delete;
   Lock& operator=(const Lock&) = delete;
 
-  void enter() { EnterCriticalSection(&section_); }
-  void leave() { LeaveCriticalSection(&section_); }
+  void lock() { EnterCriticalSection(&section_); }
+  void unlock() { LeaveCriticalSection(&section_); }
 
  private:
   CRITICAL_SECTION section_;
-};
-
-class LockScope {
- public:
-  explicit LockScope(Lock& lock) : lock_(lock) { lock_.enter(); }
-  ~LockScope() { lock_.leave(); }
-  LockScope(const LockScope&) = delete;
-  LockScope& operator=(const LockScope&) = delete;
-
- private:
-  Lock& lock_;
 };
 
 }  // namespace standin

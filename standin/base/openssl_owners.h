@@ -1,4 +1,4 @@
-// Owners of libcrypto objects: what a function of libcrypto gives away is held by one of these from then on.
+// Owners of libcrypto's objects.
 #pragma once
 
 #include <openssl/bio.h>
@@ -9,48 +9,48 @@
 #include <openssl/x509_vfy.h>
 #include <openssl/x509v3.h>
 
-#include <memory>
+#include "standin/base/owned.h"
 
 namespace standin {
-
-template <auto freeFunction>
-struct FreeWith {
-  template <typename T>
-  void operator()(T* object) const {
-    freeFunction(object);
-  }
-};
 
 struct FreeMemory {
   void operator()(void* memory) const { OPENSSL_free(memory); }
 };
-struct FreeCertificates {
-  void operator()(STACK_OF(X509) * stack) const { sk_X509_pop_free(stack, X509_free); }
+/// A stack and its elements.
+template <auto freeElement>
+struct FreeStack {
+  template <typename Stack>
+  void operator()(Stack* stack) const {
+    OPENSSL_sk_pop_free(reinterpret_cast<OPENSSL_STACK*>(stack), [](void* element) {
+      freeElement(static_cast<typename FreeWith<freeElement>::Object*>(element));
+    });
+  }
 };
-/// For stacks whose elements belong to somebody else.
-struct FreeCertificateStackOnly {
+/// A stack that does not own its elements.
+struct FreeStackAlone {
   void operator()(STACK_OF(X509) * stack) const { sk_X509_free(stack); }
 };
 
-using CertPtr = std::unique_ptr<X509, FreeWith<X509_free>>;
-using CrlPtr = std::unique_ptr<X509_CRL, FreeWith<X509_CRL_free>>;
-using RequestPtr = std::unique_ptr<X509_REQ, FreeWith<X509_REQ_free>>;
-using KeyPtr = std::unique_ptr<EVP_PKEY, FreeWith<EVP_PKEY_free>>;
-using KeyContextPtr = std::unique_ptr<EVP_PKEY_CTX, FreeWith<EVP_PKEY_CTX_free>>;
-using CmsPtr = std::unique_ptr<CMS_ContentInfo, FreeWith<CMS_ContentInfo_free>>;
-using BioPtr = std::unique_ptr<BIO, FreeWith<BIO_free_all>>;
-using DigestContextPtr = std::unique_ptr<EVP_MD_CTX, FreeWith<EVP_MD_CTX_free>>;
-using DigestPtr = std::unique_ptr<EVP_MD, FreeWith<EVP_MD_free>>;
-using Pkcs12Ptr = std::unique_ptr<PKCS12, FreeWith<PKCS12_free>>;
-using TrustStorePtr = std::unique_ptr<X509_STORE, FreeWith<X509_STORE_free>>;
-using TrustContextPtr = std::unique_ptr<X509_STORE_CTX, FreeWith<X509_STORE_CTX_free>>;
-using NamePtr = std::unique_ptr<X509_NAME, FreeWith<X509_NAME_free>>;
-using GeneralNamesPtr = std::unique_ptr<GENERAL_NAMES, FreeWith<GENERAL_NAMES_free>>;
-using BigNumPtr = std::unique_ptr<BIGNUM, FreeWith<BN_free>>;
-using CertStackPtr = std::unique_ptr<STACK_OF(X509), FreeCertificates>;
-using CertViewPtr = std::unique_ptr<STACK_OF(X509), FreeCertificateStackOnly>;
-using TextPtr = std::unique_ptr<char, FreeMemory>;
+using AlgorithmPtr = Owned<X509_ALGOR_free>;
+using BioPtr = Owned<BIO_free_all>;
+using CertPtr = Owned<X509_free>;
+using CertStackPtr = std::unique_ptr<STACK_OF(X509), FreeStack<X509_free>>;
+using CertViewPtr = std::unique_ptr<STACK_OF(X509), FreeStackAlone>;
+using CmsPtr = Owned<CMS_ContentInfo_free>;
+using CrlPtr = Owned<X509_CRL_free>;
+using DigestContextPtr = Owned<EVP_MD_CTX_free>;
+using ExtKeyUsagePtr = Owned<EXTENDED_KEY_USAGE_free>;
+using ExtensionPtr = Owned<X509_EXTENSION_free>;
+using GeneralNamePtr = Owned<GENERAL_NAME_free>;
+using GeneralNamesPtr = Owned<GENERAL_NAMES_free>;
+using KeyPtr = Owned<EVP_PKEY_free>;
+using NamePtr = Owned<X509_NAME_free>;
+using ObjectPtr = Owned<ASN1_OBJECT_free>;
 using OctetsPtr = std::unique_ptr<unsigned char, FreeMemory>;
+using RequestPtr = Owned<X509_REQ_free>;
+using TextPtr = std::unique_ptr<char, FreeMemory>;
+using TrustContextPtr = Owned<X509_STORE_CTX_free>;
+using TrustStorePtr = Owned<X509_STORE_free>;
 
 /// Another owner of the same certificate.
 inline CertPtr Share(X509* certificate) {

@@ -1,4 +1,3 @@
-// Reading of times.
 #include "standin/base/times.h"
 
 #include <chrono>
@@ -11,7 +10,7 @@ time_t CurrentTime() { return std::time(nullptr); }
 time_t SecondsOf(const ASN1_TIME* time) {
   std::tm parts{};
   if (time == nullptr || ASN1_TIME_to_tm(time, &parts) != 1) return 0;
-  // Certificates state years that the runtime's own conversion refuses.
+  // The runtime's own conversion refuses some of the years that certificates state.
   using namespace std::chrono;
   const sys_days date = year(parts.tm_year + 1900) / month(static_cast<unsigned>(parts.tm_mon) + 1) /
                         day(static_cast<unsigned>(parts.tm_mday));
@@ -30,20 +29,19 @@ bool IsWithinValidity(const X509* certificate, time_t at) {
 }
 
 KeyPeriod PrivateKeyPeriod(const X509* certificate) {
-  using PeriodPtr = std::unique_ptr<PKEY_USAGE_PERIOD, FreeWith<PKEY_USAGE_PERIOD_free>>;
-  const PeriodPtr period(
+  const Owned<PKEY_USAGE_PERIOD_free> period(
       static_cast<PKEY_USAGE_PERIOD*>(X509_get_ext_d2i(certificate, NID_private_key_usage_period, nullptr, nullptr)));
   KeyPeriod result;
   if (period == nullptr) return result;
-  result.not_before = SecondsOf(period->notBefore);
-  result.not_after = SecondsOf(period->notAfter);
+  result.notBefore = SecondsOf(period->notBefore);
+  result.notAfter = SecondsOf(period->notAfter);
   return result;
 }
 
 bool IsWithinKeyPeriod(const X509* certificate, time_t at) {
   const KeyPeriod period = PrivateKeyPeriod(certificate);
-  if (period.not_before != 0 && at < period.not_before) return false;
-  return period.not_after == 0 || at <= period.not_after;
+  if (period.notBefore != 0 && at < period.notBefore) return false;
+  return period.notAfter == 0 || at <= period.notAfter;
 }
 
 }  // namespace standin

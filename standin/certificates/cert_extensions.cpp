@@ -1,16 +1,9 @@
-// Reading of certificate extensions.
 #include "standin/certificates/cert_extensions.h"
 
 #include "standin/base/asn1_text.h"
 
 namespace standin {
 namespace {
-
-struct FreePolicies {
-  void operator()(CERTIFICATEPOLICIES* policies) const { CERTIFICATEPOLICIES_free(policies); }
-};
-using PoliciesPtr = std::unique_ptr<CERTIFICATEPOLICIES, FreePolicies>;
-using UsagesPtr = std::unique_ptr<EXTENDED_KEY_USAGE, FreeWith<EXTENDED_KEY_USAGE_free>>;
 
 void AddQualifier(CertPolicy& policy, const POLICYQUALINFO* qualifier) {
   switch (OBJ_obj2nid(qualifier->pqualid)) {
@@ -43,7 +36,7 @@ std::string ObjectText(const ASN1_OBJECT* object, bool asNumber) {
 }
 
 std::vector<std::string> ExtKeyUsageOf(const X509* certificate) {
-  const UsagesPtr usages(
+  const ExtKeyUsagePtr usages(
       static_cast<EXTENDED_KEY_USAGE*>(X509_get_ext_d2i(certificate, NID_ext_key_usage, nullptr, nullptr)));
   std::vector<std::string> oids;
   for (int i = 0; usages != nullptr && i < sk_ASN1_OBJECT_num(usages.get()); ++i) {
@@ -53,7 +46,7 @@ std::vector<std::string> ExtKeyUsageOf(const X509* certificate) {
 }
 
 std::vector<CertPolicy> PoliciesOf(const X509* certificate) {
-  const PoliciesPtr stated(
+  const Owned<CERTIFICATEPOLICIES_free> stated(
       static_cast<CERTIFICATEPOLICIES*>(X509_get_ext_d2i(certificate, NID_certificate_policies, nullptr, nullptr)));
   std::vector<CertPolicy> policies;
   for (int i = 0; stated != nullptr && i < sk_POLICYINFO_num(stated.get()); ++i) {

@@ -1,4 +1,4 @@
-// What the extensions of a certificate say, apart from alternative names and key usage.
+// The extensions of a certificate, apart from alternative names and key usage.
 #pragma once
 
 #include <string>
@@ -9,14 +9,13 @@
 
 namespace standin {
 
-/// The registered name of the object, or its dotted number when it has none or `asNumber` is set.
+/// The registered name of the object; its dotted number if it has no name or `asNumber` is set.
 std::string ObjectText(const ASN1_OBJECT* object, bool asNumber);
 
-/// The dotted numbers, in order; empty when the certificate does not state the extension.
+/// The dotted numbers, in order; empty without the extension.
 std::vector<std::string> ExtKeyUsageOf(const X509* certificate);
 
-/// A policy with its user notice: the texts are UTF-8. Without a notice, `text` is the address of the practice
-/// statement.
+/// A policy with its user notice, in UTF-8. Without a notice, `text` is the address of the practice statement.
 struct CertPolicy {
   std::string oid;
   std::string organisation;

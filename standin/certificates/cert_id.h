@@ -1,20 +1,19 @@
 // Certificate identifiers: by issuer and serial number, by key identifier, by hash.
 #pragma once
 
-#include "engine/records.h"
+#include "standin/base/contract.h"
 #include "standin/base/openssl_owners.h"
 
 namespace standin {
 
-/// False for a null identifier and for one whose type has not been chosen. Fails with kWinInvalidParameter when the
-/// type is unknown or what it asks for is not set.
+/// False if the identifier is null or its type has not been chosen. Fails with kWinInvalidParameter if the type is
+/// unknown or its member is not set.
 bool NamesCertificate(const CertIdRecord* id);
 
-/// Whether the complete identifier names this certificate. A hash is told by its length: SHA-1, SHA-256, SHA-384,
-/// SHA-512.
+/// Whether a complete identifier names this certificate.
 bool Matches(const X509* certificate, const CertIdRecord& id);
 
-/// Whether `hash` is a hash of the certificate.
+/// Whether `hash` is the certificate's SHA-1, SHA-256, SHA-384 or SHA-512, by its length.
 bool IsHashOf(const X509* certificate, const DataBlob_t& hash);
 
 }  // namespace standin

@@ -1,4 +1,3 @@
-// Comparison of certificates with templates.
 #include "standin/certificates/cert_match.h"
 
 #include <algorithm>
@@ -17,6 +16,16 @@ namespace standin {
 namespace {
 
 bool IsSet(const char* text) { return text != nullptr && *text != 0; }
+bool IsSet(const DataBlob_t& bytes) { return bytes.len != 0; }
+bool IsSet(const AltNameRecord& name) {
+  bool any = false;
+  ForEachMember([&](const char* text) { any = any || IsSet(text); }, name);
+  return any;
+}
+
+bool Counts(const CertificateRecord& wanted, uint32_t field) {
+  return wanted.fields == 0 || (wanted.fields & field) != 0;
+}
 
 bool SameText(const std::string& leftAnsi, const std::string& rightAnsi) {
   return FoldCase(Utf8FromAnsi(leftAnsi)) == FoldCase(Utf8FromAnsi(rightAnsi));
@@ -36,73 +45,63 @@ class Comparison {
  public:
   Comparison(X509* certificate, const CertificateRecord& wanted) : certificate_(certificate), wanted_(wanted) {}
 
-  bool counts(uint32_t field) const { return wanted_.fields == 0 || (wanted_.fields & field) != 0; }
-
-  bool names(bool partialSubject) const {
-    if (counts(kFieldIssuer) && IsSet(wanted_.issuer) &&
-        !IsNameText(X509_get_issuer_name(certificate_), Utf8FromAnsi(wanted_.issuer))) {
-      return false;
-    }
-    if (counts(kFieldSubject) && IsSet(wanted_.subject)) {
-      const X509_NAME* subject = X509_get_subject_name(certificate_);
-      const std::string text = Utf8FromAnsi(wanted_.subject);
-      if (!(partialSubject ? NameContains(subject, text) : IsNameText(subject, text))) return false;
-    }
-    return altName(kFieldSubjectAltName, wanted_.subjectAltName, NID_subject_alt_name) &&
-           altName(kFieldIssuerAltName, wanted_.issuerAltName, NID_issuer_alt_name);
-  }
-
-  bool numbers() const {
-    if (counts(kFieldSerial) && IsSet(wanted_.serialNumber) &&
-        !IsSameHex(wanted_.serialNumber, SerialText(certificate_))) {
-      return false;
-    }
-    if (counts(kFieldKeyId) && IsSet(wanted_.keyId) && !IsSameHex(wanted_.keyId, HexOf(KeyIdOf(certificate_)))) {
-      return false;
-    }
-    if (counts(kFieldCertHash) && wanted_.certHash.len != 0 && !IsHashOf(certificate_, wanted_.certHash)) return false;
-    if (!counts(kFieldCertEncoded) || wanted_.certEncoded.len == 0) return true;
-    const ByteView encoded = ViewOf(&wanted_.certEncoded);
-    const Bytes der = DerOf(certificate_);
-    return std::equal(encoded.begin(), encoded.end(), der.begin(), der.end());
-  }
-
-  bool uses() const {
-    if (counts(kFieldKeyUsage) && !AllowsKeyUsage(certificate_, wanted_.keyUsage)) return false;
-    if (counts(kFieldExtKeyUsage) && wanted_.extKeyUsage != nullptr) {
-      const std::vector<std::string> stated = ExtKeyUsageOf(certificate_);
-      for (int32_t i = 0; i < wanted_.extKeyUsageCount; ++i) {
-        const std::string oid = TextOrEmpty(wanted_.extKeyUsage[i]);
-        if (std::find(stated.begin(), stated.end(), oid) == stated.end()) return false;
-      }
-    }
-    if (!counts(kFieldPolicy) || wanted_.policies == nullptr) return true;
-    const std::vector<CertPolicy> stated = PoliciesOf(certificate_);
-    for (int32_t i = 0; i < wanted_.policyCount; ++i) {
-      const std::string oid = TextOrEmpty(wanted_.policies[i].oid);
-      if (std::none_of(stated.begin(), stated.end(), [&](const CertPolicy& one) { return one.oid == oid; })) {
-        return false;
-      }
-    }
-    return true;
+  bool holds(bool partialSubject) const {
+    return agrees(kFieldSerial, wanted_.serialNumber,
+                  [&](const char* text) { return IsSameHex(text, SerialText(certificate_)); }) &&
+           agrees(kFieldKeyID, wanted_.keyId,
+                  [&](const char* text) { return IsSameHex(text, HexOf(KeyIdOf(certificate_))); }) &&
+           agrees(kFieldCertHash, wanted_.certHash,
+                  [&](const DataBlob_t& hash) { return IsHashOf(certificate_, hash); }) &&
+           agrees(kFieldCertEncoded, wanted_.certEncoded,
+                  [&](const DataBlob_t& der) { return Equal(ViewOf(&der), DerOf(certificate_)); }) &&
+           agrees(
+               kFieldIssuer, wanted_.issuer,
+               [&](const char* text) { return IsNameText(X509_get_issuer_name(certificate_), Utf8FromAnsi(text)); }) &&
+           agrees(kFieldSubject, wanted_.subject,
+                  [&](const char* text) {
+                    const X509_NAME* subject = X509_get_subject_name(certificate_);
+                    return partialSubject ? NameContains(subject, Utf8FromAnsi(text))
+                                          : IsNameText(subject, Utf8FromAnsi(text));
+                  }) &&
+           hasUses() && hasAltName(kFieldSubjectAltName, wanted_.subjectAltName, NID_subject_alt_name) &&
+           hasAltName(kFieldIssuerAltName, wanted_.issuerAltName, NID_issuer_alt_name);
   }
 
  private:
-  bool altName(uint32_t field, const AltNameRecord& wanted, int extensionNid) const {
-    if (!counts(field)) return true;
+  template <typename Member, typename Test>
+  bool agrees(uint32_t field, const Member& member, Test test) const {
+    return !Counts(wanted_, field) || !IsSet(member) || test(member);
+  }
+
+  bool hasUses() const {
+    if (Counts(wanted_, kFieldKeyUsage) && !AllowsKeyUsage(certificate_, wanted_.keyUsage)) return false;
+    if (Counts(wanted_, kFieldExtKeyUsage)) {
+      const std::vector<std::string> stated = ExtKeyUsageOf(certificate_);
+      for (const char* oid : ListOf(wanted_.extKeyUsage, wanted_.extKeyUsageCount)) {
+        if (std::ranges::find(stated, TextOrEmpty(oid)) == stated.end()) return false;
+      }
+    }
+    if (!Counts(wanted_, kFieldPolicy)) return true;
+    const std::vector<CertPolicy> stated = PoliciesOf(certificate_);
+    return std::ranges::all_of(ListOf(wanted_.policies, wanted_.policyCount), [&](const PolicyRecord& policy) {
+      return std::ranges::find(stated, TextOrEmpty(policy.oid), &CertPolicy::oid) != stated.end();
+    });
+  }
+
+  bool hasAltName(uint32_t field, const AltNameRecord& wanted, int extensionNid) const {
+    if (!Counts(wanted_, field)) return true;
     Buffers buffers;
     AltNameRecord stated{};
     FillAltName(stated, certificate_, extensionNid, buffers);
-    for (const AltNameField& member : AltNameFields()) {
-      const char* text = wanted.*member.text;
-      if (!IsSet(text)) continue;
-      const char* here = stated.*member.text;
-      if (here != nullptr && SameText(here, text)) continue;
-      // Older certificates have the e-mail address in the subject itself.
-      const bool inSubject = extensionNid == NID_subject_alt_name && member.place == AltNameField::Place::kEmail;
-      if (!inSubject || !SubjectHasAddress(certificate_, text)) return false;
-    }
-    return true;
+    bool agrees = true;
+    ForEachMember(
+        [&](char* const& text, const char* here) {
+          if (!IsSet(text) || (here != nullptr && SameText(here, text))) return;
+          // Older certificates have the e-mail address in the subject.
+          agrees = agrees && &text == &wanted_.subjectAltName.emailAddress && SubjectHasAddress(certificate_, text);
+        },
+        wanted, stated);
+    return agrees;
   }
 
   X509* certificate_;
@@ -112,20 +111,14 @@ class Comparison {
 }  // namespace
 
 bool Fits(X509* certificate, const CertificateRecord& wanted, bool partialSubject) {
-  const Comparison comparison(certificate, wanted);
-  return comparison.numbers() && comparison.uses() && comparison.names(partialSubject);
+  return Comparison(certificate, wanted).holds(partialSubject);
 }
 
 bool StatesAnything(const CertificateRecord& wanted) {
-  const auto counts = [&](uint32_t field) { return wanted.fields == 0 || (wanted.fields & field) != 0; };
-  const bool hasAddress = counts(kFieldSubjectAltName) &&
-                          std::any_of(AltNameFields().begin(), AltNameFields().end(), [&](const AltNameField& member) {
-                            return IsSet(wanted.subjectAltName.*member.text);
-                          });
-  return hasAddress || (counts(kFieldSubject) && IsSet(wanted.subject)) ||
-         (counts(kFieldSerial) && IsSet(wanted.serialNumber)) || (counts(kFieldKeyId) && IsSet(wanted.keyId)) ||
-         (counts(kFieldCertHash) && wanted.certHash.len != 0) ||
-         (counts(kFieldCertEncoded) && wanted.certEncoded.len != 0);
+  const auto states = [&](uint32_t field, const auto& member) { return Counts(wanted, field) && IsSet(member); };
+  return states(kFieldSubjectAltName, wanted.subjectAltName) || states(kFieldSubject, wanted.subject) ||
+         states(kFieldSerial, wanted.serialNumber) || states(kFieldKeyID, wanted.keyId) ||
+         states(kFieldCertHash, wanted.certHash) || states(kFieldCertEncoded, wanted.certEncoded);
 }
 
 }  // namespace standin

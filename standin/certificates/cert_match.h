@@ -1,16 +1,16 @@
 // Whether a certificate fits the template of a search or the description of a recipient.
 #pragma once
 
-#include "engine/records.h"
+#include "standin/base/contract.h"
 #include "standin/base/openssl_owners.h"
 
 namespace standin {
 
-/// Everything that the record states must hold; texts are compared without regard to case. When `fields` is 0, all
-/// members that are set count, otherwise only those of its mask. `partialSubject`: the subject need only occur.
+/// Compares the members that are set and, unless `fields` is 0, are in its mask. The case of texts does not count. With
+/// `partialSubject` the certificate's subject need only contain the text.
 bool Fits(X509* certificate, const CertificateRecord& wanted, bool partialSubject);
 
-/// Whether the record states anything at all that a certificate could be told by.
+/// Whether the record has a member that can identify a certificate.
 bool StatesAnything(const CertificateRecord& wanted);
 
 }  // namespace standin

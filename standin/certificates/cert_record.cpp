@@ -1,4 +1,3 @@
-// Filling and freeing of certificate records.
 #include "standin/certificates/cert_record.h"
 
 #include "standin/base/ansi.h"
@@ -14,17 +13,18 @@ namespace {
 
 class RecordFiller {
  public:
-  RecordFiller(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers)
-      : record_(record), certificate_(certificate), mask_(mask), buffers_(buffers) {}
+  RecordFiller(X509* certificate, uint32_t mask, Buffers& buffers)
+      : certificate_(certificate), mask_(mask), buffers_(buffers) {}
 
-  void fill() {
+  CertificateRecord fill() {
     fillNames();
     fillTimes();
     fillUniqueIds();
     fillExtensions();
-    if (wants(kFieldKeyId)) putText(record_.keyId, kFieldKeyId, HexOf(KeyIdOf(certificate_)));
+    if (wants(kFieldKeyID)) putText(record_.keyId, kFieldKeyID, HexOf(KeyIdOf(certificate_)));
     if (wants(kFieldCertEncoded)) putBytes(record_.certEncoded, kFieldCertEncoded, DerOf(certificate_));
-    if (wants(kFieldCertHash)) putBytes(record_.certHash, kFieldCertHash, hash());
+    if (wants(kFieldCertHash)) putBytes(record_.certHash, kFieldCertHash, HashOf(DerOf(certificate_), EVP_sha1()));
+    return record_;
   }
 
  private:
@@ -53,14 +53,14 @@ class RecordFiller {
       const NameForm form = wants(kFieldSubjectQualified) ? NameForm::kQualified : NameForm::kShort;
       putText(record_.subject, kFieldSubject, AnsiFromUtf8(NameText(X509_get_subject_name(certificate_), form)));
     }
-    if (wants(kFieldAlgorithm | kFieldAlgorithmOid)) putText(record_.algorithm, kFieldAlgorithm, algorithmText());
+    if (wants(kFieldAlgorithm | kFieldAlgorithmOidFormat)) putText(record_.algorithm, kFieldAlgorithm, algorithmText());
   }
 
   std::string algorithmText() const {
     const X509_ALGOR* algorithm = X509_get0_tbs_sigalg(certificate_);
     const ASN1_OBJECT* object = nullptr;
     X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
-    return ObjectText(object, wants(kFieldAlgorithmOid));
+    return ObjectText(object, wants(kFieldAlgorithmOidFormat));
   }
 
   void fillTimes() {
@@ -70,16 +70,16 @@ class RecordFiller {
     if (wants(kFieldNotAfter)) putTime(record_.notAfter, kFieldNotAfter, SecondsOf(X509_get0_notAfter(certificate_)));
     if (!wants(kFieldNotBeforePrivate | kFieldNotAfterPrivate)) return;
     const KeyPeriod period = PrivateKeyPeriod(certificate_);
-    if (wants(kFieldNotBeforePrivate)) putTime(record_.notBeforePrivate, kFieldNotBeforePrivate, period.not_before);
-    if (wants(kFieldNotAfterPrivate)) putTime(record_.notAfterPrivate, kFieldNotAfterPrivate, period.not_after);
+    if (wants(kFieldNotBeforePrivate)) putTime(record_.notBeforePrivate, kFieldNotBeforePrivate, period.notBefore);
+    if (wants(kFieldNotAfterPrivate)) putTime(record_.notAfterPrivate, kFieldNotAfterPrivate, period.notAfter);
   }
 
   void fillUniqueIds() {
     const ASN1_BIT_STRING* issuer = nullptr;
     const ASN1_BIT_STRING* subject = nullptr;
     X509_get0_uids(certificate_, &issuer, &subject);
-    if (wants(kFieldIssuerId)) putText(record_.issuerUID, kFieldIssuerId, bitsText(issuer));
-    if (wants(kFieldSubjectId)) putText(record_.subjectUID, kFieldSubjectId, bitsText(subject));
+    if (wants(kFieldIssuerID)) putText(record_.issuerUID, kFieldIssuerID, bitsText(issuer));
+    if (wants(kFieldSubjectID)) putText(record_.subjectUID, kFieldSubjectID, bitsText(subject));
   }
 
   static std::string bitsText(const ASN1_BIT_STRING* bits) {
@@ -141,13 +141,7 @@ class RecordFiller {
     record_.fields |= kFieldExtensions;
   }
 
-  Bytes hash() const {
-    Digest digest(EVP_sha1());
-    digest.update(DerOf(certificate_));
-    return digest.finish();
-  }
-
-  CertificateRecord& record_;
+  CertificateRecord record_{};
   X509* certificate_;
   uint32_t mask_;
   Buffers& buffers_;
@@ -159,47 +153,21 @@ struct UsageBit {
 };
 
 constexpr UsageBit kUsageBits[] = {
-    {1, KU_DIGITAL_SIGNATURE}, {2, KU_NON_REPUDIATION}, {4, KU_KEY_ENCIPHERMENT},
-    {8, KU_DATA_ENCIPHERMENT}, {16, KU_KEY_AGREEMENT},  {32, KU_KEY_CERT_SIGN},
-    {64, KU_CRL_SIGN},         {128, KU_ENCIPHER_ONLY}, {256, KU_DECIPHER_ONLY},
+    {kKeyUsageDigitalSignature, KU_DIGITAL_SIGNATURE},
+    {kKeyUsageNonRepudation, KU_NON_REPUDIATION},
+    {kKeyUsageKeyEncipherment, KU_KEY_ENCIPHERMENT},
+    {kKeyUsageDataEncipherment, KU_DATA_ENCIPHERMENT},
+    {kKeyUsageKeyAgreement, KU_KEY_AGREEMENT},
+    {kKeyUsageKeyCertSign, KU_KEY_CERT_SIGN},
+    {kKeyUsageCrlSign, KU_CRL_SIGN},
+    {kKeyUsageEncipherOnly, KU_ENCIPHER_ONLY},
+    {kKeyUsageDecipherOnly, KU_DECIPHER_ONLY},
 };
 
 }  // namespace
 
-void FillRecord(CertificateRecord& record, X509* certificate, uint32_t mask, Buffers& buffers) {
-  record = {};
-  RecordFiller(record, certificate, mask, buffers).fill();
-}
-
-void FreeRecord(CertificateRecord& record, Buffers& buffers) {
-  for (char* text : {record.issuer, record.serialNumber, record.subject, record.algorithm, record.issuerUID,
-                     record.subjectUID, record.keyId}) {
-    buffers.release(text);
-  }
-  FreeAltName(record.issuerAltName, buffers);
-  FreeAltName(record.subjectAltName, buffers);
-  // A record whose arrays are none of ours was made elsewhere; its counts are not to be believed either.
-  if (buffers.owns(record.policies)) {
-    for (int32_t i = 0; i < record.policyCount; ++i) {
-      const PolicyRecord& policy = record.policies[i];
-      for (char* text : {policy.oid, policy.org_name, policy.text}) buffers.release(text);
-    }
-    buffers.release(record.policies);
-  }
-  if (buffers.owns(record.extKeyUsage)) {
-    for (int32_t i = 0; i < record.extKeyUsageCount; ++i) buffers.release(record.extKeyUsage[i]);
-    buffers.release(record.extKeyUsage);
-  }
-  if (buffers.owns(record.extensions)) {
-    for (int32_t i = 0; i < record.extensionCount; ++i) {
-      buffers.release(record.extensions[i].oid);
-      buffers.release(record.extensions[i].data.data);
-    }
-    buffers.release(record.extensions);
-  }
-  buffers.release(record.certEncoded.data);
-  buffers.release(record.certHash.data);
-  record = {};
+CertificateRecord RecordOf(X509* certificate, uint32_t mask, Buffers& buffers) {
+  return RecordFiller(certificate, mask, buffers).fill();
 }
 
 uint32_t KeyUsageOf(X509* certificate) {

@@ -1,4 +1,3 @@
-// Decoding and encoding of certificates, lists and requests.
 #include "standin/certificates/der_objects.h"
 
 #include <openssl/err.h>
@@ -47,7 +46,7 @@ void AddFromMessage(ByteView der, FoundObjects& found) {
     return;
   }
   if (OBJ_obj2nid(CMS_get0_type(message.get())) != NID_pkcs7_signed) return;
-  // A message that somebody signed is a document, not a bundle.
+  // A message with signers is a document, not a bundle.
   if (sk_CMS_SignerInfo_num(CMS_get0_SignerInfos(message.get())) > 0) return;
   const CertStackPtr certificates(CMS_get1_certs(message.get()));
   for (int i = 0; certificates != nullptr && i < sk_X509_num(certificates.get()); ++i) {
@@ -104,7 +103,8 @@ RequestPtr RequestFromDer(ByteView der) { return DecodeWhole<RequestPtr>(der, d2
 
 Bytes DerOf(const X509* certificate) { return Encode(certificate, i2d_X509); }
 Bytes DerOf(const X509_CRL* crl) { return Encode(crl, i2d_X509_CRL); }
-Bytes DerOf(X509_REQ* request) { return Encode(request, i2d_X509_REQ); }
+Bytes DerOf(const X509_REQ* request) { return Encode(request, i2d_X509_REQ); }
+Bytes DerOf(const CMS_ContentInfo* message) { return Encode(message, i2d_CMS_ContentInfo); }
 
 FoundObjects ObjectsIn(ByteView bytes) { return Find(bytes, false); }
 FoundObjects ObjectsInBundle(ByteView bytes) { return Find(bytes, true); }

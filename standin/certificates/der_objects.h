@@ -1,4 +1,4 @@
-// Certificates, revocation lists and requests from bytes, DER or PEM, and back.
+// Certificates, revocation lists and requests: decoded from DER or PEM, encoded to DER.
 #pragma once
 
 #include <vector>
@@ -8,19 +8,19 @@
 
 namespace standin {
 
-/// Files of a store and of imports beyond this are not read.
+/// Larger files of a store or an import are not read.
 constexpr uint64_t kLargestObject = 16 * 1024 * 1024;
 
-/// Null when the bytes are not exactly one object of the kind.
+/// Null unless the bytes are exactly one object of the kind.
 CertPtr CertificateFromDer(ByteView der);
 CrlPtr CrlFromDer(ByteView der);
 RequestPtr RequestFromDer(ByteView der);
 
 Bytes DerOf(const X509* certificate);
 Bytes DerOf(const X509_CRL* crl);
-Bytes DerOf(X509_REQ* request);
+Bytes DerOf(const X509_REQ* request);
+Bytes DerOf(const CMS_ContentInfo* message);
 
-/// What was found in a file's bytes.
 struct FoundObjects {
   std::vector<CertPtr> certificates;
   std::vector<CrlPtr> crls;
@@ -31,7 +31,7 @@ struct FoundObjects {
 
 /// One DER object, or the blocks of a PEM text.
 FoundObjects ObjectsIn(ByteView bytes);
-/// The same, or what a signed message without signers carries, which is how a set of certificates travels.
+/// The same, or the objects in a signed message without signers, the usual form of a set of certificates.
 FoundObjects ObjectsInBundle(ByteView bytes);
 
 }  // namespace standin

@@ -1,4 +1,3 @@
-// Parsing of names.
 #include "standin/certificates/distinguished_name.h"
 
 #include <algorithm>

@@ -7,8 +7,8 @@
 
 namespace standin {
 
-/// Reads "CN=..., O=..., C=..." (UTF-8; attribute names short, long or dotted; values may be quoted or have escapes).
-/// The first attribute is the most specific one, as in NameText. Null when the text is no name.
+/// Parses "CN=..., O=..., C=..." (UTF-8; short, long or dotted attribute names; quoted or escaped values), the most
+/// specific attribute first. Null if the syntax is wrong.
 NamePtr NameFromText(const std::string& text);
 
 }  // namespace standin

@@ -1,4 +1,3 @@
-// Texts of names and numbers.
 #include "standin/certificates/names.h"
 
 #include <openssl/x509v3.h>
@@ -11,7 +10,7 @@
 namespace standin {
 namespace {
 
-/// Escapes as RFC 2253 has them, but leaves letters of any script readable.
+/// Escapes as in RFC 2253, except for letters of other scripts.
 constexpr unsigned long kTextFlags =
     (ASN1_STRFLGS_RFC2253 & ~static_cast<unsigned long>(ASN1_STRFLGS_ESC_MSB)) | ASN1_STRFLGS_UTF8_CONVERT;
 
@@ -24,7 +23,7 @@ std::string Print(const X509_NAME* name, unsigned long flags) {
   return std::string(text, static_cast<size_t>(length));
 }
 
-/// Folded case, and no spaces beside separators.
+/// Folded case, no spaces next to separators.
 std::string Normalised(const std::string& text) {
   const std::string folded = FoldCase(text);
   std::string result;

@@ -1,5 +1,4 @@
-// Attaching and detaching: libcrypto is set up and cleared by hand, so that the library leaves nothing in a process
-// that unloads it.
+// Sets up and clears libcrypto, so that nothing is left in a process that unloads the library.
 #include <windows.h>
 
 #include <openssl/crypto.h>
@@ -7,20 +6,20 @@
 #include "standin/sessions/session.h"
 
 namespace __gnu_cxx {
-/// Gives back what the C++ runtime holds ready for exceptions when there is no memory left.
+/// Frees the memory that the C++ runtime reserves for exceptions.
 void __freeres();  // NOLINT(bugprone-reserved-identifier): the runtime's name
 }  // namespace __gnu_cxx
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
   switch (reason) {
     case DLL_PROCESS_ATTACH:
-      // Its own clean-up at exit would run when this library is gone.
+      // libcrypto's own clean-up at exit would run after this library is unloaded.
       return OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr) == 1;
     case DLL_THREAD_DETACH:
       OPENSSL_thread_stop();
       break;
     case DLL_PROCESS_DETACH:
-      // When the process ends, other threads were stopped wherever they were: nothing may be touched.
+      // At the end of the process other threads may have stopped anywhere, with locks held.
       if (processEnds != nullptr) break;
       standin::RemoveAllSessions();
       OPENSSL_cleanup();

@@ -1,6 +1,6 @@
 // Exported functions: encryption and decryption.
 #include "standin/operations/encryption.h"
-#include "standin/certificates/cert_record.h"
+#include "standin/base/records.h"
 #include "standin/exports/guard.h"
 #include "standin/operations/decryption.h"
 
@@ -8,7 +8,7 @@ using namespace standin;
 
 namespace {
 
-/// Runs a decryption; the code is also the status of the result, which stays empty otherwise when it fails.
+/// Runs a decryption. The code is also the status of the result, which has no certificate after a failure.
 template <typename Decrypt>
 int32_t Decrypting(EngineSession session, const DecryptParamRecord* param, DecryptResultRecord* result,
                    Decrypt decrypt) {
@@ -24,10 +24,7 @@ int32_t Decrypting(EngineSession session, const DecryptParamRecord* param, Decry
 
 int32_t QUIVO_EncryptMem(EngineSession session, const EncryptParamRecord* param, const DataBlob_t* in,
                          DataBlob_t* out) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(out);
-    target = EncryptMemory(s, Required(param), ViewOf(in));
-  });
+  return InSession(session, out, [&](Session& s) { return EncryptMemory(s, Required(param), ViewOf(in)); });
 }
 
 int32_t QUIVO_EncryptFile(EngineSession session, const EncryptParamRecord* param, const char* file_in,
@@ -60,51 +57,38 @@ int32_t QUIVO_StrDecryptFile(EngineSession session, const DecryptParamRecord* pa
 }
 
 int32_t QUIVO_FreeDecryptResult(EngineSession session, DecryptResultRecord* result) {
-  return InSession(session, [&](Session& s) {
-    FreeRecord(Required(result).cert, s.buffers);
-    *result = {};
-  });
+  return InSession(session, [&](Session& s) { FreeRecord(Required(result), s.buffers); });
 }
 
 int32_t QUIVO_StrEncryptInitMem(EngineSession session, const EncryptParamRecord* param, EngineStream* stream) {
-  return InSession(session, [&](Session& s) {
-    EngineStream& handle = Required(stream);
-    handle = s.addStream(std::make_unique<EncryptStream>(s, Required(param)));
-  });
+  return InSession(session, stream,
+                   [&](Session& s) { return s.addStream(std::make_unique<EncryptStream>(s, Required(param))); });
 }
 
 int32_t QUIVO_StrEncryptUpdateMem(EngineSession session, const EncryptParamRecord*, EngineStream* stream,
                                   const DataBlob_t* in, DataBlob_t* out) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(out);
-    target = s.stream<EncryptStream>(stream).update(ViewOf(in));
-  });
+  return InSession(session, out, [&](Session& s) { return s.stream<EncryptStream>(stream).update(ViewOf(in)); });
 }
 
 int32_t QUIVO_StrEncryptFinalMem(EngineSession session, const EncryptParamRecord*, EngineStream* stream,
                                  DataBlob_t* out) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(out);
-    target = s.endStream<EncryptStream>(stream)->finish();
-  });
+  return InSession(session, out, [&](Session& s) { return s.endStream<EncryptStream>(stream)->finish(); });
 }
 
 int32_t QUIVO_StrDecryptInitMem(EngineSession session, const DecryptParamRecord* param, const DataBlob_t* in,
                                 int32_t* left, EngineStream* stream) {
-  return InSession(session, [&](Session& s) {
-    EngineStream& handle = Required(stream);
-    // Every piece is taken whole: nothing is ever left for the caller to give again.
+  return InSession(session, stream, [&](Session& s) {
+    // Every piece is used whole.
     Required(left) = 0;
-    handle = s.addStream(std::make_unique<DecryptStream>(s, Required(param).mycert, ViewOf(in)));
+    return s.addStream(std::make_unique<DecryptStream>(s, Required(param).mycert, ViewOf(in)));
   });
 }
 
 int32_t QUIVO_StrDecryptUpdateMem(EngineSession session, const DecryptParamRecord*, EngineStream* stream,
                                   const DataBlob_t* in, int32_t* left, DataBlob_t* out) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(out);
+  return InSession(session, out, [&](Session& s) {
     Required(left) = 0;
-    target = s.stream<DecryptStream>(stream).update(ViewOf(in));
+    return s.stream<DecryptStream>(stream).update(ViewOf(in));
   });
 }
 

@@ -1,8 +1,5 @@
-// What every exported function does around its work: finds and holds the session, and turns whatever is thrown into a
-// code.
+// The frame of every exported function: finds and locks the session, and turns exceptions into codes.
 #pragma once
-
-#include <windows.h>
 
 #include <openssl/err.h>
 
@@ -13,10 +10,9 @@
 
 namespace standin {
 
-/// Runs `work()`, which throws or returns nothing.
 template <typename Work>
 int32_t Guarded(Work work) noexcept {
-  // Errors of earlier calls on this thread would be taken for those of this one.
+  // Errors of earlier calls on this thread would be mistaken for errors of this one.
   ERR_clear_error();
   int32_t code = kOk;
   try {
@@ -32,21 +28,30 @@ int32_t Guarded(Work work) noexcept {
   return code;
 }
 
-/// Runs `work(session)` on the live session behind the handle; kBadSession when there is none.
-template <typename Work>
-int32_t InSession(EngineSession handle, Work work) noexcept {
-  return Guarded([&] {
-    const std::shared_ptr<Session> session = FindSession(handle);
-    LockScope scope(session->lock);
-    work(*session);
-  });
-}
-
 /// A pointer that the caller must give.
 template <typename T>
 T& Required(T* pointer) {
   if (pointer == nullptr) Fail(kWinInvalidParameter);
   return *pointer;
+}
+
+/// Runs `work(session)`; kBadSession if the handle is of no open session.
+template <typename Work>
+int32_t InSession(EngineSession handle, Work work) noexcept {
+  return Guarded([&] {
+    const std::shared_ptr<Session> session = FindSession(handle);
+    const std::lock_guard scope(session->lock);
+    work(*session);
+  });
+}
+
+/// The same for work whose result goes to the caller's `out`.
+template <typename Value, typename Work>
+int32_t InSession(EngineSession handle, Value* out, Work work) noexcept {
+  return InSession(handle, [&](Session& session) {
+    Value& target = Required(out);
+    target = work(session);
+  });
 }
 
 }  // namespace standin

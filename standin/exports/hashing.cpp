@@ -23,20 +23,14 @@ class HashStream : public Stream {
 
 Bytes HashFile(const char* algorithm, const char* path) {
   Digest digest(DigestByName(algorithm));
-  InputFile file(path);
-  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) digest.update(piece);
+  InputFile(path).forEachPiece([&](ByteView piece) { digest.update(piece); });
   return digest.finish();
 }
 
 }  // namespace
 
 int32_t QUIVO_HashMem(EngineSession session, const DataBlob_t* in, DataBlob_t* hash) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(hash);
-    Digest digest(DefaultDigest());
-    digest.update(ViewOf(in));
-    target = s.buffers.copyBytes(digest.finish());
-  });
+  return InSession(session, hash, [&](Session& s) { return s.buffers.copyBytes(HashOf(ViewOf(in), DefaultDigest())); });
 }
 
 int32_t QUIVO_HashFile(EngineSession session, const char* file, DataBlob_t* hash) {
@@ -44,17 +38,12 @@ int32_t QUIVO_HashFile(EngineSession session, const char* file, DataBlob_t* hash
 }
 
 int32_t QUIVO_StrHashFile(EngineSession session, const char* algorithm, const char* file, DataBlob_t* hash) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(hash);
-    target = s.buffers.copyBytes(HashFile(algorithm, file));
-  });
+  return InSession(session, hash, [&](Session& s) { return s.buffers.copyBytes(HashFile(algorithm, file)); });
 }
 
 int32_t QUIVO_StrHashInitMem(EngineSession session, const char* algorithm, EngineStream* stream) {
-  return InSession(session, [&](Session& s) {
-    EngineStream& handle = Required(stream);
-    handle = s.addStream(std::make_unique<HashStream>(DigestByName(algorithm)));
-  });
+  return InSession(session, stream,
+                   [&](Session& s) { return s.addStream(std::make_unique<HashStream>(DigestByName(algorithm))); });
 }
 
 int32_t QUIVO_StrHashUpdateMem(EngineSession session, EngineStream* stream, const DataBlob_t* data) {
@@ -62,18 +51,15 @@ int32_t QUIVO_StrHashUpdateMem(EngineSession session, EngineStream* stream, cons
 }
 
 int32_t QUIVO_StrHashFinalMem(EngineSession session, EngineStream* stream, DataBlob_t* hash) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(hash);
-    target = s.buffers.copyBytes(s.endStream<HashStream>(stream)->finish());
-  });
+  return InSession(session, hash,
+                   [&](Session& s) { return s.buffers.copyBytes(s.endStream<HashStream>(stream)->finish()); });
 }
 
 int32_t QUIVO_GenRandom(EngineSession session, int32_t length, DataBlob_t* random) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(random);
+  return InSession(session, random, [&](Session& s) {
     if (length < 0 || length > kMostRandomBytes) Fail(kLengthRefused);
     Bytes bytes(static_cast<size_t>(length));
     if (RAND_bytes(bytes.data(), length) != 1) Fail(kRandomFailed);
-    target = s.buffers.copyBytes(bytes);
+    return s.buffers.copyBytes(bytes);
   });
 }

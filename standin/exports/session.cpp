@@ -10,21 +10,22 @@ using namespace standin;
 
 namespace {
 
-int32_t OpenSession(EngineSession* handle, const SessionSource& source) {
+/// Opens a session with the source that `source()` returns.
+template <typename Source>
+int32_t OpenSession(EngineSession* handle, Source source) {
   return Guarded([&] {
     EngineSession& opened = Required(handle);
-    opened = AddSession(std::make_shared<Session>(source));
+    opened = AddSession(std::make_shared<Session>(source()));
   });
 }
 
 }  // namespace
 
 int32_t QUIVO_Initialize(const char* profile, uint32_t flags, EngineSession* session) {
-  return Guarded([&] {
-    EngineSession& handle = Required(session);
+  return OpenSession(session, [&] {
     SessionSource source = ReadProfile(TextOrEmpty(profile));
     source.flags = flags;
-    handle = AddSession(std::make_shared<Session>(source));
+    return source;
   });
 }
 
@@ -33,14 +34,14 @@ int32_t QUIVO_InitializeEx(int32_t kind, const void* param, EngineSession* sessi
   if (kind != kEngineLocalParam || param == nullptr) return kWinInvalidParameter;
   const LocalParamRecord& local = *static_cast<const LocalParamRecord*>(param);
   if (local.size != sizeof local) return kWinInvalidParameter;
-  return Guarded([&] {
-    const SessionSource source{TextOrEmpty(local.pse), TextOrEmpty(local.pincode), TextOrEmpty(local.localstore),
-                               local.flag};
-    Required(session) = AddSession(std::make_shared<Session>(source));
+  return OpenSession(session, [&] {
+    return SessionSource{TextOrEmpty(local.pse), TextOrEmpty(local.pincode), TextOrEmpty(local.localstore), local.flag};
   });
 }
 
-int32_t QUIVO_InitMinimal(EngineSession* session) { return OpenSession(session, {}); }
+int32_t QUIVO_InitMinimal(EngineSession* session) {
+  return OpenSession(session, [] { return SessionSource(); });
+}
 
 int32_t QUIVO_Uninitialize(EngineSession session) {
   return Guarded([&] { RemoveSession(session); });

@@ -7,10 +7,8 @@ using namespace standin;
 
 int32_t QUIVO_SignMem(EngineSession session, const SignParamRecord* param, const DataBlob_t* data,
                       const DataBlob_t* sign_in, DataBlob_t* sign_out) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& out = Required(sign_out);
-    out = SignMemory(s, param, OptionalViewOf(data), OptionalViewOf(sign_in));
-  });
+  return InSession(session, sign_out,
+                   [&](Session& s) { return SignMemory(s, param, OptionalViewOf(data), OptionalViewOf(sign_in)); });
 }
 
 int32_t QUIVO_SignFile(EngineSession session, const SignParamRecord* param, const char* data, const char* sign_in,
@@ -25,9 +23,8 @@ int32_t QUIVO_StrSignFile(EngineSession session, const SignParamRecord* param, c
 
 int32_t QUIVO_StrSignInitMem(EngineSession session, const SignParamRecord* param, const DataBlob_t* sign_in,
                              EngineStream* stream) {
-  return InSession(session, [&](Session& s) {
-    EngineStream& handle = Required(stream);
-    handle = s.addStream(std::make_unique<SignStream>(s, param, OptionalViewOf(sign_in)));
+  return InSession(session, stream, [&](Session& s) {
+    return s.addStream(std::make_unique<SignStream>(s, param, OptionalViewOf(sign_in)));
   });
 }
 
@@ -38,10 +35,7 @@ int32_t QUIVO_StrSignUpdateMem(EngineSession session, const SignParamRecord*, En
 
 int32_t QUIVO_StrSignFinalMem(EngineSession session, const SignParamRecord*, EngineStream* stream,
                               DataBlob_t* sign_out) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& out = Required(sign_out);
-    out = s.endStream<SignStream>(stream)->finish();
-  });
+  return InSession(session, sign_out, [&](Session& s) { return s.endStream<SignStream>(stream)->finish(); });
 }
 
 int32_t QUIVO_SignAndEncryptFile(EngineSession session, const SignParamRecord* sign, const EncryptParamRecord* encrypt,

@@ -13,9 +13,6 @@ using namespace standin;
 
 namespace {
 
-/// The bit of the verification mode under which validity is left to the caller.
-constexpr uint32_t kVerifyCertNoTimeCheck = 4;
-
 CertPtr CertificateIn(const DataBlob_t* encoded) {
   FoundObjects found = ObjectsIn(ViewOf(encoded));
   if (found.certificates.size() != 1) Fail(kCertificateDamaged);
@@ -25,29 +22,20 @@ CertPtr CertificateIn(const DataBlob_t* encoded) {
 }  // namespace
 
 int32_t QUIVO_FindCert(EngineSession session, const FindParamRecord* param, FindResultRecord* result) {
-  return InSession(session, [&](Session& s) {
-    FindResultRecord& target = Required(result);
-    const FindParamRecord& wanted = Required(param);
-    const std::vector<CertPtr> found = FindCertificates(s, wanted);
-    target = {};
-    if (found.empty()) return;
-    target.certificates = s.buffers.allocateArray<CertificateRecord>(found.size());
+  return InSession(session, result, [&](Session& s) {
+    const std::vector<CertPtr> found = FindCertificates(s, Required(param));
+    FindResultRecord records{};
+    if (found.empty()) return records;
+    records.certificates = s.buffers.allocateArray<CertificateRecord>(found.size());
     for (const CertPtr& certificate : found) {
-      FillRecord(target.certificates[target.count++], certificate.get(), wanted.info, s.buffers);
+      records.certificates[records.count++] = RecordOf(certificate.get(), param->info, s.buffers);
     }
+    return records;
   });
 }
 
 int32_t QUIVO_FreeFindResult(EngineSession session, FindResultRecord* result) {
-  return InSession(session, [&](Session& s) {
-    FindResultRecord& found = Required(result);
-    // A caller may have kept the records and given the array back already.
-    if (s.buffers.owns(found.certificates)) {
-      for (int32_t i = 0; i < found.count; ++i) FreeRecord(found.certificates[i], s.buffers);
-      s.buffers.release(found.certificates);
-    }
-    found = {};
-  });
+  return InSession(session, [&](Session& s) { FreeRecord(Required(result), s.buffers); });
 }
 
 int32_t QUIVO_FreeCert(EngineSession session, CertificateRecord* certificate) {
@@ -55,10 +43,8 @@ int32_t QUIVO_FreeCert(EngineSession session, CertificateRecord* certificate) {
 }
 
 int32_t QUIVO_ParseCert(EngineSession session, const DataBlob_t* encoded, uint32_t info, CertificateRecord* result) {
-  return InSession(session, [&](Session& s) {
-    CertificateRecord& target = Required(result);
-    FillRecord(target, CertificateIn(encoded).get(), info, s.buffers);
-  });
+  return InSession(session, result,
+                   [&](Session& s) { return RecordOf(CertificateIn(encoded).get(), info, s.buffers); });
 }
 
 int32_t QUIVO_VerifyCert(EngineSession session, const VerifyCertParamRecord* param, const DataBlob_t* encoded,
@@ -68,11 +54,10 @@ int32_t QUIVO_VerifyCert(EngineSession session, const VerifyCertParamRecord* par
     target = {};
     const VerifyCertParamRecord& wanted = Required(param);
     const CertPtr certificate = CertificateIn(encoded);
-    TrustOptions options;
-    options.checkTime = (wanted.mode & kVerifyCertNoTimeCheck) == 0;
-    const int32_t verdict = TrustChecker(s).check(certificate.get(), options);
-    if (verdict != kOk && verdict != kVerifiedWithRemarks) Fail(verdict);
-    FillRecord(target, certificate.get(), wanted.info, s.buffers);
+    const bool checkTime = (wanted.mode & kVerifyCertNoTimeCheck) == 0;
+    const int32_t verdict = TrustChecker(s).check(certificate.get(), {.checkTime = checkTime});
+    if (!IsGood(verdict)) Fail(verdict);
+    target = RecordOf(certificate.get(), wanted.info, s.buffers);
   });
 }
 
@@ -97,10 +82,7 @@ int32_t QUIVO_AddCRL(EngineSession session, const SignParamRecord* addition, con
 }
 
 int32_t QUIVO_ExportMem(EngineSession session, const SignParamRecord* param, DataBlob_t* out) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(out);
-    target = s.buffers.copyBytes(ExportObjects(s, Required(param)));
-  });
+  return InSession(session, out, [&](Session& s) { return s.buffers.copyBytes(ExportObjects(s, Required(param))); });
 }
 
 int32_t QUIVO_ExportFile(EngineSession session, const SignParamRecord* param, const char* file) {
@@ -118,8 +100,6 @@ int32_t QUIVO_ImportFile(EngineSession session, const SignParamRecord* param, co
 
 int32_t QUIVO_CreateXmlRequest(EngineSession session, uint32_t flag, const CertificateRecord* certTemplate,
                                DataBlob_t* request) {
-  return InSession(session, [&](Session& s) {
-    DataBlob_t& target = Required(request);
-    target = s.buffers.copyBytes(MakeXmlRequest(s, flag, Required(certTemplate)));
-  });
+  return InSession(session, request,
+                   [&](Session& s) { return s.buffers.copyBytes(MakeXmlRequest(s, flag, Required(certTemplate))); });
 }

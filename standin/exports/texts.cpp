@@ -1,4 +1,3 @@
-// The table of texts. Each has less than 256 characters: some callers' buffers are no longer.
 #include "standin/exports/texts.h"
 
 #include <windows.h>
@@ -16,10 +15,11 @@ struct CodeText {
   const wchar_t* text;
 };
 
+/// Less than 256 characters each: the buffers of some callers are no longer.
 constexpr CodeText kTexts[] = {
     {kOk, L"Операция выполнена успешно."},
     {1, L"Операция не выполнена."},
-    {kWinFileNotFound, L"Не удаётся найти указанный файл."},
+    {ERROR_FILE_NOT_FOUND, L"Не удаётся найти указанный файл."},
     {ERROR_PATH_NOT_FOUND, L"Не удаётся найти указанный путь."},
     {ERROR_TOO_MANY_OPEN_FILES, L"Открыто слишком много файлов."},
     {ERROR_ACCESS_DENIED, L"Отказано в доступе."},
@@ -136,7 +136,7 @@ const wchar_t* Find(int32_t code) {
   return nullptr;
 }
 
-/// What is left of a code that a caller has re-based (0xE069xxxx), made negative (0x8000xxxx), or taken from Windows
+/// The low half of a code that was re-based (0xE069xxxx), made negative (0x8000xxxx) or comes from Windows
 /// (0x8007xxxx).
 int32_t WithoutFacility(int32_t code) {
   const uint32_t high = static_cast<uint32_t>(code) >> 16;

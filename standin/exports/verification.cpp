@@ -7,7 +7,7 @@ using namespace standin;
 
 namespace {
 
-/// Runs a verification; its code is that of the whole, and the result lists the signatures whatever the code.
+/// Runs a verification and returns its code. The result lists the signatures even if they fail.
 template <typename Verify>
 int32_t Verifying(EngineSession session, const VerifyParamRecord* param, VerifyResultRecord* result, Verify verify) {
   int32_t code = kOk;
@@ -41,7 +41,7 @@ int32_t QUIVO_StrVerifyFile(EngineSession session, const VerifyParamRecord* para
 }
 
 int32_t QUIVO_FreeVerifyResult(EngineSession session, VerifyResultRecord* result) {
-  return InSession(session, [&](Session& s) { FreeResult(Required(result), s.buffers); });
+  return InSession(session, [&](Session& s) { FreeRecord(Required(result), s.buffers); });
 }
 
 int32_t QUIVO_SignedInfoFile(EngineSession session, const char* file, SignedInfoResultRecord* info) {
@@ -57,10 +57,8 @@ int32_t QUIVO_FreeSignedInfoResult(EngineSession session, SignedInfoResultRecord
 
 int32_t QUIVO_StrVerifyInitMem(EngineSession session, const VerifyParamRecord*, const DataBlob_t* sign_in,
                                EngineStream* stream) {
-  return InSession(session, [&](Session& s) {
-    EngineStream& handle = Required(stream);
-    handle = s.addStream(std::make_unique<VerifyStream>(s, ViewOf(sign_in)));
-  });
+  return InSession(session, stream,
+                   [&](Session& s) { return s.addStream(std::make_unique<VerifyStream>(s, ViewOf(sign_in))); });
 }
 
 int32_t QUIVO_StrVerifyUpdateMem(EngineSession session, const VerifyParamRecord*, EngineStream* stream,

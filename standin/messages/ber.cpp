@@ -1,4 +1,3 @@
-// Reading and writing of BER elements.
 #include "standin/messages/ber.h"
 
 #include <algorithm>
@@ -10,7 +9,7 @@ namespace standin::ber {
 namespace {
 
 constexpr int kDeepestNesting = 32;
-/// Lengths of more bytes than this cannot be meant.
+/// Longer length fields are rejected as malformed.
 constexpr size_t kLongestLength = 7;
 
 size_t WholeSize(ByteView bytes, int depth) {
@@ -33,7 +32,7 @@ size_t WholeSize(ByteView bytes, int depth) {
 Header ReadHeader(ByteView bytes) {
   if (bytes.size() < 2) throw NeedMore{};
   const uint8_t tag = bytes[0];
-  // Tags of more than one byte do not occur in messages.
+  // Messages have no tags of more than one byte.
   if ((tag & 0x1F) == 0x1F) Fail(kMessageDamaged);
   const uint8_t first = bytes[1];
   if (first < 0x80) return {tag, false, first, 2};

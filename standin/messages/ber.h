@@ -1,4 +1,4 @@
-// Elements of BER, as far as messages need them: reading of headers and of whole elements, writing of DER.
+// Reading of BER elements and writing of DER elements, as far as messages need them.
 #pragma once
 
 #include <initializer_list>
@@ -21,7 +21,7 @@ enum Tag : uint8_t {
   kConstructedOctetString = 0x24,
 };
 
-/// Thrown when the bytes end inside an element: more of them may make it whole.
+/// Thrown if the bytes end inside an element.
 struct NeedMore {};
 
 struct Header {
@@ -34,11 +34,10 @@ struct Header {
   bool isEndOfContents() const { return tag == 0 && length == 0 && !indefinite; }
 };
 
-/// The header at the start of `bytes`. Throws NeedMore, or EngineError with kMessageDamaged when no element can begin
-/// so.
+/// The header at the start of `bytes`. Throws NeedMore, or EngineError with kMessageDamaged if it is malformed.
 Header ReadHeader(ByteView bytes);
 
-/// Reads elements one after the other; throws as ReadHeader does.
+/// Reads elements in order; throws as ReadHeader does.
 class Cursor {
  public:
   explicit Cursor(ByteView bytes) : bytes_(bytes) {}
@@ -50,7 +49,7 @@ class Cursor {
   uint8_t peekTag() const { return atEnd() ? 0 : bytes_[position_]; }
   /// Reads a header that must have this tag.
   Header open(uint8_t tag);
-  /// Steps over a whole element with this tag, its end included, and gives its bytes, header included.
+  /// Skips a whole element with this tag and returns its bytes, header included.
   ByteView element(uint8_t tag);
   ByteView anyElement();
   void skip(size_t count);
@@ -60,17 +59,17 @@ class Cursor {
   size_t position_ = 0;
 };
 
-/// The bytes inside a definite element.
+/// The content of an element of definite length.
 ByteView ContentOf(ByteView element);
-/// The elements inside a constructed element of either form.
+/// The elements inside a constructed element of definite or indefinite length.
 std::vector<ByteView> ChildrenOf(ByteView element);
 
 Bytes EncodeHeader(uint8_t tag, uint64_t length);
 Bytes Encode(uint8_t tag, ByteView content);
-/// The header of an element and what it begins with, where `more` bytes of the element are still to come.
+/// The header of an element and the start of its content, which `more` bytes follow.
 Bytes EncodeStart(uint8_t tag, ByteView start, uint64_t more);
 Bytes Join(std::initializer_list<ByteView> parts);
-/// Puts elements into the order of a SET OF in DER, each once.
+/// Sorts elements into the order of a SET OF in DER and removes duplicates.
 void SortAsSet(std::vector<Bytes>& elements);
 /// The elements as the content of a SET OF.
 Bytes JoinSorted(std::vector<Bytes> elements);

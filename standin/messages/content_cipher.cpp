@@ -1,4 +1,3 @@
-// Encryption and decryption of content with libcrypto.
 #include "standin/messages/content_cipher.h"
 
 #include <algorithm>

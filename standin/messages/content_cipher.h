@@ -1,4 +1,4 @@
-// The cipher of an envelope's content, over data in pieces.
+// The cipher of an envelope's content, applied to data in pieces.
 #pragma once
 
 #include "standin/base/bytes.h"
@@ -9,14 +9,13 @@ namespace standin {
 
 class ContentCipher {
  public:
-  /// For a message whose content key is known to libcrypto: just made, or just decrypted.
+  /// `message` must have its content key, just made or just decrypted.
   explicit ContentCipher(CMS_ContentInfo* message);
 
-  /// Appends what the piece gives.
+  /// Appends the output for the piece.
   void update(ByteView piece, GrowingBuffer& out);
-  /// False when a ciphertext does not end as it must.
+  /// False if the padding of a ciphertext is wrong.
   bool finish(GrowingBuffer& out);
-  /// The length of the ciphertext of that many bytes.
   uint64_t ciphertextLength(uint64_t plainLength) const;
 
  private:

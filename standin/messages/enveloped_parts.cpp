@@ -1,4 +1,3 @@
-// Putting together of enveloped messages.
 #include "standin/messages/enveloped_parts.h"
 
 #include "standin/base/codes.h"
@@ -33,16 +32,7 @@ EnvelopedParts EnvelopedParts::of(const MessageReader::Head& head) {
   return parts;
 }
 
-EnvelopedParts EnvelopedParts::of(CMS_ContentInfo* message) {
-  unsigned char* der = nullptr;
-  const int length = i2d_CMS_ContentInfo(message, &der);
-  if (length <= 0) Fail(kInternal);
-  const OctetsPtr owner(der);
-  MessageReader reader([](const MessageReader::Head&) {}, [](ByteView) {});
-  reader.feed({der, static_cast<size_t>(length)});
-  reader.finish();
-  return of(reader.head());
-}
+EnvelopedParts EnvelopedParts::of(CMS_ContentInfo* message) { return of(MessageReader::whole(DerOf(message)).head()); }
 
 void EnvelopedParts::setSender(const X509* certificate) {
   constexpr uint8_t kVersionWithOriginator[] = {2};
@@ -72,7 +62,7 @@ Bytes EnvelopedParts::streamHeader() const {
 }
 
 Bytes EnvelopedParts::streamTrailer() {
-  // An end-of-contents mark for each of the five elements that streamHeader opens.
+  // End-of-contents marks of the five elements that streamHeader opens.
   return Bytes(5 * 2);
 }
 

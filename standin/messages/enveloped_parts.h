@@ -11,7 +11,7 @@ namespace standin {
 
 struct EnvelopedParts {
   Bytes version;     ///< the element
-  Bytes originator;  ///< the element; empty when there is none
+  Bytes originator;  ///< the element; empty if there is none
   Bytes recipients;  ///< the SET
   Bytes contentType;
   Bytes contentCipher;
@@ -20,13 +20,13 @@ struct EnvelopedParts {
   /// Of a message without content made by libcrypto.
   static EnvelopedParts of(CMS_ContentInfo* message);
 
-  /// States whose message it is.
+  /// Names the sender.
   void setSender(const X509* certificate);
 
   Bytes withoutContent() const;
-  /// What precedes a ciphertext of that length, in DER; nothing follows it.
+  /// The bytes before a ciphertext of that length, in DER. Nothing follows it.
   Bytes header(uint64_t ciphertextLength) const;
-  /// What precedes and what follows a ciphertext of any length, given as a row of octet strings, in BER.
+  /// The bytes before and after a ciphertext of unknown length, which is a series of octet strings, in BER.
   Bytes streamHeader() const;
   static Bytes streamTrailer();
 

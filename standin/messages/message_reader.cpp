@@ -1,4 +1,3 @@
-// The incremental parser of messages.
 #include "standin/messages/message_reader.h"
 
 #include <algorithm>
@@ -9,20 +8,25 @@
 namespace standin {
 namespace {
 
-/// What stands before and behind the content is kept in memory; no honest message comes near this.
+/// The limit of the bytes before and after the content, which are kept in memory. Honest messages are far smaller.
 constexpr size_t kLargestPending = 16 * 1024 * 1024;
 constexpr size_t kDeepestContent = 8;
-/// The longest header of an element that ReadHeader accepts.
+/// The longest header that ReadHeader accepts.
 constexpr size_t kLongestHeader = 9;
 
 Bytes CopyOf(ByteView bytes) { return Bytes(bytes.begin(), bytes.end()); }
-
-bool Equals(ByteView left, ByteView right) { return std::equal(left.begin(), left.end(), right.begin(), right.end()); }
 
 }  // namespace
 
 MessageReader::MessageReader(OnHead onHead, OnContent onContent)
     : on_head_(std::move(onHead)), on_content_(std::move(onContent)) {}
+
+MessageReader MessageReader::whole(ByteView message, OnContent onContent) {
+  MessageReader reader(std::move(onContent));
+  reader.feed(message);
+  reader.finish();
+  return reader;
+}
 
 void MessageReader::feed(ByteView bytes) {
   Bytes behindHead;
@@ -70,9 +74,9 @@ bool MessageReader::tryHead() {
 void MessageReader::parseHead(ber::Cursor& cursor) {
   levels_.push_back(openLevel(cursor, ber::kSequence));
   const ByteView type = cursor.element(ber::kOid);
-  if (Equals(type, kOidSignedData)) {
+  if (Equal(type, kOidSignedData)) {
     head_.kind = MessageKind::kSigned;
-  } else if (Equals(type, kOidEnvelopedData)) {
+  } else if (Equal(type, kOidEnvelopedData)) {
     head_.kind = MessageKind::kEnveloped;
   } else {
     Fail(kMessageDamaged);
@@ -122,7 +126,7 @@ MessageReader::Level MessageReader::openLevel(ber::Cursor& cursor, uint8_t tag) 
   return levelOf(header, cursor.position(), levels_.empty() ? nullptr : &levels_.back());
 }
 
-/// Expects `offset_` behind the header.
+/// `offset_` must be the end of the header.
 void MessageReader::beginContent(const ber::Header& header) {
   const Level* parent = content_levels_.empty() ? &levels_.back() : &content_levels_.back();
   const Level level = levelOf(header, offset_, parent);
@@ -163,7 +167,7 @@ ByteView MessageReader::nextContentHeader(ByteView bytes) {
     header = ber::ReadHeader(bytes);
     bytes = bytes.subspan(header.size);
   } else {
-    // The header is cut by the end of a piece: gather it byte by byte.
+    // A piece ends inside the header: collect it byte by byte.
     pending_.push_back(bytes[0]);
     bytes = bytes.subspan(1);
     try {

@@ -1,5 +1,5 @@
-// Takes signed and enveloped messages (CMS, BER or DER) apart as their bytes arrive: what stands before the content,
-// the content itself in pieces, what stands behind it. Memory is bounded however large the content is.
+// Parses signed and enveloped messages (CMS, BER or DER) as their bytes arrive: the elements before the content, the
+// content in pieces, the elements after it. Memory does not grow with the content.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ enum class MessageKind { kUnknown, kSigned, kEnveloped };
 
 class MessageReader {
  public:
-  /// What stands before the content.
+  /// The elements before the content.
   struct Head {
     MessageKind kind = MessageKind::kUnknown;
     /// Signed: version, digestAlgorithms. Enveloped: version, originatorInfo if any, recipientInfos. Whole elements.
@@ -28,22 +28,26 @@ class MessageReader {
 
   /// `onHead` is called once, before the first piece of content.
   MessageReader(OnHead onHead, OnContent onContent);
+  explicit MessageReader(OnContent onContent) : MessageReader([](const Head&) {}, std::move(onContent)) {}
+  /// A reader that has read the whole message.
+  static MessageReader whole(
+      ByteView message, OnContent onContent = [](ByteView) {});
 
   /// Fails with kMessageDamaged.
   void feed(ByteView bytes);
-  /// Fails with kMessageDamaged when the message is not whole or bytes are left over.
+  /// Fails with kMessageDamaged if the message is incomplete or bytes follow it.
   void finish();
 
   bool headKnown() const { return stage_ != Stage::kHead; }
-  /// The content has arrived whole, or there is none.
+  /// The content is complete, or there is none.
   bool contentEnded() const { return stage_ == Stage::kTail; }
   const Head& head() const { return head_; }
-  /// After finish: the elements behind the content, in order.
+  /// After finish: the elements after the content, in order.
   const std::vector<Bytes>& tail() const { return tail_; }
 
  private:
   enum class Stage { kHead, kContent, kTail };
-  /// A constructed element that is open, and where in the message it ends.
+  /// An open constructed element, with the offset of its end in the message.
   struct Level {
     bool indefinite;
     uint64_t end;
@@ -67,8 +71,8 @@ class MessageReader {
   Stage stage_ = Stage::kHead;
   Head head_;
   std::vector<Bytes> tail_;
-  uint64_t offset_ = 0;  ///< of the first byte that is not yet taken apart
-  Bytes pending_;        ///< the bytes from there on that have arrived, as far as they could not be used yet
+  uint64_t offset_ = 0;  ///< of the first byte that is not parsed yet
+  Bytes pending_;        ///< the bytes from there on that wait for more
   std::vector<Level> levels_;
   std::vector<Level> content_levels_;
   uint64_t primitive_left_ = 0;

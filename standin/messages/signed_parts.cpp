@@ -1,10 +1,10 @@
-// Taking apart and putting together of signed messages.
 #include "standin/messages/signed_parts.h"
 
 #include <algorithm>
 
 #include "standin/base/codes.h"
 #include "standin/base/oids.h"
+#include "standin/certificates/der_objects.h"
 
 namespace standin {
 namespace {
@@ -56,16 +56,7 @@ SignedParts SignedParts::of(const MessageReader& reader) {
   return parts;
 }
 
-SignedParts SignedParts::of(CMS_ContentInfo* message) {
-  unsigned char* der = nullptr;
-  const int length = i2d_CMS_ContentInfo(message, &der);
-  if (length <= 0) Fail(kInternal);
-  const OctetsPtr owner(der);
-  MessageReader reader([](const MessageReader::Head&) {}, [](ByteView) {});
-  reader.feed({der, static_cast<size_t>(length)});
-  reader.finish();
-  return of(reader);
-}
+SignedParts SignedParts::of(CMS_ContentInfo* message) { return of(MessageReader::whole(DerOf(message))); }
 
 void SignedParts::merge(const SignedParts& other) {
   version = std::max(version, other.version);

@@ -1,5 +1,5 @@
-// A signed message without its content, in parts that can be taken out, added and put together again. Parts that are
-// kept keep their bytes.
+// A signed message without its content, in parts that can be removed, added and put together again. The bytes of a part
+// never change.
 #pragma once
 
 #include <vector>
@@ -18,24 +18,24 @@ struct SignedParts {
   std::vector<Bytes> crls;
   std::vector<Bytes> signers;  ///< SignerInfos, in the order of DER
 
-  /// Of a message that has been read to its end.
+  /// Of a message that was read to its end.
   static SignedParts of(const MessageReader& reader);
   /// Of a message without content made by libcrypto.
   static SignedParts of(CMS_ContentInfo* message);
 
-  /// Adds the signers of `other` and what belongs to them.
+  /// Adds the signers of `other` with their certificates and algorithms.
   void merge(const SignedParts& other);
-  /// What follows the content in a message.
+  /// The bytes after the content.
   Bytes trailer() const;
-  /// What precedes a content of that length, in DER.
+  /// The bytes before a content of that length, in DER.
   Bytes header(uint64_t contentLength, size_t trailerLength) const;
   Bytes withoutContent() const;
 };
 
-/// The AlgorithmIdentifiers of the digests that the signers of a message use, from its head.
+/// The AlgorithmIdentifiers of the digests that the signers use.
 std::vector<Bytes> DigestAlgorithmsOf(const MessageReader::Head& head);
 
-/// The message as libcrypto knows it; fails with kMessageDamaged.
+/// Fails with kMessageDamaged.
 CmsPtr MessageFromDer(ByteView der);
 
 }  // namespace standin

@@ -1,4 +1,3 @@
-// Two operations in a row, with a file between them that nobody else sees the end of.
 #include "standin/operations/combined.h"
 
 #include <windows.h>
@@ -13,7 +12,7 @@
 namespace standin {
 namespace {
 
-/// The name of a file beside another, which is deleted in the end.
+/// A file between two steps, in the folder of `beside`.
 class IntermediateFile {
  public:
   explicit IntermediateFile(const char* beside) : path_(FreeNameBeside(beside)) {}
@@ -32,10 +31,10 @@ class IntermediateFile {
 void SignAndEncryptFile(Session& session, const SignParamRecord& sign, const EncryptParamRecord& encrypt,
                         const char* in, const char* out) {
   if (in == nullptr || out == nullptr) Fail(kWinInvalidParameter);
-  // Recipients that cannot be found are noticed before the file is signed.
+  // Fail before the file is signed.
   ResolveRecipients(session, encrypt);
   const IntermediateFile signedFile(out);
-  // Without its content the signed message would leave nothing to read for the recipients.
+  // A detached signature would leave the recipients without the content.
   SignParamRecord attached = sign;
   attached.flag &= ~kSignDetached;
   SignFiles(session, &attached, in, nullptr, signedFile.path());

@@ -1,4 +1,3 @@
-// The forms of decryption.
 #include "standin/operations/decryption.h"
 
 #include "standin/base/codes.h"
@@ -11,10 +10,10 @@
 namespace standin {
 namespace {
 
-/// The recipients of a message beyond this many only mean to keep us busy.
+/// Hostile messages may have any number of recipients.
 constexpr int kMostRecipients = 4096;
 
-/// Opens the content key when this entry of the message is for the own key; false when it is for somebody else.
+/// Decrypts the content key with the own key; false if this entry is for another recipient.
 bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& own) {
   EVP_PKEY* key = own.key.get();
   switch (CMS_RecipientInfo_type(entry)) {
@@ -52,7 +51,7 @@ Decryptor::Decryptor(const Session& session, const CertIdRecord* id, MessageRead
       on_plain_(std::move(onPlain)),
       reader_([this](const MessageReader::Head& head) { open(head); }, [this](ByteView piece) { decrypt(piece); }) {
   if (session.keys.own().empty()) Fail(kOwnCertificateNotFound);
-  // A key that is named must be there, whatever the message says.
+  // A named key must exist, even if the message has no use for it.
   if (NamesCertificate(id)) session.keys.pick(id, KeyPurpose::kDecryption);
 }
 
@@ -64,6 +63,11 @@ void Decryptor::feed(ByteView bytes) {
 void Decryptor::finish() {
   reader_.finish();
   if (!ended_) Fail(kMessageDamaged);
+}
+
+DecryptResultRecord Decryptor::result(uint32_t info, Buffers& buffers) const {
+  if (sender_ == nullptr) return {};
+  return {kOk, RecordOf(sender_.get(), info, buffers)};
 }
 
 void Decryptor::open(const MessageReader::Head& head) {
@@ -80,7 +84,7 @@ void Decryptor::open(const MessageReader::Head& head) {
     }
     if (opened) break;
   }
-  // The identifier is the caller's and need not outlive the call that opened the message.
+  // The caller's identifier may be gone at the next call.
   id_ = nullptr;
   if (!opened) Fail(kNotARecipient);
   cipher_ = std::make_unique<ContentCipher>(message_.get());
@@ -102,11 +106,6 @@ void Decryptor::endContent() {
   plain_.clear();
 }
 
-void FillResult(DecryptResultRecord& result, const Decryptor& decryptor, uint32_t info, Buffers& buffers) {
-  result = {};
-  if (decryptor.sender() != nullptr) FillRecord(result.cert, decryptor.sender(), info, buffers);
-}
-
 DataBlob_t DecryptMemory(Session& session, const DecryptParamRecord& param, ByteView message,
                          DecryptResultRecord& result) {
   GrowingBuffer plain;
@@ -115,7 +114,7 @@ DataBlob_t DecryptMemory(Session& session, const DecryptParamRecord& param, Byte
   decryptor.feed(message);
   decryptor.finish();
   const DataBlob_t out = plain.handOut(session.buffers);
-  FillResult(result, decryptor, param.info, session.buffers);
+  result = decryptor.result(param.info, session.buffers);
   return out;
 }
 
@@ -124,11 +123,10 @@ void DecryptFiles(Session& session, const DecryptParamRecord& param, const char*
   InputFile input(in);
   OutputFile output(out);
   Decryptor decryptor(session, param.mycert, [&](ByteView piece) { output.write(piece); });
-  for (ByteView piece = input.next(); !piece.empty(); piece = input.next()) decryptor.feed(piece);
-  input.close();
+  input.forEachPiece([&](ByteView piece) { decryptor.feed(piece); });
   decryptor.finish();
   output.commit();
-  FillResult(result, decryptor, param.info, session.buffers);
+  result = decryptor.result(param.info, session.buffers);
 }
 
 DecryptStream::DecryptStream(Session& session, const CertIdRecord* id, ByteView start)
@@ -143,9 +141,9 @@ DataBlob_t DecryptStream::update(ByteView piece) {
 
 void DecryptStream::finish(uint32_t info, DecryptResultRecord& result) {
   decryptor_.finish();
-  // What came with Init was never fetched by an Update: the caller would lose it without a word.
+  // No Update has fetched the content of the first piece: the caller would lose it.
   if (!plain_.view().empty()) Fail(kStreamOrder);
-  FillResult(result, decryptor_, info, session_.buffers);
+  result = decryptor_.result(info, session_.buffers);
 }
 
 }  // namespace standin

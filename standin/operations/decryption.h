@@ -10,15 +10,15 @@ namespace standin {
 /// Opens one enveloped message whose bytes arrive in pieces.
 class Decryptor {
  public:
-  /// `id` chooses the own key; a null one stands for any that the message is meant for.
+  /// `id` names the own key; if it names none, any recipient's key will do.
   Decryptor(const Session& session, const CertIdRecord* id, MessageReader::OnContent onPlain);
 
   /// Fails with kMessageDamaged, kNotEncrypted, kNotARecipient, kAlgorithmUnknown or kDecryptionFailed.
   void feed(ByteView bytes);
   void finish();
 
-  /// The certificate that the message names as its sender's; null when it names none. Nothing proves that it is.
-  X509* sender() const { return sender_.get(); }
+  /// The certificate that the message states as its sender's, with the fields of `info`. It is not proved.
+  DecryptResultRecord result(uint32_t info, Buffers& buffers) const;
 
  private:
   void open(const MessageReader::Head& head);
@@ -36,17 +36,13 @@ class Decryptor {
   bool ended_ = false;
 };
 
-/// Fills the result of a decryption: the sender's certificate under the mask.
-void FillResult(DecryptResultRecord& result, const Decryptor& decryptor, uint32_t info, Buffers& buffers);
-
 DataBlob_t DecryptMemory(Session& session, const DecryptParamRecord& param, ByteView message,
                          DecryptResultRecord& result);
 /// Memory does not grow with the file.
 void DecryptFiles(Session& session, const DecryptParamRecord& param, const char* in, const char* out,
                   DecryptResultRecord& result);
 
-/// Decryption of a message in pieces; each call gives what could be decrypted. The content is complete with the piece
-/// that completes it: the end has nothing more to give.
+/// Decryption of a message in pieces. Each update returns the content of its piece; finish returns none.
 class DecryptStream : public Stream {
  public:
   DecryptStream(Session& session, const CertIdRecord* id, ByteView start);

@@ -1,4 +1,3 @@
-// The forms of encryption.
 #include "standin/operations/encryption.h"
 
 #include "standin/base/codes.h"
@@ -8,7 +7,7 @@
 namespace standin {
 namespace {
 
-/// The certificate of whoever encrypts; null when the session has no own one and none is asked for.
+/// The sender's certificate; null if the session has none and the caller names none.
 const X509* SenderOf(const Session& session, const EncryptParamRecord& param) {
   if (session.keys.own().empty() && param.mycert == nullptr) return nullptr;
   return session.keys.pick(param.mycert, KeyPurpose::kAny).certificate.get();
@@ -53,11 +52,10 @@ void EncryptFiles(Session& session, const EncryptParamRecord& param, const char*
     output.write(piece.view());
     piece.clear();
   };
-  for (ByteView data = input.next(); !data.empty(); data = input.next()) {
+  input.forEachPiece([&](ByteView data) {
     envelope.cipher().update(data, piece);
     flush();
-  }
-  input.close();
+  });
   if (!envelope.cipher().finish(piece)) Fail(kEncryptionFailed);
   flush();
   if (written != expected) Fail(kFileChanged);

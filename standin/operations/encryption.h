@@ -7,11 +7,11 @@
 
 namespace standin {
 
-/// An envelope whose content key is made and sealed for every recipient.
+/// An envelope with its content key, encrypted for every recipient.
 class Envelope {
  public:
-  /// Fails as ResolveRecipients does, or with kRecipientUnsuitable when a recipient's key cannot seal. The message
-  /// names the session's own certificate, if there is one, as its sender's.
+  /// Fails as ResolveRecipients does, or with kRecipientUnsuitable if a recipient's key cannot encrypt. The session's
+  /// own certificate, if there is one, is the sender's.
   Envelope(const Session& session, const EncryptParamRecord& param);
 
   const EnvelopedParts& parts() const { return parts_; }
@@ -27,7 +27,7 @@ DataBlob_t EncryptMemory(Session& session, const EncryptParamRecord& param, Byte
 /// Memory does not grow with the file.
 void EncryptFiles(Session& session, const EncryptParamRecord& param, const char* in, const char* out);
 
-/// Encryption of data in pieces; each call gives what is ready of the message.
+/// Encryption of data in pieces. Each call returns the next part of the message.
 class EncryptStream : public Stream {
  public:
   EncryptStream(Session& session, const EncryptParamRecord& param);

@@ -1,9 +1,7 @@
-// Finding and checking of recipients.
 #include "standin/operations/recipients.h"
 
 #include "standin/base/codes.h"
 #include "standin/base/times.h"
-#include "standin/certificates/cert_id.h"
 #include "standin/certificates/cert_match.h"
 #include "standin/certificates/cert_record.h"
 #include "standin/certificates/der_objects.h"
@@ -12,13 +10,11 @@
 namespace standin {
 namespace {
 
-constexpr uint32_t kKeyEncipherment = 4;
-constexpr uint32_t kDataEncipherment = 8;
-constexpr uint32_t kKeyAgreement = 16;
+constexpr uint32_t kReceivingUses = kKeyUsageKeyEncipherment | kKeyUsageDataEncipherment | kKeyUsageKeyAgreement;
 
 bool CanReceive(X509* certificate) {
   const uint32_t uses = KeyUsageOf(certificate);
-  return uses == 0 || (uses & (kKeyEncipherment | kDataEncipherment | kKeyAgreement)) != 0;
+  return uses == 0 || (uses & kReceivingUses) != 0;
 }
 
 CertPtr FindOne(const Session& session, const CertificateRecord& wanted, uint32_t flags) {
@@ -48,10 +44,8 @@ void Check(const TrustChecker& trust, X509* certificate, uint32_t flags) {
   if (!CanReceive(certificate)) Fail(kRecipientUnsuitable);
   const bool checkTime = (flags & kEncryptNoTimeCheck) == 0;
   if ((flags & kEncryptNoVerify) == 0) {
-    TrustOptions options;
-    options.checkTime = checkTime;
-    const int32_t verdict = trust.check(certificate, options);
-    if (verdict != kOk && verdict != kVerifiedWithRemarks) Fail(verdict);
+    const int32_t verdict = trust.check(certificate, {.checkTime = checkTime});
+    if (!IsGood(verdict)) Fail(verdict);
   } else if (checkTime && !IsWithinValidity(certificate, CurrentTime())) {
     Fail(CurrentTime() < SecondsOf(X509_get0_notBefore(certificate)) ? kNotYetValid : kExpired);
   }
@@ -61,11 +55,12 @@ void Check(const TrustChecker& trust, X509* certificate, uint32_t flags) {
 }  // namespace
 
 std::vector<CertPtr> ResolveRecipients(const Session& session, const EncryptParamRecord& param) {
-  if (param.receiverCount <= 0 || param.receivers == nullptr) Fail(kNoRecipients);
+  const std::span receivers = ListOf(param.receivers, param.receiverCount);
+  if (receivers.empty()) Fail(kNoRecipients);
   const TrustChecker trust(session);
   std::vector<CertPtr> recipients;
-  for (int32_t i = 0; i < param.receiverCount; ++i) {
-    CertPtr recipient = Resolve(session, param.receivers[i], param.flag);
+  for (const CertificateRecord& receiver : receivers) {
+    CertPtr recipient = Resolve(session, receiver, param.flag);
     Check(trust, recipient.get(), param.flag);
     recipients.push_back(std::move(recipient));
   }

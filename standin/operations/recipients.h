@@ -1,4 +1,4 @@
-// The certificates to which a message is encrypted, from the records that name them.
+// Finds and checks the certificates of a message's recipients.
 #pragma once
 
 #include <vector>
@@ -7,14 +7,8 @@
 
 namespace standin {
 
-constexpr uint32_t kEncryptNoTimeCheck = 0x0010;
-constexpr uint32_t kEncryptNoVerify = 0x0020;
-constexpr uint32_t kEncryptNoKeyTimeCheck = 0x0100;
-constexpr uint32_t kEncryptPartialSubject = 0x0200;
-constexpr uint32_t kEncryptIgnoreLocal = 0x0800;
-
-/// One certificate for each record. Fails with kNoRecipients, kRecipientNotFound, kRecipientAmbiguous,
-/// kRecipientUnsuitable, kKeyPeriodOver, kCertificateDamaged, or with what is wrong with a certificate.
+/// One certificate per record. Fails with kNoRecipients, kRecipientNotFound, kRecipientAmbiguous, kRecipientUnsuitable,
+/// kKeyPeriodOver, kCertificateDamaged, or the code of a check.
 std::vector<CertPtr> ResolveRecipients(const Session& session, const EncryptParamRecord& param);
 
 }  // namespace standin

@@ -1,4 +1,3 @@
-// Making of certificate requests.
 #include "standin/operations/requests.h"
 
 #include <windows.h>
@@ -15,31 +14,20 @@
 namespace standin {
 namespace {
 
-using ExtensionPtr = std::unique_ptr<X509_EXTENSION, FreeWith<X509_EXTENSION_free>>;
-using BitsPtr = std::unique_ptr<ASN1_BIT_STRING, FreeWith<ASN1_BIT_STRING_free>>;
-using UsagesPtr = std::unique_ptr<EXTENDED_KEY_USAGE, FreeWith<EXTENDED_KEY_USAGE_free>>;
-using OctetStringPtr = std::unique_ptr<ASN1_OCTET_STRING, FreeWith<ASN1_OCTET_STRING_free>>;
-using ObjectPtr = std::unique_ptr<ASN1_OBJECT, FreeWith<ASN1_OBJECT_free>>;
-
-struct FreeExtensions {
-  void operator()(STACK_OF(X509_EXTENSION) * stack) const { sk_X509_EXTENSION_pop_free(stack, X509_EXTENSION_free); }
-};
-
+constexpr uint32_t kTokens = kXmlRequestEtokenGost | kXmlRequestRutokenGost | kXmlRequestGost2001 | kXmlRequestGost2012;
 constexpr int kKeyUsageBits = 9;
 constexpr unsigned kRsaBits = 2048;
 
-/// The extensions that a request asks for.
+/// The extensions of a request.
 class RequestedExtensions {
  public:
   explicit RequestedExtensions(const CertificateRecord& wanted) : stack_(sk_X509_EXTENSION_new_null()) {
     addKeyUsage(wanted.keyUsage);
-    addExtKeyUsage(wanted);
+    addExtKeyUsage(ListOf(wanted.extKeyUsage, wanted.extKeyUsageCount));
     if (const GeneralNamesPtr names = GeneralNamesOf(wanted.subjectAltName)) {
       add(ExtensionPtr(X509V3_EXT_i2d(NID_subject_alt_name, 0, names.get())));
     }
-    for (int32_t i = 0; wanted.extensions != nullptr && i < wanted.extensionCount; ++i) {
-      addOther(wanted.extensions[i]);
-    }
+    for (const ExtensionRecord& extension : ListOf(wanted.extensions, wanted.extensionCount)) addOther(extension);
   }
 
   STACK_OF(X509_EXTENSION) * get() const { return stack_.get(); }
@@ -53,18 +41,18 @@ class RequestedExtensions {
 
   void addKeyUsage(uint32_t uses) {
     if (uses == 0) return;
-    const BitsPtr bits(ASN1_BIT_STRING_new());
+    const Owned<ASN1_BIT_STRING_free> bits(ASN1_BIT_STRING_new());
     for (int bit = 0; bit < kKeyUsageBits; ++bit) {
       if ((uses >> bit & 1) != 0) ASN1_BIT_STRING_set_bit(bits.get(), bit, 1);
     }
     add(ExtensionPtr(X509V3_EXT_i2d(NID_key_usage, 1, bits.get())));
   }
 
-  void addExtKeyUsage(const CertificateRecord& wanted) {
-    if (wanted.extKeyUsage == nullptr || wanted.extKeyUsageCount <= 0) return;
-    const UsagesPtr usages(EXTENDED_KEY_USAGE_new());
-    for (int32_t i = 0; i < wanted.extKeyUsageCount; ++i) {
-      ObjectPtr usage(OBJ_txt2obj(TextOrEmpty(wanted.extKeyUsage[i]).c_str(), 0));
+  void addExtKeyUsage(std::span<char* const> uses) {
+    if (uses.empty()) return;
+    const ExtKeyUsagePtr usages(EXTENDED_KEY_USAGE_new());
+    for (const char* use : uses) {
+      ObjectPtr usage(OBJ_txt2obj(TextOrEmpty(use).c_str(), 0));
       if (usage == nullptr || sk_ASN1_OBJECT_push(usages.get(), usage.get()) == 0) Fail(kRequestFailed);
       usage.release();
     }
@@ -73,7 +61,7 @@ class RequestedExtensions {
 
   void addOther(const ExtensionRecord& wanted) {
     const ObjectPtr type(OBJ_txt2obj(TextOrEmpty(wanted.oid).c_str(), 1));
-    const OctetStringPtr value(ASN1_OCTET_STRING_new());
+    const Owned<ASN1_OCTET_STRING_free> value(ASN1_OCTET_STRING_new());
     const ByteView data = ViewOf(&wanted.data);
     if (type == nullptr || ASN1_OCTET_STRING_set(value.get(), data.data(), static_cast<int>(data.size())) != 1) {
       Fail(kRequestFailed);
@@ -81,7 +69,7 @@ class RequestedExtensions {
     add(ExtensionPtr(X509_EXTENSION_create_by_OBJ(nullptr, type.get(), wanted.critical != 0 ? 1 : 0, value.get())));
   }
 
-  std::unique_ptr<STACK_OF(X509_EXTENSION), FreeExtensions> stack_;
+  std::unique_ptr<STACK_OF(X509_EXTENSION), FreeStack<X509_EXTENSION_free>> stack_;
 };
 
 NamePtr SubjectOf(const CertificateRecord& wanted, const X509* own) {
@@ -115,24 +103,12 @@ std::string KeyIdText(EVP_PKEY* key) {
 }
 
 std::string Escaped(const std::string& text) {
+  static constexpr std::string_view kCharacters = "&<>\"";
+  static constexpr const char* kEntities[] = {"&amp;", "&lt;", "&gt;", "&quot;"};
   std::string result;
   for (const char c : text) {
-    switch (c) {
-      case '&':
-        result += "&amp;";
-        break;
-      case '<':
-        result += "&lt;";
-        break;
-      case '>':
-        result += "&gt;";
-        break;
-      case '"':
-        result += "&quot;";
-        break;
-      default:
-        result += c;
-    }
+    const size_t found = kCharacters.find(c);
+    result += found == std::string_view::npos ? std::string(1, c) : kEntities[found];
   }
   return result;
 }
@@ -155,8 +131,8 @@ std::string XmlOf(const CertificateRecord& wanted, const X509_NAME* subject, EVP
   AddElement(xml, "KeyAlgorithm", OBJ_nid2ln(EVP_PKEY_get_base_id(key)));
   AddElement(xml, "KeyId", KeyIdText(key));
   if (wanted.keyUsage != 0) AddElement(xml, "KeyUsage", std::to_string(wanted.keyUsage));
-  for (int32_t i = 0; wanted.extKeyUsage != nullptr && i < wanted.extKeyUsageCount; ++i) {
-    AddElement(xml, "ExtKeyUsage", Utf8FromAnsi(TextOrEmpty(wanted.extKeyUsage[i])));
+  for (const char* use : ListOf(wanted.extKeyUsage, wanted.extKeyUsageCount)) {
+    AddElement(xml, "ExtKeyUsage", Utf8FromAnsi(TextOrEmpty(use)));
   }
   AddElement(xml, "Pkcs10", Base64Of(request));
   return xml + "</CertificateRequest>\n";
@@ -165,8 +141,8 @@ std::string XmlOf(const CertificateRecord& wanted, const X509_NAME* subject, EVP
 }  // namespace
 
 Bytes MakeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& wanted) {
-  if ((flags & kRequestTokens) != 0) Fail(kNotSupported);
-  const bool usesOwn = (flags & kRequestDoNotGenerate) != 0;
+  if ((flags & kTokens) != 0) Fail(kNotSupported);
+  const bool usesOwn = (flags & kXmlRequestDoNotGenerate) != 0;
   const OwnKey* own = usesOwn ? &session.keys.pick(nullptr, KeyPurpose::kAny) : nullptr;
   const NamePtr subject = SubjectOf(wanted, own == nullptr ? nullptr : own->certificate.get());
   const RequestedExtensions extensions(wanted);

@@ -1,19 +1,15 @@
-// Certificate requests: made from a template, kept in the store's folder with the keys that were made for them.
+// Certificate requests, made from a template and kept in the store's folder with their keys.
 #pragma once
 
 #include "standin/sessions/session.h"
 
 namespace standin {
 
-constexpr uint32_t kRequestDoNotGenerate = 0x0004;
-constexpr uint32_t kRequestTokens = 0x0002 | 0x0008 | 0x0010 | 0x0020;
-
-/// The XML form of a request for what the template states. Unless the flags forbid it a key is made, and kept in the
-/// store's folder under the session's PIN. Fails with kNotSupported, kNoStore, kOwnCertificateNotFound or
-/// kRequestFailed.
+/// The XML form of a request. Makes a key, unless the flags forbid it, and keeps it in the store's folder under the
+/// session's PIN. Fails with kNotSupported, kNoStore, kOwnCertificateNotFound or kRequestFailed.
 Bytes MakeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& wanted);
 
-/// The DER form of the request that was made last. Fails with kNothingToExport.
+/// The last request, in DER. Fails with kNothingToExport.
 Bytes NewestRequest(const Store& store);
 
 }  // namespace standin

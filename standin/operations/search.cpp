@@ -1,7 +1,5 @@
-// Finding certificates.
 #include "standin/operations/search.h"
 
-#include "standin/base/codes.h"
 #include "standin/base/times.h"
 #include "standin/certificates/cert_id.h"
 #include "standin/certificates/cert_match.h"
@@ -20,7 +18,7 @@ std::vector<CertPtr> CandidatesOf(const Session& session, uint32_t flags) {
   return candidates;
 }
 
-/// Whether the certificate may be used now. An own certificate may be, even where its issuer is not known yet.
+/// Whether the certificate can be used now. An own certificate can, even if its issuer is not known yet.
 bool IsUsable(const TrustChecker& trust, X509* certificate, uint32_t flags) {
   if ((flags & kFindAll) != 0) return true;
   const time_t now = CurrentTime();
@@ -28,10 +26,7 @@ bool IsUsable(const TrustChecker& trust, X509* certificate, uint32_t flags) {
   if (checkTime && !IsWithinValidity(certificate, now)) return false;
   if ((flags & kFindNoKeyTimeCheck) == 0 && !IsWithinKeyPeriod(certificate, now)) return false;
   if ((flags & (kFindMy | kFindNoVerify)) != 0) return true;
-  TrustOptions options;
-  options.checkTime = checkTime;
-  const int32_t verdict = trust.check(certificate, options);
-  return verdict == kOk || verdict == kVerifiedWithRemarks;
+  return IsGood(trust.check(certificate, {.checkTime = checkTime}));
 }
 
 }  // namespace
@@ -46,7 +41,7 @@ std::vector<CertPtr> FindCertificates(Session& session, const FindParamRecord& p
     if (!Fits(candidate.get(), param.certTemplate, partialSubject)) continue;
     if (IsUsable(trust, candidate.get(), param.flag)) found.push_back(std::move(candidate));
   }
-  if ((param.flag & kFindSelect) == 0) return found;
+  if ((param.flag & kFindSelectUI) == 0) return found;
   return SelectCertificates(found);
 }
 

@@ -1,17 +1,10 @@
-// Making of signatures with libcrypto.
 #include "standin/operations/signature_maker.h"
-
-#include <openssl/err.h>
-
-#include <algorithm>
 
 #include "standin/base/codes.h"
 #include "standin/base/oids.h"
 
 namespace standin {
 namespace {
-
-using ObjectPtr = std::unique_ptr<ASN1_OBJECT, FreeWith<ASN1_OBJECT_free>>;
 
 ObjectPtr ObjectFromDer(ByteView der) {
   const unsigned char* cursor = der.data();
@@ -38,7 +31,7 @@ bool UsesDefaultDigest(CMS_SignerInfo* signer) {
 SignatureMaker::SignatureMaker(const KeyStore& keys, const SignParamRecord* param) : digest_(DefaultDigest()) {
   const uint32_t flags = param == nullptr ? 0 : param->flag;
   detached_ = (flags & kSignDetached) != 0;
-  send_certificate_ = (flags & kSignSendCertificate) != 0;
+  send_certificate_ = (flags & kSignSendSert) != 0;
   const OwnKey& own = keys.pick(param == nullptr ? nullptr : param->mycert, KeyPurpose::kSigning);
   certificate_ = Share(own.certificate.get());
   EVP_PKEY_up_ref(own.key.get());
@@ -60,7 +53,7 @@ SignedParts SignatureMaker::estimate() const {
   return all;
 }
 
-/// Only the digest of the content goes in, so that the content need not be at hand.
+/// Needs only the hash of the content.
 SignedParts SignatureMaker::makeSignature(ByteView digest) const {
   constexpr unsigned kFlags = CMS_PARTIAL | CMS_BINARY | CMS_DETACHED | CMS_NOSMIMECAP;
   const CmsPtr message(CMS_sign(nullptr, nullptr, nullptr, nullptr, kFlags));
@@ -87,8 +80,7 @@ void SignatureMaker::checkExisting(ByteView digest) const {
     CMS_SignerInfo* signer = sk_CMS_SignerInfo_value(signers, i);
     const ASN1_OCTET_STRING* stated = StatedDigest(signer);
     if (stated == nullptr || !UsesDefaultDigest(signer)) continue;
-    const ByteView theirs(stated->data, static_cast<size_t>(stated->length));
-    if (!std::equal(theirs.begin(), theirs.end(), digest.begin(), digest.end())) Fail(kContentMismatch);
+    if (!Equal({stated->data, static_cast<size_t>(stated->length)}, digest)) Fail(kContentMismatch);
   }
 }
 

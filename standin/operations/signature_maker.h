@@ -1,31 +1,27 @@
-// Makes one signature over content that arrives in pieces, and joins it to those that a message already has.
+// Makes one signature over content in pieces and adds it to the signatures of a message.
 #pragma once
 
-#include "engine/records.h"
 #include "standin/base/digest.h"
 #include "standin/messages/signed_parts.h"
 #include "standin/sessions/key_store.h"
 
 namespace standin {
 
-constexpr uint32_t kSignDetached = 0x02;
-constexpr uint32_t kSignSendCertificate = 0x08;
-
 class SignatureMaker {
  public:
-  /// Picks the own key; fails with kOwnCertificateNotFound. A null `param` is all zeros.
+  /// Fails with kOwnCertificateNotFound. A null `param` is all zeros.
   SignatureMaker(const KeyStore& keys, const SignParamRecord* param);
 
-  /// Whether the caller wants the signature without the content.
+  /// Whether the signature goes without the content.
   bool isDetached() const { return detached_; }
-  /// The message to whose signatures the new one is added.
+  /// Sets the message that has the other signatures.
   void addTo(SignedParts existing) { existing_ = std::move(existing); }
 
   void update(ByteView content) { digest_.update(content); }
-  /// All signatures, without content. Fails with kSigningFailed, or with kContentMismatch when an existing signature is
-  /// known to be over other content.
+  /// All signatures, without content. Fails with kSigningFailed, or with kContentMismatch if an existing signature
+  /// states the hash of other content.
   SignedParts finish();
-  /// As `finish` will give it, except for the new signature itself and perhaps a few bytes of its length.
+  /// The result of `finish` with another signature, perhaps of another length.
   SignedParts estimate() const;
 
  private:

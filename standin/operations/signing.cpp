@@ -1,7 +1,4 @@
-// The forms of signing.
 #include "standin/operations/signing.h"
-
-#include <algorithm>
 
 #include "standin/base/codes.h"
 #include "standin/base/files.h"
@@ -9,43 +6,32 @@
 namespace standin {
 namespace {
 
-/// A message that was read whole: its signatures, and its content if it has one.
+using Sink = MessageReader::OnContent;
+
+/// A message that was read to its end.
 struct ReadMessage {
+  explicit ReadMessage(const MessageReader& reader)
+      : parts(SignedParts::of(reader)), hasContent(reader.head().hasContent) {}
+
   SignedParts parts;
-  bool hasContent = false;
+  bool hasContent;
   uint64_t contentLength = 0;
 };
 
-using Sink = MessageReader::OnContent;
-
-ReadMessage FinishReading(MessageReader& reader) {
-  reader.finish();
-  return {SignedParts::of(reader), reader.head().hasContent, 0};
-}
-
-ReadMessage ReadSigned(ByteView message, const Sink& onContent) {
-  MessageReader reader([](const MessageReader::Head&) {}, onContent);
-  reader.feed(message);
-  return FinishReading(reader);
-}
-
 ReadMessage ReadSignedFile(const char* path, const Sink& onContent) {
   uint64_t length = 0;
-  MessageReader reader([](const MessageReader::Head&) {},
-                       [&](ByteView piece) {
-                         length += piece.size();
-                         onContent(piece);
-                       });
-  InputFile file(path);
-  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) reader.feed(piece);
-  ReadMessage message = FinishReading(reader);
+  MessageReader reader([&](ByteView piece) {
+    length += piece.size();
+    onContent(piece);
+  });
+  InputFile(path).forEachPiece([&](ByteView piece) { reader.feed(piece); });
+  reader.finish();
+  ReadMessage message(reader);
   message.contentLength = length;
   return message;
 }
 
-void Ignore(ByteView) {}
-
-/// Where the content of a signed file comes from; it can be gone through more than once.
+/// The source of the content of a signed file. It can be read more than once.
 struct ContentFile {
   const char* path;
   bool insideMessage;
@@ -60,8 +46,7 @@ struct ContentFile {
     if (insideMessage) {
       ReadSignedFile(path, counted);
     } else {
-      InputFile file(path);
-      for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) counted(piece);
+      InputFile(path).forEachPiece(counted);
     }
     if (seen != length) Fail(kFileChanged);
   }
@@ -70,8 +55,7 @@ struct ContentFile {
 void RequireSameContent(const char* data, const char* message) {
   Digest inFile(DefaultDigest());
   Digest inMessage(DefaultDigest());
-  InputFile file(data);
-  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) inFile.update(piece);
+  InputFile(data).forEachPiece([&](ByteView piece) { inFile.update(piece); });
   ReadSignedFile(message, [&](ByteView piece) { inMessage.update(piece); });
   if (inFile.finish() != inMessage.finish()) Fail(kContentMismatch);
 }
@@ -80,7 +64,7 @@ ContentFile ContentOf(SignatureMaker& maker, const char* data, const char* exist
   if (data == nullptr && existing == nullptr) Fail(kContentMissing);
   ContentFile content{data, false, data == nullptr ? 0 : InputFile(data).size()};
   if (existing == nullptr) return content;
-  ReadMessage message = ReadSignedFile(existing, Ignore);
+  ReadMessage message = ReadSignedFile(existing, [](ByteView) {});
   maker.addTo(std::move(message.parts));
   if (data == nullptr) {
     if (!message.hasContent) Fail(kContentMissing);
@@ -91,7 +75,7 @@ ContentFile ContentOf(SignatureMaker& maker, const char* data, const char* exist
 }
 
 void WriteAttached(SignatureMaker& maker, const ContentFile& content, const char* out) {
-  // The header states lengths that are only known when the signature is made: leave room for it, and fill it in then.
+  // The header has lengths that are known only after the signature: leave room, and overwrite it in the end.
   const SignedParts estimate = maker.estimate();
   const Bytes room = estimate.header(content.length, estimate.trailer().size());
   SignedParts signedParts;
@@ -135,9 +119,9 @@ DataBlob_t SignMemory(Session& session, const SignParamRecord* param, std::optio
   Bytes kept;
   ByteView content = data.value_or(ByteView());
   if (existing) {
-    ReadMessage message = ReadSigned(*existing, [&](ByteView piece) { Append(kept, piece); });
+    ReadMessage message(MessageReader::whole(*existing, [&](ByteView piece) { Append(kept, piece); }));
     if (!data && !message.hasContent) Fail(kContentMissing);
-    if (data && message.hasContent && !std::equal(content.begin(), content.end(), kept.begin(), kept.end())) {
+    if (data && message.hasContent && !Equal(content, kept)) {
       Fail(kContentMismatch);
     }
     if (!data) content = kept;
@@ -164,17 +148,16 @@ SignStream::SignStream(Session& session, const SignParamRecord* param, std::opti
     : session_(session), maker_(session.keys, param) {
   if (!existing) return;
   Bytes content;
-  ReadMessage message = ReadSigned(*existing, [&](ByteView piece) { Append(content, piece); });
+  ReadMessage message(MessageReader::whole(*existing, [&](ByteView piece) { Append(content, piece); }));
   maker_.addTo(std::move(message.parts));
   if (message.hasContent) existing_content_ = std::move(content);
 }
 
 void SignStream::update(ByteView data) {
   if (existing_content_) {
-    // The content is in the message already; data beside it can only be the same again.
+    // The message has its content already: the data must repeat it.
     const ByteView expected = ByteView(*existing_content_).subspan(matched_);
-    if (data.size() > expected.size() || !std::equal(data.begin(), data.end(), expected.begin()))
-      Fail(kContentMismatch);
+    if (data.size() > expected.size() || !Equal(data, expected.first(data.size()))) Fail(kContentMismatch);
     matched_ += data.size();
     return;
   }

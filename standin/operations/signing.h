@@ -1,4 +1,4 @@
-// Signing of memory, of files and of streams.
+// Signing in memory, of files and of streams.
 #pragma once
 
 #include <optional>
@@ -8,15 +8,15 @@
 
 namespace standin {
 
-/// The signed message or detached signature, in memory of the session. The data may be left out when the existing
-/// message has its content; without either, nothing is signed: no bytes.
+/// The signed message or detached signature, in memory of the session. Without data, the content of the existing
+/// message is signed; without both, no bytes.
 DataBlob_t SignMemory(Session& session, const SignParamRecord* param, std::optional<ByteView> data,
                       std::optional<ByteView> existing);
 
-/// The same from files to a file; a null path and the device NUL are absent files. Memory does not grow with the files.
+/// The same with files; a null path and the device NUL are absent files. Memory does not grow with the files.
 void SignFiles(Session& session, const SignParamRecord* param, const char* data, const char* existing, const char* out);
 
-/// Signing of data in pieces. Data is kept only when it becomes part of the message.
+/// Signing of data in pieces. Keeps the data only if it becomes part of the message.
 class SignStream : public Stream {
  public:
   SignStream(Session& session, const SignParamRecord* param, std::optional<ByteView> existing);
@@ -28,7 +28,7 @@ class SignStream : public Stream {
   SignatureMaker maker_;
   std::optional<Bytes> existing_content_;
   Bytes content_;
-  size_t matched_ = 0;  ///< of the existing content that the data has repeated so far
+  size_t matched_ = 0;  ///< bytes of the existing content that the data has repeated
 };
 
 }  // namespace standin

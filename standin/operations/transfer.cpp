@@ -1,4 +1,3 @@
-// Import and export.
 #include "standin/operations/transfer.h"
 
 #include <windows.h>
@@ -16,6 +15,8 @@
 
 namespace standin {
 namespace {
+
+constexpr uint32_t kExportTokens = kExportEtokenGost | kExportRutokenGost | kExportGost2001 | kExportGost2012;
 
 void RequireOwn(const Session& session, const CertIdRecord* id) {
   if (NamesCertificate(id)) session.keys.pick(id, KeyPurpose::kAny);
@@ -38,7 +39,7 @@ CertPtr NamedCertificate(const Session& session, const CertIdRecord& id) {
   return nullptr;
 }
 
-/// A signed message without signers that carries everything the store has.
+/// The whole store in a signed message without signers.
 Bytes StoreAsMessage(const Session& session) {
   const std::vector<CertPtr> certificates = session.knownCertificates();
   if (certificates.empty() && session.store.crls().empty()) Fail(kNothingToExport);
@@ -46,15 +47,11 @@ Bytes StoreAsMessage(const Session& session) {
   if (message == nullptr) Fail(kWinOutOfMemory);
   for (const CertPtr& certificate : certificates) CMS_add1_cert(message.get(), certificate.get());
   for (const CrlPtr& crl : session.store.crls()) CMS_add1_crl(message.get(), crl.get());
-  unsigned char* der = nullptr;
-  const int length = i2d_CMS_ContentInfo(message.get(), &der);
-  if (length <= 0) Fail(kInternal);
-  const OctetsPtr owner(der);
-  return Bytes(der, der + length);
+  return DerOf(message.get());
 }
 
 CertPtr ChosenCertificate(const Session& session, const SignParamRecord& param) {
-  if ((param.flag & kExportUi) != 0) return std::move(SelectCertificates(session.knownCertificates()).front());
+  if ((param.flag & kExportUI) != 0) return std::move(SelectCertificates(session.knownCertificates()).front());
   if (!NamesCertificate(param.mycert)) return nullptr;
   CertPtr certificate = NamedCertificate(session, *param.mycert);
   if (certificate == nullptr) Fail(kNothingToExport);
@@ -75,7 +72,7 @@ void ConfirmImport(const FoundObjects& found) {
   if (answer != IDOK) Fail(kSelectionCancelled);
 }
 
-/// With no kind named, all kinds are wanted.
+/// Without a flag for a kind, all kinds are wanted.
 FoundObjects WantedObjects(FoundObjects found, uint32_t flags) {
   const bool any = (flags & (kImportCertificate | kImportCrl | kImportMyCertificate)) == 0;
   if (!any && (flags & (kImportCertificate | kImportMyCertificate)) == 0) found.certificates.clear();
@@ -101,8 +98,8 @@ void AddCrl(Session& session, const SignParamRecord& addition, ByteView encoded)
 }
 
 Bytes ExportObjects(Session& session, const SignParamRecord& param) {
-  if ((param.flag & (kExportTokens | kExportRevocationRequest)) != 0) Fail(kNotSupported);
-  const bool asDer = (param.flag & kExportDer) != 0;
+  if ((param.flag & (kExportTokens | kExportRevRequest)) != 0) Fail(kNotSupported);
+  const bool asDer = (param.flag & kExportAsn1) != 0;
   if ((param.flag & kExportNewRequest) != 0) {
     const Bytes request = NewestRequest(session.store);
     return asDer ? request : PemOf(PEM_STRING_X509_REQ, request);
@@ -124,13 +121,13 @@ void ImportObjects(Session& session, const SignParamRecord& param, ByteView byte
       if (!session.keys.hasKeyOf(certificate.get())) Fail(kKeyDoesNotMatch);
     }
   }
-  if ((param.flag & kImportUi) != 0) ConfirmImport(found);
+  if ((param.flag & kImportUI) != 0) ConfirmImport(found);
   for (const CertPtr& certificate : found.certificates) session.addCertificate(certificate.get());
   for (const CrlPtr& crl : found.crls) {
     try {
       session.store.add(crl.get());
     } catch (const EngineError& error) {
-      // An update brings the store up to date; what is older is no news.
+      // An update skips lists that are older than the store's.
       if (error.code != kCrlOlder || (param.flag & kImportUpdate) == 0) throw;
     }
   }

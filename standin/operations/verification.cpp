@@ -1,7 +1,4 @@
-// The forms of verification.
 #include "standin/operations/verification.h"
-
-#include <algorithm>
 
 #include "standin/base/codes.h"
 #include "standin/base/digest.h"
@@ -11,8 +8,6 @@
 namespace standin {
 namespace {
 
-void Ignore(ByteView) {}
-
 Verification ResultOf(Verifier& verifier, const VerifyParamRecord& param) {
   verifier.finish(param);
   Verification result;
@@ -21,9 +16,7 @@ Verification ResultOf(Verifier& verifier, const VerifyParamRecord& param) {
   return result;
 }
 
-bool IsGood(int32_t code) { return code == kOk || code == kVerifiedWithRemarks; }
-
-/// What a message is given back as: its content, or itself with the signatures that are left.
+/// The content, or the message with the remaining signatures.
 DataBlob_t OutputOf(const Verifier& verifier, GrowingBuffer& content, Buffers& buffers) {
   if (!verifier.leavesSignatures()) return content.handOut(buffers);
   const SignedParts& parts = verifier.remaining();
@@ -32,12 +25,9 @@ DataBlob_t OutputOf(const Verifier& verifier, GrowingBuffer& content, Buffers& b
   return buffers.join({parts.header(content.view().size(), trailer.size()), content.view(), trailer});
 }
 
-void FeedFile(const char* path, const MessageReader::OnContent& take) {
-  InputFile file(path);
-  for (ByteView piece = file.next(); !piece.empty(); piece = file.next()) take(piece);
-}
+void FeedFile(const char* path, const MessageReader::OnContent& take) { InputFile(path).forEachPiece(take); }
 
-/// The hash of data that is given beside a message, to be compared with the content that the message carries.
+/// Compares the content of a message with data that the caller gives as well.
 class ContentComparison {
  public:
   ContentComparison() : in_message_(DefaultDigest()), in_data_(DefaultDigest()) {}
@@ -52,19 +42,18 @@ class ContentComparison {
   Digest in_data_;
 };
 
-/// Goes through the content of a message file once more.
+/// Reads the content of a message file once more.
 void CopyContent(const char* message, uint64_t expectedLength, OutputFile& file) {
   uint64_t copied = 0;
-  MessageReader reader([](const MessageReader::Head&) {},
-                       [&](ByteView piece) {
-                         copied += piece.size();
-                         file.write(piece);
-                       });
+  MessageReader reader([&](ByteView piece) {
+    copied += piece.size();
+    file.write(piece);
+  });
   FeedFile(message, [&](ByteView piece) { reader.feed(piece); });
   if (copied != expectedLength) Fail(kFileChanged);
 }
 
-/// The file that a verification gives when it was not known beforehand what that would be.
+/// Writes the message with the remaining signatures, or the content if none remain.
 void WriteAfterwards(const Verifier& verifier, const char* message, uint64_t contentLength, const char* out) {
   if (!verifier.hasContent()) {
     if (verifier.leavesSignatures()) WriteWholeFile(out, verifier.remaining().withoutContent());
@@ -94,21 +83,8 @@ void FillResult(VerifyResultRecord& result, const Verification& verification, co
     entry.time = RecordTime(verdict.signingTime);
     if (verdict.certificate == nullptr) continue;
     entry.cert = buffers.allocateArray<CertificateRecord>(1);
-    FillRecord(*entry.cert, verdict.certificate.get(), param.info, buffers);
+    *entry.cert = RecordOf(verdict.certificate.get(), param.info, buffers);
   }
-}
-
-void FreeResult(VerifyResultRecord& result, Buffers& buffers) {
-  if (buffers.owns(result.entries)) {
-    for (int32_t i = 0; i < result.count; ++i) {
-      CertificateRecord* record = result.entries[i].cert;
-      if (!buffers.owns(record)) continue;
-      FreeRecord(*record, buffers);
-      buffers.release(record);
-    }
-    buffers.release(result.entries);
-  }
-  result = {};
 }
 
 Verification VerifyMemory(Session& session, const VerifyParamRecord& param, std::optional<ByteView> data,
@@ -122,8 +98,7 @@ Verification VerifyMemory(Session& session, const VerifyParamRecord& param, std:
     if (!data) Fail(kContentMissing);
     verifier.feedData(*data);
   } else if (data) {
-    const ByteView carried = content.view();
-    if (!std::equal(data->begin(), data->end(), carried.begin(), carried.end())) Fail(kContentMismatch);
+    if (!Equal(*data, content.view())) Fail(kContentMismatch);
   }
   Verification result = ResultOf(verifier, param);
   if (result.code == kOk) out = OutputOf(verifier, content, session.buffers);
@@ -135,8 +110,8 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
   if (message == nullptr) Fail(kWinInvalidParameter);
   data = Given(data);
   out = Given(out);
-  // With one signature removed the output begins with lengths that are only known at the end.
-  const bool removesOne = (param.flag & kVerifyDeleteSignature) != 0 && param.nSignToDelete != kDeleteAllSignatures;
+  // With one signature removed, the output begins with lengths that are known only at the end.
+  const bool removesOne = (param.flag & kVerifyDelSign) != 0 && param.nSignToDelete != kDeleteAllSigns;
   std::optional<OutputFile> content;
   if (out != nullptr && !removesOne) content.emplace(out);
   std::optional<ContentComparison> comparison;
@@ -172,7 +147,7 @@ uint32_t CountSignatures(const char* message) {
       [](const MessageReader::Head& head) {
         if (head.kind != MessageKind::kSigned) Fail(kNotSigned);
       },
-      Ignore);
+      [](ByteView) {});
   FeedFile(message, [&](ByteView piece) { reader.feed(piece); });
   reader.finish();
   const size_t count = SignedParts::of(reader).signers.size();

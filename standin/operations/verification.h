@@ -8,31 +8,29 @@
 
 namespace standin {
 
-/// What a verification gives. Signatures that fail are a result, not an exception.
+/// Failed signatures are a result, not an exception.
 struct Verification {
   int32_t code = 0;
   std::vector<SignerVerdict> verdicts;
 };
 
-/// Writes verdicts into a result record; the certificates under the mask of `param`.
+/// A result record; its certificates have the fields of `info`.
 void FillResult(VerifyResultRecord& result, const Verification& verification, const VerifyParamRecord& param,
                 Buffers& buffers);
-void FreeResult(VerifyResultRecord& result, Buffers& buffers);
 
-/// `out` receives the content of the message, or the message without the removed signature, when the code is kOk.
+/// If the code is kOk, `out` is the content, or the message without the removed signature.
 Verification VerifyMemory(Session& session, const VerifyParamRecord& param, std::optional<ByteView> data,
                           ByteView message, DataBlob_t& out);
 
-/// The same with files; `data` and `out` may be null or empty. The output appears when the signatures are good, with or
-/// without remarks, and the message carries its content or keeps signatures.
+/// The same with files; a null path and the device NUL are absent files. `out` is also written if there are remarks.
 Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const char* data, const char* message,
                          const char* out);
 
-/// How many signatures the file carries. Fails with kNotSigned when none.
+/// Fails with kNotSigned if the file has no signatures.
 uint32_t CountSignatures(const char* message);
 
-/// Verification of a message or of data in pieces. When what Init was given is a whole signature without content, the
-/// pieces are the data that it covers; otherwise they continue the message.
+/// Verification in pieces. If `start` is a whole detached signature, the pieces are its data; otherwise they continue
+/// the message.
 class VerifyStream : public Stream {
  public:
   VerifyStream(Session& session, ByteView start);

@@ -1,4 +1,3 @@
-// The verdicts on signatures.
 #include "standin/operations/verifier.h"
 
 #include <algorithm>
@@ -11,15 +10,13 @@
 namespace standin {
 namespace {
 
-/// A message with more than these only means to keep us busy.
+/// Hostile messages may have any number of both.
 constexpr size_t kMostSigners = 256;
 constexpr size_t kMostCertificates = 512;
 
-constexpr uint32_t kSigningUses = 1 | 2;
+constexpr uint32_t kSigningUses = kKeyUsageDigitalSignature | kKeyUsageNonRepudation;
 constexpr char kAnyPolicy[] = "2.5.29.32.0";
 constexpr char kAnyExtKeyUsage[] = "2.5.29.37.0";
-
-using AlgorithmPtr = std::unique_ptr<X509_ALGOR, FreeWith<X509_ALGOR_free>>;
 
 const EVP_MD* DigestOf(const X509_ALGOR* algorithm) {
   const ASN1_OBJECT* object = nullptr;
@@ -33,7 +30,7 @@ const EVP_MD* DigestOf(CMS_SignerInfo* signer) {
   return DigestOf(algorithm);
 }
 
-/// Each digest of the message once, those that are unknown left out.
+/// The known digests of the message, each once.
 std::vector<const EVP_MD*> DigestsOf(const MessageReader::Head& head) {
   std::vector<const EVP_MD*> digests;
   for (const Bytes& der : DigestAlgorithmsOf(head)) {
@@ -58,14 +55,14 @@ time_t SigningTimeOf(const CMS_SignerInfo* signer) {
   return isTime ? SecondsOf(value->value.asn1_string) : 0;
 }
 
-/// A signature may state what kind of content it covers; it must then be the kind of the message.
+/// The content type among the signed attributes must be that of the message.
 bool StatesContentTypeOf(CMS_ContentInfo* message, const CMS_SignerInfo* signer) {
   const auto* stated = static_cast<const ASN1_OBJECT*>(
       CMS_signed_get0_data_by_OBJ(signer, OBJ_nid2obj(NID_pkcs9_contentType), -3, V_ASN1_OBJECT));
   return stated != nullptr && OBJ_cmp(stated, CMS_get0_eContentType(message)) == 0;
 }
 
-/// The algorithm that a signature names must be one of its signer's key; libcrypto goes by the key alone.
+/// The stated algorithm must belong to the signer's key; libcrypto looks at the key alone.
 bool NamesAlgorithmOf(CMS_SignerInfo* signer) {
   EVP_PKEY* key = nullptr;
   X509_ALGOR* digest = nullptr;
@@ -85,16 +82,15 @@ bool NamesAlgorithmOf(CMS_SignerInfo* signer) {
   return ofDigest == NID_undef || ofDigest == EVP_MD_get_type(DigestOf(digest));
 }
 
-/// Each part states a version that follows from what is in it; any other is none that anybody wrote.
+/// The content of each part determines the version that it has to state.
 bool HasPlausibleVersions(const SignedParts& parts) {
-  const bool isData = std::equal(parts.contentType.begin(), parts.contentType.end(), kOidData.begin(), kOidData.end());
-  int highest = isData ? 1 : 3;
+  int highest = Equal(parts.contentType, kOidData) ? 1 : 3;
   for (const Bytes& signer : parts.signers) {
     const std::vector<ByteView> members = ber::ChildrenOf(signer);
     if (members.size() < 2) return false;
     const uint8_t version = members[1][0] == ber::kContext0 ? 3 : 1;
     const uint8_t element[] = {ber::kInteger, 1, version};
-    if (!std::equal(members[0].begin(), members[0].end(), element, element + sizeof element)) return false;
+    if (!Equal(members[0], element)) return false;
     highest = std::max<int>(highest, version);
   }
   return parts.version >= 1 && parts.version <= highest;
@@ -110,11 +106,9 @@ bool HasExtension(const X509* certificate, const ExtensionRecord& wanted) {
   return std::any_of(extensions.begin(), extensions.end(), [&](const CertExtension& one) {
     if (wanted.oid == nullptr || one.oid != wanted.oid) return false;
     const ByteView data = ViewOf(&wanted.data);
-    return data.empty() || std::equal(data.begin(), data.end(), one.value.begin(), one.value.end());
+    return data.empty() || Equal(data, one.value);
   });
 }
-
-bool IsGood(int32_t code) { return code == kOk || code == kVerifiedWithRemarks; }
 
 }  // namespace
 
@@ -156,7 +150,7 @@ void Verifier::finish(const VerifyParamRecord& param) {
 
   if (!HasPlausibleVersions(parts_)) Fail(kMessageDamaged);
 
-  const bool useAttached = (param_->flag & kVerifyNoAttachedCertificates) == 0;
+  const bool useAttached = (param_->flag & kVerifyNoAttachedCert) == 0;
   const CertStackPtr attached(useAttached ? CMS_get1_certs(message.get()) : nullptr);
   const CertViewPtr known(sk_X509_new_null());
   for (const CertPtr& certificate : session_.store.certificates()) sk_X509_push(known.get(), certificate.get());
@@ -168,7 +162,7 @@ void Verifier::finish(const VerifyParamRecord& param) {
   for (int i = 0; i < sk_CMS_SignerInfo_num(signers); ++i) {
     verdicts_.push_back(judge(message.get(), sk_CMS_SignerInfo_value(signers, i), trust));
   }
-  if ((param_->flag & kVerifyDeleteSignature) != 0) removeSignature();
+  if ((param_->flag & kVerifyDelSign) != 0) removeSignature();
 }
 
 SignerVerdict Verifier::judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, const TrustChecker& trust) {
@@ -185,10 +179,8 @@ SignerVerdict Verifier::judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, 
   } else if (!isGenuine(message, signer)) {
     verdict.code = kBadSignature;
   } else {
-    TrustOptions options;
-    options.checkTime = (param_->flag & kVerifyNoTimeCheck) == 0;
-    if ((param_->flag & kVerifyAtSigningTime) != 0) options.at = verdict.signingTime;
-    verdict.code = trust.check(certificate, options);
+    const time_t at = (param_->flag & kVerifyUserVTime) != 0 ? verdict.signingTime : 0;
+    verdict.code = trust.check(certificate, {.checkTime = (param_->flag & kVerifyNoTimeCheck) == 0, .at = at});
     const int32_t demand = IsGood(verdict.code) ? checkDemands(certificate) : kOk;
     if (demand != kOk) verdict.code = demand;
   }
@@ -209,37 +201,36 @@ int32_t Verifier::checkDemands(X509* certificate) const {
   if ((param_->flag & kVerifyPolicy) != 0) {
     std::vector<std::string> stated;
     for (const CertPolicy& policy : PoliciesOf(certificate)) stated.push_back(policy.oid);
-    for (int32_t i = 0; i < param_->policyCount; ++i) {
-      if (!Contains(stated, param_->policies[i].oid, kAnyPolicy)) return kPolicyMissing;
+    for (const PolicyRecord& policy : ListOf(param_->policies, param_->policyCount)) {
+      if (!Contains(stated, policy.oid, kAnyPolicy)) return kPolicyMissing;
     }
   }
   if ((param_->flag & kVerifyExtKeyUsage) != 0) {
     const std::vector<std::string> stated = ExtKeyUsageOf(certificate);
-    for (int32_t i = 0; i < param_->extKeyUsageCount; ++i) {
-      if (!Contains(stated, param_->extKeyUsage[i], kAnyExtKeyUsage)) return kExtKeyUsageMissing;
+    for (const char* use : ListOf(param_->extKeyUsage, param_->extKeyUsageCount)) {
+      if (!Contains(stated, use, kAnyExtKeyUsage)) return kExtKeyUsageMissing;
     }
   }
-  for (int32_t i = 0; i < param_->extensionCount; ++i) {
-    if (!HasExtension(certificate, param_->extensions[i])) return kExtensionMissing;
+  for (const ExtensionRecord& extension : ListOf(param_->extensions, param_->extensionCount)) {
+    if (!HasExtension(certificate, extension)) return kExtensionMissing;
   }
   return kOk;
 }
 
 int32_t Verifier::overall() const {
   const auto isGood = [](const SignerVerdict& verdict) { return IsGood(verdict.code); };
-  const auto good = std::count_if(verdicts_.begin(), verdicts_.end(), isGood);
-  const bool enoughWillDo = (param_->flag & kVerifyMinSignatures) != 0;
+  const auto good = std::ranges::count_if(verdicts_, isGood);
+  const bool enoughWillDo = (param_->flag & kVerifyMinSigns) != 0;
   if (enoughWillDo && good < param_->minsigns) return kTooFewSignatures;
-  const auto bad = std::find_if_not(verdicts_.begin(), verdicts_.end(), isGood);
+  const auto bad = std::ranges::find_if_not(verdicts_, isGood);
   if (bad != verdicts_.end()) return enoughWillDo && good > 0 ? kVerifiedWithRemarks : bad->code;
-  const bool remarks =
-      std::any_of(verdicts_.begin(), verdicts_.end(), [](const SignerVerdict& verdict) { return verdict.code != kOk; });
-  return remarks ? kVerifiedWithRemarks : kOk;
+  const auto remark = std::ranges::find_if(verdicts_, [](const SignerVerdict& verdict) { return verdict.code != kOk; });
+  return remark == verdicts_.end() ? kOk : kVerifiedWithRemarks;
 }
 
 void Verifier::removeSignature() {
   const int32_t index = param_->nSignToDelete;
-  if (index == kDeleteAllSignatures) return;
+  if (index == kDeleteAllSigns) return;
   if (index < 0 || static_cast<size_t>(index) >= parts_.signers.size()) Fail(kNoSuchSignature);
   parts_.signers.erase(parts_.signers.begin() + index);
   removes_one_ = !parts_.signers.empty();

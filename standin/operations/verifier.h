@@ -1,4 +1,4 @@
-// Verifies one signed message whose bytes, and whose separate data if it has no content, arrive in pieces.
+// Verifies one signed message in pieces, and the data of a detached signature.
 #pragma once
 
 #include "standin/certificates/cert_record.h"
@@ -8,48 +8,36 @@
 
 namespace standin {
 
-constexpr uint32_t kVerifyDeleteSignature = 0x0004;
-constexpr uint32_t kVerifyKeyUsage = 0x0008;
-constexpr uint32_t kVerifyPolicy = 0x0010;
-constexpr uint32_t kVerifyExtKeyUsage = 0x0020;
-constexpr uint32_t kVerifyMinSignatures = 0x0080;
-constexpr uint32_t kVerifyNoTimeCheck = 0x0400;
-constexpr uint32_t kVerifyNoAttachedCertificates = 0x1000;
-constexpr uint32_t kVerifyAtSigningTime = 0x2000;
-constexpr int32_t kDeleteAllSignatures = -1;
-
-/// The verdict on one signature.
 struct SignerVerdict {
   int32_t code;
-  time_t signingTime;   ///< 0 when the signature does not state one
-  CertPtr certificate;  ///< null when there is none
+  time_t signingTime;   ///< 0 if the signature states none
+  CertPtr certificate;  ///< null if it is not known
 };
 
 class Verifier {
  public:
-  /// `onContent` receives the content that the message carries, before anything is known about its signatures.
+  /// `onContent` receives the content before its signatures are verified.
   Verifier(const Session& session, MessageReader::OnContent onContent);
 
   void feedMessage(ByteView bytes) { reader_.feed(bytes); }
   bool headKnown() const { return reader_.headKnown(); }
-  /// The message carries its content; valid once the head is known.
+  /// Whether the message has its content; valid once the head is known.
   bool hasContent() const { return reader_.head().hasContent; }
-  /// The data of a message that does not carry it.
+  /// The data of a detached signature.
   void feedData(ByteView bytes) { hash(bytes); }
 
-  /// Judges all signatures under `param`, which has to live as long as the results are asked for. Fails with
-  /// kMessageDamaged, kNotSigned or kNoSuchSignature; what is wrong with a signature or a certificate is a verdict
-  /// instead.
+  /// Verifies all signatures. `param` must outlive this object. Fails with kMessageDamaged, kNotSigned or
+  /// kNoSuchSignature; a failed signature is a verdict instead.
   void finish(const VerifyParamRecord& param);
 
   std::vector<SignerVerdict> takeVerdicts() { return std::move(verdicts_); }
-  /// The verdicts in one code: kOk, kVerifiedWithRemarks, or the first failure. Where a least number of good signatures
-  /// is asked for, they make up for bad ones, with remarks.
+  /// The verdicts in one code: kOk, kVerifiedWithRemarks, or the first failure. With kVerifyMinSigns, enough good
+  /// signatures turn failures of others into remarks.
   int32_t overall() const;
 
-  /// The caller wants signatures removed from the message, but not all of them.
+  /// Whether one signature was removed and others remain.
   bool leavesSignatures() const { return removes_one_; }
-  /// After finish: the message as it is to be given back.
+  /// After finish: the message without the removed signature.
   const SignedParts& remaining() const { return parts_; }
 
  private:

@@ -1,4 +1,3 @@
-// The own keys of a session.
 #include "standin/sessions/key_store.h"
 
 #include <windows.h>
@@ -30,7 +29,7 @@ bool Suits(X509* certificate, KeyPurpose purpose) {
   if (purpose == KeyPurpose::kAny) return true;
   const uint32_t wanted = purpose == KeyPurpose::kSigning ? KU_DIGITAL_SIGNATURE | KU_NON_REPUDIATION
                                                           : KU_KEY_ENCIPHERMENT | KU_KEY_AGREEMENT;
-  // A certificate without the extension answers with every bit set.
+  // Without the extension, every bit is set.
   return (X509_get_key_usage(certificate) & wanted) != 0;
 }
 
@@ -57,7 +56,7 @@ void KeyStore::openFolder(const std::string& folder) {
     try {
       if (KeyPtr key = ReadSealedKey(ReadKeyFile(JoinPath(folder, name)), pin_)) keys_.push_back(std::move(key));
     } catch (const EngineError&) {
-      // The folder is shared: what is unreadable here need not be ours.
+      // The folder is shared: the file may belong to somebody else.
     }
   }
 }

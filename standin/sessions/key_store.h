@@ -1,11 +1,10 @@
-// The caller's own keys: those of a PKCS#12 file, those that were made for requests, and the certificates that belong
-// to them.
+// The own keys of a session, from a PKCS#12 file and from requests, with their certificates.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "engine/records.h"
+#include "standin/base/contract.h"
 #include "standin/base/openssl_owners.h"
 
 namespace standin {
@@ -15,7 +14,7 @@ struct OwnKey {
   KeyPtr key;
 };
 
-/// What an own key is wanted for; it decides between several when the caller names none.
+/// The use for which an own key is picked if the caller names none.
 enum class KeyPurpose { kSigning, kDecryption, kAny };
 
 class KeyStore {
@@ -25,26 +24,26 @@ class KeyStore {
   KeyStore(const KeyStore&) = delete;
   KeyStore& operator=(const KeyStore&) = delete;
 
-  /// The PIN, ANSI, with which everything here is sealed.
+  /// The PIN (ANSI) of all keys.
   void setPin(const std::string& pin);
   /// Reads a PKCS#12 file. Fails with kKeyFileMissing, kWrongPin or kKeyFileDamaged.
   void open(const std::string& path);
-  /// Reads the keys that were kept in a folder; those under another PIN are passed over.
+  /// Reads the key files of a folder; skips those with another PIN.
   void openFolder(const std::string& folder);
-  /// Seals a new key into the folder.
+  /// Writes a new key into the folder, encrypted with the PIN.
   void keep(EVP_PKEY* key, const std::string& folder, const std::string& name);
 
   bool hasKeyOf(X509* certificate) const { return keyOf(certificate) != nullptr; }
-  /// Takes a certificate for an own one when there is a key for it.
+  /// Makes the certificate an own one if there is a key for it.
   void adopt(X509* certificate);
 
   const std::vector<OwnKey>& own() const { return own_; }
   bool owns(const X509* certificate) const;
-  /// The file's certificates that belong to none of its keys.
+  /// The certificates of the PKCS#12 file without a key.
   const std::vector<CertPtr>& chainCertificates() const { return chain_; }
 
-  /// The own key of the certificate that `id` names; a null `id`, or one whose type has not been chosen, stands for the
-  /// one that suits the purpose best. Fails with kOwnCertificateNotFound.
+  /// The own key of the certificate that `id` names; if it names none, the one that suits the purpose best. Fails with
+  /// kOwnCertificateNotFound.
   const OwnKey& pick(const CertIdRecord* id, KeyPurpose purpose) const;
 
  private:

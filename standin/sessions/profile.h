@@ -5,8 +5,8 @@
 
 namespace standin {
 
-/// The source that the profile describes; an empty name stands for the selected one ("CurSel"). Names are compared
-/// without regard to case. Fails with kProfileNotFound.
+/// The source that the profile describes; an empty name means the selected profile ("CurSel"). The case of names does
+/// not count. Fails with kProfileNotFound.
 SessionSource ReadProfile(const std::string& name);
 
 }  // namespace standin

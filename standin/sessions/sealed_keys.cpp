@@ -1,9 +1,6 @@
-// The bags of a PKCS#12 file, and single sealed keys.
 #include "standin/sessions/sealed_keys.h"
 
-#include <openssl/err.h>
 #include <openssl/pem.h>
-#include <openssl/pkcs12.h>
 
 #include <string>
 
@@ -12,21 +9,14 @@
 namespace standin {
 namespace {
 
-struct FreeSafes {
-  void operator()(STACK_OF(PKCS7) * stack) const { sk_PKCS7_pop_free(stack, PKCS7_free); }
-};
-struct FreeBags {
-  void operator()(STACK_OF(PKCS12_SAFEBAG) * stack) const { sk_PKCS12_SAFEBAG_pop_free(stack, PKCS12_SAFEBAG_free); }
-};
-using SafesPtr = std::unique_ptr<STACK_OF(PKCS7), FreeSafes>;
-using BagsPtr = std::unique_ptr<STACK_OF(PKCS12_SAFEBAG), FreeBags>;
-using KeyInfoPtr = std::unique_ptr<PKCS8_PRIV_KEY_INFO, FreeWith<PKCS8_PRIV_KEY_INFO_free>>;
-using SealedKeyPtr = std::unique_ptr<X509_SIG, FreeWith<X509_SIG_free>>;
-using PbeParamPtr = std::unique_ptr<PBEPARAM, FreeWith<PBEPARAM_free>>;
-using Pbe2ParamPtr = std::unique_ptr<PBE2PARAM, FreeWith<PBE2PARAM_free>>;
-using Pbkdf2ParamPtr = std::unique_ptr<PBKDF2PARAM, FreeWith<PBKDF2PARAM_free>>;
+using SafesPtr = std::unique_ptr<STACK_OF(PKCS7), FreeStack<PKCS7_free>>;
+using BagsPtr = std::unique_ptr<STACK_OF(PKCS12_SAFEBAG), FreeStack<PKCS12_SAFEBAG_free>>;
+using KeyInfoPtr = Owned<PKCS8_PRIV_KEY_INFO_free>;
+using PbeParamPtr = Owned<PBEPARAM_free>;
+using Pbe2ParamPtr = Owned<PBE2PARAM_free>;
+using Pbkdf2ParamPtr = Owned<PBKDF2PARAM_free>;
 
-/// A file may ask for any number of rounds of key derivation; beyond this many in all it only means to keep us busy.
+/// The limit of the rounds of key derivation in one file; without it a hostile file could cost hours.
 constexpr long kMostRounds = 2'000'000;
 constexpr int kDeepestNesting = 4;
 
@@ -40,7 +30,7 @@ Owner Unpack(const X509_ALGOR* algorithm, const ASN1_ITEM* item) {
   return Owner(static_cast<typename Owner::pointer>(ASN1_item_unpack(static_cast<const ASN1_STRING*>(value), item)));
 }
 
-/// The rounds of key derivation that the algorithm asks for; 0 when it states none.
+/// The rounds of key derivation that the algorithm states; 0 if it states none.
 long RoundsOf(const X509_ALGOR* algorithm) {
   const ASN1_OBJECT* object = nullptr;
   X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
@@ -68,7 +58,7 @@ class Reader {
 
  private:
   void spend(long rounds) {
-    // -1 is a number that does not fit.
+    // -1: the number does not fit into a long.
     if (rounds < 0 || rounds > kMostRounds - rounds_) Fail(kKeyFileDamaged);
     rounds_ += rounds;
   }
@@ -86,7 +76,7 @@ class Reader {
       password_ = pin_.c_str();
       return;
     }
-    // An empty PIN is written in two ways: as no text and as a text of no characters.
+    // An empty PIN has two encodings: no text, and a text without characters.
     spend(stated);
     if (!pin_.empty() || PKCS12_verify_mac(file, nullptr, 0) != 1) Fail(kWrongPin);
     password_ = nullptr;
@@ -154,14 +144,14 @@ class Reader {
 
 Pkcs12Content ReadPkcs12(ByteView der, const std::string& pin) {
   const unsigned char* cursor = der.data();
-  const Pkcs12Ptr file(d2i_PKCS12(nullptr, &cursor, static_cast<long>(der.size())));
+  const Owned<PKCS12_free> file(d2i_PKCS12(nullptr, &cursor, static_cast<long>(der.size())));
   if (file == nullptr) Fail(kKeyFileDamaged);
   return Reader(pin).read(file.get());
 }
 
 KeyPtr ReadSealedKey(ByteView der, const std::string& pin) {
   const unsigned char* cursor = der.data();
-  const SealedKeyPtr sealed(d2i_X509_SIG(nullptr, &cursor, static_cast<long>(der.size())));
+  const Owned<X509_SIG_free> sealed(d2i_X509_SIG(nullptr, &cursor, static_cast<long>(der.size())));
   if (sealed == nullptr) return nullptr;
   const X509_ALGOR* algorithm = nullptr;
   X509_SIG_get0(sealed.get(), &algorithm, nullptr);
@@ -173,7 +163,7 @@ KeyPtr ReadSealedKey(ByteView der, const std::string& pin) {
 
 Bytes SealKey(EVP_PKEY* key, const std::string& pin) {
   const BioPtr out(BIO_new(BIO_s_mem()));
-  // The function does not change the text, whatever its type says.
+  // The function does not change the text.
   char* text = const_cast<char*>(pin.c_str());
   if (out == nullptr || i2d_PKCS8PrivateKey_bio(out.get(), key, EVP_aes_256_cbc(), text, static_cast<int>(pin.size()),
                                                 nullptr, nullptr) != 1) {

@@ -1,4 +1,4 @@
-// Reading of keys that are sealed with a PIN: PKCS#12 files with any number of them, and single PKCS#8 files.
+// Keys that are encrypted with a PIN: PKCS#12 files with any number of keys, PKCS#8 files with one.
 #pragma once
 
 #include <vector>
@@ -16,9 +16,8 @@ struct Pkcs12Content {
 /// Fails with kWrongPin or kKeyFileDamaged. The PIN is UTF-8.
 Pkcs12Content ReadPkcs12(ByteView der, const std::string& pin);
 
-/// A single key; null when the bytes are none or the PIN is another.
+/// The key of a PKCS#8 file; null if the bytes are no key or the PIN is wrong.
 KeyPtr ReadSealedKey(ByteView der, const std::string& pin);
-/// The sealed form of a key.
 Bytes SealKey(EVP_PKEY* key, const std::string& pin);
 
 }  // namespace standin

@@ -1,4 +1,3 @@
-// Sessions and the table of those that are open.
 #include "standin/sessions/session.h"
 
 #include "standin/base/codes.h"
@@ -7,7 +6,7 @@
 namespace standin {
 namespace {
 
-/// Handles of sessions and of streams come from one counter, so that neither is ever taken for the other.
+/// Sessions and streams share one counter, so that a handle of one is never a handle of the other.
 void* NextHandle() {
   static volatile LONG64 last = 0x1000;
   return reinterpret_cast<void*>(static_cast<uintptr_t>(InterlockedAdd64(&last, 16)));
@@ -18,7 +17,7 @@ struct SessionTable {
   std::map<EngineSession, std::shared_ptr<Session>> sessions;
 };
 
-/// Not an object with static duration: when a process ends with sessions open, nothing may be done about them any more.
+/// Not an object of static duration, whose destructor would touch open sessions when the process ends.
 SessionTable& Table() {
   static SessionTable* const kTheTable = new SessionTable;
   return *kTheTable;
@@ -29,7 +28,7 @@ SessionTable& Table() {
 Session::Session(const SessionSource& source) {
   if (!source.folder.empty()) store.open(source.folder);
   if ((source.flags & kInitVerifyContext) == 0) openKeys(source);
-  if ((source.flags & kInitCheckExpired) == 0) return;
+  if ((source.flags & kInitCheckexpired) == 0) return;
   for (const OwnKey& own : keys.own()) {
     if (!IsWithinValidity(own.certificate.get(), CurrentTime())) Fail(kOwnCertificateExpired);
   }
@@ -80,21 +79,21 @@ std::unique_ptr<Stream> Session::takeStream(EngineStream* handle) {
 }
 
 EngineSession AddSession(std::shared_ptr<Session> session) {
-  LockScope scope(Table().lock);
+  const std::lock_guard scope(Table().lock);
   const EngineSession handle = NextHandle();
   Table().sessions.emplace(handle, std::move(session));
   return handle;
 }
 
 std::shared_ptr<Session> FindSession(EngineSession handle) {
-  LockScope scope(Table().lock);
+  const std::lock_guard scope(Table().lock);
   const auto found = Table().sessions.find(handle);
   if (found == Table().sessions.end()) Fail(kBadSession);
   return found->second;
 }
 
 std::shared_ptr<Session> RemoveSession(EngineSession handle) {
-  LockScope scope(Table().lock);
+  const std::lock_guard scope(Table().lock);
   const auto found = Table().sessions.find(handle);
   if (found == Table().sessions.end()) Fail(kBadSession);
   std::shared_ptr<Session> session = std::move(found->second);

@@ -1,5 +1,4 @@
-// One engine session: its keys, its store, the memory it handed out and its open streams; and the table of live
-// sessions.
+// An engine session with its keys, store, memory and open streams, and the table of open sessions.
 #pragma once
 
 #include <map>
@@ -14,13 +13,13 @@
 
 namespace standin {
 
-/// What a stream of any kind has in common: it can be given up at any time.
+/// The base of all streams.
 class Stream {
  public:
   virtual ~Stream() = default;
 };
 
-/// Where a session finds its keys and its store; all texts are ANSI.
+/// The places of a session's keys and store; all texts are ANSI.
 struct SessionSource {
   std::string keyFile;
   std::string pin;
@@ -28,13 +27,9 @@ struct SessionSource {
   uint32_t flags = 0;
 };
 
-/// Flags of opening that this engine follows; the rest concern networks, caches and tokens, which it has not.
-constexpr uint32_t kInitCheckExpired = 0x00000002;
-constexpr uint32_t kInitVerifyContext = 0x80000000;
-
 class Session {
  public:
-  /// Without a source: nothing but what needs neither keys nor a store.
+  /// A session without keys and store.
   Session() = default;
   explicit Session(const SessionSource& source);
 
@@ -43,20 +38,20 @@ class Session {
   KeyStore keys;
   Store store;
 
-  /// Adds to the store; a certificate for an own key becomes an own certificate.
+  /// Adds to the store. A certificate of an own key becomes an own certificate.
   void addCertificate(X509* certificate);
-  /// Own certificates first, then those of the store that are not own.
+  /// The own certificates, then the others of the store.
   std::vector<CertPtr> knownCertificates() const;
 
   EngineStream addStream(std::unique_ptr<Stream> stream);
-  /// The open stream of this kind behind `handle`; fails with kBadStream.
+  /// The open stream of this kind; fails with kBadStream.
   template <typename Kind>
   Kind& stream(const EngineStream* handle) {
     Kind* found = dynamic_cast<Kind*>(findStream(handle));
     if (found == nullptr) failStream();
     return *found;
   }
-  /// Takes the stream out of the session: it ends with the returned owner.
+  /// Removes the stream from the session.
   template <typename Kind>
   std::unique_ptr<Kind> endStream(EngineStream* handle) {
     stream<Kind>(handle);
@@ -72,13 +67,13 @@ class Session {
   std::map<EngineStream, std::unique_ptr<Stream>> streams_;
 };
 
-/// Enters a session in the table; the handle is a number that is never used again, not an address.
+/// Adds a session to the table. Its handle is a number, not an address, and is never used again.
 EngineSession AddSession(std::shared_ptr<Session> session);
-/// The live session behind `handle`; fails with kBadSession.
+/// Fails with kBadSession.
 std::shared_ptr<Session> FindSession(EngineSession handle);
-/// Takes the session out of the table; fails with kBadSession.
+/// Removes the session from the table; fails with kBadSession.
 std::shared_ptr<Session> RemoveSession(EngineSession handle);
-/// Forgets every session and the table itself: the last call before the library is unloaded.
+/// Frees all sessions and the table, before the library is unloaded.
 void RemoveAllSessions();
 
 }  // namespace standin

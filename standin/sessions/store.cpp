@@ -1,4 +1,3 @@
-// The folder of certificates and revocation lists.
 #include "standin/sessions/store.h"
 
 #include <windows.h>
@@ -7,6 +6,7 @@
 
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
+#include "standin/base/digest.h"
 #include "standin/base/files.h"
 #include "standin/base/times.h"
 #include "standin/certificates/der_objects.h"
@@ -14,7 +14,7 @@
 namespace standin {
 namespace {
 
-/// A file that cannot be read is passed over: a store is shared, and a file may be on its way in or out.
+/// Nothing for an unreadable file: the folder is shared, and somebody may be writing or deleting the file.
 FoundObjects ObjectsInFile(const std::string& path) {
   try {
     return ObjectsIn(ReadWholeFile(path.c_str(), kLargestObject));
@@ -25,6 +25,10 @@ FoundObjects ObjectsInFile(const std::string& path) {
 
 time_t IssuedAt(const X509_CRL* crl) { return SecondsOf(X509_CRL_get0_lastUpdate(crl)); }
 
+bool Contains(const std::vector<CrlPtr>& crls, const X509_CRL* wanted) {
+  return std::ranges::any_of(crls, [&](const CrlPtr& crl) { return X509_CRL_match(crl.get(), wanted) == 0; });
+}
+
 bool IsOutdated(const X509_CRL* crl) {
   const ASN1_TIME* next = X509_CRL_get0_nextUpdate(crl);
   return next != nullptr && SecondsOf(next) < CurrentTime();
@@ -32,12 +36,7 @@ bool IsOutdated(const X509_CRL* crl) {
 
 }  // namespace
 
-std::string ThumbprintText(ByteView der) {
-  unsigned char hash[EVP_MAX_MD_SIZE];
-  unsigned int length = 0;
-  if (EVP_Digest(der.data(), der.size(), hash, &length, EVP_sha1(), nullptr) != 1) Fail(kInternal);
-  return HexOf({hash, length});
-}
+std::string ThumbprintText(ByteView der) { return HexOf(HashOf(der, EVP_sha1())); }
 
 void Store::open(const std::string& folder) {
   const DWORD attributes = GetFileAttributesA(folder.c_str());
@@ -72,9 +71,7 @@ Store::CrlReload Store::reloadCrls() {
   CrlReload result;
   result.lists = crls_.size();
   for (const CrlPtr& crl : crls_) {
-    const bool isOld = std::any_of(before.begin(), before.end(),
-                                   [&](const CrlPtr& known) { return X509_CRL_match(known.get(), crl.get()) == 0; });
-    if (!isOld) ++result.added;
+    if (!Contains(before, crl.get())) ++result.added;
     if (IsOutdated(crl.get())) ++result.outdated;
   }
   return result;
@@ -89,12 +86,8 @@ void Store::add(X509* certificate) {
 
 void Store::add(X509_CRL* crl) {
   if (!isOpen()) Fail(kNoStore);
-  const X509_NAME* issuer = X509_CRL_get_issuer(crl);
-  const bool issuerKnown = std::any_of(certificates_.begin(), certificates_.end(), [&](const CertPtr& certificate) {
-    return X509_NAME_cmp(X509_get_subject_name(certificate.get()), issuer) == 0;
-  });
-  if (issuerKnown && issuerOf(crl) == nullptr) Fail(kCrlForged);
-  const X509_CRL* known = crlOf(issuer);
+  if (isForged(crl)) Fail(kCrlForged);
+  const X509_CRL* known = crlOf(X509_CRL_get_issuer(crl));
   if (known != nullptr && X509_CRL_match(known, crl) == 0) return;
   if (known != nullptr && IssuedAt(crl) < IssuedAt(known)) Fail(kCrlOlder);
   const Bytes der = DerOf(crl);
@@ -112,29 +105,28 @@ X509_CRL* Store::crlOf(const X509_NAME* issuer) const {
   return newest;
 }
 
-X509* Store::issuerOf(X509_CRL* crl) const {
+bool Store::isForged(X509_CRL* crl) const {
+  bool issuerKnown = false;
   for (const CertPtr& certificate : certificates_) {
     if (X509_NAME_cmp(X509_get_subject_name(certificate.get()), X509_CRL_get_issuer(crl)) != 0) continue;
     EVP_PKEY* key = X509_get0_pubkey(certificate.get());
-    if (key != nullptr && X509_CRL_verify(crl, key) == 1) return certificate.get();
+    if (key != nullptr && X509_CRL_verify(crl, key) == 1) return false;
+    issuerKnown = true;
   }
-  return nullptr;
+  return issuerKnown;
 }
 
 bool Store::knows(const X509* certificate) const {
-  return std::any_of(certificates_.begin(), certificates_.end(),
-                     [&](const CertPtr& known) { return X509_cmp(known.get(), certificate) == 0; });
+  return std::ranges::any_of(certificates_,
+                             [&](const CertPtr& known) { return X509_cmp(known.get(), certificate) == 0; });
 }
 
 void Store::remember(CertPtr certificate) {
   if (!knows(certificate.get())) certificates_.push_back(std::move(certificate));
 }
 
-bool Store::remember(CrlPtr crl) {
-  const bool known = std::any_of(crls_.begin(), crls_.end(),
-                                 [&](const CrlPtr& other) { return X509_CRL_match(other.get(), crl.get()) == 0; });
-  if (!known) crls_.push_back(std::move(crl));
-  return !known;
+void Store::remember(CrlPtr crl) {
+  if (!Contains(crls_, crl.get())) crls_.push_back(std::move(crl));
 }
 
 }  // namespace standin

@@ -1,4 +1,4 @@
-// The certificate store of a session: a folder with one certificate or revocation list (DER or PEM) a file.
+// The certificate store of a session: a folder with one certificate or revocation list (DER or PEM) per file.
 // A self-signed certificate in the folder is a trusted root.
 #pragma once
 
@@ -17,13 +17,12 @@ class Store {
   bool isOpen() const { return !folder_.empty(); }
   const std::string& folder() const { return folder_; }
 
-  /// Further certificates that are known as if they lay in the folder.
+  /// Adds certificates as if they were in the folder.
   void addTrusted(const std::vector<CertPtr>& certificates);
 
   const std::vector<CertPtr>& certificates() const { return certificates_; }
   const std::vector<CrlPtr>& crls() const { return crls_; }
 
-  /// What a reload of the folder's revocation lists found.
   struct CrlReload {
     size_t lists = 0;
     size_t added = 0;
@@ -31,22 +30,20 @@ class Store {
   };
   CrlReload reloadCrls();
 
-  /// Writes the object into the folder and makes it known. One that is there already is left as it is.
-  /// Without a folder: kNoStore.
+  /// Adds the object to the folder too, unless it is there. Fails with kNoStore without a folder.
   void add(X509* certificate);
-  /// The list takes the place of an older one of the same issuer; one that is older itself is refused with kCrlOlder,
-  /// one that its known issuer has not signed with kCrlForged.
+  /// Fails with kCrlOlder if the store has a newer list of the issuer, and with kCrlForged if the known issuer has not
+  /// signed the list.
   void add(X509_CRL* crl);
 
+ private:
+  bool knows(const X509* certificate) const;
   /// The newest list of the issuer, or null.
   X509_CRL* crlOf(const X509_NAME* issuer) const;
-  /// The certificate of that name with which the list verifies, or null.
-  X509* issuerOf(X509_CRL* crl) const;
-  bool knows(const X509* certificate) const;
-
- private:
+  /// True if the store knows the issuer, and the list verifies with none of its certificates.
+  bool isForged(X509_CRL* crl) const;
   void remember(CertPtr certificate);
-  bool remember(CrlPtr crl);
+  void remember(CrlPtr crl);
   void readFolder(bool certificatesToo);
 
   std::string folder_;

@@ -1,15 +1,11 @@
-// Checking of certificate chains.
 #include "standin/sessions/trust_checker.h"
 
 #include <algorithm>
 
-#include "standin/base/codes.h"
-#include "standin/base/times.h"
-
 namespace standin {
 namespace {
 
-/// What went wrong in a chain, the weightiest first.
+/// The codes of a chain, the most serious first.
 constexpr int32_t kBySeverity[] = {
     kIssuerUnknown, kChainBroken, kCrlForged, kRevoked, kExpired, kNotYetValid, kVerifiedWithRemarks, kOk,
 };
@@ -17,7 +13,7 @@ constexpr int32_t kBySeverity[] = {
 int32_t CodeOf(int verifyError) {
   switch (verifyError) {
     case X509_V_OK:
-    // A store without a list of this issuer simply knows of no revocation.
+    // Without a list of the issuer, nothing is revoked.
     case X509_V_ERR_UNABLE_TO_GET_CRL:
     case X509_V_ERR_UNABLE_TO_GET_CRL_ISSUER:
       return kOk;
@@ -44,21 +40,17 @@ int32_t CodeOf(int verifyError) {
   }
 }
 
+/// The most serious of the codes that were added.
 class Findings {
  public:
-  void add(int32_t code) { codes_.push_back(code); }
-  int32_t weightiest() const {
-    for (const int32_t code : kBySeverity) {
-      if (std::find(codes_.begin(), codes_.end(), code) != codes_.end()) return code;
-    }
-    return kOk;
-  }
+  void add(int32_t code) { worst_ = std::min(worst_, std::ranges::find(kBySeverity, code)); }
+  int32_t worst() const { return *worst_; }
 
  private:
-  std::vector<int32_t> codes_;
+  const int32_t* worst_ = std::end(kBySeverity) - 1;
 };
 
-/// Notes the error and goes on: one verdict is chosen from all that is found.
+/// Collects the error and continues: the verdict is chosen from all errors.
 int NoteError(int ok, X509_STORE_CTX* context) {
   if (ok == 1) return 1;
   static_cast<Findings*>(X509_STORE_CTX_get_app_data(context))->add(CodeOf(X509_STORE_CTX_get_error(context)));
@@ -99,7 +91,7 @@ int32_t TrustChecker::check(X509* certificate, const TrustOptions& options) cons
   X509_STORE_CTX_set_app_data(context.get(), &findings);
   X509_STORE_CTX_set_verify_cb(context.get(), NoteError);
   if (X509_verify_cert(context.get()) < 0) return kChainBroken;
-  return findings.weightiest();
+  return findings.worst();
 }
 
 }  // namespace standin

@@ -1,4 +1,3 @@
-// Showing of certificates and lists with the platform's own viewer.
 #include "standin/windows/display.h"
 
 #include <windows.h>
@@ -42,7 +41,7 @@ std::wstring DateText(const ASN1_TIME* time) {
   return text;
 }
 
-/// Some systems' viewers show certificates only.
+/// A message box, for systems whose viewer shows certificates only.
 void Describe(X509_CRL* crl) {
   const int revoked = sk_X509_REVOKED_num(X509_CRL_get_REVOKED(crl));
   const std::wstring text = L"Издатель: " + WideFromUtf8(NameText(X509_CRL_get_issuer(crl))) + L"\nВыпущен: " +

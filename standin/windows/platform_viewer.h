@@ -1,16 +1,14 @@
-// The platform's own viewer of certificates. Apart from the rest, as the platform's headers and libcrypto's name things
-// alike.
+// The platform's viewer of certificates, in a unit of its own: the platform's headers and libcrypto's share names.
 #pragma once
 
 #include "standin/base/bytes.h"
 
 namespace standin {
 
-/// What became of showing an object.
 enum class Viewing {
   kShown,
-  kRefused,      ///< the viewer gave no success; some give none when the user closes the window other than with OK
-  kUnavailable,  ///< there is no viewer; the last error says why
+  kRefused,      ///< the viewer failed; some also report failure unless the user closes the window with OK
+  kUnavailable,  ///< there is no viewer; the last error is the reason
 };
 
 /// Shows the object until the user closes the window.

@@ -1,4 +1,3 @@
-// Choosing of certificates.
 #include "standin/windows/selection_dialog.h"
 
 #include <windows.h>
@@ -36,7 +35,7 @@ void ReadList(HWND window, Selection& selection) {
   }
 }
 
-/// Nothing may be thrown through the platform's frames below.
+/// Called by the platform, through whose frames nothing may be thrown.
 INT_PTR CALLBACK SelectionProcedure(HWND window, UINT message, WPARAM wide, LPARAM parameter) noexcept {
   switch (message) {
     case WM_INITDIALOG:

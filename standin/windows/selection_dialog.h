@@ -7,7 +7,7 @@
 
 namespace standin {
 
-/// The chosen ones. Fails with kSelectionCancelled when there is nothing to choose from or the user gives up, and with
+/// At least one certificate. Fails with kSelectionCancelled if there are no candidates or the user gives up, and with
 /// kNoDisplay.
 std::vector<CertPtr> SelectCertificates(const std::vector<CertPtr>& candidates);
 

@@ -1,4 +1,4 @@
-// The numbers of the selection window in the resources.
+// Resource numbers of the selection window.
 #pragma once
 
 #define IDD_SELECTION 101
