@@ -63,6 +63,7 @@ struct Reply {
   std::vector<Certificate> certificates;   ///< of a search
   std::optional<int32_t> findCount;        ///< of a search, where it differs from the number of certificates
   std::optional<Certificate> certificate;  ///< of a parse, a decryption or a certificate verification
+  std::optional<Snapshot> record;          ///< of a parse: a certificate's record with everything behind it
   int32_t status = 0;                      ///< of a decryption
   uint32_t signatureCount = 0;             ///< of QUIVO_SignedInfoFile
   int32_t left = 0;                        ///< of a decryption stream

@@ -69,6 +69,15 @@ void writeBlob(void* blob, const Reply& reply) {
   if (!reply.writesNothing) putBytes(blob, 0, reply.output);
 }
 
+void writeRecord(void* record, const Snapshot& from) {
+  std::memcpy(record, from.bytes.data(), from.bytes.size());
+  for (const auto& [offset, pointee] : from.pointees) {
+    void* copy = state().handOut(pointee.bytes.size());
+    writeRecord(copy, pointee);
+    put(record, offset, copy);
+  }
+}
+
 void writeCertificate(void* record, const Certificate& certificate) {
   put(record, 0, certificate.fields);
   putText(record, 8, certificate.issuer);

@@ -7,6 +7,8 @@
 namespace fake {
 
 void writeBlob(void* blob, const Reply& reply);
+/// Copies of a record and of everything that it points to.
+void writeRecord(void* record, const Snapshot& from);
 void writeCertificate(void* record, const Certificate& certificate);
 void writeVerifyResult(void* record, const Reply& reply);
 void writeFindResult(void* record, const Reply& reply);

@@ -14,6 +14,8 @@ int32_t add(const char* function, void* session, const void* addition, const voi
 int32_t certificate(const Reply& reply, void* result) {
   if (result == nullptr) {
     fake::state().violate("a null certificate record");
+  } else if (reply.record) {
+    fake::writeRecord(result, *reply.record);
   } else if (reply.certificate && !reply.writesNothing) {
     fake::writeCertificate(result, *reply.certificate);
   }

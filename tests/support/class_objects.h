@@ -11,6 +11,9 @@
 
 #include "support/ptr.h"
 
+/// The module's factory of a class.
+Ptr<IClassFactory> FactoryOf(REFCLSID clsid);
+
 /// Makes the module's factories known to COM for as long as it lives.
 class ClassObjects {
  public:

@@ -59,7 +59,7 @@ LateResult invokeWith(const Invoker& invoker, IDispatch* object, const LateCall&
 
 }  // namespace
 
-LateResult invoke(IDispatch* object, const LateCall& call) {
+LateResult Invoke(IDispatch* object, const LateCall& call) {
   return invokeWith(
       [&](DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
         return object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, parameters, result, exception, badArgument);
@@ -67,7 +67,7 @@ LateResult invoke(IDispatch* object, const LateCall& call) {
       object, call);
 }
 
-LateResult invokeByPlatform(IDispatch* object, const LateCall& call) {
+LateResult InvokeByPlatform(IDispatch* object, const LateCall& call) {
   Ptr<ITypeInfo> info;
   object->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.out());
   // The platform calls through the virtual table of the described interface.
@@ -83,26 +83,26 @@ LateResult invokeByPlatform(IDispatch* object, const LateCall& call) {
       object, call);
 }
 
-LateResult getProperty(IDispatch* object, const wchar_t* name) {
-  return invoke(object, {name, DISPATCH_PROPERTYGET, {}, {}, true});
+LateResult GetProperty(IDispatch* object, const wchar_t* name) {
+  return Invoke(object, {name, DISPATCH_PROPERTYGET, {}, {}, true});
 }
 
-LateResult putProperty(IDispatch* object, const wchar_t* name, const VARIANT& value) {
-  return invoke(object, {name, DISPATCH_PROPERTYPUT, {value}, {}, false});
+LateResult PutProperty(IDispatch* object, const wchar_t* name, const VARIANT& value) {
+  return Invoke(object, {name, DISPATCH_PROPERTYPUT, {value}, {}, false});
 }
 
-LateResult putRefProperty(IDispatch* object, const wchar_t* name, const VARIANT& value) {
-  return invoke(object, {name, DISPATCH_PROPERTYPUTREF, {value}, {}, false});
+LateResult PutRefProperty(IDispatch* object, const wchar_t* name, const VARIANT& value) {
+  return Invoke(object, {name, DISPATCH_PROPERTYPUTREF, {value}, {}, false});
 }
 
-Variant byRefText(Bstr& variable) {
+Variant ByRefText(Bstr& variable) {
   Variant made;
   V_VT(made.out()) = VT_BYREF | VT_BSTR;
   V_BSTRREF(made.out()) = variable.inOut();
   return made;
 }
 
-Variant byRefObject(Ptr<IDispatch>& variable) {
+Variant ByRefObject(Ptr<IDispatch>& variable) {
   Variant made;
   V_VT(made.out()) = VT_BYREF | VT_DISPATCH;
   V_DISPATCHREF(made.out()) = variable.inOut();

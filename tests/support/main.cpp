@@ -36,9 +36,9 @@ int runWithoutCache() {
 
 /// What module and platform make once and keep, so that no test's counts contain it.
 void warmUp() {
-  for (const ClassFacts& facts : kClasses) {
+  for (const CoClass& coclass : Classes()) {
     Ptr<IDispatch> object;
-    CoCreateInstance(guidOf(facts.clsid), nullptr, CLSCTX_ALL, IID_IDispatch, object.voidOut());
+    CoCreateInstance(coclass.clsid, nullptr, CLSCTX_ALL, IID_IDispatch, object.voidOut());
     if (object.get() == nullptr) continue;
     wchar_t nothing[] = L"nothing";
     LPOLESTR name = nothing;

@@ -12,7 +12,7 @@ namespace {
 
 }  // namespace
 
-std::wstring programFolder() {
+std::wstring ProgramFolder() {
   wchar_t path[MAX_PATH];
   GetModuleFileNameW(nullptr, path, MAX_PATH);
   const std::wstring file = path;
@@ -24,7 +24,7 @@ Module& Module::get() {
   return module;
 }
 
-Module::Module() : path_(programFolder() + L"\\tavlcom.dll"), handle_(LoadLibraryW(path_.c_str())) {
+Module::Module() : path_(ProgramFolder() + L"\\tavlcom.dll"), handle_(LoadLibraryW(path_.c_str())) {
   if (handle_ == nullptr) fail("cannot be loaded");
   getClassObject_ = entry<decltype(getClassObject_)>("DllGetClassObject");
   canUnloadNow_ = entry<decltype(canUnloadNow_)>("DllCanUnloadNow");
@@ -43,7 +43,7 @@ std::wstring folderOf(const std::wstring& path) { return path.substr(0, path.rfi
 }  // namespace
 
 ModuleCopy::ModuleCopy(const std::wstring& name, const Change& change, DWORD flags)
-    : path_(programFolder() + L"\\" + name) {
+    : path_(ProgramFolder() + L"\\" + name) {
   CreateDirectoryW(folderOf(path_).c_str(), nullptr);
   CopyFileW(Module::get().path().c_str(), path_.c_str(), FALSE);
   if (change) change(path_);
@@ -53,5 +53,5 @@ ModuleCopy::ModuleCopy(const std::wstring& name, const Change& change, DWORD fla
 ModuleCopy::~ModuleCopy() {
   FreeLibrary(handle_);
   DeleteFileW(path_.c_str());
-  if (folderOf(path_) != programFolder()) RemoveDirectoryW(folderOf(path_).c_str());
+  if (folderOf(path_) != ProgramFolder()) RemoveDirectoryW(folderOf(path_).c_str());
 }

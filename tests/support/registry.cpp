@@ -51,38 +51,38 @@ void addKey(HKEY root, const std::wstring& from, const std::wstring& path, Regis
 
 }  // namespace
 
-RegistryTree readTree(HKEY root, const std::wstring& path) {
+RegistryTree ReadTree(HKEY root, const std::wstring& path) {
   RegistryTree tree;
   addKey(root, path, L"", tree);
   return tree;
 }
 
-bool keyExists(HKEY root, const std::wstring& path) {
+bool KeyExists(HKEY root, const std::wstring& path) {
   const HKEY key = openForReading(root, path);
   if (key == nullptr) return false;
   RegCloseKey(key);
   return true;
 }
 
-void writeKey(HKEY root, const std::wstring& path, const wchar_t* value) {
+void WriteKey(HKEY root, const std::wstring& path, const wchar_t* value) {
   write(root, path, nullptr, REG_SZ, value, value == nullptr ? 0 : sizeOf(value));
 }
 
-void writeVolatileKey(HKEY root, const std::wstring& path) {
+void WriteVolatileKey(HKEY root, const std::wstring& path) {
   HKEY key = nullptr;
   RegCreateKeyExW(root, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &key, nullptr);
   RegCloseKey(key);
 }
 
-void writeDword(HKEY root, const std::wstring& path, const wchar_t* name, DWORD value) {
+void WriteDword(HKEY root, const std::wstring& path, const wchar_t* name, DWORD value) {
   write(root, path, name, REG_DWORD, &value, sizeof value);
 }
 
-void writeText(HKEY root, const std::wstring& path, const wchar_t* name, const wchar_t* value) {
+void WriteText(HKEY root, const std::wstring& path, const wchar_t* name, const wchar_t* value) {
   write(root, path, name, REG_SZ, value, sizeOf(value));
 }
 
-void deleteTree(HKEY root, const std::wstring& path) { RegDeleteTreeW(root, path.c_str()); }
+void DeleteTree(HKEY root, const std::wstring& path) { RegDeleteTreeW(root, path.c_str()); }
 
 PrivateRoot::PrivateRoot(HKEY predefined) : predefined_(predefined) {
   static int serial = 0;

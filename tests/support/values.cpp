@@ -64,13 +64,13 @@ Variant Variant::array(VARTYPE element, SAFEARRAY* array) {
   return made;
 }
 
-Variant bytes(const Bytes& content, LONG lowerBound) {
+Variant ByteArray(const Bytes& content, LONG lowerBound) {
   SAFEARRAY* array = vector(VT_UI1, content.size(), lowerBound);
   std::copy(content.begin(), content.end(), dataOf<uint8_t>(array));
   return Variant::array(VT_UI1, array);
 }
 
-Variant vbsBytes(const Bytes& content, LONG lowerBound) {
+Variant VbsByteArray(const Bytes& content, LONG lowerBound) {
   SAFEARRAY* array = vector(VT_VARIANT, content.size(), lowerBound);
   for (size_t i = 0; i < content.size(); ++i) {
     VARIANT& element = dataOf<VARIANT>(array)[i];
@@ -80,14 +80,14 @@ Variant vbsBytes(const Bytes& content, LONG lowerBound) {
   return Variant::array(VT_VARIANT, array);
 }
 
-Variant variants(std::initializer_list<VARIANT> elements, LONG lowerBound) {
+Variant VariantArray(std::initializer_list<VARIANT> elements, LONG lowerBound) {
   SAFEARRAY* array = vector(VT_VARIANT, elements.size(), lowerBound);
   VARIANT* slot = dataOf<VARIANT>(array);
   for (const VARIANT& element : elements) VariantCopy(slot++, const_cast<VARIANT*>(&element));
   return Variant::array(VT_VARIANT, array);
 }
 
-Variant objects(std::initializer_list<IDispatch*> elements, LONG lowerBound) {
+Variant ObjectArray(std::initializer_list<IDispatch*> elements, LONG lowerBound) {
   SAFEARRAY* array = vector(VT_DISPATCH, elements.size(), lowerBound);
   IDispatch** slot = dataOf<IDispatch*>(array);
   for (IDispatch* element : elements) {
@@ -97,45 +97,45 @@ Variant objects(std::initializer_list<IDispatch*> elements, LONG lowerBound) {
   return Variant::array(VT_DISPATCH, array);
 }
 
-Variant strings(std::initializer_list<const wchar_t*> elements, LONG lowerBound) {
+Variant StringArray(std::initializer_list<const wchar_t*> elements, LONG lowerBound) {
   SAFEARRAY* array = vector(VT_BSTR, elements.size(), lowerBound);
   BSTR* slot = dataOf<BSTR>(array);
   for (const wchar_t* element : elements) *slot++ = element == nullptr ? nullptr : SysAllocString(element);
   return Variant::array(VT_BSTR, array);
 }
 
-Variant byRef(Variant& value) {
+Variant ByRef(Variant& value) {
   Variant made;
   V_VT(made.out()) = VT_BYREF | VT_VARIANT;
   V_VARIANTREF(made.out()) = value.out();
   return made;
 }
 
-Variant byRefArray(Variant& value) {
+Variant ByRefArray(Variant& value) {
   Variant made;
   V_VT(made.out()) = VT_BYREF | value.type();
   V_ARRAYREF(made.out()) = &V_ARRAY(value.out());
   return made;
 }
 
-Variant nullRef(VARTYPE type) {
+Variant NullRef(VARTYPE type) {
   Variant made;
   V_VT(made.out()) = VT_BYREF | type;
   V_BYREF(made.out()) = nullptr;
   return made;
 }
 
-Variant manyDimensions(VARTYPE element, std::initializer_list<SAFEARRAYBOUND> bounds) {
+Variant ManyDimensions(VARTYPE element, std::initializer_list<SAFEARRAYBOUND> bounds) {
   std::vector<SAFEARRAYBOUND> copy(bounds);
   return Variant::array(element, SafeArrayCreate(element, static_cast<UINT>(copy.size()), copy.data()));
 }
 
-Bytes plainBytesOf(const Variant& value) {
+Bytes PlainBytesOf(const Variant& value) {
   SAFEARRAY* array = expectVector(value, kByteArray);
   return array == nullptr ? Bytes{} : Bytes(dataOf<uint8_t>(array), dataOf<uint8_t>(array) + countOf(array));
 }
 
-Bytes vbsBytesOf(const Variant& value) {
+Bytes VbsBytesOf(const Variant& value) {
   SAFEARRAY* array = expectVector(value, kVbsArray);
   Bytes content;
   for (size_t i = 0; i < countOf(array); ++i) {
@@ -146,7 +146,7 @@ Bytes vbsBytesOf(const Variant& value) {
   return content;
 }
 
-std::vector<std::wstring> stringsOf(const Variant& value) {
+std::vector<std::wstring> StringsOf(const Variant& value) {
   SAFEARRAY* array = expectVector(value, kStringArray);
   std::vector<std::wstring> texts;
   for (size_t i = 0; i < countOf(array); ++i) {
@@ -157,21 +157,21 @@ std::vector<std::wstring> stringsOf(const Variant& value) {
   return texts;
 }
 
-std::vector<Ptr<IDispatch>> objectsOf(const Variant& value) {
+std::vector<Ptr<IDispatch>> ObjectsOf(const Variant& value) {
   SAFEARRAY* array = expectVector(value, kObjectArray);
   std::vector<Ptr<IDispatch>> found;
   for (size_t i = 0; i < countOf(array); ++i) found.push_back(Ptr<IDispatch>::share(dataOf<IDispatch*>(array)[i]));
   return found;
 }
 
-std::wstring textOf(const Variant& value) {
+std::wstring TextOf(const Variant& value) {
   EXPECT_EQ(VT_BSTR, value.type());
   if (value.type() != VT_BSTR) return {};
   EXPECT_NE(nullptr, V_BSTR(&value.get()));
   return V_BSTR(&value.get()) == nullptr ? L"" : V_BSTR(&value.get());
 }
 
-std::string ansiOf(const std::wstring& text) {
+std::string AnsiOf(const std::wstring& text) {
   const int length = static_cast<int>(text.size());
   std::string ansi(2 * text.size(), '\0');
   const int written =
@@ -180,14 +180,14 @@ std::string ansiOf(const std::wstring& text) {
   return ansi;
 }
 
-std::wstring wideOf(const std::string& text) {
+std::wstring WideOf(const std::string& text) {
   const int length = static_cast<int>(text.size());
   std::wstring wide(text.size(), L'\0');
   wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), length)));
   return wide;
 }
 
-LockedVariant::LockedVariant() : array_(bytes({1})) {
+LockedVariant::LockedVariant() : array_(ByteArray({1})) {
   EXPECT_EQ(S_OK, SafeArrayLock(array_.safeArray()));
   value = array_.get();
 }

@@ -39,10 +39,10 @@ class MultithreadedApartment : public UiTest {
   // Before the tests' own machine key stands in for the real one.
   static void SetUpTestSuite() {
     EXPECT_OK(Module::get().registerServer());
-    writeKey(HKEY_LOCAL_MACHINE, std::wstring(kOpenedKey) + L"\\CLSID", L"{D107033F-3A53-4406-AF19-13543470DDB2}");
+    WriteKey(HKEY_LOCAL_MACHINE, std::wstring(kOpenedKey) + L"\\CLSID", L"{D107033F-3A53-4406-AF19-13543470DDB2}");
   }
   static void TearDownTestSuite() {
-    deleteTree(HKEY_LOCAL_MACHINE, kOpenedKey);
+    DeleteTree(HKEY_LOCAL_MACHINE, kOpenedKey);
     EXPECT_OK(Module::get().unregisterServer());
   }
   void SetUp() override {
@@ -121,12 +121,12 @@ TEST_F(MultithreadedApartment, FileOpenOnItsThreadVerifiesAndSaves) {
         [](HWND dialog) { press(dialog, IDOK); });
     MultithreadedClient client([&] {
       using Entry = void(CALLBACK*)(HWND, HINSTANCE, LPSTR, int);
-      std::string line = ansiOf(file);
+      std::string line = AnsiOf(file);
       Module::get().entry<Entry>("FileOpen")(nullptr, nullptr, line.data(), SW_SHOW);
     });
   }
   EXPECT_EQ("verified", contentOf(L"a.txt"));
-  EXPECT_EQ(folder, readTree(HKEY_CURRENT_USER, kLegacyKey).at(L":InputDirectory"));
+  EXPECT_EQ(folder, ReadTree(HKEY_CURRENT_USER, kLegacyKey).at(L":InputDirectory"));
   // The entry leaves its session to the end of its process.
   object->Uninit();
   engine().reset();

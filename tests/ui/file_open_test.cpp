@@ -47,15 +47,15 @@ class FileOpenWindows : public UiTest {
  protected:
   // Before the tests' own machine key stands in for the real one.
   static void SetUpTestSuite() {
-    writeKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L"PKI.pkiobj\\CLSID",
+    WriteKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L"PKI.pkiobj\\CLSID",
              L"{D107033F-3A53-4406-AF19-13543470DDB2}");
-    writeKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L".tavlui", L"tavl.ui");
-    writeKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L"tavl.ui\\shell\\open\\command",
+    WriteKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L".tavlui", L"tavl.ui");
+    WriteKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L"tavl.ui\\shell\\open\\command",
              L"cmd.exe /c copy \"%1\" \"%1.opened\"");
   }
   static void TearDownTestSuite() {
     for (const wchar_t* key : {L"PKI.pkiobj", L".tavlui", L"tavl.ui"})
-      deleteTree(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + key);
+      DeleteTree(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + key);
   }
   void SetUp() override {
     UiTest::SetUp();
@@ -75,7 +75,7 @@ class FileOpenWindows : public UiTest {
 
   void open(const std::wstring& file) {
     using Entry = void(CALLBACK*)(HWND, HINSTANCE, LPSTR, int);
-    std::string line = ansiOf(file);
+    std::string line = AnsiOf(file);
     Module::get().entry<Entry>("FileOpen")(nullptr, nullptr, line.data(), SW_SHOW);
   }
   User accept(const wchar_t* caption) {
@@ -91,9 +91,9 @@ class FileOpenWindows : public UiTest {
       press(dialog, IDOK);
     });
   }
-  void setExecuteResult() { writeDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"ExecuteResult", 1); }
+  void setExecuteResult() { WriteDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"ExecuteResult", 1); }
   std::wstring rememberedFolder() {
-    const RegistryTree tree = readTree(HKEY_CURRENT_USER, kLegacyKey);
+    const RegistryTree tree = ReadTree(HKEY_CURRENT_USER, kLegacyKey);
     const auto found = tree.find(L":InputDirectory");
     return found == tree.end() ? L"(none)" : found->second;
   }

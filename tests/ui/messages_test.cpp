@@ -9,7 +9,7 @@ class LegacyMessageWindows : public UiTest {
  protected:
   void SetUp() override {
     UiTest::SetUp();
-    engine().on("QUIVO_GetErrorText").text = ansiOf(L"Причина отказа.");
+    engine().on("QUIVO_GetErrorText").text = AnsiOf(L"Причина отказа.");
     engine().on("QUIVO_SignedInfoFile").result = 1;
   }
 
@@ -32,14 +32,14 @@ class LegacyMessageWindows : public UiTest {
 };
 
 TEST_F(LegacyMessageWindows, InitTellsItsFailure) {
-  Ptr<Ipkiobj> other = make<pkiobj>();
+  Ptr<Ipkiobj> other = Make<Ipkiobj>();
   engine().on("QUIVO_Initialize").result = 0x7005;
   expectMessage(L"Ошибка инициализации КОРВИС (x64).\nПричина отказа.", 0x7005,
                 [&] { return other->Init(Bstr(L"My")); });
 }
 
 TEST_F(LegacyMessageWindows, AMessageWithoutACodeHasOneLine) {
-  Ptr<Ipkiobj> other = make<pkiobj>();
+  Ptr<Ipkiobj> other = Make<Ipkiobj>();
   engine().on("QUIVO_Initialize").result = -1;
   expectMessage(L"Ошибка инициализации КОРВИС (x64).", 0xFFFFFFFF, [&] { return other->Init(Bstr(L"My")); });
 }

@@ -115,10 +115,10 @@ SeenSheet lookAtSheet(HWND sheet) {
   return seen;
 }
 
-fake::Certificate certificateOf(const std::wstring& subject, uint8_t mark) {
+fake::Certificate CertificateOf(const std::wstring& subject, uint8_t mark) {
   fake::Certificate certificate;
   certificate.fields = 0x10204;
-  certificate.subject = ansiOf(subject);
+  certificate.subject = AnsiOf(subject);
   certificate.certEncoded = {0x30, 0x01, mark};
   return certificate;
 }
@@ -127,20 +127,20 @@ class ResultsSheetWindows : public UiTest {
  protected:
   void SetUp() override {
     UiTest::SetUp();
-    engine().on("QUIVO_GetErrorText").text = ansiOf(L"Операция выполнена успешно.");
+    engine().on("QUIVO_GetErrorText").text = AnsiOf(L"Операция выполнена успешно.");
     in = create(L"Договор № 7.txt.p7a");
     letWrite("QUIVO_VerifyFile", 4, "verified");
     letWrite("QUIVO_DecryptFile", 3, "decrypted");
     letWrite("QUIVO_DecryptAndVerifyFile", 4, "both");
   }
   /// The engine's texts are asked for in the order of filling: each answer stands for one question.
-  void nextText(const std::wstring& text) { engine().once("QUIVO_GetErrorText").text = ansiOf(text); }
+  void nextText(const std::wstring& text) { engine().once("QUIVO_GetErrorText").text = AnsiOf(text); }
 
   void addSigner(const char* function, int32_t status, uint32_t time, const std::wstring& subject, uint8_t mark = 1) {
     fake::Signature signature;
     signature.status = status;
     signature.time = time;
-    signature.cert = certificateOf(subject, mark);
+    signature.cert = CertificateOf(subject, mark);
     engine().on(function).signatures.push_back(signature);
   }
   HRESULT verify() { return object->Verify(Bstr(in), Bstr(path(L"result"))); }
@@ -164,7 +164,7 @@ class ResultsSheetWindows : public UiTest {
     char date[100], clock[100];
     GetDateFormatA(LOCALE_USER_DEFAULT, DATE_LONGDATE, &moment, nullptr, date, 100);
     GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &moment, nullptr, clock, 100);
-    return wideOf(std::string(date) + "  " + clock);
+    return WideOf(std::string(date) + "  " + clock);
   }
 
   void expectPlaces(const SeenSheet& seen) {
@@ -231,7 +231,7 @@ TEST_F(ResultsSheetWindows, OfAVerification) {
 
 TEST_F(ResultsSheetWindows, OfADecryption) {
   nextText(L"Расшифровано");
-  engine().on("QUIVO_DecryptFile").certificate = certificateOf(L"CN=Борис Волков,O=ООО Пример", 7);
+  engine().on("QUIVO_DecryptFile").certificate = CertificateOf(L"CN=Борис Волков,O=ООО Пример", 7);
   const SeenSheet seen = sheetOf([&] { return unencrypt(); }, "sheet-decryption");
   expectFixedTexts(seen);
   expectPlaces(seen);
@@ -262,7 +262,7 @@ TEST_F(ResultsSheetWindows, OfBoth) {
   nextText(L"Подписи верны");
   nextText(L"Действительна");
   nextText(L"Действительна");
-  engine().on("QUIVO_DecryptAndVerifyFile").certificate = certificateOf(L"O=Отправитель", 7);
+  engine().on("QUIVO_DecryptAndVerifyFile").certificate = CertificateOf(L"O=Отправитель", 7);
   addSigner("QUIVO_DecryptAndVerifyFile", 0, 1700000000, L"CN=Анна Петрова");
   addSigner("QUIVO_DecryptAndVerifyFile", 0, 1700086400, L"CN=Борис Волков");
   const SeenSheet seen = sheetOf([&] { return verifyAndUnencrypt(); }, "sheet-both");
@@ -350,7 +350,7 @@ class CertificateButtons : public ResultsSheetWindows {
 };
 
 TEST_F(CertificateButtons, ShowTheEncrypter) {
-  engine().on("QUIVO_DecryptFile").certificate = certificateOf(L"CN=B", 7);
+  engine().on("QUIVO_DecryptFile").certificate = CertificateOf(L"CN=B", 7);
   User user(kSheetCaption, [&](HWND sheet) {
     click(sheet, 1003);
     press(sheet, IDOK);

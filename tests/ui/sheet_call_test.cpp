@@ -35,7 +35,7 @@ class SheetCalls : public UiTest {
   void SetUp() override {
     UiTest::SetUp();
     engine().on("QUIVO_VerifyFile").signatures.resize(1);
-    engine().on("QUIVO_VerifyFile").signatures[0].cert = certificateOf("CN=A");
+    engine().on("QUIVO_VerifyFile").signatures[0].cert = CertificateOf("CN=A");
   }
   HRESULT verify() { return object->Verify(Bstr(L"in"), Bstr(path(L"result"))); }
   static void showSigner(HWND sheet) {

@@ -32,7 +32,7 @@ void UiTest::SetUp() {
   GetTempPathW(MAX_PATH, temp);
   folder = std::wstring(temp) + L"окна " + std::to_wstring(GetCurrentProcessId());
   CreateDirectoryW(folder.c_str(), nullptr);
-  object = make<pkiobj>();
+  object = Make<Ipkiobj>();
   EXPECT_OK(object->Init(Bstr(L"My")));
   engine().forgetCalls();
 }

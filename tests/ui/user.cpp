@@ -10,7 +10,7 @@ namespace {
 constexpr DWORD kPatience = 15000;
 constexpr DWORD kStep = 20;
 
-std::wstring textOf(HWND window) {
+std::wstring TextOf(HWND window) {
   wchar_t text[2048] = {};
   SendMessageW(window, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text));
   return text;
@@ -31,7 +31,7 @@ RECT placeOf(HWND window) {
 
 BOOL CALLBACK addControl(HWND window, LPARAM list) {
   reinterpret_cast<std::vector<SeenControl>*>(list)->push_back(
-      {GetDlgCtrlID(window), kindOf(window), textOf(window), placeOf(window), IsWindowVisible(window) != FALSE,
+      {GetDlgCtrlID(window), kindOf(window), TextOf(window), placeOf(window), IsWindowVisible(window) != FALSE,
        IsWindowEnabled(window) != FALSE, static_cast<DWORD>(GetWindowLongW(window, GWL_STYLE)), window});
   return TRUE;
 }
@@ -86,7 +86,7 @@ std::vector<int> SeenWindow::visible(const wchar_t* kind) const {
 
 SeenWindow look(HWND window) {
   SeenWindow seen;
-  seen.caption = textOf(window);
+  seen.caption = TextOf(window);
   seen.window = window;
   seen.owner = GetWindow(window, GW_OWNER);
   EnumChildWindows(window, addControl, reinterpret_cast<LPARAM>(&seen.controls));
@@ -125,7 +125,7 @@ void takePicture(const std::string& name) {
 
 User::User(const std::wstring& caption, std::function<void(HWND)> act)
     : User(
-          caption, [caption](HWND window) { return textOf(window) == caption; }, std::move(act)) {}
+          caption, [caption](HWND window) { return TextOf(window) == caption; }, std::move(act)) {}
 
 User::User(const std::wstring& name, Recognition is, std::function<void(HWND)> act)
     : name_(name), is_(std::move(is)), act_(std::move(act)), thread_(CreateThread(nullptr, 0, run, this, 0, nullptr)) {}
@@ -166,7 +166,7 @@ HWND User::await() {
 
 void User::clear() {
   for (HWND window : shownWindows()) {
-    complaint_ += L"; closed \"" + textOf(window) + L"\"";
+    complaint_ += L"; closed \"" + TextOf(window) + L"\"";
     for (int refusal : {IDNO, IDCANCEL, IDOK}) press(window, refusal);
     PostMessageW(window, WM_CLOSE, 0, 0);
   }

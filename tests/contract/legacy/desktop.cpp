@@ -12,13 +12,13 @@ namespace {
 
 LegacyDesktop* desktop = nullptr;
 
-std::wstring wideOrEmpty(const char* text) { return text == nullptr ? L"" : wideOf(text); }
+std::wstring wideOrEmpty(const char* text) { return text == nullptr ? L"" : WideOf(text); }
 WORD resourceNumber(const char* name) { return IS_INTRESOURCE(name) ? LOWORD(name) : 0; }
 
 // What stands in for the platform.
 
 int WINAPI showMessage(HWND owner, LPCSTR text, LPCSTR caption, UINT style) {
-  desktop->messages.push_back({wideOf(text), wideOf(caption), style, owner});
+  desktop->messages.push_back({WideOf(text), WideOf(caption), style, owner});
   if (desktop->duringMessage) desktop->duringMessage();
   return desktop->messageAnswer;
 }
@@ -31,7 +31,7 @@ __time64_t theTime(__time64_t*) {
 }
 
 LSTATUS WINAPI setValue(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size) {
-  RegistryWrite write{key, wideOf(name), type, size, 0, {}};
+  RegistryWrite write{key, WideOf(name), type, size, 0, {}};
   if (size == sizeof(DWORD)) std::memcpy(&write.value, data, sizeof(DWORD));
   write.data.assign(data, data + size);
   desktop->writes.push_back(write);
@@ -47,7 +47,7 @@ HPROPSHEETPAGE WINAPI createPage(const PROPSHEETPAGEA* page) {
 
 INT_PTR WINAPI showSheet(const PROPSHEETHEADERA* header) {
   EXPECT_EQ(reinterpret_cast<HPROPSHEETPAGE>(&createdPage), header->phpage[0]);
-  desktop->sheets.push_back({wideOf(header->pszCaption), header->dwFlags, header->hwndParent, header->nPages,
+  desktop->sheets.push_back({WideOf(header->pszCaption), header->dwFlags, header->hwndParent, header->nPages,
                              header->pfnCallback != nullptr, resourceNumber(createdPage.pszTemplate),
                              createdPage.dwFlags, createdPage.pfnCallback != nullptr});
   if (desktop->duringSheet) desktop->duringSheet();
@@ -56,8 +56,8 @@ INT_PTR WINAPI showSheet(const PROPSHEETHEADERA* header) {
 
 BOOL WINAPI askForFile(OPENFILENAMEA* dialog) {
   const char* pattern = dialog->lpstrFilter + std::strlen(dialog->lpstrFilter) + 1;
-  desktop->saveDialogs.push_back({dialog->lStructSize, dialog->Flags, dialog->hwndOwner, wideOf(dialog->lpstrFilter),
-                                  wideOf(pattern), wideOf(dialog->lpstrFile), dialog->nMaxFile,
+  desktop->saveDialogs.push_back({dialog->lStructSize, dialog->Flags, dialog->hwndOwner, WideOf(dialog->lpstrFilter),
+                                  WideOf(pattern), WideOf(dialog->lpstrFile), dialog->nMaxFile,
                                   wideOrEmpty(dialog->lpstrInitialDir), resourceNumber(dialog->lpTemplateName),
                                   dialog->lpfnHook != nullptr});
   return desktop->saveAnswer(*dialog);

@@ -66,7 +66,7 @@ TEST_F(FileOpenRegistryTest, TheMachinesKeyIsOpenedToBeRead) {
 }
 
 TEST_F(FileOpenRegistryTest, EachValueIsReadOnce) {
-  writeKey(HKEY_LOCAL_MACHINE, kLegacyKey);
+  WriteKey(HKEY_LOCAL_MACHINE, kLegacyKey);
   open(create(L"a.txt.p7s"));
   EXPECT_EQ((Queries{"ExecuteResult", "InputDirectory"}), queries);
   queries.clear();
@@ -98,7 +98,7 @@ TEST_F(FileOpenRegistryTest, TheFolderIsWrittenWithItsTerminator) {
   const RegistryWrite& write = desktop.writes[0];
   EXPECT_EQ(L"InputDirectory", write.name);
   EXPECT_EQ(static_cast<DWORD>(REG_SZ), write.type);
-  EXPECT_EQ(ansiOf(folder) + '\0', std::string(write.data.begin(), write.data.end()));
+  EXPECT_EQ(AnsiOf(folder) + '\0', std::string(write.data.begin(), write.data.end()));
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ class LegacyFiles : public LegacyTest {
     openSession();
     // Not signed, unless a test says so.
     engine().on("QUIVO_SignedInfoFile").result = 0x7011;
-    engine().on("QUIVO_GetErrorText").text = ansiOf(L"Причина.");
+    engine().on("QUIVO_GetErrorText").text = AnsiOf(L"Причина.");
     engine().on("QUIVO_VerifyFile").signatures.resize(1);
   }
   void alreadySigned() { engine().on("QUIVO_SignedInfoFile").result = 0; }
@@ -69,14 +69,14 @@ TEST_F(LegacyFiles, SignSignsAnUnsignedFile) {
   EXPECT_OK(sign());
   EXPECT_EQ((Names{"QUIVO_SignedInfoFile", "QUIVO_FreeSignedInfoResult", "QUIVO_SignFile"}), engine().names());
   const fake::Call& info = engine().only("QUIVO_SignedInfoFile");
-  EXPECT_EQ(ansiOf(kIn), info.text(1));
+  EXPECT_EQ(AnsiOf(kIn), info.text(1));
   EXPECT_TRUE(info.record(2).allZero());
   const fake::Call& call = engine().only("QUIVO_SignFile");
   EXPECT_EQ(1u, call.record(1).u32(0));
   expectZeroBut(call.record(1), {0});
-  EXPECT_EQ(ansiOf(kIn), call.text(2));
+  EXPECT_EQ(AnsiOf(kIn), call.text(2));
   EXPECT_TRUE(call.null(3));
-  EXPECT_EQ(ansiOf(kOut), call.text(4));
+  EXPECT_EQ(AnsiOf(kOut), call.text(4));
   EXPECT_EQ(0u, desktop.sheets.size());
 }
 
@@ -99,7 +99,7 @@ TEST_F(LegacyFiles, SignShowsTheSignaturesThatStand) {
   EXPECT_EQ(0x10004u, call.record(1).u32(72));
   expectZeroBut(call.record(1), {0, 72});
   EXPECT_TRUE(call.null(2));
-  EXPECT_EQ(ansiOf(kIn), call.text(3));
+  EXPECT_EQ(AnsiOf(kIn), call.text(3));
   EXPECT_TRUE(call.null(4));
   EXPECT_TRUE(call.record(5).allZero());
   EXPECT_EQ(1u, desktop.sheets.size());
@@ -161,7 +161,7 @@ TEST_F(LegacyFiles, SignTreatsEveryOtherAnswerAsUnsigned) {
 }
 
 TEST_F(LegacyFiles, SignAndEncryptUsesTheRecipients) {
-  engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=B")};
+  engine().on("QUIVO_FindCert").certificates = {CertificateOf("CN=B")};
   EXPECT_OK(object->SetRecipients(Bstr(L"SMTP:b@b")));
   engine().forgetCalls();
   EXPECT_OK(signAndEncrypt());
@@ -174,8 +174,8 @@ TEST_F(LegacyFiles, SignAndEncryptUsesTheRecipients) {
   EXPECT_EQ(0u, call.record(2).u64(8));
   EXPECT_EQ(1, call.record(2).i32(16));
   EXPECT_EQ("CN=B", call.record(2).at(24).text(24));
-  EXPECT_EQ(ansiOf(kIn), call.text(3));
-  EXPECT_EQ(ansiOf(kOut), call.text(4));
+  EXPECT_EQ(AnsiOf(kIn), call.text(3));
+  EXPECT_EQ(AnsiOf(kOut), call.text(4));
 }
 
 TEST_F(LegacyFiles, SignAndEncryptShowsTheSignaturesThatStand) {
@@ -215,8 +215,8 @@ TEST_F(LegacyFiles, VerifyRemovesAllSignatures) {
   EXPECT_EQ(0x10204u, call.record(1).u32(72));
   expectZeroBut(call.record(1), {0, 64, 72});
   EXPECT_TRUE(call.null(2));
-  EXPECT_EQ(ansiOf(kIn), call.text(3));
-  EXPECT_EQ(ansiOf(kOut), call.text(4));
+  EXPECT_EQ(AnsiOf(kIn), call.text(3));
+  EXPECT_EQ(AnsiOf(kOut), call.text(4));
   EXPECT_EQ(1u, desktop.sheets.size());
 }
 
@@ -266,7 +266,7 @@ TEST_F(LegacyFiles, EveryCallIsOfTheObjectsSession) {
   engine().on("QUIVO_Initialize").handle = reinterpret_cast<void*>(0x7000);
   openSession();
   InputFile in;
-  engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=B")};
+  engine().on("QUIVO_FindCert").certificates = {CertificateOf("CN=B")};
   fake::Certificate valid;
   valid.notAfter = static_cast<uint32_t>(desktop.now) + 1;
   engine().on("QUIVO_VerifyCert").certificate = valid;
@@ -293,7 +293,7 @@ TEST_F(LegacyFiles, ResultsLiveWhileTheSheetIsShown) {
 }
 
 TEST_F(LegacyFiles, EncryptPassesTheListWithoutCopyingIt) {
-  engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=B"), certificateOf("CN=C")};
+  engine().on("QUIVO_FindCert").certificates = {CertificateOf("CN=B"), CertificateOf("CN=C")};
   EXPECT_OK(object->SetRecipients(Bstr(L"SMTP:b@b")));
   engine().forgetCalls();
   EXPECT_OK(encrypt());
@@ -304,8 +304,8 @@ TEST_F(LegacyFiles, EncryptPassesTheListWithoutCopyingIt) {
   EXPECT_EQ(2, call.record(1).i32(16));
   EXPECT_EQ("CN=B", call.record(1).at(24).text(24));
   EXPECT_EQ(engine().calls()[0].record(1).pointer(24), call.record(1).pointer(24));
-  EXPECT_EQ(ansiOf(kIn), call.text(2));
-  EXPECT_EQ(ansiOf(kOut), call.text(3));
+  EXPECT_EQ(AnsiOf(kIn), call.text(2));
+  EXPECT_EQ(AnsiOf(kOut), call.text(3));
 }
 
 TEST_F(LegacyFiles, EncryptWithoutRecipientsIsLeftToTheEngine) {
@@ -330,8 +330,8 @@ TEST_F(LegacyFiles, UnencryptDecrypts) {
   EXPECT_EQ(1u, call.record(1).u32(0));
   EXPECT_EQ(0x10204u, call.record(1).u32(16));
   expectZeroBut(call.record(1), {0, 16});
-  EXPECT_EQ(ansiOf(in.path()), call.text(2));
-  EXPECT_EQ(ansiOf(kOut), call.text(3));
+  EXPECT_EQ(AnsiOf(in.path()), call.text(2));
+  EXPECT_EQ(AnsiOf(kOut), call.text(3));
   EXPECT_TRUE(call.record(4).allZero());
   EXPECT_EQ(416u, call.record(4).bytes.size());
 }
@@ -425,8 +425,8 @@ TEST_F(LegacyFiles, VerifyAndUnencryptDoesBothInOneCall) {
   EXPECT_EQ(5u, call.record(2).u32(0));
   EXPECT_EQ(-1, call.record(2).i32(64));
   expectZeroBut(call.record(2), {0, 64});
-  EXPECT_EQ(ansiOf(in.path()), call.text(3));
-  EXPECT_EQ(ansiOf(kOut), call.text(4));
+  EXPECT_EQ(AnsiOf(in.path()), call.text(3));
+  EXPECT_EQ(AnsiOf(kOut), call.text(4));
   EXPECT_TRUE(call.record(5).allZero());
   EXPECT_TRUE(call.record(6).allZero());
   EXPECT_EQ(1u, desktop.sheets.size());

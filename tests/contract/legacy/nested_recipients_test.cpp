@@ -177,7 +177,7 @@ TEST_F(LegacyNestedRecipients, FoundForAClosedSessionAreGivenBack) {
     for (const auto& change : {std::function<void()>([&] { EXPECT_OK(object->Uninit()); }), {[&] { reopen(); }}}) {
       begin();
       fake::Reply& found = engine().once("QUIVO_FindCert");
-      found.certificates = {certificateOf("CN=A"), certificateOf("CN=B")};
+      found.certificates = {CertificateOf("CN=A"), CertificateOf("CN=B")};
       found.during = change;
       EXPECT_HR(S_FALSE, object->SetRecipients(Bstr(addresses)));
       EXPECT_EQ(1u, engine().count("QUIVO_FindCert"));

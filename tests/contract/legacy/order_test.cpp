@@ -36,7 +36,7 @@ TEST_F(LegacyOrder, InitReadsTheClockOnceBeforeTheEngineOpens) {
 }
 
 TEST_F(LegacyOrder, InitShowsItsFailureBeforeItClosesTheKey) {
-  writeKey(HKEY_LOCAL_MACHINE, kLegacyKey);
+  WriteKey(HKEY_LOCAL_MACHINE, kLegacyKey);
   const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(closeKey));
   events.clear();
   desktop.duringMessage = [] { events.push_back("message"); };
@@ -46,7 +46,7 @@ TEST_F(LegacyOrder, InitShowsItsFailureBeforeItClosesTheKey) {
 }
 
 TEST_F(LegacyOrder, InitWritesTheTimesBeforeItClosesTheKey) {
-  writeKey(HKEY_LOCAL_MACHINE, kLegacyKey);
+  WriteKey(HKEY_LOCAL_MACHINE, kLegacyKey);
   const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(closeKey));
   events.clear();
   engine().on("QUIVO_Initialize").during = [] { events.push_back("open"); };
@@ -69,7 +69,7 @@ TEST_F(LegacyOrder, ACertificateThatExpiresWhileTheEngineChecksItIsRefused) {
 
 TEST_F(LegacyOrder, AddressesAreConvertedBeforeTheListIsFreed) {
   openSession();
-  engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=A")};
+  engine().on("QUIVO_FindCert").certificates = {CertificateOf("CN=A")};
   EXPECT_OK(object->SetRecipients(Bstr(L"SMTP:a@b")));
   engine().forgetCalls();
   Module::get().failAllocation(0);

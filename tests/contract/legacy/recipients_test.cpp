@@ -24,7 +24,7 @@ class LegacyRecipients : public LegacyTest {
   void SetUp() override {
     LegacyTest::SetUp();
     openSession();
-    engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=A")};
+    engine().on("QUIVO_FindCert").certificates = {CertificateOf("CN=A")};
     fake::Certificate valid;
     valid.subject = "CN=B";
     valid.notBefore = now() - 10;
@@ -77,7 +77,7 @@ TEST_F(LegacyRecipients, EachKindSelectsItsMember) {
   EXPECT_OK(object->SetRecipients(Bstr(L"SMTP:anna@example.test")));
   expectAddress(searches().at(0), kEmail, "anna@example.test");
   EXPECT_OK(object->SetRecipients(Bstr(L"EX:/o=Пример/cn=anna")));
-  expectAddress(searches().at(1), kExchange, ansiOf(L"/o=Пример/cn=anna"));
+  expectAddress(searches().at(1), kExchange, AnsiOf(L"/o=Пример/cn=anna"));
   EXPECT_OK(object->SetRecipients(Bstr(L"NOTES:Anna/Example")));
   expectAddress(searches().at(2), kNotes, "Anna/Example");
 }
@@ -118,7 +118,7 @@ TEST_F(LegacyRecipients, AnEmptyKindIsUnknown) {
 }
 
 TEST_F(LegacyRecipients, AnEmptyListLetsTheUserSelectOnce) {
-  engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=A"), certificateOf("CN=B")};
+  engine().on("QUIVO_FindCert").certificates = {CertificateOf("CN=A"), CertificateOf("CN=B")};
   EXPECT_OK(object->SetRecipients(Bstr(L"")));
   ASSERT_EQ(1u, searches().size());
   expectSelection(searches()[0]);
@@ -196,7 +196,7 @@ TEST_F(LegacyRecipients, ACancelledSelectionIsReturnedWithoutASecondSearch) {
 }
 
 TEST_F(LegacyRecipients, AFailureEndsTheListAndKeepsWhatWasFound) {
-  engine().once("QUIVO_FindCert").certificates = {certificateOf("CN=Last")};
+  engine().once("QUIVO_FindCert").certificates = {CertificateOf("CN=Last")};
   engine().once("QUIVO_FindCert").result = kCancelled;
   EXPECT_HR(kCancelled, object->SetRecipients(Bstr(L"SMTP:first;SMTP:second;SMTP:last")));
   EXPECT_EQ(2u, searches().size());
@@ -207,7 +207,7 @@ TEST_F(LegacyRecipients, APositiveCodeGoesOnAndTheLastOneIsReturned) {
   for (int32_t code : {9, 4}) {
     fake::Reply& reply = engine().once("QUIVO_FindCert");
     reply.result = code;
-    reply.certificates = {certificateOf("CN=B")};
+    reply.certificates = {CertificateOf("CN=B")};
   }
   EXPECT_HR(4, object->SetRecipients(Bstr(L"SMTP:a;SMTP:b")));
   EXPECT_EQ(2u, recipients().size());
@@ -243,7 +243,7 @@ TEST_F(LegacyRecipients, TheListIsReplacedAndNeverExtended) {
 }
 
 TEST_F(LegacyRecipients, ManyRecipientsAreKept) {
-  engine().on("QUIVO_FindCert").certificates.assign(300, certificateOf("CN=Many"));
+  engine().on("QUIVO_FindCert").certificates.assign(300, CertificateOf("CN=Many"));
   EXPECT_OK(object->SetRecipients(Bstr(L"SMTP:a;SMTP:b")));
   const auto all = recipients();
   ASSERT_EQ(600u, all.size());
@@ -387,7 +387,7 @@ TEST_F(LegacyRecipients, FreeRecipCertsGivesEveryRecordBack) {
 }
 
 TEST_F(LegacyRecipients, RecordsAreGivenBackInTheirOrder) {
-  engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=A"), certificateOf("CN=B"), certificateOf("CN=C")};
+  engine().on("QUIVO_FindCert").certificates = {CertificateOf("CN=A"), CertificateOf("CN=B"), CertificateOf("CN=C")};
   EXPECT_OK(object->SetRecipients(Bstr(L"")));
   engine().forgetCalls();
   EXPECT_OK(object->FreeRecipCerts());

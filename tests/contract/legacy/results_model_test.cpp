@@ -85,8 +85,8 @@ TEST(LegacySubjectName, IsCutToItsBuffer) {
 }
 
 TEST(LegacySubjectName, KeepsCyrillic) {
-  EXPECT_EQ(ansiOf(L"Анна Петрова, ООО «Пример»"),
-            nameOf(ansiOf(L"C=RU, O=ООО «Пример», CN=Анна Петрова, emailAddress=a@b").c_str()));
+  EXPECT_EQ(AnsiOf(L"Анна Петрова, ООО «Пример»"),
+            nameOf(AnsiOf(L"C=RU, O=ООО «Пример», CN=Анна Петрова, emailAddress=a@b").c_str()));
 }
 
 class LegacyResultsModel : public ContractTest {
