@@ -34,36 +34,6 @@ std::string Shown(const Variant& value) {
 
 class LatePropertyTest : public ContractTest, public ::testing::WithParamInterface<Property> {
  protected:
-  /// A value of the property's type.
-  static Variant sample() {
-    const Property& property = GetParam();
-    if (property.isObject()) return Variant::object(Marked(property.interfaceName(), L"x"));
-    if (property.type() == "BSTR") return Variant::text(L"значение");
-    if (property.content == "bytes") return ByteArray({1, 2});
-    if (property.content == "strings") return StringArray({L"1", L"2"});
-    if (property.type() == "VARIANT") return ObjectArray({Marked(property.content, L"x")});
-    Variant value = Variant::number(3);
-    if (property.type() != "DATE") return value;
-    V_VT(value.out()) = VT_DATE;
-    V_DATE(value.out()) = 40968.5;
-    return value;
-  }
-  /// The value as the slot takes it.
-  static SlotValue slotValue(const Variant& value) {
-    const VARIANT& raw = value.get();
-    switch (value.type()) {
-      case VT_DISPATCH:
-        return V_DISPATCH(&raw);
-      case VT_BSTR:
-        return V_BSTR(&raw);
-      case VT_DATE:
-        return V_DATE(&raw);
-      case VT_I4:
-        return V_I4(&raw);
-      default:
-        return value;
-    }
-  }
   LateResult read() { return GetProperty(object, name.c_str()); }
   HRESULT write(const VARIANT& value) {
     const bool byReference = GetParam().setter.kind == INVOKE_PROPERTYPUTREF;
@@ -72,7 +42,7 @@ class LatePropertyTest : public ContractTest, public ::testing::WithParamInterfa
 
   const std::wstring name = Widen(GetParam().getter.name);
   Ptr<IDispatch> object = GetParam().make();
-  Variant value = sample();
+  Variant value = GetParam().sample();
 };
 
 TEST_P(LatePropertyTest, WrittenValueIsRead) {
@@ -88,7 +58,7 @@ TEST_P(LatePropertyTest, VariableIsRead) {
 }
 
 TEST_P(LatePropertyTest, ValueFromTheSlotIsRead) {
-  EXPECT_OK(GetParam().put(object, slotValue(value)));
+  EXPECT_OK(GetParam().put(object, SlotOf(value)));
   EXPECT_EQ(Shown(value), Shown(read().value));
 }
 

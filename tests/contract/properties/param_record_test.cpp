@@ -1,4 +1,4 @@
-// The records of new parameter objects.
+// The records of objects: what they hold at first, and what becomes of the engine's.
 #include "contract/properties/properties.h"
 #include "support/operations.h"
 
@@ -78,6 +78,33 @@ TEST_F(ParamRecordTest, EveryOperationSeesTheRecordOfTheMoment) {
   EXPECT_EQ(2u, RecordOf(param.get()).u32(0));
   EXPECT_OK(param->put_flag(static_cast<SignParamFlag_t>(0xFFFFFFFF)));
   EXPECT_EQ(0xFFFFFFFFu, RecordOf(param.get()).u32(0));
+}
+
+/// Equal but for the addresses, with everything that they point to.
+void ExpectSameRecords(const fake::Snapshot& expected, const fake::Snapshot& found, const std::string& path) {
+  SCOPED_TRACE(path);
+  ASSERT_EQ(expected.pointees.size(), found.pointees.size());
+  std::vector<uint8_t> first = expected.bytes, second = found.bytes;
+  for (const auto& [offset, pointee] : expected.pointees) {
+    std::fill_n(first.begin() + static_cast<ptrdiff_t>(offset), sizeof(void*), uint8_t{0});
+    std::fill_n(second.begin() + static_cast<ptrdiff_t>(offset), sizeof(void*), uint8_t{0});
+    ExpectSameRecords(pointee, found.at(offset), path + " " + std::to_string(offset));
+  }
+  EXPECT_EQ(first, second);
+}
+
+TEST_F(ParamRecordTest, EveryPropertyOfTheEnginesCertificateIsTakenOver) {
+  Ptr<IDispatch> given = Make<ICertificate>().as<IDispatch>();
+  for (const Property& property : AllProperties()) {
+    if (property.owner.name != "Certificate") continue;
+    const Variant sample = property.sample();
+    EXPECT_OK(property.put(given, SlotOf(sample))) << property;
+  }
+  const fake::Snapshot record = RecordOf(given);
+  engine().on("QUIVO_ParseCert").record = record;
+  Ptr<ICertificate> parsed;
+  EXPECT_OK(openQuivo()->ParseCert(Variant(), Field_All, parsed.out()));
+  ExpectSameRecords(record, RecordOf(parsed), "certificate");
 }
 
 }  // namespace

@@ -61,6 +61,35 @@ Ptr<IDispatch> Property::make() const {
   return object;
 }
 
+Variant Property::sample() const {
+  if (isObject()) return Variant::object(Marked(interfaceName(), L"x"));
+  if (type() == "BSTR") return Variant::text((L"значение " + Widen(name)).c_str());
+  if (content == "bytes") return ByteArray({1, 2});
+  if (content == "strings") return StringArray({L"1", L"2"});
+  if (type() == "VARIANT") return ObjectArray({Marked(content, L"x")});
+  Variant value = Variant::number(static_cast<LONG>(offset + 3));
+  if (type() != "DATE") return value;
+  V_VT(value.out()) = VT_DATE;
+  V_DATE(value.out()) = 40968.5;
+  return value;
+}
+
+SlotValue SlotOf(const Variant& value) {
+  const VARIANT& raw = value.get();
+  switch (value.type()) {
+    case VT_DISPATCH:
+      return V_DISPATCH(&raw);
+    case VT_BSTR:
+      return V_BSTR(&raw);
+    case VT_DATE:
+      return V_DATE(&raw);
+    case VT_I4:
+      return V_I4(&raw);
+    default:
+      return value;
+  }
+}
+
 const std::vector<Property>& AllProperties() {
   static const std::vector<Property> all = FindProperties();
   return all;

@@ -22,6 +22,8 @@ struct Property {
 
   /// An object that has the property, ready for it to be set.
   Ptr<IDispatch> make() const;
+  /// A value of its type; a text of its own for every property.
+  Variant sample() const;
   HRESULT get(IDispatch* object, void* value) const { return CallSlot(object, getter, {value}); }
   HRESULT put(IDispatch* object, SlotValue value) const { return CallSlot(object, setter, {value}); }
 
@@ -47,6 +49,9 @@ std::vector<Property> ArrayProperties(const std::string& content = "");
 inline std::ostream& operator<<(std::ostream& out, const Property& row) { return out << row.name; }
 
 inline std::string NameOfProperty(const ::testing::TestParamInfo<Property>& info) { return info.param.name; }
+
+/// A value as a setter's slot takes it.
+SlotValue SlotOf(const Variant& value);
 
 /// A new object of a class that objects and arrays hold, marked by a text; and the text that its record shows.
 Ptr<IDispatch> Marked(const std::string& interfaceName, const wchar_t* mark);
