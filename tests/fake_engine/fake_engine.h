@@ -20,8 +20,8 @@ using Bytes = std::vector<uint8_t>;
 using Text = std::optional<std::string>;
 
 struct Policy {
-  Text oid, org_name;
-  int32_t not_num = 0;
+  Text oid, organization;
+  int32_t noticeNumber = 0;
   Text text;
 };
 
@@ -101,28 +101,28 @@ class FakeEngine {
   virtual ~FakeEngine() = default;
 
   /// The standing answer of a function, to be changed in place. An unknown name throws.
-  Reply& on(const std::string& function) { return standing_[known(function)]; }
+  Reply& on(const std::string& function) { return standingReplies[known(function)]; }
   /// An answer for one call; several are used in order, then the standing one.
-  Reply& once(const std::string& function) { return queued_[known(function)].emplace_back(); }
+  Reply& once(const std::string& function) { return queuedReplies[known(function)].emplace_back(); }
 
-  const std::vector<Call>& calls() const { return calls_; }
+  const std::vector<Call>& calls() const { return madeCalls; }
   std::vector<std::string> names() const {
     std::vector<std::string> all;
-    for (const Call& call : calls_) all.push_back(call.function);
+    for (const Call& call : madeCalls) all.push_back(call.function);
     return all;
   }
   size_t count(const std::string& function) const {
     size_t found = 0;
-    for (const Call& call : calls_) found += call.function == known(function) ? 1 : 0;
+    for (const Call& call : madeCalls) found += call.function == known(function) ? 1 : 0;
     return found;
   }
   /// The one call of a function; throws unless there was exactly one.
   const Call& only(const std::string& function) const {
     if (count(function) != 1) throw std::logic_error(function + ": " + std::to_string(count(function)) + " calls");
-    return *std::find_if(calls_.begin(), calls_.end(), [&](const Call& c) { return c.function == function; });
+    return *std::find_if(madeCalls.begin(), madeCalls.end(), [&](const Call& c) { return c.function == function; });
   }
-  const Call& last() const { return calls_.at(calls_.size() - 1); }
-  void forgetCalls() { calls_.clear(); }
+  const Call& last() const { return madeCalls.at(madeCalls.size() - 1); }
+  void forgetCalls() { madeCalls.clear(); }
 
   /// Buffers and result blocks that have not been given back, by the function that handed them out.
   virtual std::vector<std::string> outstanding() const = 0;
@@ -140,9 +140,9 @@ class FakeEngine {
   /// `function` itself, if the engine exports it.
   virtual const std::string& known(const std::string& function) const = 0;
 
-  std::vector<Call> calls_;
-  std::map<std::string, Reply> standing_;
-  std::map<std::string, std::deque<Reply>> queued_;
+  std::vector<Call> madeCalls;
+  std::map<std::string, Reply> standingReplies;
+  std::map<std::string, std::deque<Reply>> queuedReplies;
 };
 
 }  // namespace fake

@@ -118,7 +118,7 @@ struct {
     {L"kind", kKind, 1},            // the type of the VARIANT, which JScript cannot tell
     {L"load", kLoad, 1},            // (path): the bytes of a file
     {L"save", kSave, 2},            // (path, bytes)
-    {L"misbehave", kMisbehave, 1},  // (how), for the test of the runner
+    {L"Misbehave", kMisbehave, 1},  // (how), for the test of the runner
 };
 
 class Arrays final : public IDispatch, public IClassFactory {
@@ -177,7 +177,7 @@ class Arrays final : public IDispatch, public IClassFactory {
     std::string bytes;
     HRESULT hr = BytesOf(first, &bytes);
     if (FAILED(hr)) return hr;
-    if (id == kMisbehave) return misbehave(bytes), S_OK;
+    if (id == kMisbehave) return Misbehave(bytes), S_OK;
     return id == kText ? TextFrom(bytes, result) : ArrayFrom(bytes, id == kBytes ? VT_UI1 : VT_VARIANT, result);
   }
 };

@@ -4,20 +4,20 @@
 
 namespace {
 
-fake::AltName altName(const std::string& prefix) {
+fake::AltName AltNameWith(const std::string& prefix) {
   fake::AltName name;
   for (size_t i = 0; i < name.size(); ++i) name[i] = prefix + std::to_string(i);
   return name;
 }
 
-std::wstring extraNameOf(IAltName* name) {
+std::wstring ExtraNameOf(IAltName* name) {
   Bstr value;
   void* slot = (*reinterpret_cast<void***>(name))[35];
   EXPECT_OK(reinterpret_cast<HRESULT(STDMETHODCALLTYPE*)(IAltName*, BSTR*)>(slot)(name, value.inOut()));
   return value.text();
 }
 
-void expectAltName(IAltName* name, const std::string& prefix) {
+void ExpectAltName(IAltName* name, const std::string& prefix) {
   ASSERT_NE(nullptr, name);
   using Get = HRESULT (STDMETHODCALLTYPE IAltName::*)(BSTR*);
   const Get gets[]{&IAltName::get_emailAddress,
@@ -35,10 +35,10 @@ void expectAltName(IAltName* name, const std::string& prefix) {
                    &IAltName::get_physicalDelivery,
                    &IAltName::get_exchange_address};
   for (size_t i = 0; i < std::size(gets); ++i) EXPECT_EQ(Widen(prefix + std::to_string(i)), TextOf(name, gets[i])) << i;
-  EXPECT_EQ(Widen(prefix + "14"), extraNameOf(name));
+  EXPECT_EQ(Widen(prefix + "14"), ExtraNameOf(name));
 }
 
-void expectPolicies(ICertificate* certificate) {
+void ExpectPolicies(ICertificate* certificate) {
   Variant value;
   EXPECT_OK(certificate->get_policies(value.out()));
   const auto policies = ObjectsOf<IPolicy>(value);
@@ -53,7 +53,7 @@ void expectPolicies(ICertificate* certificate) {
   EXPECT_EQ(L"", TextOf(policies[1].get(), &IPolicy::get_org_name));
 }
 
-void expectExtensions(ICertificate* certificate) {
+void ExpectExtensions(ICertificate* certificate) {
   Variant value, data, noData;
   EXPECT_OK(certificate->get_extensions(value.out()));
   const auto extensions = ObjectsOf<IExtension>(value);
@@ -70,7 +70,7 @@ void expectExtensions(ICertificate* certificate) {
   EXPECT_EQ(VT_EMPTY, noData.type());
 }
 
-void expectTimes(ICertificate* certificate) {
+void ExpectTimes(ICertificate* certificate) {
   DATE date = 0;
   EXPECT_OK(certificate->get_notBefore(&date));
   EXPECT_DOUBLE_EQ(25570.0, date);
@@ -99,8 +99,8 @@ fake::Certificate FullCertificate() {
   full.notBeforePrivate = 3 * 86400;
   full.notAfterPrivate = 4 * 86400;
   full.keyUsage = 0x1FF;
-  full.issuerAltName = altName("issuer-");
-  full.subjectAltName = altName("subject-");
+  full.issuerAltName = AltNameWith("issuer-");
+  full.subjectAltName = AltNameWith("subject-");
   full.policies = {{"1.2.1", "organization", 7, "notice"}, {"1.2.2", {}, 0, {}}};
   full.extKeyUsage = {"1.3.6.1", fake::Text{}, "1.3.6.2"};
   full.extensions = {{"2.5.29.1", 3, 1, {4, 5, 6}}, {"2.5.29.2", 0, 0, {}}};
@@ -133,16 +133,16 @@ void ExpectFullCertificate(ICertificate* certificate, int fields) {
   EXPECT_EQ(L"key-id", TextOf(certificate, &ICertificate::get_keyId));
   EXPECT_OK(certificate->get_keyUsage(&usage));
   EXPECT_EQ(0x1FF, static_cast<int>(usage));
-  expectTimes(certificate);
+  ExpectTimes(certificate);
   Ptr<IAltName> issuerName, subjectName;
   EXPECT_OK(certificate->get_issuerAltName(issuerName.out()));
-  expectAltName(issuerName, "issuer-");
+  ExpectAltName(issuerName, "issuer-");
   EXPECT_OK(certificate->get_subjectAltName(subjectName.out()));
-  expectAltName(subjectName, "subject-");
-  expectPolicies(certificate);
+  ExpectAltName(subjectName, "subject-");
+  ExpectPolicies(certificate);
   EXPECT_OK(certificate->get_extKeyUsage(usages.out()));
   EXPECT_EQ((std::vector<std::wstring>{L"1.3.6.1", L"", L"1.3.6.2"}), StringsOf(usages));
-  expectExtensions(certificate);
+  ExpectExtensions(certificate);
   EXPECT_OK(certificate->get_certEncoded(encoded.out()));
   EXPECT_EQ((Bytes{0x30, 0x82, 0x00}), PlainBytesOf(encoded));
   EXPECT_OK(certificate->get_certHash(hash.out()));

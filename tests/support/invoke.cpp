@@ -7,7 +7,7 @@
 
 namespace {
 
-LateResult finish(HRESULT raw, EXCEPINFO& exception) {
+LateResult Finish(HRESULT raw, EXCEPINFO& exception) {
   LateResult outcome;
   outcome.raw = outcome.result = raw;
   if (raw == DISP_E_EXCEPTION) {
@@ -26,7 +26,7 @@ namespace {
 
 using Invoker = std::function<HRESULT(DISPID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*)>;
 
-LateResult invokeWith(const Invoker& invoker, IDispatch* object, const LateCall& call) {
+LateResult InvokeWith(const Invoker& invoker, IDispatch* object, const LateCall& call) {
   std::vector<LPOLESTR> names{const_cast<LPOLESTR>(call.member.c_str())};
   for (const auto& [name, value] : call.named) names.push_back(const_cast<LPOLESTR>(name.c_str()));
   std::vector<DISPID> ids(names.size());
@@ -51,7 +51,7 @@ LateResult invokeWith(const Invoker& invoker, IDispatch* object, const LateCall&
   UINT badArgument = 0xFFFF;
   const HRESULT raw =
       invoker(ids[0], call.kind, &parameters, call.wantsResult ? value.out() : nullptr, &exception, &badArgument);
-  LateResult outcome = finish(raw, exception);
+  LateResult outcome = Finish(raw, exception);
   outcome.badArgument = badArgument;
   outcome.value = std::move(value);
   return outcome;
@@ -60,7 +60,7 @@ LateResult invokeWith(const Invoker& invoker, IDispatch* object, const LateCall&
 }  // namespace
 
 LateResult Invoke(IDispatch* object, const LateCall& call) {
-  return invokeWith(
+  return InvokeWith(
       [&](DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
         return object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, parameters, result, exception, badArgument);
       },
@@ -76,7 +76,7 @@ LateResult InvokeByPlatform(IDispatch* object, const LateCall& call) {
   Ptr<IDispatch> typed;
   object->QueryInterface(attributes->guid, typed.voidOut());
   info->ReleaseTypeAttr(attributes);
-  return invokeWith(
+  return InvokeWith(
       [&](DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
         return info->Invoke(typed.get(), id, flags, parameters, result, exception, badArgument);
       },

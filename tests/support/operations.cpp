@@ -92,14 +92,14 @@ size_t Operation::place(const std::string& type) const {
 }
 
 const std::vector<Operation>& Operations() {
-  static const std::vector<Operation> operations = [] {
+  static const std::vector<Operation> kOperations = [] {
     std::vector<Operation> found;
     for (const Member& member : MembersOf("IQUIVO")) {
       if (!kOthers.contains(member.name)) found.push_back({member.name, FunctionOf(member.name), member});
     }
     return found;
   }();
-  return operations;
+  return kOperations;
 }
 
 const Operation& OperationNamed(const std::string& name) {
@@ -112,22 +112,22 @@ std::vector<Operation> OperationsEnding(const std::string& end) {
 }
 
 Output OutputOf(const Argument& argument) {
-  static const std::map<std::string, Output> others{{"VerifyResults", Output::kObjects},
-                                                    {"FindResult", Output::kObjects},
-                                                    {"left", Output::kNumber},
-                                                    {"err_text", Output::kText},
-                                                    {"var_cert_str", Output::kText}};
+  static const std::map<std::string, Output> kOtherKinds{{"VerifyResults", Output::kObjects},
+                                                         {"FindResult", Output::kObjects},
+                                                         {"left", Output::kNumber},
+                                                         {"err_text", Output::kText},
+                                                         {"var_cert_str", Output::kText}};
   if (argument.type == "ICertificate**") return Output::kCertificate;
   if (argument.type == "BSTR*") return Output::kText;
-  const auto found = others.find(argument.name);
-  return found == others.end() ? Output::kBytes : found->second;
+  const auto found = kOtherKinds.find(argument.name);
+  return found == kOtherKinds.end() ? Output::kBytes : found->second;
 }
 
 bool OperationArgument::isOptional() const {
-  static const std::set<std::string> optional{"SignFile_data",       "SignFile_sign_in",      "VerifyFile_data",
-                                              "VerifyFile_sign_out", "StrSignFile_data",      "StrSignFile_sign_in",
-                                              "StrVerifyFile_data",  "StrVerifyFile_sign_out"};
-  return optional.contains(name);
+  static const std::set<std::string> kOptional{"SignFile_data",       "SignFile_sign_in",      "VerifyFile_data",
+                                               "VerifyFile_sign_out", "StrSignFile_data",      "StrSignFile_sign_in",
+                                               "StrVerifyFile_data",  "StrVerifyFile_sign_out"};
+  return kOptional.contains(name);
 }
 
 bool OperationArgument::isAlwaysWritten() const {

@@ -174,8 +174,8 @@ Ptr<ITypeInfo> VirtualTableOf(ITypeInfo* info) {
 std::ostream& operator<<(std::ostream& out, const CoClass& coclass) { return out << coclass.name; }
 
 const std::vector<CoClass>& Classes() {
-  static const std::vector<CoClass> classes = ReadClasses();
-  return classes;
+  static const std::vector<CoClass> kClasses = ReadClasses();
+  return kClasses;
 }
 
 const CoClass& ClassOf(REFIID defaultInterface) {

@@ -5,17 +5,17 @@
 
 namespace {
 
-SAFEARRAY* vector(VARTYPE element, size_t count, LONG lowerBound) {
+SAFEARRAY* Vector(VARTYPE element, size_t count, LONG lowerBound) {
   return SafeArrayCreateVector(element, lowerBound, static_cast<ULONG>(count));
 }
 
 template <class T>
-T* dataOf(SAFEARRAY* array) {
+T* DataOf(SAFEARRAY* array) {
   return static_cast<T*>(array->pvData);
 }
 
 /// The array of a VARIANT that has to be one-dimensional, from 0, of `type`; null otherwise.
-SAFEARRAY* expectVector(const Variant& value, VARTYPE type) {
+SAFEARRAY* ExpectVector(const Variant& value, VARTYPE type) {
   EXPECT_EQ(type, value.type()) << "the type of the array";
   if (value.type() != type) return nullptr;
   SAFEARRAY* array = value.safeArray();
@@ -25,7 +25,7 @@ SAFEARRAY* expectVector(const Variant& value, VARTYPE type) {
   return array;
 }
 
-size_t countOf(SAFEARRAY* array) { return array == nullptr ? 0 : array->rgsabound[0].cElements; }
+size_t CountOf(SAFEARRAY* array) { return array == nullptr ? 0 : array->rgsabound[0].cElements; }
 
 }  // namespace
 
@@ -65,15 +65,15 @@ Variant Variant::array(VARTYPE element, SAFEARRAY* array) {
 }
 
 Variant ByteArray(const Bytes& content, LONG lowerBound) {
-  SAFEARRAY* array = vector(VT_UI1, content.size(), lowerBound);
-  std::copy(content.begin(), content.end(), dataOf<uint8_t>(array));
+  SAFEARRAY* array = Vector(VT_UI1, content.size(), lowerBound);
+  std::copy(content.begin(), content.end(), DataOf<uint8_t>(array));
   return Variant::array(VT_UI1, array);
 }
 
 Variant VbsByteArray(const Bytes& content, LONG lowerBound) {
-  SAFEARRAY* array = vector(VT_VARIANT, content.size(), lowerBound);
+  SAFEARRAY* array = Vector(VT_VARIANT, content.size(), lowerBound);
   for (size_t i = 0; i < content.size(); ++i) {
-    VARIANT& element = dataOf<VARIANT>(array)[i];
+    VARIANT& element = DataOf<VARIANT>(array)[i];
     V_VT(&element) = VT_UI1;
     V_UI1(&element) = content[i];
   }
@@ -81,15 +81,15 @@ Variant VbsByteArray(const Bytes& content, LONG lowerBound) {
 }
 
 Variant VariantArray(std::initializer_list<VARIANT> elements, LONG lowerBound) {
-  SAFEARRAY* array = vector(VT_VARIANT, elements.size(), lowerBound);
-  VARIANT* slot = dataOf<VARIANT>(array);
+  SAFEARRAY* array = Vector(VT_VARIANT, elements.size(), lowerBound);
+  VARIANT* slot = DataOf<VARIANT>(array);
   for (const VARIANT& element : elements) VariantCopy(slot++, const_cast<VARIANT*>(&element));
   return Variant::array(VT_VARIANT, array);
 }
 
 Variant ObjectArray(std::initializer_list<IDispatch*> elements, LONG lowerBound) {
-  SAFEARRAY* array = vector(VT_DISPATCH, elements.size(), lowerBound);
-  IDispatch** slot = dataOf<IDispatch*>(array);
+  SAFEARRAY* array = Vector(VT_DISPATCH, elements.size(), lowerBound);
+  IDispatch** slot = DataOf<IDispatch*>(array);
   for (IDispatch* element : elements) {
     if (element != nullptr) element->AddRef();
     *slot++ = element;
@@ -98,8 +98,8 @@ Variant ObjectArray(std::initializer_list<IDispatch*> elements, LONG lowerBound)
 }
 
 Variant StringArray(std::initializer_list<const wchar_t*> elements, LONG lowerBound) {
-  SAFEARRAY* array = vector(VT_BSTR, elements.size(), lowerBound);
-  BSTR* slot = dataOf<BSTR>(array);
+  SAFEARRAY* array = Vector(VT_BSTR, elements.size(), lowerBound);
+  BSTR* slot = DataOf<BSTR>(array);
   for (const wchar_t* element : elements) *slot++ = element == nullptr ? nullptr : SysAllocString(element);
   return Variant::array(VT_BSTR, array);
 }
@@ -131,15 +131,15 @@ Variant ManyDimensions(VARTYPE element, std::initializer_list<SAFEARRAYBOUND> bo
 }
 
 Bytes PlainBytesOf(const Variant& value) {
-  SAFEARRAY* array = expectVector(value, kByteArray);
-  return array == nullptr ? Bytes{} : Bytes(dataOf<uint8_t>(array), dataOf<uint8_t>(array) + countOf(array));
+  SAFEARRAY* array = ExpectVector(value, kByteArray);
+  return array == nullptr ? Bytes{} : Bytes(DataOf<uint8_t>(array), DataOf<uint8_t>(array) + CountOf(array));
 }
 
 Bytes VbsBytesOf(const Variant& value) {
-  SAFEARRAY* array = expectVector(value, kVbsArray);
+  SAFEARRAY* array = ExpectVector(value, kVbsArray);
   Bytes content;
-  for (size_t i = 0; i < countOf(array); ++i) {
-    const VARIANT& element = dataOf<VARIANT>(array)[i];
+  for (size_t i = 0; i < CountOf(array); ++i) {
+    const VARIANT& element = DataOf<VARIANT>(array)[i];
     EXPECT_EQ(VT_UI1, V_VT(&element)) << "element " << i;
     content.push_back(V_UI1(&element));
   }
@@ -147,10 +147,10 @@ Bytes VbsBytesOf(const Variant& value) {
 }
 
 std::vector<std::wstring> StringsOf(const Variant& value) {
-  SAFEARRAY* array = expectVector(value, kStringArray);
+  SAFEARRAY* array = ExpectVector(value, kStringArray);
   std::vector<std::wstring> texts;
-  for (size_t i = 0; i < countOf(array); ++i) {
-    const BSTR text = dataOf<BSTR>(array)[i];
+  for (size_t i = 0; i < CountOf(array); ++i) {
+    const BSTR text = DataOf<BSTR>(array)[i];
     EXPECT_NE(nullptr, text) << "a null string at " << i;
     texts.emplace_back(text == nullptr ? L"" : text, SysStringLen(text));
   }
@@ -158,9 +158,9 @@ std::vector<std::wstring> StringsOf(const Variant& value) {
 }
 
 std::vector<Ptr<IDispatch>> ObjectsOf(const Variant& value) {
-  SAFEARRAY* array = expectVector(value, kObjectArray);
+  SAFEARRAY* array = ExpectVector(value, kObjectArray);
   std::vector<Ptr<IDispatch>> found;
-  for (size_t i = 0; i < countOf(array); ++i) found.push_back(Ptr<IDispatch>::share(dataOf<IDispatch*>(array)[i]));
+  for (size_t i = 0; i < CountOf(array); ++i) found.push_back(Ptr<IDispatch>::share(DataOf<IDispatch*>(array)[i]));
   return found;
 }
 

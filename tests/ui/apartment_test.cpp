@@ -70,7 +70,7 @@ TEST_F(MultithreadedApartment, ItsClientSeesTheSheetAndGetsTheResult) {
   {
     User atSheet(kSheetCaption, [&](HWND sheet) {
       sheetThread = GetWindowThreadProcessId(sheet, nullptr);
-      press(sheet, IDOK);
+      Press(sheet, IDOK);
     });
     MultithreadedClient client([&] {
       clientThread = GetCurrentThreadId();
@@ -94,7 +94,7 @@ TEST_F(MultithreadedApartment, ACallThatArrivesWhileTheSheetIsShownIsServed) {
   {
     User atSheet(kSheetCaption, [&](HWND sheet) {
       MultithreadedClient([&] { uninit = made->Uninit(); });
-      press(sheet, IDOK);
+      Press(sheet, IDOK);
     });
     MultithreadedClient client([&] {
       made = createInstance();
@@ -114,11 +114,11 @@ TEST_F(MultithreadedApartment, FileOpenOnItsThreadVerifiesAndSaves) {
   letWrite("QUIVO_VerifyFile", 4, "verified");
   const std::wstring file = create(L"a.txt.p7s");
   {
-    User atSheet(kSheetCaption, [](HWND sheet) { press(sheet, IDOK); });
+    User atSheet(kSheetCaption, [](HWND sheet) { Press(sheet, IDOK); });
     User atDialog(
         L"save dialog",
         [](HWND window) { return GetDlgItem(window, cmb1) != nullptr && GetDlgItem(window, IDOK) != nullptr; },
-        [](HWND dialog) { press(dialog, IDOK); });
+        [](HWND dialog) { Press(dialog, IDOK); });
     MultithreadedClient client([&] {
       using Entry = void(CALLBACK*)(HWND, HINSTANCE, LPSTR, int);
       std::string line = AnsiOf(file);

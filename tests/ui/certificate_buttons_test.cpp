@@ -23,7 +23,7 @@ class CertificateButtons : public ResultsSheetTest {
   std::vector<int> shownFor(const std::function<void(HWND)>& clicks, const std::function<HRESULT()>& method) {
     User user(kSheetCaption, [&](HWND sheet) {
       clicks(sheet);
-      press(sheet, IDOK);
+      Press(sheet, IDOK);
     });
     EXPECT_OK(method());
     std::vector<int> marks;

@@ -17,16 +17,16 @@ class LegacyMessageWindows : public UiTest {
   void expectMessage(const std::wstring& text, uint32_t result, const std::function<HRESULT()>& method) {
     SeenWindow box;
     {
-      User user(kSheetCaption, lookAndPress(box, IDOK));
+      User user(kSheetCaption, LookAndPress(box, IDOK));
       EXPECT_HR(result, method());
     }
-    EXPECT_EQ(text, textOfMessage(box));
+    EXPECT_EQ(text, TextOfMessage(box));
     EXPECT_EQ(std::vector<int>{IDOK}, box.visible(L"Button"));
     bool hasIcon = false;
     for (const SeenControl& control : box.controls)
       hasIcon = hasIcon || (control.kind == L"Static" && (control.style & SS_TYPEMASK) == SS_ICON && control.visible);
     EXPECT_TRUE(hasIcon);
-    User user(kSheetCaption, pressCloseBox);
+    User user(kSheetCaption, PressCloseBox);
     EXPECT_HR(result, method());
   }
 };

@@ -12,8 +12,8 @@ class ResultsSheetWindows : public ResultsSheetTest {
     SeenSheet seen;
     User user(kSheetCaption, [&](HWND sheet) {
       seen = LookAtSheet(sheet);
-      if (!picture.empty()) takePicture(picture);
-      press(sheet, IDOK);
+      if (!picture.empty()) TakePicture(picture);
+      Press(sheet, IDOK);
     });
     EXPECT_HR(result, method());
     return seen;
@@ -160,9 +160,9 @@ TEST_F(ResultsSheetWindows, OfAFailedSigner) {
 TEST_F(ResultsSheetWindows, EveryAnswerButOkIsARefusal) {
   using Answer = std::function<void(HWND)>;
   const std::pair<Answer, HRESULT> answers[] = {
-      {[](HWND sheet) { press(sheet, IDOK); }, S_OK},
-      {[](HWND sheet) { press(sheet, IDCANCEL); }, S_FALSE},
-      {pressCloseBox, S_FALSE},
+      {[](HWND sheet) { Press(sheet, IDOK); }, S_OK},
+      {[](HWND sheet) { Press(sheet, IDCANCEL); }, S_FALSE},
+      {PressCloseBox, S_FALSE},
   };
   addSigner("QUIVO_VerifyFile", 0, 1, L"CN=A");
   for (const auto& [answer, result] : answers) {
@@ -178,11 +178,11 @@ TEST_F(ResultsSheetWindows, EveryAnswerButOkIsARefusal) {
 TEST_F(ResultsSheetWindows, ARefusedSignatureIsNotAddedTo) {
   letWrite("QUIVO_SignFile", 4, "signed");
   {
-    User user(kSheetCaption, [](HWND sheet) { press(sheet, IDCANCEL); });
+    User user(kSheetCaption, [](HWND sheet) { Press(sheet, IDCANCEL); });
     EXPECT_HR(S_FALSE, object->Sign(Bstr(in), Bstr(path(L"signed")), 0));
   }
   EXPECT_FALSE(exists(L"signed"));
-  User user(kSheetCaption, [](HWND sheet) { press(sheet, IDOK); });
+  User user(kSheetCaption, [](HWND sheet) { Press(sheet, IDOK); });
   EXPECT_OK(object->Sign(Bstr(in), Bstr(path(L"signed")), 0));
   EXPECT_EQ("signed", contentOf(L"signed"));
 }

@@ -52,7 +52,7 @@ HICON IconOf(HWND page, int control) {
 
 SeenSheet LookAtSheet(HWND sheet) {
   SeenSheet seen;
-  seen.window = look(sheet);
+  seen.window = Look(sheet);
   const auto page = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
   seen.list = LookAtList(GetDlgItem(page, 201));
   for (const Placed& control : kControls) {

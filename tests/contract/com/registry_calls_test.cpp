@@ -181,7 +181,7 @@ TEST_F(RegistryCallsTest, LibraryWhoseKeyCannotBeReadCountsAsRegistered) {
 using RegistrationMemoryTest = RegistrationTest;
 
 /// Of the first class alone: the scripts of the others do not come into it.
-RegistryTree keysOfTheFirstClass() {
+RegistryTree KeysOfTheFirstClass() {
   RegistryTree keys = KeysOf(kRegistered[0], Module::get().path());
   keys[L"CLSID"] = kNoValue;
   return keys;
@@ -198,7 +198,7 @@ TEST_F(RegistrationMemoryTest, ScriptThatCannotBeParsedWritesNothing) {
   }
   // The last run failed in the script of the second class.
   EXPECT_GT(allocations, 1);
-  EXPECT_TREE(keysOfTheFirstClass(), ClassesIn(root()));
+  EXPECT_TREE(KeysOfTheFirstClass(), ClassesIn(root()));
   EXPECT_FALSE(KeyExists(root(), L"TypeLib"));
 }
 
@@ -214,7 +214,7 @@ TEST_F(RegistrationMemoryTest, ScriptThatCannotBeParsedRemovesNothing) {
       EXPECT_GT(allocations, 1);
       break;
     }
-    EXPECT_TREE(keysOfTheFirstClass(), ClassesIn(root()));
+    EXPECT_TREE(KeysOfTheFirstClass(), ClassesIn(root()));
   }
 }
 

@@ -69,14 +69,14 @@ TEST_F(FileOpenPathTest, AResultThatTheEnvironmentTurnsIntoAnotherIsNotOpened) {
 }
 
 template <DWORD answer>
-DWORD WINAPI expandTo(LPCSTR text, LPSTR expanded, DWORD) {
+DWORD WINAPI ExpandTo(LPCSTR text, LPSTR expanded, DWORD) {
   lstrcpyA(expanded, text);
   return answer;
 }
 
 TEST_F(FileOpenPathTest, AResultThatCannotBeExpandedIsNotOpened) {
   setExecuteResult(1);
-  for (void* expand : {reinterpret_cast<void*>(expandTo<0>), reinterpret_cast<void*>(expandTo<100000>)}) {
+  for (void* expand : {reinterpret_cast<void*>(ExpandTo<0>), reinterpret_cast<void*>(ExpandTo<100000>)}) {
     const ImportPatch expanding(Module::get().handle(), "ExpandEnvironmentStringsA", expand);
     open(create(L"a.txt.p7s"));
     EXPECT_EQ(0u, desktop.executions.size());

@@ -111,14 +111,14 @@ TEST_F(LegacyFiles, AFolderIsNoInput) {
   EXPECT_EQ(0u, engine().count("QUIVO_DecryptFile") + engine().count("QUIVO_DecryptAndVerifyFile"));
 }
 
-BOOL WINAPI refuseAttributes(LPCSTR, DWORD) {
+BOOL WINAPI RefuseAttributes(LPCSTR, DWORD) {
   SetLastError(ERROR_WRITE_PROTECT);
   return FALSE;
 }
 
 TEST_F(LegacyFiles, AnInputThatStaysReadOnlyIsTold) {
   InputFile in(FILE_ATTRIBUTE_READONLY);
-  ImportPatch refuse(Module::get().handle(), "SetFileAttributesA", reinterpret_cast<void*>(refuseAttributes));
+  ImportPatch refuse(Module::get().handle(), "SetFileAttributesA", reinterpret_cast<void*>(RefuseAttributes));
   EXPECT_HR(S_FALSE, unencrypt(in));
   expectMessage(L"Ошибка доступа к файлу " + in.path() + L".");
   EXPECT_EQ(ERROR_WRITE_PROTECT, engine().only("QUIVO_GetErrorText").number(0));

@@ -8,7 +8,7 @@ using Names = std::vector<std::string>;
 
 Names events;
 
-LSTATUS WINAPI closeKey(HKEY key) {
+LSTATUS WINAPI CloseKey(HKEY key) {
   events.push_back("close");
   return RegCloseKey(key);
 }
@@ -37,7 +37,7 @@ TEST_F(LegacyOrder, InitReadsTheClockOnceBeforeTheEngineOpens) {
 
 TEST_F(LegacyOrder, InitShowsItsFailureBeforeItClosesTheKey) {
   WriteKey(HKEY_LOCAL_MACHINE, kLegacyKey);
-  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(closeKey));
+  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(CloseKey));
   events.clear();
   desktop.duringMessage = [] { events.push_back("message"); };
   engine().on("QUIVO_Initialize").result = 0x7005;
@@ -47,7 +47,7 @@ TEST_F(LegacyOrder, InitShowsItsFailureBeforeItClosesTheKey) {
 
 TEST_F(LegacyOrder, InitWritesTheTimesBeforeItClosesTheKey) {
   WriteKey(HKEY_LOCAL_MACHINE, kLegacyKey);
-  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(closeKey));
+  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(CloseKey));
   events.clear();
   engine().on("QUIVO_Initialize").during = [] { events.push_back("open"); };
   EXPECT_OK(object->Init(Bstr(L"My")));

@@ -99,12 +99,12 @@ TEST_F(LegacyRecipients, WithoutEngineMemoryNothingIsAdded) {
   EXPECT_EQ(Bytes{2}, recipients()[0].blob(376));
 }
 
-void* noMemory(void*, size_t) { return nullptr; }
+void* NoMemory(void*, size_t) { return nullptr; }
 
 TEST_F(LegacyRecipients, AListThatCannotGrowKeepsWhatItHas) {
   EXPECT_OK(object->AddRecipDERCert(DerOf({1})));
   {
-    ImportPatch full(Module::get().handle(), "realloc", reinterpret_cast<void*>(noMemory));
+    ImportPatch full(Module::get().handle(), "realloc", reinterpret_cast<void*>(NoMemory));
     EXPECT_HR(kNoMemory, object->AddRecipDERCert(DerOf({2})));
     EXPECT_EQ(1u, engine().count("QUIVO_AllocMem"));
   }
@@ -113,7 +113,7 @@ TEST_F(LegacyRecipients, AListThatCannotGrowKeepsWhatItHas) {
 }
 
 TEST_F(LegacyRecipients, WhatDoesNotFitIntoTheListIsGivenBack) {
-  ImportPatch full(Module::get().handle(), "realloc", reinterpret_cast<void*>(noMemory));
+  ImportPatch full(Module::get().handle(), "realloc", reinterpret_cast<void*>(NoMemory));
   EXPECT_HR(kNoMemory, object->SetRecipients(Bstr(L"")));
   EXPECT_HR(kNoMemory, object->SetRecipients(Bstr(L"SMTP:a;SMTP:b")));
   EXPECT_EQ(2u, searches().size());

@@ -120,32 +120,32 @@ TEST_F(LegacySession, FewerThanFourBytesAreNoNumber) {
   const DWORD past = now() - 2880 * 60 - 1;
   setPeriods(past, 1, past, 1);
   HKEY key = nullptr;
-  const BYTE long_period[] = {0xFF, 0xFF};
+  const BYTE longPeriod[] = {0xFF, 0xFF};
   RegOpenKeyExW(HKEY_LOCAL_MACHINE, kLegacyKey, 0, KEY_WRITE, &key);
-  RegSetValueExW(key, L"CrlUpdatePeriod", 0, REG_DWORD, long_period, sizeof long_period);
-  RegSetValueExW(key, L"KeyCheckPeriod", 0, REG_DWORD, long_period, sizeof long_period);
+  RegSetValueExW(key, L"CrlUpdatePeriod", 0, REG_DWORD, longPeriod, sizeof longPeriod);
+  RegSetValueExW(key, L"KeyCheckPeriod", 0, REG_DWORD, longPeriod, sizeof longPeriod);
   RegCloseKey(key);
   EXPECT_EQ(6u, flagsOfInit());
 }
 
 std::vector<std::string> queries;
 
-LSTATUS WINAPI openKey(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
+LSTATUS WINAPI OpenKey(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
   char entry[16];
   wsprintfA(entry, "open 0x%X", access);
   queries.push_back(entry);
   return RegOpenKeyExA(root, path, options, access, key);
 }
 
-LSTATUS WINAPI queryValue(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
+LSTATUS WINAPI QueryValue(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
   queries.push_back(name);
   return RegQueryValueExA(key, name, reserved, type, data, size);
 }
 
 TEST_F(LegacySession, PeriodsAreReadInTheirOrderThroughAReadOnlyKey) {
   WriteKey(HKEY_LOCAL_MACHINE, kLegacyKey);
-  const ImportPatch opening(Module::get().handle(), "RegOpenKeyExA", reinterpret_cast<void*>(openKey));
-  const ImportPatch querying(Module::get().handle(), "RegQueryValueExA", reinterpret_cast<void*>(queryValue));
+  const ImportPatch opening(Module::get().handle(), "RegOpenKeyExA", reinterpret_cast<void*>(OpenKey));
+  const ImportPatch querying(Module::get().handle(), "RegQueryValueExA", reinterpret_cast<void*>(QueryValue));
   queries.clear();
   flagsOfInit();
   EXPECT_EQ((std::vector<std::string>{"open 0x20019", "LastCrlUpdateTime", "CrlUpdatePeriod", "LastKeyCheckTime",

@@ -10,7 +10,7 @@
 namespace {
 
 /// Answers with everything that an engine can hand out.
-void answerRichly(fake::FakeEngine& engine) {
+void AnswerRichly(fake::FakeEngine& engine) {
   for (const OperationArgument& row : OutputsOf(Output::kBytes)) engine.on(row.function).output = {1, 2, 3};
   for (const OperationArgument& row : OutputsOf(Output::kObjects)) {
     engine.on(row.function).signatures = {{0, 0, FullCertificate()}, {5, 0, {}}};
@@ -25,7 +25,7 @@ void answerRichly(fake::FakeEngine& engine) {
 
 class AllocationFailureTest : public ContractTest, public ::testing::WithParamInterface<Operation> {
  protected:
-  void SetUp() override { answerRichly(engine()); }
+  void SetUp() override { AnswerRichly(engine()); }
 
   /// Runs the call with each allocation failing in turn, until one run needs no more of them. `first` is the result
   /// when the first of them fails.

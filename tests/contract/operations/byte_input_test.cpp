@@ -29,7 +29,7 @@ class ByteInputTest : public ContractTest, public ::testing::WithParamInterface<
   std::optional<Objects> objects_;
 };
 
-uintptr_t dataOf(const Variant& value) { return reinterpret_cast<uintptr_t>(value.safeArray()->pvData); }
+uintptr_t DataOf(const Variant& value) { return reinterpret_cast<uintptr_t>(value.safeArray()->pvData); }
 
 TEST_P(ByteInputTest, EmptyVariantIsAnAbsentBlob) {
   EXPECT_OK(pass(Variant()));
@@ -41,7 +41,7 @@ TEST_P(ByteInputTest, ByteArrayReachesTheEngineInPlace) {
   Variant value = ByteArray({7, 0, 255});
   EXPECT_OK(pass(value));
   EXPECT_EQ((Bytes{7, 0, 255}), received());
-  EXPECT_EQ(dataOf(value), receivedData());
+  EXPECT_EQ(DataOf(value), receivedData());
 }
 
 TEST_P(ByteInputTest, ByteArrayIsLockedDuringTheCallOnly) {
@@ -57,13 +57,13 @@ TEST_P(ByteInputTest, ByteArrayByReferenceReachesTheEngineInPlace) {
   Variant value = ByteArray({1, 2});
   EXPECT_OK(pass(ByRefArray(value)));
   EXPECT_EQ((Bytes{1, 2}), received());
-  EXPECT_EQ(dataOf(value), receivedData());
+  EXPECT_EQ(DataOf(value), receivedData());
 }
 
 TEST_P(ByteInputTest, VariantByReferenceCountsAsWhatItPointsTo) {
   Variant value = ByteArray({1, 2});
   EXPECT_OK(pass(ByRef(value)));
-  EXPECT_EQ(dataOf(value), receivedData());
+  EXPECT_EQ(DataOf(value), receivedData());
 }
 
 TEST_P(ByteInputTest, EmptyVariantByReferenceIsAnAbsentBlob) {
@@ -76,7 +76,7 @@ TEST_P(ByteInputTest, ReferenceToAnArrayReferenceIsFollowed) {
   Variant value = ByteArray({5});
   Variant reference = ByRefArray(value);
   EXPECT_OK(pass(ByRef(reference)));
-  EXPECT_EQ(dataOf(value), receivedData());
+  EXPECT_EQ(DataOf(value), receivedData());
 }
 
 TEST_P(ByteInputTest, OnlyOneLevelOfReferenceIsFollowed) {
@@ -124,7 +124,7 @@ TEST_P(ByteInputTest, VbsArrayReachesTheEngineAsACopy) {
   Variant value = VbsByteArray({9, 0, 255});
   EXPECT_OK(pass(value));
   EXPECT_EQ((Bytes{9, 0, 255}), received());
-  EXPECT_NE(dataOf(value), receivedData());
+  EXPECT_NE(DataOf(value), receivedData());
 }
 
 TEST_P(ByteInputTest, VbsArrayIsUnlockedBeforeTheCall) {

@@ -9,7 +9,7 @@
 namespace {
 
 /// Fills the part of the stack that the next call uses, so that a variable without a value has a telling one.
-[[gnu::noinline]] void soilStack() {
+[[gnu::noinline]] void SoilStack() {
   uint8_t dirt[48 * 1024];
   std::memset(dirt, 0x5A, sizeof dirt);
   asm volatile("" : : "r"(dirt) : "memory");
@@ -21,7 +21,7 @@ class UnwrittenBytesTest : public ContractTest, public ::testing::WithParamInter
  protected:
   void SetUp() override { reply().writesNothing = true; }
   HRESULT run(bool vbs) {
-    soilStack();
+    SoilStack();
     return GetParam().callInForm(objects, vbs, output.out());
   }
   fake::Reply& reply() { return engine().on(GetParam().function); }
@@ -63,7 +63,7 @@ class UnwrittenOutputTest : public ContractTest {
   void expectResult(const char* function, int32_t result, Call call) {
     SCOPED_TRACE(function);
     silent(function).result = result;
-    soilStack();
+    SoilStack();
     EXPECT_HR(result == 0 ? 0u : 0xE0690000u | static_cast<uint32_t>(result), call());
   }
 
@@ -117,9 +117,9 @@ TEST_F(UnwrittenOutputTest, SearchFindsNothing) {
   Variant found, text;
   expectResult("QUIVO_FindCert", 0, [&] { return quivo.FindCert(objects.find, found.out()); });
   EXPECT_EQ(0u, ObjectsOf(found).size());
-  soilStack();
+  SoilStack();
   EXPECT_HR(E_FAIL, quivo.GetMyCertB64(text.out()));
-  soilStack();
+  SoilStack();
   EXPECT_HR(E_FAIL, quivo.CheckOID(Bstr(L"1.2.3"), text.out()));
   EXPECT_EQ(L"Не найден рабочий сертификат", TextOf(text));
 }
@@ -142,7 +142,7 @@ TEST_F(UnwrittenOutputTest, TextsAreEmpty) {
   for (int32_t result : kResults) {
     Bstr text(L"before");
     silent("QUIVO_GetErrorText").result = result;
-    soilStack();
+    SoilStack();
     EXPECT_OK(quivo.GetPKIErrorText(5, text.inOut()));
     EXPECT_EQ(L"", text.text());
   }

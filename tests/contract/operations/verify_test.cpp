@@ -5,7 +5,7 @@
 
 namespace {
 
-size_t countOf(const Variant& results) { return ObjectsOf(results).size(); }
+size_t CountOf(const Variant& results) { return ObjectsOf(results).size(); }
 
 class VerifyMemTest : public ContractTest {
  protected:
@@ -68,7 +68,7 @@ TEST_F(VerifyMemTest, RejectedMessageStillHasItsResults) {
   reply().signatures = {{0, 0, CertificateOf("CN=good")}, {0x19, 0, {}}};
   output = Variant::text(L"before");
   EXPECT_HR(0xE0690019, verify(ByteArray({1}), Variant()));
-  ASSERT_EQ(2u, countOf(results));
+  ASSERT_EQ(2u, CountOf(results));
   long status = 0;
   EXPECT_OK(ObjectsOf<ISignStatus>(results)[1]->get_status(&status));
   EXPECT_EQ(0x19, status);
@@ -80,7 +80,7 @@ TEST_F(VerifyMemTest, ResultOneHasResultsButNoOutput) {
   reply().result = 1;
   reply().signatures = {{0, 0, {}}};
   EXPECT_HR(S_FALSE, verify(ByteArray({1}), Variant()));
-  EXPECT_EQ(1u, countOf(results));
+  EXPECT_EQ(1u, CountOf(results));
   EXPECT_EQ(VT_EMPTY, output.type());
 }
 
@@ -165,7 +165,7 @@ TEST_P(VerifyFileTest, UntrustedDataModeLeavesTheResultsAlone) {
 TEST_P(VerifyFileTest, ResultsAreFilledOnSuccess) {
   reply().signatures = {{0, 0, FullCertificate()}};
   EXPECT_OK(verify(nullptr, Bstr(L"in"), nullptr));
-  ASSERT_EQ(1u, countOf(results));
+  ASSERT_EQ(1u, CountOf(results));
   Ptr<ICertificate> cert;
   EXPECT_OK(ObjectsOf<ISignStatus>(results)[0]->get_cert(cert.out()));
   ExpectFullCertificate(cert);
@@ -175,13 +175,13 @@ TEST_P(VerifyFileTest, ResultsAreFilledOnFailureToo) {
   reply().result = 0x19;
   reply().signatures = {{0x19, 0, {}}};
   EXPECT_HR(0xE0690019, verify(nullptr, Bstr(L"in"), nullptr));
-  EXPECT_EQ(1u, countOf(results));
+  EXPECT_EQ(1u, CountOf(results));
   EXPECT_EQ(1u, engine().count("QUIVO_FreeVerifyResult"));
 }
 
 TEST_P(VerifyFileTest, NoSignaturesAreAnEmptyArray) {
   EXPECT_OK(verify(nullptr, Bstr(L"in"), nullptr));
-  EXPECT_EQ(0u, countOf(results));
+  EXPECT_EQ(0u, CountOf(results));
 }
 
 TEST_P(VerifyFileTest, FailureOfTheResultsIsReturnedMapped) {

@@ -91,8 +91,8 @@ SlotValue SlotOf(const Variant& value) {
 }
 
 const std::vector<Property>& AllProperties() {
-  static const std::vector<Property> all = FindProperties();
-  return all;
+  static const std::vector<Property> kAll = FindProperties();
+  return kAll;
 }
 
 std::vector<Property> TextProperties() {

@@ -20,14 +20,14 @@ class ReceiversTest : public ContractTest {
   Ptr<IEncryptParam> param_;
 };
 
-Ptr<ICertificate> receiver(const wchar_t* subject) {
+Ptr<ICertificate> Receiver(const wchar_t* subject) {
   Ptr<ICertificate> certificate = Make<ICertificate>();
   EXPECT_OK(certificate->put_subject(Bstr(subject)));
   return certificate;
 }
 
 TEST_F(ReceiversTest, ScriptArrayIsAccepted) {
-  Ptr<ICertificate> first = receiver(L"first"), second = receiver(L"second");
+  Ptr<ICertificate> first = Receiver(L"first"), second = Receiver(L"second");
   EXPECT_OK(put(VariantArray({Variant::object(first), Variant::object(second)})));
   EXPECT_EQ(2, record().i32(16));
   EXPECT_EQ("first", subject(0));
@@ -35,7 +35,7 @@ TEST_F(ReceiversTest, ScriptArrayIsAccepted) {
 }
 
 TEST_F(ReceiversTest, ScriptArrayReadsBackAsNullReferences) {
-  Ptr<ICertificate> first = receiver(L"first"), second = receiver(L"second");
+  Ptr<ICertificate> first = Receiver(L"first"), second = Receiver(L"second");
   EXPECT_OK(put(VariantArray({Variant::object(first), Variant::object(second)})));
   ASSERT_EQ(2u, kept().size());
   EXPECT_EQ(nullptr, kept()[0].get());
@@ -43,7 +43,7 @@ TEST_F(ReceiversTest, ScriptArrayReadsBackAsNullReferences) {
 }
 
 TEST_F(ReceiversTest, ScriptArrayByReferenceIsAccepted) {
-  Ptr<ICertificate> first = receiver(L"first");
+  Ptr<ICertificate> first = Receiver(L"first");
   Variant array = VariantArray({Variant::object(first)}, 3);
   Variant reference = ByRefArray(array);
   EXPECT_OK(put(reference));
@@ -54,15 +54,15 @@ TEST_F(ReceiversTest, ScriptArrayByReferenceIsAccepted) {
 }
 
 TEST_F(ReceiversTest, ScriptArrayIsUnlockedAfterwards) {
-  Ptr<ICertificate> first = receiver(L"first");
+  Ptr<ICertificate> first = Receiver(L"first");
   Variant array = VariantArray({Variant::object(first)});
   EXPECT_OK(put(array));
   EXPECT_EQ(0u, array.safeArray()->cLocks);
 }
 
 TEST_F(ReceiversTest, ScriptArrayThatCannotBeLockedChangesNothing) {
-  EXPECT_OK(put(ObjectArray({receiver(L"kept")})));
-  Variant array = VariantArray({Variant::object(receiver(L"first"))});
+  EXPECT_OK(put(ObjectArray({Receiver(L"kept")})));
+  Variant array = VariantArray({Variant::object(Receiver(L"first"))});
   array.safeArray()->cLocks = 0xFFFF;
   EXPECT_HR(E_UNEXPECTED, put(array));
   array.safeArray()->cLocks = 0;
@@ -71,7 +71,7 @@ TEST_F(ReceiversTest, ScriptArrayThatCannotBeLockedChangesNothing) {
 
 TEST_F(ReceiversTest, ReleasedReceiverLeavesNoFreedPointer) {
   {
-    Ptr<ICertificate> gone = receiver(L"gone");
+    Ptr<ICertificate> gone = Receiver(L"gone");
     EXPECT_OK(put(VariantArray({Variant::object(gone)})));
   }
   EXPECT_EQ(1, record().i32(16));
@@ -79,7 +79,7 @@ TEST_F(ReceiversTest, ReleasedReceiverLeavesNoFreedPointer) {
 }
 
 TEST_F(ReceiversTest, ScriptArrayReplacesHeldReceivers) {
-  Ptr<ICertificate> held = receiver(L"held"), script = receiver(L"script");
+  Ptr<ICertificate> held = Receiver(L"held"), script = Receiver(L"script");
   EXPECT_OK(put(ObjectArray({held})));
   EXPECT_OK(put(VariantArray({Variant::object(script)})));
   EXPECT_EQ(1u, held.references());
@@ -87,7 +87,7 @@ TEST_F(ReceiversTest, ScriptArrayReplacesHeldReceivers) {
 }
 
 TEST_F(ReceiversTest, ObjectsGivenAfterAScriptArrayAreReadBack) {
-  Ptr<ICertificate> script = receiver(L"script"), held = receiver(L"held");
+  Ptr<ICertificate> script = Receiver(L"script"), held = Receiver(L"held");
   EXPECT_OK(put(VariantArray({Variant::object(script)})));
   EXPECT_OK(put(ObjectArray({held})));
   ASSERT_EQ(1u, kept().size());
@@ -101,19 +101,19 @@ TEST_F(ReceiversTest, NothingInAScriptArrayIsAnEmptyRecord) {
 }
 
 TEST_F(ReceiversTest, RefusedScriptArrayChangesNothing) {
-  EXPECT_OK(put(ObjectArray({receiver(L"kept")})));
-  EXPECT_HR(E_INVALIDARG, put(VariantArray({Variant::object(receiver(L"first")), Variant::number(1)})));
+  EXPECT_OK(put(ObjectArray({Receiver(L"kept")})));
+  EXPECT_HR(E_INVALIDARG, put(VariantArray({Variant::object(Receiver(L"first")), Variant::number(1)})));
   EXPECT_EQ("kept", subject(0));
 }
 
 TEST_F(ReceiversTest, EmptyScriptArrayClears) {
-  EXPECT_OK(put(ObjectArray({receiver(L"held")})));
+  EXPECT_OK(put(ObjectArray({Receiver(L"held")})));
   EXPECT_OK(put(VariantArray({})));
   EXPECT_EQ(0, record().i32(16));
 }
 
 TEST_F(ReceiversTest, FirstBoundRecordOfTwoDimensionsGivesTheCount) {
-  Ptr<ICertificate> script = receiver(L"script");
+  Ptr<ICertificate> script = Receiver(L"script");
   Variant grid = ManyDimensions(VT_VARIANT, {{2, 0}, {3, 0}});
   Variant element = Variant::object(script);
   for (int i = 0; i < 6; ++i) VariantCopy(static_cast<VARIANT*>(grid.safeArray()->pvData) + i, element.out());
@@ -124,21 +124,21 @@ TEST_F(ReceiversTest, FirstBoundRecordOfTwoDimensionsGivesTheCount) {
 TEST_F(ReceiversTest, DimensionWithoutElementsClears) {
   for (const std::initializer_list<SAFEARRAYBOUND>& bounds :
        {std::initializer_list<SAFEARRAYBOUND>{{0, 0}, {3, 0}}, {{3, 0}, {0, 0}}, {{2, 0}, {0, 0}, {3, 0}}}) {
-    EXPECT_OK(put(ObjectArray({receiver(L"held")})));
+    EXPECT_OK(put(ObjectArray({Receiver(L"held")})));
     EXPECT_OK(put(ManyDimensions(VT_VARIANT, bounds)));
     EXPECT_EQ(0, record().i32(16));
   }
 }
 
 TEST_F(ReceiversTest, ElementThatIsNoObjectIsRefused) {
-  Ptr<ICertificate> good = receiver(L"good");
+  Ptr<ICertificate> good = Receiver(L"good");
   EXPECT_HR(E_INVALIDARG, put(VariantArray({Variant::object(good), Variant::number(1)})));
   EXPECT_HR(E_INVALIDARG, put(VariantArray({Variant::text(L"x")})));
   EXPECT_HR(E_INVALIDARG, put(VariantArray({Variant()})));
 }
 
 TEST_F(ReceiversTest, ElementCountsOnlyAsADispatchObject) {
-  Ptr<ICertificate> good = receiver(L"good");
+  Ptr<ICertificate> good = Receiver(L"good");
   Variant unknown = Variant::object(good);
   V_VT(unknown.out()) = VT_UNKNOWN;
   EXPECT_HR(E_INVALIDARG, put(VariantArray({unknown})));
@@ -165,7 +165,7 @@ TEST_F(ReceiversTest, NullArraysAreRefused) {
 }
 
 TEST_F(ReceiversTest, ChangedPartsOfAReceiverLeaveNoFreedPointer) {
-  Ptr<ICertificate> certificate = receiver(L"x");
+  Ptr<ICertificate> certificate = Receiver(L"x");
   Ptr<IPolicy> policy = Make<IPolicy>();
   Ptr<IAltName> name = Make<IAltName>();
   EXPECT_OK(policy->put_oid(Bstr(L"before")));
@@ -181,7 +181,7 @@ TEST_F(ReceiversTest, ChangedPartsOfAReceiverLeaveNoFreedPointer) {
 }
 
 TEST_F(ReceiversTest, ClearedPartsOfAReceiverLeaveNoFreedPointer) {
-  Ptr<ICertificate> certificate = receiver(L"x");
+  Ptr<ICertificate> certificate = Receiver(L"x");
   EXPECT_OK(certificate->put_extKeyUsage(StringArray({L"1.2.3"})));
   EXPECT_OK(certificate->put_extensions(ObjectArray({Make<IExtension>()})));
   EXPECT_OK(put(VariantArray({Variant::object(certificate)})));
@@ -193,7 +193,7 @@ TEST_F(ReceiversTest, ClearedPartsOfAReceiverLeaveNoFreedPointer) {
 }
 
 TEST_F(ReceiversTest, WholeCertificateRecordIsCopied) {
-  Ptr<ICertificate> certificate = receiver(L"subject");
+  Ptr<ICertificate> certificate = Receiver(L"subject");
   EXPECT_OK(certificate->put_certEncoded(ByteArray({1, 2, 3})));
   EXPECT_OK(certificate->put_keyUsage(Keyusage_KeyEncipherment));
   EXPECT_OK(put(ObjectArray({certificate})));

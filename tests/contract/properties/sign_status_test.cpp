@@ -9,19 +9,19 @@ namespace {
 
 using SignStatusTest = ContractTest;
 
-DATE timeOf(ISignStatus* status) {
+DATE TimeOf(ISignStatus* status) {
   DATE time = -1;
   EXPECT_OK(status->get_time(&time));
   return time;
 }
 
-long statusOf(ISignStatus* status) {
+long StatusOf(ISignStatus* status) {
   long value = -1;
   EXPECT_OK(status->get_status(&value));
   return value;
 }
 
-Ptr<ICertificate> certOf(ISignStatus* status) {
+Ptr<ICertificate> CertOf(ISignStatus* status) {
   Ptr<ICertificate> cert;
   EXPECT_OK(status->get_cert(cert.out()));
   return cert;
@@ -29,23 +29,23 @@ Ptr<ICertificate> certOf(ISignStatus* status) {
 
 TEST_F(SignStatusTest, NewObjectIsZero) {
   Ptr<ISignStatus> status = Make<ISignStatus>();
-  EXPECT_EQ(0, statusOf(status));
-  EXPECT_EQ(25569.0, timeOf(status));
-  EXPECT_EQ(nullptr, certOf(status).get());
+  EXPECT_EQ(0, StatusOf(status));
+  EXPECT_EQ(25569.0, TimeOf(status));
+  EXPECT_EQ(nullptr, CertOf(status).get());
 }
 
 TEST_F(SignStatusTest, AnyStatusIsKept) {
   Ptr<ISignStatus> status = Make<ISignStatus>();
   for (long value : {1L, static_cast<long>(0xE0700019), -1L, 0L}) {
     EXPECT_OK(status->put_status(value));
-    EXPECT_EQ(value, statusOf(status));
+    EXPECT_EQ(value, StatusOf(status));
   }
 }
 
 TEST_F(SignStatusTest, SettingTheTimeStoresNothing) {
   Ptr<ISignStatus> status = Make<ISignStatus>();
   EXPECT_OK(status->put_time(40968.5));
-  EXPECT_EQ(25569.0, timeOf(status));
+  EXPECT_EQ(25569.0, TimeOf(status));
 }
 
 TEST_F(SignStatusTest, TimeOutOfRangeIsRefused) {
@@ -60,18 +60,18 @@ TEST_F(SignStatusTest, CertificateIsHeldAndGivenBack) {
   Ptr<ISignStatus> status = Make<ISignStatus>();
   Ptr<ICertificate> first = Make<ICertificate>(), second = Make<ICertificate>();
   EXPECT_OK(status->putref_cert(first));
-  EXPECT_EQ(first.get(), certOf(status).get());
+  EXPECT_EQ(first.get(), CertOf(status).get());
   EXPECT_GT(first.references(), 1u);
   EXPECT_OK(status->putref_cert(second));
   EXPECT_EQ(1u, first.references());
-  EXPECT_EQ(second.get(), certOf(status).get());
+  EXPECT_EQ(second.get(), CertOf(status).get());
 }
 
 TEST_F(SignStatusTest, NothingReadsAsNothing) {
   Ptr<ISignStatus> status = Make<ISignStatus>();
   EXPECT_OK(status->putref_cert(Make<ICertificate>()));
   EXPECT_OK(status->putref_cert(nullptr));
-  EXPECT_EQ(nullptr, certOf(status).get());
+  EXPECT_EQ(nullptr, CertOf(status).get());
 }
 
 TEST_F(SignStatusTest, ForeignCertificateIsRefusedUntouched) {
@@ -112,27 +112,27 @@ TEST_F(SignStatusArrayTest, EntriesAreInOrder) {
   reply().signatures = {{0, 86400, {}}, {static_cast<int32_t>(0xE0700019), 0, {}}, {7, 0xFFFFFFFF, {}}};
   EXPECT_OK(verify());
   ASSERT_EQ(3u, statuses().size());
-  EXPECT_EQ(0, statusOf(statuses()[0]));
-  EXPECT_DOUBLE_EQ(25570.0, timeOf(statuses()[0]));
-  EXPECT_EQ(static_cast<long>(0xE0700019), statusOf(statuses()[1]));
-  EXPECT_EQ(25569.0, timeOf(statuses()[1]));
-  EXPECT_EQ(7, statusOf(statuses()[2]));
-  EXPECT_GT(timeOf(statuses()[2]), 75279.0);
+  EXPECT_EQ(0, StatusOf(statuses()[0]));
+  EXPECT_DOUBLE_EQ(25570.0, TimeOf(statuses()[0]));
+  EXPECT_EQ(static_cast<long>(0xE0700019), StatusOf(statuses()[1]));
+  EXPECT_EQ(25569.0, TimeOf(statuses()[1]));
+  EXPECT_EQ(7, StatusOf(statuses()[2]));
+  EXPECT_GT(TimeOf(statuses()[2]), 75279.0);
 }
 
 TEST_F(SignStatusArrayTest, EntryWithoutACertificateHasNone) {
   reply().signatures = {{0, 0, {}}};
   EXPECT_OK(verify());
   ASSERT_EQ(1u, statuses().size());
-  EXPECT_EQ(nullptr, certOf(statuses()[0]).get());
+  EXPECT_EQ(nullptr, CertOf(statuses()[0]).get());
 }
 
 TEST_F(SignStatusArrayTest, SignersAreDeepCopies) {
   reply().signatures = {{0, 0, CertificateOf("CN=first")}, {0, 0, FullCertificate()}};
   EXPECT_OK(verify());
   ASSERT_EQ(2u, statuses().size());
-  EXPECT_EQ(L"CN=first", SubjectOf(certOf(statuses()[0])));
-  ExpectFullCertificate(certOf(statuses()[1]));
+  EXPECT_EQ(L"CN=first", SubjectOf(CertOf(statuses()[0])));
+  ExpectFullCertificate(CertOf(statuses()[1]));
 }
 
 TEST_F(SignStatusArrayTest, SigningTimeCannotBeChanged) {
@@ -140,7 +140,7 @@ TEST_F(SignStatusArrayTest, SigningTimeCannotBeChanged) {
   EXPECT_OK(verify());
   Ptr<ISignStatus> status = statuses().at(0);
   EXPECT_OK(status->put_time(40000.0));
-  EXPECT_DOUBLE_EQ(25570.0, timeOf(status));
+  EXPECT_DOUBLE_EQ(25570.0, TimeOf(status));
 }
 
 TEST_F(SignStatusArrayTest, ObjectsAreHeldByTheArrayAlone) {
@@ -149,7 +149,7 @@ TEST_F(SignStatusArrayTest, ObjectsAreHeldByTheArrayAlone) {
   Ptr<ISignStatus> status = statuses().at(0);
   results = Variant();
   EXPECT_EQ(1u, status.references());
-  Ptr<ICertificate> cert = certOf(status);
+  Ptr<ICertificate> cert = CertOf(status);
   status.reset();
   EXPECT_EQ(1u, cert.references());
 }
@@ -160,7 +160,7 @@ TEST_F(SignStatusArrayTest, FormerResultsAreReplaced) {
   reply().signatures = {{3, 0, {}}};
   EXPECT_OK(verify());
   ASSERT_EQ(1u, statuses().size());
-  EXPECT_EQ(3, statusOf(statuses()[0]));
+  EXPECT_EQ(3, StatusOf(statuses()[0]));
 }
 
 TEST_F(SignStatusArrayTest, ObjectsAreCreatedThroughCom) {

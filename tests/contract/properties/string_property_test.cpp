@@ -78,9 +78,9 @@ TEST_P(StringPropertyTest, TextEndsAtItsFirstNul) {
 }
 
 TEST_P(StringPropertyTest, LongTextIsKept) {
-  const std::wstring text_(5000, L'\x0436');
-  EXPECT_OK(put(text_));
-  EXPECT_EQ(text_, text());
+  const std::wstring longText(5000, L'\x0436');
+  EXPECT_OK(put(longText));
+  EXPECT_EQ(longText, text());
 }
 
 TEST_P(StringPropertyTest, TextThatCannotBeAllocatedLeavesNone) {

@@ -211,17 +211,17 @@ struct TextOutput {
 void PrintTo(const TextOutput& row, std::ostream* out) { *out << row.name; }
 
 /// For a method whose output is a BSTR: the variable is one of type VT_BSTR.
-BSTR* stringOf(Variant& text) {
+BSTR* StringOf(Variant& text) {
   if (text.type() != VT_BSTR) text = Variant::text(L"");
   return &V_BSTR(text.out());
 }
 
 const TextOutput kTextOutputs[]{
     {"GetPKIErrorText", kMapped,
-     [](const Objects& o, Variant& text) { return o.quivo->GetPKIErrorText(5, stringOf(text)); }},
+     [](const Objects& o, Variant& text) { return o.quivo->GetPKIErrorText(5, StringOf(text)); }},
     {"GetPKIErrorTextVBS", kMapped,
      [](const Objects& o, Variant& text) { return o.quivo->GetPKIErrorTextVBS(5, text.out()); }},
-    {"UpdateCrl", kMapped, [](const Objects& o, Variant& text) { return o.quivo->UpdateCrl(stringOf(text)); }},
+    {"UpdateCrl", kMapped, [](const Objects& o, Variant& text) { return o.quivo->UpdateCrl(StringOf(text)); }},
     {"GetCurrentProfileNameVBS", kMapped,
      [](const Objects& o, Variant& text) {
        SetLastError(0);

@@ -6,23 +6,23 @@ namespace {
 
 using InitializeExTest = ContractTest;
 
-const fake::Call& openedBy(fake::FakeEngine& engine) { return engine.only("QUIVO_InitializeEx"); }
+const fake::Call& OpenedBy(fake::FakeEngine& engine) { return engine.only("QUIVO_InitializeEx"); }
 
 TEST_F(InitializeExTest, LocalParametersAreKindOne) {
   Ptr<ILocalParam> param = Make<ILocalParam>();
   EXPECT_OK(param->put_pse(Bstr(L"container")));
   EXPECT_OK(Make<IQUIVO>()->InitializeEx(param));
-  EXPECT_EQ(1, openedBy(engine()).number(0));
-  EXPECT_EQ("container", openedBy(engine()).record(1).text(16));
-  EXPECT_TRUE(openedBy(engine()).record(2).allZero());
+  EXPECT_EQ(1, OpenedBy(engine()).number(0));
+  EXPECT_EQ("container", OpenedBy(engine()).record(1).text(16));
+  EXPECT_TRUE(OpenedBy(engine()).record(2).allZero());
 }
 
 TEST_F(InitializeExTest, RemoteParametersAreKindZero) {
   Ptr<IRSrvParam> param = Make<IRSrvParam>();
   EXPECT_OK(param->put_timeout(30));
   EXPECT_OK(Make<IQUIVO>()->InitializeEx(param));
-  EXPECT_EQ(0, openedBy(engine()).number(0));
-  EXPECT_EQ(30, openedBy(engine()).record(1).i32(12));
+  EXPECT_EQ(0, OpenedBy(engine()).number(0));
+  EXPECT_EQ(30, OpenedBy(engine()).record(1).i32(12));
 }
 
 TEST_F(InitializeExTest, RecordIsReadInPlace) {
@@ -95,9 +95,9 @@ TEST_F(InitializeExTest, InterfaceWithoutANameGivesTheFailureOfItsConversion) {
   method.dispid = 1;
   method.wFlags = DISPATCH_METHOD;
   method.vtReturn = VT_EMPTY;
-  INTERFACEDATA interface_data{&method, 1};
+  INTERFACEDATA description{&method, 1};
   Ptr<ITypeInfo> info;
-  ASSERT_OK(CreateDispTypeInfo(&interface_data, LOCALE_NEUTRAL, info.out()));
+  ASSERT_OK(CreateDispTypeInfo(&description, LOCALE_NEUTRAL, info.out()));
   LookAlike param(info);
   EXPECT_HR(0x80070057u, Make<IQUIVO>()->InitializeEx(&param));
   EXPECT_EQ(1u, param.references());
