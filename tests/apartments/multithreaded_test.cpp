@@ -139,7 +139,7 @@ TEST_F(MultithreadedTest, ObjectsOfASearchComeBack) {
   VariantClear(&found);
 }
 
-/// Makes a parameter object in an apartment of its own and keeps it until told to end.
+/// Makes a parameter object in an apartment of its own and keeps it until its event is set.
 struct OtherApartment {
   Ptr<ISignParam> proxy;
   DWORD cookie = 0;

@@ -1,5 +1,5 @@
 // The control object of the fake engine: what it was asked, what it shall answer, what it handed out.
-// A test reaches it through TavlFakeEngine(), the one function that the fake exports beside the engine's own.
+// A test reaches it through TavlFakeEngine(), the one function that the fake exports in addition to the engine's own.
 #pragma once
 
 #include <algorithm>
@@ -131,7 +131,7 @@ class FakeEngine {
   /// What the module did that no engine allows: a foreign buffer, a closed session, an unreadable record.
   virtual std::vector<std::string> violations() const = 0;
   virtual size_t openSessions() const = 0;
-  /// For a test of a road on which the module leaves engine memory behind on purpose.
+  /// For a test in which the module leaves engine memory behind on purpose.
   virtual void releaseOutstanding() = 0;
   /// Back to the state of a fresh engine: no calls, no answers, nothing handed out.
   virtual void reset() = 0;
@@ -147,4 +147,7 @@ class FakeEngine {
 
 }  // namespace fake
 
-extern "C" fake::FakeEngine* TavlFakeEngine();
+#ifdef tavl1_fake_EXPORTS
+__declspec(dllexport)
+#endif
+    extern "C" fake::FakeEngine* TavlFakeEngine();

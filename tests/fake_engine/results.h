@@ -1,5 +1,5 @@
 // Writes programmed answers into the module's output records, with memory that the module has to give back. What is
-// written by a reply is not written at all if the reply says so.
+// written by a reply is not written at all if the reply has `writesNothing`.
 #pragma once
 
 #include "fake_engine/state.h"

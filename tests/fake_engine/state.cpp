@@ -100,4 +100,4 @@ void State::takeBackAll(const Snapshot& record) {
 
 }  // namespace fake
 
-extern "C" __declspec(dllexport) fake::FakeEngine* TavlFakeEngine() { return &fake::Engine(); }
+extern "C" fake::FakeEngine* TavlFakeEngine() { return &fake::Engine(); }

@@ -28,7 +28,7 @@ bool TakeMark() {
   return DeleteFileW((std::wstring(program) + L".drop").c_str()) != FALSE;
 }
 
-/// What Wine does to a process now and then: it ends before it has said anything.
+/// What Wine does to a process now and then: it ends without any output.
 const bool kDropped = [] {
   const std::string how = RequestedMisbehaviour();
   if (how == "silence" || (how == "drop" && TakeMark())) ExitProcess(7);
@@ -40,7 +40,7 @@ const bool kDropped = [] {
 
 TEST(Misbehaviour, TestBefore) {}
 
-TEST(Misbehaviour, TestThatIsTold) {
+TEST(Misbehaviour, TestThatMisbehaves) {
   const std::string how = RequestedMisbehaviour();
   if (how == "fail") FAIL();
   if (how == "skip") GTEST_SKIP();

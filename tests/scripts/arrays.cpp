@@ -115,7 +115,7 @@ struct {
     {L"bytes", kBytes, 1},          // an array of bytes from a string or an array
     {L"variants", kVariants, 1},    // an array of VARIANTs with a byte each, from the same
     {L"text", kText, 1},            // a string with a character for each byte
-    {L"kind", kKind, 1},            // the type of the VARIANT, which JScript cannot tell
+    {L"kind", kKind, 1},            // the type of the VARIANT, which JScript cannot read
     {L"load", kLoad, 1},            // (path): the bytes of a file
     {L"save", kSave, 2},            // (path, bytes)
     {L"Misbehave", kMisbehave, 1},  // (how), for the test of the runner

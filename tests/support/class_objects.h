@@ -24,7 +24,7 @@ class ClassObjects {
 };
 
 /// Stands in for the factory of one class while it lives: counts the creations, and refuses one of them with a
-/// result if it is told to.
+/// result if a test asks for it.
 class SubstituteFactory final : public IClassFactory {
  public:
   explicit SubstituteFactory(REFCLSID clsid);

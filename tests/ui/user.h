@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// One control, as the window interface tells it.
+/// One control, as the window interface reports it.
 struct SeenControl {
   int id;
   std::wstring kind;
@@ -56,7 +56,7 @@ class User {
   using Recognition = std::function<bool(HWND)>;
 
   User(const std::wstring& caption, std::function<void(HWND)> act);
-  /// Waits for the window that `is` recognises; `name` tells of it in a failure.
+  /// Waits for the window that `is` recognises; `name` stands for it in a failure.
   User(const std::wstring& name, Recognition is, std::function<void(HWND)> act);
   User(const User&) = delete;
   User& operator=(const User&) = delete;

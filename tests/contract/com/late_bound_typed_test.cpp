@@ -1,4 +1,4 @@
-// Outputs of late-bound calls in typed variables: converted, complete, and nothing beside them touched.
+// Outputs of late-bound calls in typed variables: converted and complete; the memory around them stays untouched.
 #include <array>
 #include <cstring>
 

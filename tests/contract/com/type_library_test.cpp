@@ -1,4 +1,4 @@
-// The type library inside the module: what object browsers, compilers and late-bound callers are told.
+// The type library inside the module: what object browsers, compilers and late-bound callers read.
 #include "contract/com/interface_tables.h"
 #include "contract/com/registration.h"
 

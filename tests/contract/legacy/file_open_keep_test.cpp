@@ -57,7 +57,7 @@ TEST_F(FileOpenKeepTest, AFolderThatStandsIsUsed) {
   EXPECT_EQ(static_cast<UINT>(MB_ICONINFORMATION), desktop.onlyMessage().style);
 }
 
-TEST_F(FileOpenKeepTest, AFailedCopyIsToldAndEndsTheRun) {
+TEST_F(FileOpenKeepTest, AFailedCopyIsShownAndEndsTheRun) {
   object.answers[L"Unencrypt"] = {0x7035};
   open(create(L"a.txt.p7a"));
   const ShownMessage message = desktop.onlyMessage();

@@ -97,7 +97,7 @@ TEST_F(FileOpenPathTest, APercentSignThatMeansNoVariableIsPartOfTheName) {
 
 TEST_F(FileOpenPathTest, AResultThatTheShellCompletesToAProgramIsNotOpened) {
   setExecuteResult(1);
-  // Its result is not produced: nothing of that name stands beside the program.
+  // Its result is not produced: there is no file of that name next to the program.
   const std::wstring file = create(L"setup.p7m");
   for (const wchar_t* extension : {L".exe", L".COM", L".bat", L".cmd", L".pif", L".lnk"}) {
     const std::wstring program = create(std::wstring(L"setup") + extension);

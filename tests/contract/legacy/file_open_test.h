@@ -8,7 +8,7 @@
 constexpr const wchar_t* kProgId = L"PKI.pkiobj";
 constexpr CLSID kDoubleId = {0x2b1f5d0a, 0x5c1e, 0x4d3a, {0x9a, 0x44, 0x1d, 0x6e, 0x20, 0x11, 0x73, 0x5c}};
 
-/// Stands in for the legacy object: writes its calls down and answers as it is told.
+/// Stands in for the legacy object: writes its calls down and answers as programmed.
 class ObjectDouble final : public Ipkiobj, public IClassFactory {
  public:
   std::vector<std::wstring> calls;

@@ -34,7 +34,7 @@ class LegacyFiles : public LegacyTest {
   void SetUp() override {
     LegacyTest::SetUp();
     openSession();
-    // Not signed, unless a test says so.
+    // Not signed, unless a test changes that.
     engine().on("QUIVO_SignedInfoFile").result = 0x7011;
     engine().on("QUIVO_GetErrorText").text = AnsiOf(L"Причина.");
     engine().on("QUIVO_VerifyFile").signatures.resize(1);

@@ -3,7 +3,7 @@
 
 namespace {
 
-TEST_F(LegacyFiles, AFailureIsToldBeforeItsResultIsGivenBack) {
+TEST_F(LegacyFiles, AFailureIsShownBeforeItsResultIsGivenBack) {
   InputFile in;
   alreadySigned();
   engine().on("QUIVO_VerifyFile").result = 0x7021;

@@ -28,7 +28,7 @@ TEST_F(LegacyFiles, VerifyReturnsRemarksUnlessTheUserRefuses) {
   EXPECT_EQ(0u, desktop.messages.size());
 }
 
-TEST_F(LegacyFiles, VerifyTellsAFailureAndReturnsItAsItStands) {
+TEST_F(LegacyFiles, VerifyShowsAFailureAndReturnsItUnchanged) {
   for (uint32_t code : {0x7021u, 0xE0700020u, 1u}) {
     desktop.messages.clear();
     engine().on("QUIVO_VerifyFile").result = static_cast<int32_t>(code);
@@ -89,7 +89,7 @@ TEST_F(LegacyFiles, VerifyAndUnencryptMakesAReadOnlyInputWritable) {
   EXPECT_FALSE(in.isReadOnly());
 }
 
-TEST_F(LegacyFiles, AMissingInputIsToldWithTheSystemsError) {
+TEST_F(LegacyFiles, AMissingInputIsShownWithTheSystemsError) {
   EXPECT_HR(S_FALSE, object->Unencrypt(Bstr(L"C:\\нет такого.p7e"), Bstr(kOut), 1));
   expectMessage(L"Ошибка доступа к файлу C:\\нет такого.p7e.");
   EXPECT_EQ(ERROR_FILE_NOT_FOUND, engine().only("QUIVO_GetErrorText").number(0));
@@ -116,7 +116,7 @@ BOOL WINAPI RefuseAttributes(LPCSTR, DWORD) {
   return FALSE;
 }
 
-TEST_F(LegacyFiles, AnInputThatStaysReadOnlyIsTold) {
+TEST_F(LegacyFiles, AnInputThatStaysReadOnlyIsShown) {
   InputFile in(FILE_ATTRIBUTE_READONLY);
   ImportPatch refuse(Module::get().handle(), "SetFileAttributesA", reinterpret_cast<void*>(RefuseAttributes));
   EXPECT_HR(S_FALSE, unencrypt(in));
@@ -166,7 +166,7 @@ TEST_F(LegacyFiles, VerifyAndUnencryptReturnsRemarksUnlessTheUserRefuses) {
   EXPECT_EQ(0u, desktop.messages.size());
 }
 
-TEST_F(LegacyFiles, VerifyAndUnencryptTellsAFailureAndReturnsItAsItStands) {
+TEST_F(LegacyFiles, VerifyAndUnencryptShowsAFailureAndReturnsItUnchanged) {
   InputFile in;
   engine().on("QUIVO_DecryptAndVerifyFile").result = 0x7035;
   EXPECT_HR(0x7035u, verifyAndUnencrypt(in));

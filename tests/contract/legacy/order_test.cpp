@@ -15,7 +15,7 @@ LSTATUS WINAPI CloseKey(HKEY key) {
 
 class LegacyOrder : public LegacyTest {
  protected:
-  /// A certificate of which the engine says, after some seconds of checking, that it is valid between two moments.
+  /// Lets the engine accept, after some seconds, a certificate that is valid between two moments.
   void letVerifyFor(int64_t seconds, int64_t from, int64_t to) {
     fake::Certificate certificate;
     certificate.notBefore = static_cast<uint32_t>(from);

@@ -157,7 +157,7 @@ TEST_F(LegacyResultsModel, ACertificateIsThereWithAnyOfItsPointersOrFields) {
   EXPECT_EQ(&decrypted.cert, model().encrypter());
 }
 
-TEST_F(LegacyResultsModel, TheDecryptionIconTellsItsStatus) {
+TEST_F(LegacyResultsModel, TheDecryptionIconShowsItsStatus) {
   EXPECT_EQ(1110, model().decryptionIcon());
   decrypted.status = 1;
   EXPECT_EQ(1109, model().decryptionIcon());
@@ -210,7 +210,7 @@ TEST_F(LegacyResultsModel, TextsAreTheEnginesForTheCodeOfEachPart) {
   EXPECT_EQ(18, engine().calls().at(1).number(0));
 }
 
-TEST_F(LegacyResultsModel, ARowTellsStatusNameAndTime) {
+TEST_F(LegacyResultsModel, ARowShowsStatusNameAndTime) {
   engine().on("QUIVO_GetErrorText").text = "text";
   addSigner(0x7021, 1700000000);
   const SignerRow row = model().signer(0);

@@ -285,7 +285,7 @@ TEST_F(LegacySession, TwoObjectsHaveTheirOwnSessions) {
   EXPECT_EQ(1u, engine().openSessions());
 }
 
-TEST_F(LegacySession, IsSignedTellsByTheNumberOfSignatures) {
+TEST_F(LegacySession, IsSignedDecidesByTheNumberOfSignatures) {
   openSession();
   engine().on("QUIVO_SignedInfoFile").signatureCount = 2;
   EXPECT_OK(object->IsSigned(Bstr(L"C:\\договор.p7s")));

@@ -66,7 +66,7 @@ TEST_F(LegacyFiles, SignEndsWithRemarksThatTheUserHasAccepted) {
   EXPECT_HR(S_FALSE, sign());
 }
 
-TEST_F(LegacyFiles, SignTellsAFailedCheckOfTheSignatures) {
+TEST_F(LegacyFiles, SignShowsAFailedCheckOfTheSignatures) {
   alreadySigned();
   engine().on("QUIVO_VerifyFile").result = 0x7021;
   EXPECT_HR(0x7021u, sign());
@@ -133,7 +133,7 @@ TEST_F(LegacyFiles, SignAndEncryptShowsTheSignaturesThatStand) {
   EXPECT_EQ(1u, engine().count("QUIVO_SignAndEncryptFile"));
 }
 
-TEST_F(LegacyFiles, SignAndEncryptTellsItsFailures) {
+TEST_F(LegacyFiles, SignAndEncryptShowsItsFailures) {
   engine().on("QUIVO_SignAndEncryptFile").result = 0x7030;
   EXPECT_HR(0x7030u | kForced, signAndEncrypt());
   expectMessage(L"Ошибка выполнения ЭП и шифрования файла C:\\Договор.doc.");

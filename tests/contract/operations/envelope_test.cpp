@@ -93,12 +93,6 @@ TEST_F(DecryptMemTest, ResultIsGivenBackAfterTheOutput) {
   EXPECT_EQ(call().value(4), engine().last().value(1));
 }
 
-TEST_F(DecryptMemTest, ResultWithoutACertificateGivesAnEmptyOne) {
-  EXPECT_OK(decrypt(ByteArray({1})));
-  ASSERT_NE(nullptr, certificate.get());
-  EXPECT_EQ(L"", SubjectOf(certificate));
-}
-
 TEST_F(DecryptMemTest, RefusedMessageLeavesTheOutputsAsTheyAre) {
   for (int32_t code : {1, 0x19}) {
     reply().result = code;
@@ -178,53 +172,11 @@ TEST_P(DecryptFileTest, PathsReachTheEngineInOrder) {
   EXPECT_TRUE(call().record(4).allZero());
 }
 
-TEST_P(DecryptFileTest, CertificateIsReturned) {
-  reply().certificate = FullCertificate();
-  EXPECT_OK(decrypt());
-  ExpectFullCertificate(certificate);
-}
-
-TEST_P(DecryptFileTest, CertificateIsReturnedOnFailureToo) {
-  reply().result = 0x19;
-  reply().certificate = CertificateOf("CN=recipient");
-  EXPECT_HR(0xE0690019, decrypt());
-  ASSERT_NE(nullptr, certificate.get());
-  EXPECT_EQ(L"CN=recipient", SubjectOf(certificate));
-  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
-}
-
-TEST_P(DecryptFileTest, RefusedMessageWithoutACertificateGivesAnEmptyOne) {
-  reply().result = 0x19;
-  EXPECT_HR(0xE0690019, decrypt());
-  ASSERT_NE(nullptr, certificate.get());
-  EXPECT_EQ(L"", SubjectOf(certificate));
-}
-
-TEST_P(DecryptFileTest, ResultIsGivenBackToTheSameRecord) {
-  EXPECT_OK(decrypt());
-  EXPECT_EQ(call().value(4), engine().only("QUIVO_FreeDecryptResult").value(1));
-}
-
 TEST_P(DecryptFileTest, NullPathLeavesTheCertificateAlone) {
   EXPECT_HR(kInvalidArgument, decrypt(nullptr, Bstr(L"out")));
   EXPECT_HR(kInvalidArgument, decrypt(Bstr(L"in"), nullptr));
   EXPECT_EQ(nullptr, certificate.get());
   EXPECT_EQ(std::vector<std::string>{}, engine().names());
-}
-
-TEST_P(DecryptFileTest, FailureOfTheCertificateIsReturnedMapped) {
-  SubstituteFactory factory(__uuidof(Certificate));
-  factory.failAfter(0, static_cast<HRESULT>(0x80070005));
-  EXPECT_HR(kAccessDenied, decrypt());
-  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
-}
-
-TEST_P(DecryptFileTest, EngineCodeWinsOverAFailureOfTheCertificate) {
-  SubstituteFactory factory(__uuidof(Certificate));
-  factory.failAfter(0, E_NOINTERFACE);
-  reply().result = 0x19;
-  EXPECT_HR(0xE0690019, decrypt());
-  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Methods, DecryptFileTest, ::testing::ValuesIn(OperationsEnding("DecryptFile")),

@@ -1,4 +1,4 @@
-// Signing a file for scripts: the signature as Base64 text, or a text that says what failed.
+// Signing a file for scripts: the signature as Base64 text, or a text that explains the failure.
 #include "support/malloc_spy.h"
 #include "support/records.h"
 #include "support/temp_file.h"

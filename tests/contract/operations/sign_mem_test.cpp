@@ -38,7 +38,7 @@ TEST_F(SignMemTest, BothByteArraysAreHandedOverInPlace) {
   EXPECT_EQ(reinterpret_cast<uintptr_t>(signIn.safeArray()->pvData), call().blobData(3));
 }
 
-TEST_F(SignMemTest, FailureOfTheDataIsToldBeforeThatOfTheSignature) {
+TEST_F(SignMemTest, FailureOfTheDataIsReportedBeforeThatOfTheSignature) {
   Variant vbs = VbsByteArray({1});
   Module::get().failAllocation(0);
   EXPECT_HR(kOutOfMemory, sign(vbs, Variant::text(L"x")));
