@@ -1,7 +1,7 @@
 // One operation of the registered module on a large file, timed, with the memory that it took:
 //   large_files PROFILE OPERATION IN OUT [SECOND]
 // It prints the seconds of the calls and the MiB that the process grew above its size before them. SECOND is
-// the signature beside the data of verify-detached. The stream operations read IN in pieces of 64 KiB.
+// the detached signature of verify-detached. The stream operations read IN in pieces of 64 KiB.
 #include <windows.h>
 
 #include <objbase.h>

@@ -30,27 +30,27 @@ class Text {
   BSTR text_;
 };
 
-std::wstring environment(const wchar_t* name) {
+std::wstring Environment(const wchar_t* name) {
   wchar_t value[MAX_PATH] = {};
   GetEnvironmentVariableW(name, value, MAX_PATH);
   return value;
 }
 
 template <class Class, class Interface>
-Ptr<Interface> create() {
+Ptr<Interface> Create() {
   Ptr<Interface> object;
   EXPECT_OK(CoCreateInstance(__uuidof(Class), nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface), object.voidOut()));
   return object;
 }
 
 /// Every proxy answers several questions at once; no object of the module does.
-bool isProxy(IUnknown* object) {
+bool IsProxy(IUnknown* object) {
   Ptr<IUnknown> manager;
   return SUCCEEDED(object->QueryInterface(IID_IMultiQI, manager.voidOut()));
 }
 
 /// The coclasses of the registered type library, with their default interfaces.
-std::vector<std::pair<CLSID, IID>> classes() {
+std::vector<std::pair<CLSID, IID>> RegisteredClasses() {
   std::vector<std::pair<CLSID, IID>> found;
   Ptr<ITypeLib> library;
   EXPECT_OK(LoadRegTypeLib(LIBID_QUIVOCOMLib, 1, 0, 0, library.out()));
@@ -76,20 +76,20 @@ std::vector<std::pair<CLSID, IID>> classes() {
 class MultithreadedTest : public ::testing::Test {
  protected:
   Ptr<IQUIVO> openQuivo() {
-    Ptr<IQUIVO> quivo = create<QUIVO, IQUIVO>();
+    Ptr<IQUIVO> quivo = Create<QUIVO, IQUIVO>();
     EXPECT_OK(quivo->Initialize(Text(kAnna), Flag_Init_Noldap));
     return quivo;
   }
 };
 
 TEST_F(MultithreadedTest, EveryClassIsCreated) {
-  const auto all = classes();
+  const auto all = RegisteredClasses();
   EXPECT_FALSE(all.empty());
   for (const auto& [clsid, iid] : all) {
     Ptr<IDispatch> object;
     EXPECT_OK(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, iid, object.voidOut()));
     ASSERT_NE(nullptr, object.get());
-    EXPECT_TRUE(isProxy(object));
+    EXPECT_TRUE(IsProxy(object));
     UINT count = 0;
     EXPECT_OK(object->GetTypeInfoCount(&count));
     EXPECT_EQ(1u, count);
@@ -97,8 +97,8 @@ TEST_F(MultithreadedTest, EveryClassIsCreated) {
 }
 
 TEST_F(MultithreadedTest, PropertiesAreReadAndWritten) {
-  Ptr<ISignParam> param = create<SignParam, ISignParam>();
-  Ptr<ICertId> id = create<CertId, ICertId>();
+  Ptr<ISignParam> param = Create<SignParam, ISignParam>();
+  Ptr<ICertId> id = Create<CertId, ICertId>();
   EXPECT_OK(param->put_flag(Flag_Sign_Detached));
   EXPECT_OK(param->putref_mycert(id));
   SignParamFlag_t flag{};
@@ -110,18 +110,18 @@ TEST_F(MultithreadedTest, PropertiesAreReadAndWritten) {
 }
 
 TEST_F(MultithreadedTest, SessionIsOpenedByAParameterObject) {
-  Ptr<ILocalParam> param = create<LocalParam, ILocalParam>();
-  EXPECT_OK(param->put_pse(Text(environment(L"TAVL_PKI") + L"\\anna.p12")));
-  EXPECT_OK(param->put_localstore(Text(environment(L"TAVL_PKI") + L"\\store")));
+  Ptr<ILocalParam> param = Create<LocalParam, ILocalParam>();
+  EXPECT_OK(param->put_pse(Text(Environment(L"TAVL_PKI") + L"\\anna.p12")));
+  EXPECT_OK(param->put_localstore(Text(Environment(L"TAVL_PKI") + L"\\store")));
   EXPECT_OK(param->put_pincode(Text(L"12345678")));
-  Ptr<IQUIVO> quivo = create<QUIVO, IQUIVO>();
+  Ptr<IQUIVO> quivo = Create<QUIVO, IQUIVO>();
   EXPECT_OK(quivo->InitializeEx(param));
   EXPECT_OK(quivo->Uninitialize());
 }
 
 TEST_F(MultithreadedTest, ObjectsOfASearchComeBack) {
   Ptr<IQUIVO> quivo = openQuivo();
-  Ptr<IFindParam> param = create<FindParam, IFindParam>();
+  Ptr<IFindParam> param = Create<FindParam, IFindParam>();
   EXPECT_OK(param->put_flag(Flag_Find_My));
   EXPECT_OK(param->put_info(Field_Subject));
   VARIANT found{};
@@ -139,7 +139,7 @@ TEST_F(MultithreadedTest, ObjectsOfASearchComeBack) {
   VariantClear(&found);
 }
 
-/// Makes a parameter object in an apartment of its own and keeps it until told to end.
+/// Makes a parameter object in an apartment of its own and keeps it until its event is set.
 struct OtherApartment {
   Ptr<ISignParam> proxy;
   DWORD cookie = 0;
@@ -152,8 +152,8 @@ struct OtherApartment {
     auto& self = *static_cast<OtherApartment*>(argument);
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     {
-      Ptr<ISignParam> param = create<SignParam, ISignParam>();
-      EXPECT_FALSE(isProxy(param));
+      Ptr<ISignParam> param = Create<SignParam, ISignParam>();
+      EXPECT_FALSE(IsProxy(param));
       CoCreateInstance(CLSID_StdGlobalInterfaceTable, nullptr, CLSCTX_INPROC_SERVER, IID_IGlobalInterfaceTable,
                        self.table.voidOut());
       self.table->RegisterInterfaceInGlobal(param, __uuidof(ISignParam), &self.cookie);
@@ -186,8 +186,8 @@ TEST_F(MultithreadedTest, ObjectOfAnotherApartmentIsRefused) {
 }
 
 TEST_F(MultithreadedTest, SheetIsShownAndAccepted) {
-  Ptr<Ipkiobj> object = create<pkiobj, Ipkiobj>();
-  EXPECT_TRUE(isProxy(object));
+  Ptr<Ipkiobj> object = Create<pkiobj, Ipkiobj>();
+  EXPECT_TRUE(IsProxy(object));
   EXPECT_OK(object->Init(Text(kAnna)));
   wchar_t folder[MAX_PATH], result[MAX_PATH];
   GetTempPathW(MAX_PATH, folder);
@@ -195,8 +195,8 @@ TEST_F(MultithreadedTest, SheetIsShownAndAccepted) {
   SeenWindow seen;
   HRESULT verified = E_UNEXPECTED;
   {
-    User user(L"КОРВИС (x64)", lookAndPress(seen, kOk));
-    verified = object->Verify(Text(environment(L"TAVL_MESSAGES") + L"\\attached.p7s"), Text(result));
+    User user(L"КОРВИС (x64)", LookAndPress(seen, kOk));
+    verified = object->Verify(Text(Environment(L"TAVL_MESSAGES") + L"\\attached.p7s"), Text(result));
   }
   EXPECT_OK(verified);
   EXPECT_TRUE(seen.has(201));
@@ -208,7 +208,7 @@ TEST_F(MultithreadedTest, SheetIsShownAndAccepted) {
 
 int main(int count, char** arguments) {
   ::testing::InitGoogleTest(&count, arguments);
-  startWatchdog(60);
+  StartWatchdog(60);
   if (FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) return 1;
   const int result = RUN_ALL_TESTS();
   CoUninitialize();

@@ -16,11 +16,14 @@ add_executable(legacy_tests
   legacy/missing_function_test.cpp
   legacy/nested_call_test.cpp
   legacy/nested_recipients_test.cpp
+  legacy/open_files_test.cpp
   legacy/order_test.cpp
+  legacy/recipient_list_test.cpp
   legacy/recipients_test.cpp
   legacy/resources_test.cpp
   legacy/results_model_test.cpp
-  legacy/session_test.cpp)
+  legacy/session_test.cpp
+  legacy/sign_files_test.cpp)
 target_link_libraries(legacy_tests PRIVATE contract_support legacy_units)
 set_target_properties(legacy_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${contract_dir})
 add_dependencies(legacy_tests tavlcom_contract)

@@ -1,5 +1,5 @@
 // The control object of the fake engine: what it was asked, what it shall answer, what it handed out.
-// A test reaches it through TavlFakeEngine(), the one function that the fake exports beside the engine's own.
+// A test reaches it through TavlFakeEngine(), the one function that the fake exports in addition to the engine's own.
 #pragma once
 
 #include <algorithm>
@@ -20,8 +20,8 @@ using Bytes = std::vector<uint8_t>;
 using Text = std::optional<std::string>;
 
 struct Policy {
-  Text oid, org_name;
-  int32_t not_num = 0;
+  Text oid, organization;
+  int32_t noticeNumber = 0;
   Text text;
 };
 
@@ -63,6 +63,7 @@ struct Reply {
   std::vector<Certificate> certificates;   ///< of a search
   std::optional<int32_t> findCount;        ///< of a search, where it differs from the number of certificates
   std::optional<Certificate> certificate;  ///< of a parse, a decryption or a certificate verification
+  std::optional<Snapshot> record;          ///< of a parse: a certificate's record with everything behind it
   int32_t status = 0;                      ///< of a decryption
   uint32_t signatureCount = 0;             ///< of QUIVO_SignedInfoFile
   int32_t left = 0;                        ///< of a decryption stream
@@ -100,28 +101,28 @@ class FakeEngine {
   virtual ~FakeEngine() = default;
 
   /// The standing answer of a function, to be changed in place. An unknown name throws.
-  Reply& on(const std::string& function) { return standing_[known(function)]; }
+  Reply& on(const std::string& function) { return standingReplies[known(function)]; }
   /// An answer for one call; several are used in order, then the standing one.
-  Reply& once(const std::string& function) { return queued_[known(function)].emplace_back(); }
+  Reply& once(const std::string& function) { return queuedReplies[known(function)].emplace_back(); }
 
-  const std::vector<Call>& calls() const { return calls_; }
+  const std::vector<Call>& calls() const { return madeCalls; }
   std::vector<std::string> names() const {
     std::vector<std::string> all;
-    for (const Call& call : calls_) all.push_back(call.function);
+    for (const Call& call : madeCalls) all.push_back(call.function);
     return all;
   }
   size_t count(const std::string& function) const {
     size_t found = 0;
-    for (const Call& call : calls_) found += call.function == known(function) ? 1 : 0;
+    for (const Call& call : madeCalls) found += call.function == known(function) ? 1 : 0;
     return found;
   }
   /// The one call of a function; throws unless there was exactly one.
   const Call& only(const std::string& function) const {
     if (count(function) != 1) throw std::logic_error(function + ": " + std::to_string(count(function)) + " calls");
-    return *std::find_if(calls_.begin(), calls_.end(), [&](const Call& c) { return c.function == function; });
+    return *std::find_if(madeCalls.begin(), madeCalls.end(), [&](const Call& c) { return c.function == function; });
   }
-  const Call& last() const { return calls_.at(calls_.size() - 1); }
-  void forgetCalls() { calls_.clear(); }
+  const Call& last() const { return madeCalls.at(madeCalls.size() - 1); }
+  void forgetCalls() { madeCalls.clear(); }
 
   /// Buffers and result blocks that have not been given back, by the function that handed them out.
   virtual std::vector<std::string> outstanding() const = 0;
@@ -130,7 +131,7 @@ class FakeEngine {
   /// What the module did that no engine allows: a foreign buffer, a closed session, an unreadable record.
   virtual std::vector<std::string> violations() const = 0;
   virtual size_t openSessions() const = 0;
-  /// For a test of a road on which the module leaves engine memory behind on purpose.
+  /// For a test in which the module leaves engine memory behind on purpose.
   virtual void releaseOutstanding() = 0;
   /// Back to the state of a fresh engine: no calls, no answers, nothing handed out.
   virtual void reset() = 0;
@@ -139,11 +140,14 @@ class FakeEngine {
   /// `function` itself, if the engine exports it.
   virtual const std::string& known(const std::string& function) const = 0;
 
-  std::vector<Call> calls_;
-  std::map<std::string, Reply> standing_;
-  std::map<std::string, std::deque<Reply>> queued_;
+  std::vector<Call> madeCalls;
+  std::map<std::string, Reply> standingReplies;
+  std::map<std::string, std::deque<Reply>> queuedReplies;
 };
 
 }  // namespace fake
 
-extern "C" fake::FakeEngine* TavlFakeEngine();
+#ifdef tavl1_fake_EXPORTS
+__declspec(dllexport)
+#endif
+    extern "C" fake::FakeEngine* TavlFakeEngine();

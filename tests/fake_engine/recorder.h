@@ -10,7 +10,7 @@ class Recorder {
   /// A function that takes no session.
   explicit Recorder(const char* function) {
     call_.function = function;
-    state().begin(function);
+    Engine().begin(function);
   }
   Recorder(const char* function, void* session) : Recorder(function) {
     session_ = session;
@@ -18,17 +18,17 @@ class Recorder {
   }
 
   Recorder& number(int64_t value) { return add(static_cast<uint64_t>(value)); }
-  Recorder& text(const char* text) { return add(text, text == nullptr ? Snapshot{} : copyText(text)); }
-  Recorder& bytes(const void* address, size_t size) { return add(address, copyBytes(address, size)); }
+  Recorder& text(const char* text) { return add(text, text == nullptr ? Snapshot{} : CopyText(text)); }
+  Recorder& bytes(const void* address, size_t size) { return add(address, CopyBytes(address, size)); }
   Recorder& record(const void* address, const Shape& shape) {
-    return add(address, address == nullptr ? Snapshot{} : copyRecord(address, shape));
+    return add(address, address == nullptr ? Snapshot{} : CopyRecord(address, shape));
   }
   Recorder& blob(const void* address) { return record(address, kBlob); }
 
   /// Ends the list of arguments; gives the answer.
   Reply reply() {
-    Reply answer = state().enter(std::move(call_));
-    state().checkSession(session_);
+    Reply answer = Engine().enter(std::move(call_));
+    Engine().checkSession(session_);
     return answer;
   }
 
@@ -47,9 +47,9 @@ class Recorder {
 };
 
 /// One of the engine's release functions: takes back everything that the record points to.
-inline int32_t takeBack(const char* function, void* session, const void* record, const Shape& shape) {
+inline int32_t TakeBack(const char* function, void* session, const void* record, const Shape& shape) {
   const Reply reply = Recorder(function, session).record(record, shape).reply();
-  if (record != nullptr) state().takeBackAll(copyRecord(record, shape));
+  if (record != nullptr) Engine().takeBackAll(CopyRecord(record, shape));
   return reply.result;
 }
 

@@ -32,10 +32,10 @@ extern const Shape kDecryptResult;
 extern const Shape kSignedInfoResult;
 
 /// Copies `size` bytes at `address`; an unreadable address gives no bytes and is noted as a violation.
-Snapshot copyBytes(const void* address, size_t size);
-Snapshot copyText(const char* text);
-Snapshot copyRecord(const void* address, const Shape& shape);
+Snapshot CopyBytes(const void* address, size_t size);
+Snapshot CopyText(const char* text);
+Snapshot CopyRecord(const void* address, const Shape& shape);
 /// Every pointer of a record, in the order in which an engine would free them: the innermost first.
-void collectPointers(const Snapshot& record, std::vector<uintptr_t>& pointers);
+void CollectPointers(const Snapshot& record, std::vector<uintptr_t>& pointers);
 
 }  // namespace fake

@@ -7,7 +7,7 @@
 
 namespace fake {
 
-State& state() {
+State& Engine() {
   static State engine;
   return engine;
 }
@@ -21,9 +21,9 @@ std::vector<std::string> State::outstanding() const {
 void State::releaseOutstanding() { blocks_.clear(); }
 
 void State::reset() {
-  calls_.clear();
-  standing_.clear();
-  queued_.clear();
+  madeCalls.clear();
+  standingReplies.clear();
+  queuedReplies.clear();
   blocks_.clear();
   retired_.clear();
   sessions_.clear();
@@ -39,13 +39,13 @@ const std::string& State::known(const std::string& function) const {
 
 Reply State::enter(Call call) {
   const std::string function = call.function;
-  calls_.push_back(std::move(call));
+  madeCalls.push_back(std::move(call));
   Reply reply;
-  auto& queue = queued_[function];
+  auto& queue = queuedReplies[function];
   if (!queue.empty()) {
     reply = std::move(queue.front());
     queue.pop_front();
-  } else if (auto found = standing_.find(function); found != standing_.end()) {
+  } else if (auto found = standingReplies.find(function); found != standingReplies.end()) {
     reply = found->second;
   }
   if (reply.during) reply.during();
@@ -94,10 +94,10 @@ void State::takeBack(uintptr_t address) {
 
 void State::takeBackAll(const Snapshot& record) {
   std::vector<uintptr_t> pointers;
-  collectPointers(record, pointers);
+  CollectPointers(record, pointers);
   for (uintptr_t pointer : pointers) takeBack(pointer);
 }
 
 }  // namespace fake
 
-extern "C" __declspec(dllexport) fake::FakeEngine* TavlFakeEngine() { return &fake::state(); }
+extern "C" fake::FakeEngine* TavlFakeEngine() { return &fake::Engine(); }

@@ -58,6 +58,6 @@ class State final : public FakeEngine {
   uintptr_t nextHandle_ = 0x5E550000;
 };
 
-State& state();
+State& Engine();
 
 }  // namespace fake

@@ -7,15 +7,17 @@ using fake::Reply;
 
 namespace {
 
-int32_t add(const char* function, void* session, const void* addition, const void* encoded) {
+int32_t AddEncoded(const char* function, void* session, const void* addition, const void* encoded) {
   return Recorder(function, session).record(addition, fake::kSignParam).blob(encoded).reply().result;
 }
 
-int32_t certificate(const Reply& reply, void* result) {
+int32_t AnswerCertificate(const Reply& reply, void* result) {
   if (result == nullptr) {
-    fake::state().violate("a null certificate record");
+    fake::Engine().violate("a null certificate record");
+  } else if (reply.record) {
+    fake::WriteRecord(result, *reply.record);
   } else if (reply.certificate && !reply.writesNothing) {
-    fake::writeCertificate(result, *reply.certificate);
+    fake::WriteCertificate(result, *reply.certificate);
   }
   return reply.result;
 }
@@ -27,27 +29,27 @@ extern "C" {
 int32_t QUIVO_FindCert(void* session, const void* param, void* result) {
   Recorder call("QUIVO_FindCert", session);
   const Reply reply = call.record(param, fake::kFindParam).record(result, fake::kFindResult).reply();
-  fake::writeFindResult(result, reply);
+  fake::WriteFindResult(result, reply);
   return reply.result;
 }
 
 int32_t QUIVO_FreeFindResult(void* session, void* result) {
-  return fake::takeBack("QUIVO_FreeFindResult", session, result, fake::kFindResult);
+  return fake::TakeBack("QUIVO_FreeFindResult", session, result, fake::kFindResult);
 }
 
 int32_t QUIVO_ParseCert(void* session, const void* encoded, uint32_t info, void* result) {
   Recorder call("QUIVO_ParseCert", session);
-  return certificate(call.blob(encoded).number(info).record(result, fake::kCertificate).reply(), result);
+  return AnswerCertificate(call.blob(encoded).number(info).record(result, fake::kCertificate).reply(), result);
 }
 
 int32_t QUIVO_VerifyCert(void* session, const void* param, const void* encoded, void* result) {
   Recorder call("QUIVO_VerifyCert", session);
   call.record(param, fake::kVerifyCertParam).blob(encoded).record(result, fake::kCertificate);
-  return certificate(call.reply(), result);
+  return AnswerCertificate(call.reply(), result);
 }
 
 int32_t QUIVO_FreeCert(void* session, void* certificate) {
-  return fake::takeBack("QUIVO_FreeCert", session, certificate, fake::kCertificate);
+  return fake::TakeBack("QUIVO_FreeCert", session, certificate, fake::kCertificate);
 }
 
 int32_t QUIVO_ShowCertificate(void* session, const void* encoded) {
@@ -59,16 +61,16 @@ int32_t QUIVO_ShowCrl(void* session, const void* encoded) {
 }
 
 int32_t QUIVO_AddCertificate(void* session, const void* addition, const void* encoded) {
-  return add("QUIVO_AddCertificate", session, addition, encoded);
+  return AddEncoded("QUIVO_AddCertificate", session, addition, encoded);
 }
 
 int32_t QUIVO_AddCRL(void* session, const void* addition, const void* encoded) {
-  return add("QUIVO_AddCRL", session, addition, encoded);
+  return AddEncoded("QUIVO_AddCRL", session, addition, encoded);
 }
 
 int32_t QUIVO_ExportMem(void* session, const void* param, void* out) {
   const Reply reply = Recorder("QUIVO_ExportMem", session).record(param, fake::kSignParam).blob(out).reply();
-  fake::writeBlob(out, reply);
+  fake::WriteBlob(out, reply);
   return reply.result;
 }
 
@@ -87,7 +89,7 @@ int32_t QUIVO_ImportFile(void* session, const void* param, const char* file) {
 int32_t QUIVO_CreateXmlRequest(void* session, uint32_t flag, const void* certTemplate, void* request) {
   Recorder call("QUIVO_CreateXmlRequest", session);
   const Reply reply = call.number(flag).record(certTemplate, fake::kCertificate).blob(request).reply();
-  fake::writeBlob(request, reply);
+  fake::WriteBlob(request, reply);
   return reply.result;
 }
 

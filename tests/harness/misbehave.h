@@ -6,7 +6,7 @@
 #include <string>
 
 /// Goes wrong in the way that `how` names; returns for any other word.
-inline void misbehave(const std::string& how) {
+inline void Misbehave(const std::string& how) {
   if (how == "crash") {
     int* volatile nowhere = nullptr;
     *nowhere = 0;
@@ -16,7 +16,7 @@ inline void misbehave(const std::string& how) {
 }
 
 /// The way that the runner's test asks for.
-inline std::string requestedMisbehaviour() {
+inline std::string RequestedMisbehaviour() {
   char how[32] = "";
   GetEnvironmentVariableA("TAVL_MISBEHAVIOUR", how, sizeof how);
   return how;

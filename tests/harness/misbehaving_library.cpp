@@ -2,10 +2,10 @@
 #include "harness/misbehave.h"
 
 extern "C" __declspec(dllexport) void CALLBACK FileOpen(HWND, HINSTANCE, LPSTR, int) {
-  misbehave(requestedMisbehaviour());
+  Misbehave(RequestedMisbehaviour());
 }
 
 extern "C" __declspec(dllexport) HRESULT WINAPI DllRegisterServer() {
-  misbehave(requestedMisbehaviour());
+  Misbehave(RequestedMisbehaviour());
   return S_OK;
 }

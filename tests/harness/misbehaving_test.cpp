@@ -9,29 +9,29 @@
 
 namespace {
 
-DWORD WINAPI misbehaveHere(void*) {
-  const std::string how = requestedMisbehaviour();
-  misbehave(how.substr(0, how.find("-in-thread")));
+DWORD WINAPI MisbehaveInThisThread(void*) {
+  const std::string how = RequestedMisbehaviour();
+  Misbehave(how.substr(0, how.find("-in-thread")));
   return 0;
 }
 
-void misbehaveInThread() {
-  const HANDLE thread = CreateThread(nullptr, 0, misbehaveHere, nullptr, 0, nullptr);
+void MisbehaveInThread() {
+  const HANDLE thread = CreateThread(nullptr, 0, MisbehaveInThisThread, nullptr, 0, nullptr);
   WaitForSingleObject(thread, INFINITE);
   CloseHandle(thread);
 }
 
 /// True if the runner's test left a mark beside the program; the mark is gone then.
-bool takeMark() {
+bool TakeMark() {
   wchar_t program[MAX_PATH];
   GetModuleFileNameW(nullptr, program, MAX_PATH);
   return DeleteFileW((std::wstring(program) + L".drop").c_str()) != FALSE;
 }
 
-/// What Wine does to a process now and then: it ends before it has said anything.
-const bool dropped = [] {
-  const std::string how = requestedMisbehaviour();
-  if (how == "silence" || (how == "drop" && takeMark())) ExitProcess(7);
+/// What Wine does to a process now and then: it ends without any output.
+const bool kDropped = [] {
+  const std::string how = RequestedMisbehaviour();
+  if (how == "silence" || (how == "drop" && TakeMark())) ExitProcess(7);
   if (how == "exit-before") ExitProcess(0);
   return false;
 }();
@@ -40,13 +40,13 @@ const bool dropped = [] {
 
 TEST(Misbehaviour, TestBefore) {}
 
-TEST(Misbehaviour, TestThatIsTold) {
-  const std::string how = requestedMisbehaviour();
+TEST(Misbehaviour, TestThatMisbehaves) {
+  const std::string how = RequestedMisbehaviour();
   if (how == "fail") FAIL();
   if (how == "skip") GTEST_SKIP();
   if (how == "_exit") _exit(0);
-  if (how.find("-in-thread") != std::string::npos) misbehaveInThread();
-  misbehave(how);
+  if (how.find("-in-thread") != std::string::npos) MisbehaveInThread();
+  Misbehave(how);
 }
 
 TEST(Misbehaviour, TestAfter) {}

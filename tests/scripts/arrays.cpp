@@ -115,10 +115,10 @@ struct {
     {L"bytes", kBytes, 1},          // an array of bytes from a string or an array
     {L"variants", kVariants, 1},    // an array of VARIANTs with a byte each, from the same
     {L"text", kText, 1},            // a string with a character for each byte
-    {L"kind", kKind, 1},            // the type of the VARIANT, which JScript cannot tell
+    {L"kind", kKind, 1},            // the type of the VARIANT, which JScript cannot read
     {L"load", kLoad, 1},            // (path): the bytes of a file
     {L"save", kSave, 2},            // (path, bytes)
-    {L"misbehave", kMisbehave, 1},  // (how), for the test of the runner
+    {L"Misbehave", kMisbehave, 1},  // (how), for the test of the runner
 };
 
 class Arrays final : public IDispatch, public IClassFactory {
@@ -177,7 +177,7 @@ class Arrays final : public IDispatch, public IClassFactory {
     std::string bytes;
     HRESULT hr = BytesOf(first, &bytes);
     if (FAILED(hr)) return hr;
-    if (id == kMisbehave) return misbehave(bytes), S_OK;
+    if (id == kMisbehave) return Misbehave(bytes), S_OK;
     return id == kText ? TextFrom(bytes, result) : ArrayFrom(bytes, id == kBytes ? VT_UI1 : VT_VARIANT, result);
   }
 };

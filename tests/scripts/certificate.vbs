@@ -1,4 +1,4 @@
-' Tells everything of a certificate, line by line, for openssl to say the same. Arguments: a folder, a certificate.
+' Prints everything in a certificate, line by line, to compare it with what openssl prints. Arguments: a folder, a certificate.
 Option Explicit
 On Error Resume Next
 
@@ -12,38 +12,38 @@ Set certificate = quivo.ParseCert(arrays.load(WScript.Arguments(1)), &h7FFFF)
 ok IsObject(certificate), "ParseCert"
 
 Set lines = files.CreateTextFile(WScript.Arguments(0) & "\lines", True)
-tell "serial", certificate.serialNumber
-tell "issuer", certificate.issuer
-tell "subject", certificate.subject
-tell "notBefore", iso(certificate.notBefore)
-tell "notAfter", iso(certificate.notAfter)
-tell "algorithm", certificate.algorithm
-tell "keyUsage", certificate.keyUsage
-tell "keyId", certificate.keyId
-tell "hash", hex_of(certificate.certHash)
+show "serial", certificate.serialNumber
+show "issuer", certificate.issuer
+show "subject", certificate.subject
+show "notBefore", iso(certificate.notBefore)
+show "notAfter", iso(certificate.notAfter)
+show "algorithm", certificate.algorithm
+show "keyUsage", certificate.keyUsage
+show "keyId", certificate.keyId
+show "hash", hex_of(certificate.certHash)
 For i = 0 To arrays.count(certificate.extKeyUsage) - 1
-  tell "usage", arrays.item(certificate.extKeyUsage, i)
+  show "usage", arrays.item(certificate.extKeyUsage, i)
 Next
-tell "email", certificate.subjectAltName.emailAddress
-tell "dns", certificate.subjectAltName.DNS
-tell "uri", certificate.subjectAltName.URI
-tell "ip", certificate.subjectAltName.IP
-tell "issuerEmail", certificate.issuerAltName.emailAddress
+show "email", certificate.subjectAltName.emailAddress
+show "dns", certificate.subjectAltName.DNS
+show "uri", certificate.subjectAltName.URI
+show "ip", certificate.subjectAltName.IP
+show "issuerEmail", certificate.issuerAltName.emailAddress
 For i = 0 To arrays.count(certificate.policies) - 1
   Set item = arrays.item(certificate.policies, i)
-  tell "policy", item.oid
-  If item.org_name <> "" Then tell "notice", item.org_name & "," & item.not_num & "," & item.text
+  show "policy", item.oid
+  If item.org_name <> "" Then show "notice", item.org_name & "," & item.not_num & "," & item.text
 Next
 For i = 0 To arrays.count(certificate.extensions) - 1
   Set item = arrays.item(certificate.extensions, i)
-  tell "extension", item.critical & " " & hex_of(item.data)
+  show "extension", item.critical & " " & hex_of(item.data)
 Next
-tell "der", hex_of(certificate.certEncoded)
+show "der", hex_of(certificate.certEncoded)
 lines.Close
 ok Err.Number = 0, "every property"
 finish
 
-Sub tell(name, value)
+Sub show(name, value)
   lines.WriteLine name & "=" & value
 End Sub
 

@@ -5,7 +5,7 @@ On Error Resume Next
 Const AlreadyInitialized = &hE0680001
 Const InvalidArgument = &hE0690057
 Const FileNotFound = &hE0690002
-' No file. On Windows a null string (vbNullString) says the same; Wine's script hosts cannot pass one.
+' No file. On Windows a null string (vbNullString) means the same; Wine's script hosts cannot pass one.
 Const NoFile = "NUL"
 
 Dim quivo, other, text, code, parameters

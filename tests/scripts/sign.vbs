@@ -9,7 +9,7 @@ Const SendCertificate = 8
 Const InvalidArgument = &hE0690057
 Const ArrayOfVariants = 8204
 Const ArrayOfBytes = 8209
-' No file. On Windows a null string (vbNullString) says the same; Wine's script hosts cannot pass one.
+' No file. On Windows a null string (vbNullString) means the same; Wine's script hosts cannot pass one.
 Const NoFile = "NUL"
 
 Dim quivo, parameters, local_parameters, folder, files, text, signature, second, plain, message

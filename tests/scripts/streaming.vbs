@@ -49,7 +49,7 @@ refused_by_engine "StrHashInitMem with an unknown algorithm"
 quivo.StrHashInitMem "SHA-256", Nothing
 refused InvalidArgument, "StrHashInitMem without a stream"
 
-' A signature with the content, then one beside it, and a second one added to that.
+' A signature with the content, then a detached one, and a second one added to that.
 sign.flag = 1 + 8
 Set stream = CreateObject("TAVL.StreamCtx")
 quivo.StrSignInitMem sign, Empty, stream

@@ -10,7 +10,7 @@ Const BadSignature = &hE0697021
 Const Revoked = &hE0697026
 Const KeyUsageMissing = &hE0697028
 Const TooFew = &hE069702C
-' No file. On Windows a null string (vbNullString) says the same; Wine's script hosts cannot pass one.
+' No file. On Windows a null string (vbNullString) means the same; Wine's script hosts cannot pass one.
 Const NoFile = "NUL"
 
 Dim quivo, arrays, param, find, own, folder, messages, data, results, content, name, i

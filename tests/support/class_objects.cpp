@@ -4,8 +4,9 @@
 
 #include <cstring>
 
-#include "support/classes.h"
 #include "support/module.h"
+#include "support/results.h"
+#include "support/type_library.h"
 
 namespace {
 
@@ -15,24 +16,24 @@ struct LessGuid {
 
 std::map<CLSID, DWORD, LessGuid> cookies;
 
-DWORD announce(REFCLSID clsid, IUnknown* factory) {
+DWORD Announce(REFCLSID clsid, IUnknown* factory) {
   DWORD cookie = 0;
   CoRegisterClassObject(clsid, factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
   return cookie;
 }
 
-Ptr<IClassFactory> factoryOf(REFCLSID clsid) {
-  Ptr<IClassFactory> factory;
-  Module::get().classObject(clsid, IID_IClassFactory, factory.voidOut());
-  return factory;
-}
-
-void announceReal(REFCLSID clsid) { cookies[clsid] = announce(clsid, factoryOf(clsid)); }
+void AnnounceReal(REFCLSID clsid) { cookies[clsid] = Announce(clsid, FactoryOf(clsid)); }
 
 }  // namespace
 
+Ptr<IClassFactory> FactoryOf(REFCLSID clsid) {
+  Ptr<IClassFactory> factory;
+  EXPECT_OK(Module::get().classObject(clsid, IID_IClassFactory, factory.voidOut()));
+  return factory;
+}
+
 ClassObjects::ClassObjects() {
-  for (const ClassFacts& facts : kClasses) announceReal(guidOf(facts.clsid));
+  for (const CoClass& coclass : Classes()) AnnounceReal(coclass.clsid);
 }
 
 ClassObjects::~ClassObjects() {
@@ -40,14 +41,14 @@ ClassObjects::~ClassObjects() {
   cookies.clear();
 }
 
-SubstituteFactory::SubstituteFactory(REFCLSID clsid) : clsid_(clsid), real_(factoryOf(clsid)) {
+SubstituteFactory::SubstituteFactory(REFCLSID clsid) : clsid_(clsid), real_(FactoryOf(clsid)) {
   CoRevokeClassObject(cookies[clsid_]);
-  cookie_ = announce(clsid_, this);
+  cookie_ = Announce(clsid_, this);
 }
 
 SubstituteFactory::~SubstituteFactory() {
   CoRevokeClassObject(cookie_);
-  announceReal(clsid_);
+  AnnounceReal(clsid_);
 }
 
 STDMETHODIMP SubstituteFactory::QueryInterface(REFIID iid, void** object) {

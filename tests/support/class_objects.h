@@ -11,6 +11,9 @@
 
 #include "support/ptr.h"
 
+/// The module's factory of a class.
+Ptr<IClassFactory> FactoryOf(REFCLSID clsid);
+
 /// Makes the module's factories known to COM for as long as it lives.
 class ClassObjects {
  public:
@@ -21,7 +24,7 @@ class ClassObjects {
 };
 
 /// Stands in for the factory of one class while it lives: counts the creations, and refuses one of them with a
-/// result if it is told to.
+/// result if a test asks for it.
 class SubstituteFactory final : public IClassFactory {
  public:
   explicit SubstituteFactory(REFCLSID clsid);

@@ -3,9 +3,8 @@
 #include "support/malloc_spy.h"
 #include "support/object_safety.h"
 
-Ptr<IUnknown> makeUnknown(REFCLSID clsid, REFIID iid) {
-  Ptr<IClassFactory> factory;
-  EXPECT_OK(Module::get().classObject(clsid, IID_IClassFactory, factory.voidOut()));
+Ptr<IUnknown> MakeUnknown(REFCLSID clsid, REFIID iid) {
+  Ptr<IClassFactory> factory = FactoryOf(clsid);
   Ptr<IUnknown> object;
   if (factory.get() != nullptr) {
     EXPECT_OK(factory->CreateInstance(nullptr, iid, object.voidOut()));
@@ -40,14 +39,14 @@ ContractTest::~ContractTest() {
 }
 
 Ptr<IQUIVO> ContractTest::openQuivo() {
-  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
   EXPECT_OK(quivo->InitMinimal());
   engine().forgetCalls();
   return quivo;
 }
 
 Ptr<IQUIVO> ContractTest::untrustedQuivo() {
-  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
   Ptr<IObjectSafety> safety = quivo.as<IObjectSafety>();
   EXPECT_OK(safety->SetInterfaceSafetyOptions(IID_IDispatch, 2, 2));
   return quivo;

@@ -5,19 +5,21 @@
 #include <gtest/gtest.h>
 
 #include "fake_engine/fake_engine.h"
-#include "support/classes.h"
+#include "quivocom.h"
+#include "support/class_objects.h"
 #include "support/module.h"
 #include "support/ptr.h"
 #include "support/results.h"
+#include "support/type_library.h"
 #include "support/values.h"
 
 /// A new object of a class of the module, from the module's own class object.
-Ptr<IUnknown> makeUnknown(REFCLSID clsid, REFIID iid);
+Ptr<IUnknown> MakeUnknown(REFCLSID clsid, REFIID iid);
 
-template <class Class>
-Ptr<typename InterfaceOf<Class>::type> make() {
-  using Interface = typename InterfaceOf<Class>::type;
-  Ptr<IUnknown> made = makeUnknown(__uuidof(Class), __uuidof(Interface));
+/// An object of the class whose default interface is `Interface`.
+template <class Interface>
+Ptr<Interface> Make() {
+  Ptr<IUnknown> made = MakeUnknown(ClassOf(__uuidof(Interface)).clsid, __uuidof(Interface));
   return Ptr<Interface>::share(static_cast<Interface*>(static_cast<void*>(made.get())));
 }
 
@@ -32,7 +34,7 @@ class ContractTest : public ::testing::Test {
   Ptr<IQUIVO> openQuivo();
   /// The main object in untrusted-data mode, as a script host of the untrusting kind sets it.
   Ptr<IQUIVO> untrustedQuivo();
-  /// For roads through windows of the platform that keep COM memory of their own: only the module's is counted.
+  /// For calls that show windows of the platform, which keep COM memory of their own: only the module's is counted.
   void leaveOutComMemory() { countsComMemory_ = false; }
   /// For calls of the platform's own functions that leak: neither COM memory nor the module's objects are counted.
   void leaveOutLeaks() { countsComMemory_ = countsObjects_ = false; }

@@ -12,7 +12,6 @@
 #include "com/module.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEnds);
-extern "C" IMAGE_DOS_HEADER __ImageBase;
 
 namespace {
 
@@ -20,7 +19,7 @@ std::atomic<long> live{0};
 std::atomic<long> untilFailure{-1};
 constexpr long kFailed = -2;
 
-void* allocate(size_t size) noexcept {
+void* Allocate(size_t size) noexcept {
   if (untilFailure >= 0 && untilFailure-- == 0) {
     untilFailure = kFailed;
     return nullptr;
@@ -30,13 +29,13 @@ void* allocate(size_t size) noexcept {
   return block;
 }
 
-void* allocateOrEnd(size_t size) {
-  void* block = allocate(size);
+void* AllocateOrEnd(size_t size) {
+  void* block = Allocate(size);
   if (block == nullptr) std::abort();
   return block;
 }
 
-void release(void* block) noexcept {
+void Release(void* block) noexcept {
   if (block == nullptr) return;
   --live;
   // A late reader shall not find what was there.
@@ -46,16 +45,16 @@ void release(void* block) noexcept {
 
 }  // namespace
 
-void* operator new(size_t size) { return allocateOrEnd(size); }
-void* operator new[](size_t size) { return allocateOrEnd(size); }
-void* operator new(size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void* operator new[](size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void operator delete(void* block) noexcept { release(block); }
-void operator delete[](void* block) noexcept { release(block); }
-void operator delete(void* block, size_t) noexcept { release(block); }
-void operator delete[](void* block, size_t) noexcept { release(block); }
-void operator delete(void* block, const std::nothrow_t&) noexcept { release(block); }
-void operator delete[](void* block, const std::nothrow_t&) noexcept { release(block); }
+void* operator new(size_t size) { return AllocateOrEnd(size); }
+void* operator new[](size_t size) { return AllocateOrEnd(size); }
+void* operator new(size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
+void* operator new[](size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
+void operator delete(void* block) noexcept { Release(block); }
+void operator delete[](void* block) noexcept { Release(block); }
+void operator delete(void* block, size_t) noexcept { Release(block); }
+void operator delete[](void* block, size_t) noexcept { Release(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { Release(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { Release(block); }
 
 extern "C" {
 
@@ -67,7 +66,7 @@ __declspec(dllexport) void TavlcomFailAllocation(long succeeding) { untilFailure
 __declspec(dllexport) bool TavlcomAllocationFailed() { return untilFailure == kFailed; }
 /// The entry point itself: the one in the file's header would also end the runtime of the module.
 __declspec(dllexport) BOOL TavlcomDllMain(DWORD reason, void* processEnds) {
-  return DllMain(reinterpret_cast<HINSTANCE>(&__ImageBase), reason, processEnds);
+  return DllMain(com::module::Instance(), reason, processEnds);
 }
 
 }  // extern "C"

@@ -13,16 +13,16 @@ struct ForeignSlots {
     self->called_.push_back(slot);
     return E_UNEXPECTED;
   }
-  template <int Slot>
+  template <int slot>
   static HRESULT STDMETHODCALLTYPE any(ForeignObject* self) {
-    return note(self, Slot);
+    return note(self, slot);
   }
   static ULONG STDMETHODCALLTYPE addRef(ForeignObject* self) { return ++self->references_; }
   static ULONG STDMETHODCALLTYPE release(ForeignObject* self) { return --self->references_; }
 
-  template <int... Slots>
-  static const void* const* table(std::integer_sequence<int, Slots...>) {
-    static const void* slots[] = {reinterpret_cast<const void*>(&any<Slots>)...};
+  template <int... slotNumbers>
+  static const void* const* table(std::integer_sequence<int, slotNumbers...>) {
+    static const void* slots[] = {reinterpret_cast<const void*>(&any<slotNumbers>)...};
     slots[1] = reinterpret_cast<const void*>(&addRef);
     slots[2] = reinterpret_cast<const void*>(&release);
     return slots;

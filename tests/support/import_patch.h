@@ -23,10 +23,10 @@ class ImportPatch {
 };
 
 /// The name of a function as a template argument.
-template <size_t Size>
+template <size_t size>
 struct FunctionName {
-  char text[Size];
-  constexpr FunctionName(const char (&name)[Size]) { std::copy_n(name, Size, text); }
+  char text[size];
+  constexpr FunctionName(const char (&name)[size]) { std::copy_n(name, size, text); }
 };
 
 /// As ImportPatch, for the module under test and with a lambda that captures; at most one for each function.
@@ -40,12 +40,12 @@ class ImportHook<name, Result(Arguments...)> {
  public:
   explicit ImportHook(std::function<Result(Arguments...)> body)
       : patch_(Module::get().handle(), name.text, reinterpret_cast<void*>(&call)) {
-    body_ = std::move(body);
+    sharedBody = std::move(body);
   }
 
  private:
-  static Result call(Arguments... arguments) { return body_(arguments...); }
+  static Result call(Arguments... arguments) { return sharedBody(arguments...); }
 
-  static inline std::function<Result(Arguments...)> body_;
+  static inline std::function<Result(Arguments...)> sharedBody;
   ImportPatch patch_;
 };

@@ -7,7 +7,7 @@
 
 namespace {
 
-LateResult finish(HRESULT raw, EXCEPINFO& exception) {
+LateResult Finish(HRESULT raw, EXCEPINFO& exception) {
   LateResult outcome;
   outcome.raw = outcome.result = raw;
   if (raw == DISP_E_EXCEPTION) {
@@ -26,7 +26,7 @@ namespace {
 
 using Invoker = std::function<HRESULT(DISPID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*)>;
 
-LateResult invokeWith(const Invoker& invoker, IDispatch* object, const LateCall& call) {
+LateResult InvokeWith(const Invoker& invoker, IDispatch* object, const LateCall& call) {
   std::vector<LPOLESTR> names{const_cast<LPOLESTR>(call.member.c_str())};
   for (const auto& [name, value] : call.named) names.push_back(const_cast<LPOLESTR>(name.c_str()));
   std::vector<DISPID> ids(names.size());
@@ -51,7 +51,7 @@ LateResult invokeWith(const Invoker& invoker, IDispatch* object, const LateCall&
   UINT badArgument = 0xFFFF;
   const HRESULT raw =
       invoker(ids[0], call.kind, &parameters, call.wantsResult ? value.out() : nullptr, &exception, &badArgument);
-  LateResult outcome = finish(raw, exception);
+  LateResult outcome = Finish(raw, exception);
   outcome.badArgument = badArgument;
   outcome.value = std::move(value);
   return outcome;
@@ -59,15 +59,15 @@ LateResult invokeWith(const Invoker& invoker, IDispatch* object, const LateCall&
 
 }  // namespace
 
-LateResult invoke(IDispatch* object, const LateCall& call) {
-  return invokeWith(
+LateResult Invoke(IDispatch* object, const LateCall& call) {
+  return InvokeWith(
       [&](DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
         return object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, parameters, result, exception, badArgument);
       },
       object, call);
 }
 
-LateResult invokeByPlatform(IDispatch* object, const LateCall& call) {
+LateResult InvokeByPlatform(IDispatch* object, const LateCall& call) {
   Ptr<ITypeInfo> info;
   object->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.out());
   // The platform calls through the virtual table of the described interface.
@@ -76,33 +76,33 @@ LateResult invokeByPlatform(IDispatch* object, const LateCall& call) {
   Ptr<IDispatch> typed;
   object->QueryInterface(attributes->guid, typed.voidOut());
   info->ReleaseTypeAttr(attributes);
-  return invokeWith(
+  return InvokeWith(
       [&](DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
         return info->Invoke(typed.get(), id, flags, parameters, result, exception, badArgument);
       },
       object, call);
 }
 
-LateResult getProperty(IDispatch* object, const wchar_t* name) {
-  return invoke(object, {name, DISPATCH_PROPERTYGET, {}, {}, true});
+LateResult GetProperty(IDispatch* object, const wchar_t* name) {
+  return Invoke(object, {name, DISPATCH_PROPERTYGET, {}, {}, true});
 }
 
-LateResult putProperty(IDispatch* object, const wchar_t* name, const VARIANT& value) {
-  return invoke(object, {name, DISPATCH_PROPERTYPUT, {value}, {}, false});
+LateResult PutProperty(IDispatch* object, const wchar_t* name, const VARIANT& value) {
+  return Invoke(object, {name, DISPATCH_PROPERTYPUT, {value}, {}, false});
 }
 
-LateResult putRefProperty(IDispatch* object, const wchar_t* name, const VARIANT& value) {
-  return invoke(object, {name, DISPATCH_PROPERTYPUTREF, {value}, {}, false});
+LateResult PutRefProperty(IDispatch* object, const wchar_t* name, const VARIANT& value) {
+  return Invoke(object, {name, DISPATCH_PROPERTYPUTREF, {value}, {}, false});
 }
 
-Variant byRefText(Bstr& variable) {
+Variant ByRefText(Bstr& variable) {
   Variant made;
   V_VT(made.out()) = VT_BYREF | VT_BSTR;
   V_BSTRREF(made.out()) = variable.inOut();
   return made;
 }
 
-Variant byRefObject(Ptr<IDispatch>& variable) {
+Variant ByRefObject(Ptr<IDispatch>& variable) {
   Variant made;
   V_VT(made.out()) = VT_BYREF | VT_DISPATCH;
   V_DISPATCHREF(made.out()) = variable.inOut();

@@ -32,18 +32,18 @@ struct LateResult {
   Variant value;
 };
 
-LateResult invoke(IDispatch* object, const LateCall& call);
+LateResult Invoke(IDispatch* object, const LateCall& call);
 /// The same call by the platform's ITypeInfo::Invoke over the object's type information: the yardstick for the module's
 /// own.
-LateResult invokeByPlatform(IDispatch* object, const LateCall& call);
+LateResult InvokeByPlatform(IDispatch* object, const LateCall& call);
 
-LateResult getProperty(IDispatch* object, const wchar_t* name);
-LateResult putProperty(IDispatch* object, const wchar_t* name, const VARIANT& value);
-LateResult putRefProperty(IDispatch* object, const wchar_t* name, const VARIANT& value);
+LateResult GetProperty(IDispatch* object, const wchar_t* name);
+LateResult PutProperty(IDispatch* object, const wchar_t* name, const VARIANT& value);
+LateResult PutRefProperty(IDispatch* object, const wchar_t* name, const VARIANT& value);
 
 /// VT_BYREF|VT_BSTR, VT_BYREF|VT_DISPATCH: typed variables of a caller that has types.
-Variant byRefText(Bstr& variable);
-Variant byRefObject(Ptr<IDispatch>& variable);
+Variant ByRefText(Bstr& variable);
+Variant ByRefObject(Ptr<IDispatch>& variable);
 
 /// An object with a property `value`: one that has it from the start, or one that gets it through IDispatchEx.
 class Holder final : public IDispatchEx {

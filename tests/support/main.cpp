@@ -15,10 +15,10 @@ namespace {
 /// oleaut32 reads this variable once, when it is loaded: with its cache, no leak of a BSTR could be seen.
 constexpr const wchar_t* kNoCache = L"oanocache";
 
-bool cacheIsOff() { return GetEnvironmentVariableW(kNoCache, nullptr, 0) != 0; }
+bool CacheIsOff() { return GetEnvironmentVariableW(kNoCache, nullptr, 0) != 0; }
 
 /// Runs this program once more without the cache; gives its exit code.
-int runWithoutCache() {
+int RunWithoutCache() {
   SetEnvironmentVariableW(kNoCache, L"1");
   STARTUPINFOW start{};
   start.cb = sizeof start;
@@ -35,10 +35,10 @@ int runWithoutCache() {
 }
 
 /// What module and platform make once and keep, so that no test's counts contain it.
-void warmUp() {
-  for (const ClassFacts& facts : kClasses) {
+void WarmUp() {
+  for (const CoClass& coclass : Classes()) {
     Ptr<IDispatch> object;
-    CoCreateInstance(guidOf(facts.clsid), nullptr, CLSCTX_ALL, IID_IDispatch, object.voidOut());
+    CoCreateInstance(coclass.clsid, nullptr, CLSCTX_ALL, IID_IDispatch, object.voidOut());
     if (object.get() == nullptr) continue;
     wchar_t nothing[] = L"nothing";
     LPOLESTR name = nothing;
@@ -55,7 +55,7 @@ void warmUp() {
 }  // namespace
 
 int main(int count, char** arguments) {
-  if (!cacheIsOff()) return runWithoutCache();
+  if (!CacheIsOff()) return RunWithoutCache();
   ::testing::InitGoogleTest(&count, arguments);
   if (GetACP() != 1251) {
     std::fprintf(stderr, "the ANSI code page is %u; these tests need 1251 (tools/wine sets it)\n", GetACP());
@@ -69,7 +69,7 @@ int main(int count, char** arguments) {
   int result = 1;
   {
     ClassObjects classes;
-    warmUp();
+    WarmUp();
     result = RUN_ALL_TESTS();
   }
   MallocSpy::get().stop();

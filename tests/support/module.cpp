@@ -5,14 +5,14 @@
 
 namespace {
 
-[[noreturn]] void fail(const char* what) {
+[[noreturn]] void Fail(const char* what) {
   std::fprintf(stderr, "the module under test: %s (error %lu)\n", what, GetLastError());
   std::exit(1);
 }
 
 }  // namespace
 
-std::wstring programFolder() {
+std::wstring ProgramFolder() {
   wchar_t path[MAX_PATH];
   GetModuleFileNameW(nullptr, path, MAX_PATH);
   const std::wstring file = path;
@@ -24,27 +24,27 @@ Module& Module::get() {
   return module;
 }
 
-Module::Module() : path_(programFolder() + L"\\tavlcom.dll"), handle_(LoadLibraryW(path_.c_str())) {
-  if (handle_ == nullptr) fail("cannot be loaded");
+Module::Module() : path_(ProgramFolder() + L"\\tavlcom.dll"), handle_(LoadLibraryW(path_.c_str())) {
+  if (handle_ == nullptr) Fail("cannot be loaded");
   getClassObject_ = entry<decltype(getClassObject_)>("DllGetClassObject");
   canUnloadNow_ = entry<decltype(canUnloadNow_)>("DllCanUnloadNow");
   liveObjects_ = entry<decltype(liveObjects_)>("TavlcomLiveObjects");
   liveAllocations_ = entry<decltype(liveAllocations_)>("TavlcomLiveAllocations");
   failAllocation_ = entry<decltype(failAllocation_)>("TavlcomFailAllocation");
   allocationFailed_ = entry<decltype(allocationFailed_)>("TavlcomAllocationFailed");
-  if (getClassObject_ == nullptr || canUnloadNow_ == nullptr) fail("lacks an entry point");
-  if (liveObjects_ == nullptr || liveAllocations_ == nullptr) fail("is not the build that counts");
+  if (getClassObject_ == nullptr || canUnloadNow_ == nullptr) Fail("lacks an entry point");
+  if (liveObjects_ == nullptr || liveAllocations_ == nullptr) Fail("is not the build that counts");
 }
 
 namespace {
 
-std::wstring folderOf(const std::wstring& path) { return path.substr(0, path.rfind(L'\\')); }
+std::wstring FolderOf(const std::wstring& path) { return path.substr(0, path.rfind(L'\\')); }
 
 }  // namespace
 
 ModuleCopy::ModuleCopy(const std::wstring& name, const Change& change, DWORD flags)
-    : path_(programFolder() + L"\\" + name) {
-  CreateDirectoryW(folderOf(path_).c_str(), nullptr);
+    : path_(ProgramFolder() + L"\\" + name) {
+  CreateDirectoryW(FolderOf(path_).c_str(), nullptr);
   CopyFileW(Module::get().path().c_str(), path_.c_str(), FALSE);
   if (change) change(path_);
   handle_ = LoadLibraryExW(path_.c_str(), nullptr, flags);
@@ -53,5 +53,5 @@ ModuleCopy::ModuleCopy(const std::wstring& name, const Change& change, DWORD fla
 ModuleCopy::~ModuleCopy() {
   FreeLibrary(handle_);
   DeleteFileW(path_.c_str());
-  if (folderOf(path_) != programFolder()) RemoveDirectoryW(folderOf(path_).c_str());
+  if (FolderOf(path_) != ProgramFolder()) RemoveDirectoryW(FolderOf(path_).c_str());
 }

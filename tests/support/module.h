@@ -45,9 +45,9 @@ class Module {
 };
 
 /// The folder of the test program, without a backslash at its end.
-std::wstring programFolder();
+std::wstring ProgramFolder();
 
-/// A copy of the module, loaded beside it: one that has done nothing yet, or that stands elsewhere. Gone with its
+/// A copy of the module, loaded in addition: one that has done nothing yet, or in another folder. Deleted with its
 /// owner.
 class ModuleCopy {
  public:

@@ -5,7 +5,7 @@
 
 PeImage::PeImage(const std::wstring& path)
     : module_(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_IMAGE_RESOURCE)) {
-  // The low bits of such a handle say how the file is mapped.
+  // The low bits of such a handle state how the file is mapped.
   base_ = reinterpret_cast<const BYTE*>(reinterpret_cast<ULONG_PTR>(module_) & ~static_cast<ULONG_PTR>(3));
   // A loader may write the address into the mapped header: the wish of the file itself is read from the file.
   HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);

@@ -1,4 +1,4 @@
-// Reads what the header of a module file says.
+// Reads the header of a module file.
 #pragma once
 
 #include <windows.h>

@@ -54,7 +54,7 @@ class Ptr {
     if (pointer_ != nullptr) pointer_->QueryInterface(__uuidof(Other), other.voidOut());
     return other;
   }
-  /// The reference count, as Release tells it.
+  /// The reference count, as Release returns it.
   ULONG references() const {
     pointer_->AddRef();
     return pointer_->Release();

@@ -5,22 +5,22 @@
 
 namespace {
 
-HKEY openForReading(HKEY root, const std::wstring& path) {
+HKEY OpenForReading(HKEY root, const std::wstring& path) {
   HKEY key = nullptr;
   RegOpenKeyExW(root, path.c_str(), 0, KEY_READ, &key);
   return key;
 }
 
-void write(HKEY root, const std::wstring& path, const wchar_t* name, DWORD type, const void* data, DWORD size) {
+void Write(HKEY root, const std::wstring& path, const wchar_t* name, DWORD type, const void* data, DWORD size) {
   HKEY key = nullptr;
   RegCreateKeyExW(root, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr);
   if (data != nullptr) RegSetValueExW(key, name, 0, type, static_cast<const BYTE*>(data), size);
   RegCloseKey(key);
 }
 
-DWORD sizeOf(const wchar_t* text) { return static_cast<DWORD>((std::wcslen(text) + 1) * sizeof(wchar_t)); }
+DWORD SizeOf(const wchar_t* text) { return static_cast<DWORD>((std::wcslen(text) + 1) * sizeof(wchar_t)); }
 
-void addValues(HKEY key, const std::wstring& path, RegistryTree& tree) {
+void AddValues(HKEY key, const std::wstring& path, RegistryTree& tree) {
   wchar_t name[256];
   std::vector<BYTE> data(4096);
   for (DWORD i = 0;; ++i) {
@@ -35,54 +35,54 @@ void addValues(HKEY key, const std::wstring& path, RegistryTree& tree) {
   }
 }
 
-void addKey(HKEY root, const std::wstring& from, const std::wstring& path, RegistryTree& tree) {
-  const HKEY key = openForReading(root, from);
+void AddKey(HKEY root, const std::wstring& from, const std::wstring& path, RegistryTree& tree) {
+  const HKEY key = OpenForReading(root, from);
   if (key == nullptr) return;
   if (!path.empty()) tree[path] = kNoValue;
-  addValues(key, path, tree);
+  AddValues(key, path, tree);
   wchar_t name[256];
   for (DWORD i = 0;; ++i) {
     DWORD length = 256;
     if (RegEnumKeyExW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
-    addKey(key, name, path.empty() ? name : path + L"\\" + name, tree);
+    AddKey(key, name, path.empty() ? name : path + L"\\" + name, tree);
   }
   RegCloseKey(key);
 }
 
 }  // namespace
 
-RegistryTree readTree(HKEY root, const std::wstring& path) {
+RegistryTree ReadTree(HKEY root, const std::wstring& path) {
   RegistryTree tree;
-  addKey(root, path, L"", tree);
+  AddKey(root, path, L"", tree);
   return tree;
 }
 
-bool keyExists(HKEY root, const std::wstring& path) {
-  const HKEY key = openForReading(root, path);
+bool KeyExists(HKEY root, const std::wstring& path) {
+  const HKEY key = OpenForReading(root, path);
   if (key == nullptr) return false;
   RegCloseKey(key);
   return true;
 }
 
-void writeKey(HKEY root, const std::wstring& path, const wchar_t* value) {
-  write(root, path, nullptr, REG_SZ, value, value == nullptr ? 0 : sizeOf(value));
+void WriteKey(HKEY root, const std::wstring& path, const wchar_t* value) {
+  Write(root, path, nullptr, REG_SZ, value, value == nullptr ? 0 : SizeOf(value));
 }
 
-void writeVolatileKey(HKEY root, const std::wstring& path) {
+void WriteVolatileKey(HKEY root, const std::wstring& path) {
   HKEY key = nullptr;
   RegCreateKeyExW(root, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &key, nullptr);
   RegCloseKey(key);
 }
 
-void writeDword(HKEY root, const std::wstring& path, const wchar_t* name, DWORD value) {
-  write(root, path, name, REG_DWORD, &value, sizeof value);
+void WriteDword(HKEY root, const std::wstring& path, const wchar_t* name, DWORD value) {
+  Write(root, path, name, REG_DWORD, &value, sizeof value);
 }
 
-void writeText(HKEY root, const std::wstring& path, const wchar_t* name, const wchar_t* value) {
-  write(root, path, name, REG_SZ, value, sizeOf(value));
+void WriteText(HKEY root, const std::wstring& path, const wchar_t* name, const wchar_t* value) {
+  Write(root, path, name, REG_SZ, value, SizeOf(value));
 }
 
-void deleteTree(HKEY root, const std::wstring& path) { RegDeleteTreeW(root, path.c_str()); }
+void DeleteTree(HKEY root, const std::wstring& path) { RegDeleteTreeW(root, path.c_str()); }
 
 PrivateRoot::PrivateRoot(HKEY predefined) : predefined_(predefined) {
   static int serial = 0;

@@ -11,15 +11,15 @@
 using RegistryTree = std::map<std::wstring, std::wstring>;
 constexpr const wchar_t* kNoValue = L"(none)";
 
-RegistryTree readTree(HKEY root, const std::wstring& path = L"");
-bool keyExists(HKEY root, const std::wstring& path);
+RegistryTree ReadTree(HKEY root, const std::wstring& path = L"");
+bool KeyExists(HKEY root, const std::wstring& path);
 /// Creates a key, with a default value if one is given.
-void writeKey(HKEY root, const std::wstring& path, const wchar_t* value = nullptr);
+void WriteKey(HKEY root, const std::wstring& path, const wchar_t* value = nullptr);
 /// Creates a key that only volatile keys can be created below.
-void writeVolatileKey(HKEY root, const std::wstring& path);
-void writeDword(HKEY root, const std::wstring& path, const wchar_t* name, DWORD value);
-void writeText(HKEY root, const std::wstring& path, const wchar_t* name, const wchar_t* value);
-void deleteTree(HKEY root, const std::wstring& path);
+void WriteVolatileKey(HKEY root, const std::wstring& path);
+void WriteDword(HKEY root, const std::wstring& path, const wchar_t* name, DWORD value);
+void WriteText(HKEY root, const std::wstring& path, const wchar_t* name, const wchar_t* value);
+void DeleteTree(HKEY root, const std::wstring& path);
 
 /// While it lives, a predefined key is an empty key of this process.
 class PrivateRoot {

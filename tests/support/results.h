@@ -21,7 +21,7 @@ inline void PrintTo(const Hresult& result, std::ostream* out) {
   *out << "0x" << std::hex << std::uppercase << std::setw(8) << std::setfill('0') << result.value << std::dec;
 }
 
-// Results of the module's own, beside those of the platform.
+// Results of the module's own, in addition to those of the platform.
 constexpr uint32_t kAlreadyInitialized = 0xE0680001;
 constexpr uint32_t kAccessDenied = 0xE0690005;
 constexpr uint32_t kOutOfMemory = 0xE069000E;

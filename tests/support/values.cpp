@@ -5,17 +5,17 @@
 
 namespace {
 
-SAFEARRAY* vector(VARTYPE element, size_t count, LONG lowerBound) {
+SAFEARRAY* Vector(VARTYPE element, size_t count, LONG lowerBound) {
   return SafeArrayCreateVector(element, lowerBound, static_cast<ULONG>(count));
 }
 
 template <class T>
-T* dataOf(SAFEARRAY* array) {
+T* DataOf(SAFEARRAY* array) {
   return static_cast<T*>(array->pvData);
 }
 
 /// The array of a VARIANT that has to be one-dimensional, from 0, of `type`; null otherwise.
-SAFEARRAY* expectVector(const Variant& value, VARTYPE type) {
+SAFEARRAY* ExpectVector(const Variant& value, VARTYPE type) {
   EXPECT_EQ(type, value.type()) << "the type of the array";
   if (value.type() != type) return nullptr;
   SAFEARRAY* array = value.safeArray();
@@ -25,7 +25,7 @@ SAFEARRAY* expectVector(const Variant& value, VARTYPE type) {
   return array;
 }
 
-size_t countOf(SAFEARRAY* array) { return array == nullptr ? 0 : array->rgsabound[0].cElements; }
+size_t CountOf(SAFEARRAY* array) { return array == nullptr ? 0 : array->rgsabound[0].cElements; }
 
 }  // namespace
 
@@ -64,32 +64,32 @@ Variant Variant::array(VARTYPE element, SAFEARRAY* array) {
   return made;
 }
 
-Variant bytes(const Bytes& content, LONG lowerBound) {
-  SAFEARRAY* array = vector(VT_UI1, content.size(), lowerBound);
-  std::copy(content.begin(), content.end(), dataOf<uint8_t>(array));
+Variant ByteArray(const Bytes& content, LONG lowerBound) {
+  SAFEARRAY* array = Vector(VT_UI1, content.size(), lowerBound);
+  std::copy(content.begin(), content.end(), DataOf<uint8_t>(array));
   return Variant::array(VT_UI1, array);
 }
 
-Variant vbsBytes(const Bytes& content, LONG lowerBound) {
-  SAFEARRAY* array = vector(VT_VARIANT, content.size(), lowerBound);
+Variant VbsByteArray(const Bytes& content, LONG lowerBound) {
+  SAFEARRAY* array = Vector(VT_VARIANT, content.size(), lowerBound);
   for (size_t i = 0; i < content.size(); ++i) {
-    VARIANT& element = dataOf<VARIANT>(array)[i];
+    VARIANT& element = DataOf<VARIANT>(array)[i];
     V_VT(&element) = VT_UI1;
     V_UI1(&element) = content[i];
   }
   return Variant::array(VT_VARIANT, array);
 }
 
-Variant variants(std::initializer_list<VARIANT> elements, LONG lowerBound) {
-  SAFEARRAY* array = vector(VT_VARIANT, elements.size(), lowerBound);
-  VARIANT* slot = dataOf<VARIANT>(array);
+Variant VariantArray(std::initializer_list<VARIANT> elements, LONG lowerBound) {
+  SAFEARRAY* array = Vector(VT_VARIANT, elements.size(), lowerBound);
+  VARIANT* slot = DataOf<VARIANT>(array);
   for (const VARIANT& element : elements) VariantCopy(slot++, const_cast<VARIANT*>(&element));
   return Variant::array(VT_VARIANT, array);
 }
 
-Variant objects(std::initializer_list<IDispatch*> elements, LONG lowerBound) {
-  SAFEARRAY* array = vector(VT_DISPATCH, elements.size(), lowerBound);
-  IDispatch** slot = dataOf<IDispatch*>(array);
+Variant ObjectArray(std::initializer_list<IDispatch*> elements, LONG lowerBound) {
+  SAFEARRAY* array = Vector(VT_DISPATCH, elements.size(), lowerBound);
+  IDispatch** slot = DataOf<IDispatch*>(array);
   for (IDispatch* element : elements) {
     if (element != nullptr) element->AddRef();
     *slot++ = element;
@@ -97,81 +97,81 @@ Variant objects(std::initializer_list<IDispatch*> elements, LONG lowerBound) {
   return Variant::array(VT_DISPATCH, array);
 }
 
-Variant strings(std::initializer_list<const wchar_t*> elements, LONG lowerBound) {
-  SAFEARRAY* array = vector(VT_BSTR, elements.size(), lowerBound);
-  BSTR* slot = dataOf<BSTR>(array);
+Variant StringArray(std::initializer_list<const wchar_t*> elements, LONG lowerBound) {
+  SAFEARRAY* array = Vector(VT_BSTR, elements.size(), lowerBound);
+  BSTR* slot = DataOf<BSTR>(array);
   for (const wchar_t* element : elements) *slot++ = element == nullptr ? nullptr : SysAllocString(element);
   return Variant::array(VT_BSTR, array);
 }
 
-Variant byRef(Variant& value) {
+Variant ByRef(Variant& value) {
   Variant made;
   V_VT(made.out()) = VT_BYREF | VT_VARIANT;
   V_VARIANTREF(made.out()) = value.out();
   return made;
 }
 
-Variant byRefArray(Variant& value) {
+Variant ByRefArray(Variant& value) {
   Variant made;
   V_VT(made.out()) = VT_BYREF | value.type();
   V_ARRAYREF(made.out()) = &V_ARRAY(value.out());
   return made;
 }
 
-Variant nullRef(VARTYPE type) {
+Variant NullRef(VARTYPE type) {
   Variant made;
   V_VT(made.out()) = VT_BYREF | type;
   V_BYREF(made.out()) = nullptr;
   return made;
 }
 
-Variant manyDimensions(VARTYPE element, std::initializer_list<SAFEARRAYBOUND> bounds) {
+Variant ManyDimensions(VARTYPE element, std::initializer_list<SAFEARRAYBOUND> bounds) {
   std::vector<SAFEARRAYBOUND> copy(bounds);
   return Variant::array(element, SafeArrayCreate(element, static_cast<UINT>(copy.size()), copy.data()));
 }
 
-Bytes plainBytesOf(const Variant& value) {
-  SAFEARRAY* array = expectVector(value, kByteArray);
-  return array == nullptr ? Bytes{} : Bytes(dataOf<uint8_t>(array), dataOf<uint8_t>(array) + countOf(array));
+Bytes PlainBytesOf(const Variant& value) {
+  SAFEARRAY* array = ExpectVector(value, kByteArray);
+  return array == nullptr ? Bytes{} : Bytes(DataOf<uint8_t>(array), DataOf<uint8_t>(array) + CountOf(array));
 }
 
-Bytes vbsBytesOf(const Variant& value) {
-  SAFEARRAY* array = expectVector(value, kVbsArray);
+Bytes VbsBytesOf(const Variant& value) {
+  SAFEARRAY* array = ExpectVector(value, kVbsArray);
   Bytes content;
-  for (size_t i = 0; i < countOf(array); ++i) {
-    const VARIANT& element = dataOf<VARIANT>(array)[i];
+  for (size_t i = 0; i < CountOf(array); ++i) {
+    const VARIANT& element = DataOf<VARIANT>(array)[i];
     EXPECT_EQ(VT_UI1, V_VT(&element)) << "element " << i;
     content.push_back(V_UI1(&element));
   }
   return content;
 }
 
-std::vector<std::wstring> stringsOf(const Variant& value) {
-  SAFEARRAY* array = expectVector(value, kStringArray);
+std::vector<std::wstring> StringsOf(const Variant& value) {
+  SAFEARRAY* array = ExpectVector(value, kStringArray);
   std::vector<std::wstring> texts;
-  for (size_t i = 0; i < countOf(array); ++i) {
-    const BSTR text = dataOf<BSTR>(array)[i];
+  for (size_t i = 0; i < CountOf(array); ++i) {
+    const BSTR text = DataOf<BSTR>(array)[i];
     EXPECT_NE(nullptr, text) << "a null string at " << i;
     texts.emplace_back(text == nullptr ? L"" : text, SysStringLen(text));
   }
   return texts;
 }
 
-std::vector<Ptr<IDispatch>> objectsOf(const Variant& value) {
-  SAFEARRAY* array = expectVector(value, kObjectArray);
+std::vector<Ptr<IDispatch>> ObjectsOf(const Variant& value) {
+  SAFEARRAY* array = ExpectVector(value, kObjectArray);
   std::vector<Ptr<IDispatch>> found;
-  for (size_t i = 0; i < countOf(array); ++i) found.push_back(Ptr<IDispatch>::share(dataOf<IDispatch*>(array)[i]));
+  for (size_t i = 0; i < CountOf(array); ++i) found.push_back(Ptr<IDispatch>::share(DataOf<IDispatch*>(array)[i]));
   return found;
 }
 
-std::wstring textOf(const Variant& value) {
+std::wstring TextOf(const Variant& value) {
   EXPECT_EQ(VT_BSTR, value.type());
   if (value.type() != VT_BSTR) return {};
   EXPECT_NE(nullptr, V_BSTR(&value.get()));
   return V_BSTR(&value.get()) == nullptr ? L"" : V_BSTR(&value.get());
 }
 
-std::string ansiOf(const std::wstring& text) {
+std::string AnsiOf(const std::wstring& text) {
   const int length = static_cast<int>(text.size());
   std::string ansi(2 * text.size(), '\0');
   const int written =
@@ -180,14 +180,14 @@ std::string ansiOf(const std::wstring& text) {
   return ansi;
 }
 
-std::wstring wideOf(const std::string& text) {
+std::wstring WideOf(const std::string& text) {
   const int length = static_cast<int>(text.size());
   std::wstring wide(text.size(), L'\0');
   wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), length)));
   return wide;
 }
 
-LockedVariant::LockedVariant() : array_(bytes({1})) {
+LockedVariant::LockedVariant() : array_(ByteArray({1})) {
   EXPECT_EQ(S_OK, SafeArrayLock(array_.safeArray()));
   value = array_.get();
 }

@@ -87,36 +87,36 @@ constexpr VARTYPE kObjectArray = VT_ARRAY | VT_DISPATCH;
 constexpr VARTYPE kStringArray = VT_ARRAY | VT_BSTR;
 
 // Inputs.
-Variant bytes(const Bytes& content, LONG lowerBound = 0);
+Variant ByteArray(const Bytes& content, LONG lowerBound = 0);
 /// An array of VARIANTs, each VT_UI1.
-Variant vbsBytes(const Bytes& content, LONG lowerBound = 0);
+Variant VbsByteArray(const Bytes& content, LONG lowerBound = 0);
 /// An array of VARIANTs as given.
-Variant variants(std::initializer_list<VARIANT> elements, LONG lowerBound = 0);
-Variant objects(std::initializer_list<IDispatch*> elements, LONG lowerBound = 0);
-Variant strings(std::initializer_list<const wchar_t*> elements, LONG lowerBound = 0);
+Variant VariantArray(std::initializer_list<VARIANT> elements, LONG lowerBound = 0);
+Variant ObjectArray(std::initializer_list<IDispatch*> elements, LONG lowerBound = 0);
+Variant StringArray(std::initializer_list<const wchar_t*> elements, LONG lowerBound = 0);
 /// VT_BYREF|VT_VARIANT to `value`, which has to live on.
-Variant byRef(Variant& value);
+Variant ByRef(Variant& value);
 /// VT_BYREF|VT_ARRAY|... to the array of `value`.
-Variant byRefArray(Variant& value);
+Variant ByRefArray(Variant& value);
 /// A by-reference VARIANT of a type, with a null pointer.
-Variant nullRef(VARTYPE type);
+Variant NullRef(VARTYPE type);
 /// An array with `elements` in each of its dimensions, all zero.
-Variant manyDimensions(VARTYPE element, std::initializer_list<SAFEARRAYBOUND> bounds);
+Variant ManyDimensions(VARTYPE element, std::initializer_list<SAFEARRAYBOUND> bounds);
 
 // Outputs. A wrong form is a failure of the test and gives no elements.
-Bytes plainBytesOf(const Variant& value);
-Bytes vbsBytesOf(const Variant& value);
-std::vector<std::wstring> stringsOf(const Variant& value);
-std::vector<Ptr<IDispatch>> objectsOf(const Variant& value);
+Bytes PlainBytesOf(const Variant& value);
+Bytes VbsBytesOf(const Variant& value);
+std::vector<std::wstring> StringsOf(const Variant& value);
+std::vector<Ptr<IDispatch>> ObjectsOf(const Variant& value);
 /// A text in the ANSI code page, as the engine gives it; and back.
-std::string ansiOf(const std::wstring& text);
-std::wstring wideOf(const std::string& text);
+std::string AnsiOf(const std::wstring& text);
+std::wstring WideOf(const std::string& text);
 /// The text of a VT_BSTR up to its first NUL.
-std::wstring textOf(const Variant& value);
+std::wstring TextOf(const Variant& value);
 
 template <class Interface>
-std::vector<Ptr<Interface>> objectsOf(const Variant& value) {
+std::vector<Ptr<Interface>> ObjectsOf(const Variant& value) {
   std::vector<Ptr<Interface>> typed;
-  for (const auto& object : objectsOf(value)) typed.push_back(object.template as<Interface>());
+  for (const auto& object : ObjectsOf(value)) typed.push_back(object.template as<Interface>());
   return typed;
 }

@@ -39,10 +39,10 @@ class MultithreadedApartment : public UiTest {
   // Before the tests' own machine key stands in for the real one.
   static void SetUpTestSuite() {
     EXPECT_OK(Module::get().registerServer());
-    writeKey(HKEY_LOCAL_MACHINE, std::wstring(kOpenedKey) + L"\\CLSID", L"{D107033F-3A53-4406-AF19-13543470DDB2}");
+    WriteKey(HKEY_LOCAL_MACHINE, std::wstring(kOpenedKey) + L"\\CLSID", L"{D107033F-3A53-4406-AF19-13543470DDB2}");
   }
   static void TearDownTestSuite() {
-    deleteTree(HKEY_LOCAL_MACHINE, kOpenedKey);
+    DeleteTree(HKEY_LOCAL_MACHINE, kOpenedKey);
     EXPECT_OK(Module::get().unregisterServer());
   }
   void SetUp() override {
@@ -70,7 +70,7 @@ TEST_F(MultithreadedApartment, ItsClientSeesTheSheetAndGetsTheResult) {
   {
     User atSheet(kSheetCaption, [&](HWND sheet) {
       sheetThread = GetWindowThreadProcessId(sheet, nullptr);
-      press(sheet, IDOK);
+      Press(sheet, IDOK);
     });
     MultithreadedClient client([&] {
       clientThread = GetCurrentThreadId();
@@ -94,7 +94,7 @@ TEST_F(MultithreadedApartment, ACallThatArrivesWhileTheSheetIsShownIsServed) {
   {
     User atSheet(kSheetCaption, [&](HWND sheet) {
       MultithreadedClient([&] { uninit = made->Uninit(); });
-      press(sheet, IDOK);
+      Press(sheet, IDOK);
     });
     MultithreadedClient client([&] {
       made = createInstance();
@@ -114,19 +114,19 @@ TEST_F(MultithreadedApartment, FileOpenOnItsThreadVerifiesAndSaves) {
   letWrite("QUIVO_VerifyFile", 4, "verified");
   const std::wstring file = create(L"a.txt.p7s");
   {
-    User atSheet(kSheetCaption, [](HWND sheet) { press(sheet, IDOK); });
+    User atSheet(kSheetCaption, [](HWND sheet) { Press(sheet, IDOK); });
     User atDialog(
         L"save dialog",
         [](HWND window) { return GetDlgItem(window, cmb1) != nullptr && GetDlgItem(window, IDOK) != nullptr; },
-        [](HWND dialog) { press(dialog, IDOK); });
+        [](HWND dialog) { Press(dialog, IDOK); });
     MultithreadedClient client([&] {
       using Entry = void(CALLBACK*)(HWND, HINSTANCE, LPSTR, int);
-      std::string line = ansiOf(file);
+      std::string line = AnsiOf(file);
       Module::get().entry<Entry>("FileOpen")(nullptr, nullptr, line.data(), SW_SHOW);
     });
   }
   EXPECT_EQ("verified", contentOf(L"a.txt"));
-  EXPECT_EQ(folder, readTree(HKEY_CURRENT_USER, kLegacyKey).at(L":InputDirectory"));
+  EXPECT_EQ(folder, ReadTree(HKEY_CURRENT_USER, kLegacyKey).at(L":InputDirectory"));
   // The entry leaves its session to the end of its process.
   object->Uninit();
   engine().reset();

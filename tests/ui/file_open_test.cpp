@@ -12,11 +12,11 @@ constexpr const wchar_t* kClasses = L"SOFTWARE\\Classes\\";
 constexpr int kKeepSigned = 119;
 
 /// The save dialog has a name of the platform's; it is known by the field of the file name in it.
-bool isSaveDialog(HWND window) { return GetDlgItem(window, cmb1) != nullptr && GetDlgItem(window, IDOK) != nullptr; }
+bool IsSaveDialog(HWND window) { return GetDlgItem(window, cmb1) != nullptr && GetDlgItem(window, IDOK) != nullptr; }
 
 /// Descendants of a window with a number, in depth.
-HWND descendant(HWND window, int id) {
-  for (const SeenControl& control : look(window).controls)
+HWND Descendant(HWND window, int id) {
+  for (const SeenControl& control : Look(window).controls)
     if (control.id == id) return control.window;
   return nullptr;
 }
@@ -29,9 +29,9 @@ struct SeenDialog {
   RECT expectedPlace{};
 };
 
-SeenDialog lookAtDialog(HWND dialog) {
+SeenDialog LookAtDialog(HWND dialog) {
   SeenDialog seen;
-  seen.window = look(dialog);
+  seen.window = Look(dialog);
   for (const SeenControl& control : seen.window.controls) {
     if (control.id == cmb13 && control.kind == L"ComboBoxEx32") seen.fileName = control.text;
     if (control.id == cmb1) seen.filter = control.text;
@@ -47,15 +47,15 @@ class FileOpenWindows : public UiTest {
  protected:
   // Before the tests' own machine key stands in for the real one.
   static void SetUpTestSuite() {
-    writeKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L"PKI.pkiobj\\CLSID",
+    WriteKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L"PKI.pkiobj\\CLSID",
              L"{D107033F-3A53-4406-AF19-13543470DDB2}");
-    writeKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L".tavlui", L"tavl.ui");
-    writeKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L"tavl.ui\\shell\\open\\command",
+    WriteKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L".tavlui", L"tavl.ui");
+    WriteKey(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L"tavl.ui\\shell\\open\\command",
              L"cmd.exe /c copy \"%1\" \"%1.opened\"");
   }
   static void TearDownTestSuite() {
     for (const wchar_t* key : {L"PKI.pkiobj", L".tavlui", L"tavl.ui"})
-      deleteTree(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + key);
+      DeleteTree(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + key);
   }
   void SetUp() override {
     UiTest::SetUp();
@@ -75,25 +75,25 @@ class FileOpenWindows : public UiTest {
 
   void open(const std::wstring& file) {
     using Entry = void(CALLBACK*)(HWND, HINSTANCE, LPSTR, int);
-    std::string line = ansiOf(file);
+    std::string line = AnsiOf(file);
     Module::get().entry<Entry>("FileOpen")(nullptr, nullptr, line.data(), SW_SHOW);
   }
   User accept(const wchar_t* caption) {
-    return User(caption, [](HWND window) { press(window, IDOK); });
+    return User(caption, [](HWND window) { Press(window, IDOK); });
   }
-  User atDialog(std::function<void(HWND)> act) { return User(L"save dialog", isSaveDialog, std::move(act)); }
+  User atDialog(std::function<void(HWND)> act) { return User(L"save dialog", IsSaveDialog, std::move(act)); }
   User pressAtDialog(int button) {
-    return atDialog([button](HWND dialog) { press(dialog, button); });
+    return atDialog([button](HWND dialog) { Press(dialog, button); });
   }
   User pressAtDialogMarked(bool marked) {
     return atDialog([marked](HWND dialog) {
-      mark(descendant(dialog, kKeepSigned), marked);
-      press(dialog, IDOK);
+      SetMark(Descendant(dialog, kKeepSigned), marked);
+      Press(dialog, IDOK);
     });
   }
-  void setExecuteResult() { writeDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"ExecuteResult", 1); }
+  void setExecuteResult() { WriteDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"ExecuteResult", 1); }
   std::wstring rememberedFolder() {
-    const RegistryTree tree = readTree(HKEY_CURRENT_USER, kLegacyKey);
+    const RegistryTree tree = ReadTree(HKEY_CURRENT_USER, kLegacyKey);
     const auto found = tree.find(L":InputDirectory");
     return found == tree.end() ? L"(none)" : found->second;
   }
@@ -107,9 +107,9 @@ TEST_F(FileOpenWindows, TheSaveDialogProposesTheResult) {
   {
     User sheet = accept(kSheetCaption);
     User dialog = atDialog([&](HWND window) {
-      seen = lookAtDialog(window);
-      takePicture("save-dialog");
-      press(window, IDOK);
+      seen = LookAtDialog(window);
+      TakePicture("save-dialog");
+      Press(window, IDOK);
     });
     open(file);
   }
@@ -126,12 +126,12 @@ TEST_F(FileOpenWindows, TheSaveDialogCarriesThePanelForASignedAndEncryptedFile) 
   SeenDialog seen;
   SeenWindow box;
   {
-    User outcome(kOpenCaption, lookAndPress(box, IDOK));
+    User outcome(kOpenCaption, LookAndPress(box, IDOK));
     User sheet = accept(kSheetCaption);
     User dialog = atDialog([&](HWND window) {
-      seen = lookAtDialog(window);
-      takePicture("save-dialog-panel");
-      press(window, IDOK);
+      seen = LookAtDialog(window);
+      TakePicture("save-dialog-panel");
+      Press(window, IDOK);
     });
     open(file);
   }
@@ -146,7 +146,7 @@ TEST_F(FileOpenWindows, TheSaveDialogCarriesThePanelForASignedAndEncryptedFile) 
   EXPECT_EQ(seen.expectedPlace.right, option.place.right - option.place.left);
   EXPECT_EQ(seen.expectedPlace.bottom, option.place.bottom - option.place.top);
   EXPECT_EQ(L"Расшифрование и проверка ЭП выполнены.\nРезультат сохранён в файл " + path(L"Письмо.txt") + L".",
-            textOfMessage(box));
+            TextOfMessage(box));
   EXPECT_EQ(std::vector<int>{IDOK}, box.visible(L"Button"));
   EXPECT_EQ("both", contentOf(L"Письмо.txt"));
   EXPECT_FALSE(exists(L"P7S"));
@@ -154,8 +154,8 @@ TEST_F(FileOpenWindows, TheSaveDialogCarriesThePanelForASignedAndEncryptedFile) 
 
 TEST_F(FileOpenWindows, ACancelledSaveDialogWritesNothing) {
   const std::wstring file = create(L"a.txt.p7a");
-  for (const auto& refusal : {std::function<void(HWND)>([](HWND window) { press(window, IDCANCEL); }),
-                              std::function<void(HWND)>(pressCloseBox)}) {
+  for (const auto& refusal : {std::function<void(HWND)>([](HWND window) { Press(window, IDCANCEL); }),
+                              std::function<void(HWND)>(PressCloseBox)}) {
     User dialog = atDialog(refusal);
     open(file);
   }
@@ -168,8 +168,8 @@ TEST_F(FileOpenWindows, TheUserChoosesAnotherName) {
   const std::wstring file = create(L"a.txt.p7e");
   User sheet = accept(kSheetCaption);
   User dialog = atDialog([&](HWND window) {
-    type(descendant(window, cmb13), path(L"другое имя.txt"));
-    press(window, IDOK);
+    TypeText(Descendant(window, cmb13), path(L"другое имя.txt"));
+    Press(window, IDOK);
   });
   open(file);
   EXPECT_EQ("decrypted", contentOf(L"другое имя.txt"));
@@ -181,18 +181,18 @@ TEST_F(FileOpenWindows, TheSaveDialogAsksBeforeItOverwrites) {
   const std::wstring file = create(L"a.txt.p7e");
   auto isQuestion = [](HWND window) { return GetDlgItem(window, IDYES) != nullptr; };
   {
-    User question(L"overwrite question", isQuestion, [](HWND window) { press(window, IDNO); });
+    User question(L"overwrite question", isQuestion, [](HWND window) { Press(window, IDNO); });
     User dialog = atDialog([&](HWND window) {
-      press(window, IDOK);
+      Press(window, IDOK);
       // The dialog stays; the user gives up once the question is gone.
       Sleep(1500);
-      press(window, IDCANCEL);
+      Press(window, IDCANCEL);
     });
     open(file);
   }
   EXPECT_EQ("old", contentOf(L"a.txt"));
   User sheet = accept(kSheetCaption);
-  User question(L"overwrite question", isQuestion, [](HWND window) { press(window, IDYES); });
+  User question(L"overwrite question", isQuestion, [](HWND window) { Press(window, IDYES); });
   User dialog = pressAtDialog(IDOK);
   open(file);
   EXPECT_EQ("decrypted", contentOf(L"a.txt"));
@@ -200,7 +200,7 @@ TEST_F(FileOpenWindows, TheSaveDialogAsksBeforeItOverwrites) {
 
 TEST_F(FileOpenWindows, ARefusedSheetEndsTheRun) {
   const std::wstring file = create(L"a.txt.p7a");
-  User sheet(kSheetCaption, [](HWND window) { press(window, IDCANCEL); });
+  User sheet(kSheetCaption, [](HWND window) { Press(window, IDCANCEL); });
   User dialog = pressAtDialogMarked(true);
   open(file);
   EXPECT_FALSE(exists(L"P7S"));
@@ -212,9 +212,9 @@ TEST_F(FileOpenWindows, TheSignedCopyIsKeptWhenMarked) {
   SeenWindow box;
   {
     User outcome(kOpenCaption, [&](HWND window) {
-      box = look(window);
-      takePicture("outcome");
-      press(window, IDOK);
+      box = Look(window);
+      TakePicture("outcome");
+      Press(window, IDOK);
     });
     User sheet = accept(kSheetCaption);
     User dialog = pressAtDialogMarked(true);
@@ -222,7 +222,7 @@ TEST_F(FileOpenWindows, TheSignedCopyIsKeptWhenMarked) {
   }
   EXPECT_EQ(L"Расшифрование и проверка ЭП выполнены.\nРезультат сохранён в файл " + path(L"a.txt") +
                 L".\nПодписанный файл сохранен в файл " + path(L"P7S\\a.txt.p7s") + L".",
-            textOfMessage(box));
+            TextOfMessage(box));
   EXPECT_EQ("both", contentOf(L"a.txt"));
   EXPECT_EQ("decrypted", contentOf(L"P7S\\a.txt.p7s"));
 }
@@ -232,10 +232,10 @@ TEST_F(FileOpenWindows, AMarkThatIsTakenBackKeepsNothing) {
   User outcome = accept(kOpenCaption);
   User sheet = accept(kSheetCaption);
   User dialog = atDialog([](HWND window) {
-    const HWND option = descendant(window, kKeepSigned);
-    mark(option, true);
-    mark(option, false);
-    press(window, IDOK);
+    const HWND option = Descendant(window, kKeepSigned);
+    SetMark(option, true);
+    SetMark(option, false);
+    Press(window, IDOK);
   });
   open(file);
   EXPECT_FALSE(exists(L"P7S"));
@@ -247,14 +247,14 @@ TEST_F(FileOpenWindows, AFailedCopyIsAWarning) {
   engine().on("QUIVO_DecryptFile").result = 0x7035;
   SeenWindow box;
   {
-    User outcome(kOpenCaption, lookAndPress(box, IDOK));
+    User outcome(kOpenCaption, LookAndPress(box, IDOK));
     User sheet = accept(kSheetCaption);
     User dialog = pressAtDialogMarked(true);
     open(file);
   }
   EXPECT_EQ(L"Расшифрование и проверка ЭП выполнены.\nРезультат сохранён в файл " + path(L"a.txt") +
                 L".\nПри сохранении подписанного файла произошла ошибка.",
-            textOfMessage(box));
+            TextOfMessage(box));
   EXPECT_EQ(L"(none)", rememberedFolder());
 }
 
@@ -263,12 +263,12 @@ TEST_F(FileOpenWindows, AFolderThatCannotBeMadeIsAnError) {
   const std::wstring file = create(L"a.txt.p7a");
   SeenWindow box;
   {
-    User outcome(kOpenCaption, lookAndPress(box, IDOK));
+    User outcome(kOpenCaption, LookAndPress(box, IDOK));
     User sheet = accept(kSheetCaption);
     User dialog = pressAtDialogMarked(true);
     open(file);
   }
-  EXPECT_EQ(L"Ошибка создания директории " + path(L"P7S") + L" для сохранения подписанного файла.", textOfMessage(box));
+  EXPECT_EQ(L"Ошибка создания директории " + path(L"P7S") + L" для сохранения подписанного файла.", TextOfMessage(box));
   EXPECT_EQ("both", contentOf(L"a.txt"));
 }
 
@@ -279,13 +279,13 @@ TEST_F(FileOpenWindows, ExecuteResultAsksAndNoWritesNothing) {
   SeenWindow box;
   {
     User question(kOpenCaption, [&](HWND window) {
-      box = look(window);
-      takePicture("overwrite-question");
-      press(window, IDNO);
+      box = Look(window);
+      TakePicture("overwrite-question");
+      Press(window, IDNO);
     });
     open(file);
   }
-  EXPECT_EQ(L"Файл " + path(L"a.tavlui") + L" уже существует. Перезаписать?", textOfMessage(box));
+  EXPECT_EQ(L"Файл " + path(L"a.tavlui") + L" уже существует. Перезаписать?", TextOfMessage(box));
   EXPECT_EQ((std::vector<int>{IDYES, IDNO}), box.visible(L"Button"));
   EXPECT_EQ("old", contentOf(L"a.tavlui"));
   EXPECT_FALSE(exists(L"a.tavlui.opened"));
@@ -297,7 +297,7 @@ TEST_F(FileOpenWindows, ExecuteResultOverwritesAndOpensTheResult) {
   const std::wstring file = create(L"a.tavlui.p7s");
   {
     User sheet = accept(kSheetCaption);
-    User question(kOpenCaption, [](HWND window) { press(window, IDYES); });
+    User question(kOpenCaption, [](HWND window) { Press(window, IDYES); });
     open(file);
   }
   EXPECT_EQ("verified", contentOf(L"a.tavlui"));

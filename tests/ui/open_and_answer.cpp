@@ -22,7 +22,7 @@ constexpr DWORD kPatience = 60000;
 bool keeps = false;
 bool refuses = false;
 
-void say(const std::wstring& text) {
+void Print(const std::wstring& text) {
   char utf8[8192] = {};
   WideCharToMultiByte(CP_UTF8, 0, text.c_str(), -1, utf8, sizeof utf8 - 1, nullptr, nullptr);
   for (char* line = utf8; *line != '\0'; ++line)
@@ -31,17 +31,17 @@ void say(const std::wstring& text) {
   std::fflush(stdout);
 }
 
-void tell(const SeenWindow& seen) {
-  say(L"window: " + seen.caption);
+void PrintTexts(const SeenWindow& seen) {
+  Print(L"window: " + seen.caption);
   for (const SeenControl& control : seen.controls) {
     const bool isIcon = control.kind == L"Static" && (control.style & SS_TYPEMASK) == SS_ICON;
     const bool hasText = (control.kind == L"Static" || control.kind == L"Edit") && !isIcon && !control.text.empty();
-    if (control.visible && hasText) say(L"  " + control.text);
+    if (control.visible && hasText) Print(L"  " + control.text);
   }
 }
 
 /// The rows of the signer list, which is another process's: texts are read by way of that process's memory.
-void tellRows(HWND list) {
+void PrintRows(HWND list) {
   DWORD id = 0;
   GetWindowThreadProcessId(list, &id);
   const HANDLE process = OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, id);
@@ -63,24 +63,24 @@ void tellRows(HWND list) {
       ReadProcessMemory(process, there, &request, sizeof request, nullptr);
       line += L" [" + std::wstring(request.text) + L"]";
     }
-    say(line);
+    Print(line);
   }
   VirtualFreeEx(process, there, 0, MEM_RELEASE);
   CloseHandle(process);
 }
 
-void answer(HWND window) {
-  const SeenWindow seen = look(window);
-  tell(seen);
+void Answer(HWND window) {
+  const SeenWindow seen = Look(window);
+  PrintTexts(seen);
   bool isSheet = false;
   for (const SeenControl& control : seen.controls) {
-    if (control.id == kKeepSigned && keeps) mark(control.window, true);
+    if (control.id == kKeepSigned && keeps) SetMark(control.window, true);
     if (control.id == kSignerList) {
       isSheet = true;
-      if (control.visible) tellRows(control.window);
+      if (control.visible) PrintRows(control.window);
     }
   }
-  press(window, isSheet && refuses ? IDCANCEL : IDOK);
+  Press(window, isSheet && refuses ? IDCANCEL : IDOK);
 }
 
 struct Search {
@@ -88,7 +88,7 @@ struct Search {
   std::set<HWND> seen;
 };
 
-BOOL CALLBACK answerNew(HWND window, LPARAM data) {
+BOOL CALLBACK AnswerNew(HWND window, LPARAM data) {
   auto& search = *reinterpret_cast<Search*>(data);
   DWORD process = 0;
   GetWindowThreadProcessId(window, &process);
@@ -96,7 +96,7 @@ BOOL CALLBACK answerNew(HWND window, LPARAM data) {
   GetClassNameW(window, kind, 32);
   const bool isNew = process == search.process && IsWindowVisible(window) && std::wstring(kind) == L"#32770" &&
                      search.seen.insert(window).second;
-  if (isNew) answer(window);
+  if (isNew) Answer(window);
   return TRUE;
 }
 
@@ -117,16 +117,16 @@ int wmain(int count, wchar_t** arguments) {
   DWORD waited = 0;
   constexpr DWORD kStep = 50;
   while (WaitForSingleObject(process.hProcess, kStep) == WAIT_TIMEOUT && waited < kPatience) {
-    EnumWindows(answerNew, reinterpret_cast<LPARAM>(&search));
+    EnumWindows(AnswerNew, reinterpret_cast<LPARAM>(&search));
     waited += kStep;
   }
   DWORD code = 1;
   if (waited < kPatience) {
     GetExitCodeProcess(process.hProcess, &code);
   } else {
-    say(L"the opening was ended: it waits for something");
+    Print(L"the opening was ended: it waits for something");
     TerminateProcess(process.hProcess, code);
   }
-  say(L"rundll32 ended with " + std::to_wstring(code));
+  Print(L"rundll32 ended with " + std::to_wstring(code));
   return static_cast<int>(code);
 }

@@ -19,14 +19,14 @@ struct ImageList {
 
 std::vector<ImageList> imageLists;
 
-HIMAGELIST WINAPI createImages(int width, int height, UINT flags, int initial, int growth) {
+HIMAGELIST WINAPI CreateImages(int width, int height, UINT flags, int initial, int growth) {
   imageLists.push_back({width, height, flags, initial, growth});
   return ImageList_Create(width, height, flags, initial, growth);
 }
 
-FARPROC WINAPI findProc(HMODULE library, LPCSTR name) {
+FARPROC WINAPI FindProc(HMODULE library, LPCSTR name) {
   if (!IS_INTRESOURCE(name) && std::string(name) == "ImageList_Create")
-    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(createImages));
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(CreateImages));
   return GetProcAddress(library, name);
 }
 
@@ -35,7 +35,7 @@ class SheetCalls : public UiTest {
   void SetUp() override {
     UiTest::SetUp();
     engine().on("QUIVO_VerifyFile").signatures.resize(1);
-    engine().on("QUIVO_VerifyFile").signatures[0].cert = certificateOf("CN=A");
+    engine().on("QUIVO_VerifyFile").signatures[0].cert = CertificateOf("CN=A");
   }
   HRESULT verify() { return object->Verify(Bstr(L"in"), Bstr(path(L"result"))); }
   static void showSigner(HWND sheet) {
@@ -45,9 +45,9 @@ class SheetCalls : public UiTest {
 };
 
 TEST_F(SheetCalls, ImagesOfTheSignersAreMaskedAndGrowByTwo) {
-  const ImportPatch finding(Module::get().handle(), "GetProcAddress", reinterpret_cast<void*>(findProc));
+  const ImportPatch finding(Module::get().handle(), "GetProcAddress", reinterpret_cast<void*>(FindProc));
   imageLists.clear();
-  User user(kSheetCaption, [](HWND sheet) { press(sheet, IDOK); });
+  User user(kSheetCaption, [](HWND sheet) { Press(sheet, IDOK); });
   EXPECT_OK(verify());
   EXPECT_EQ((std::vector<ImageList>{{16, 16, ILC_COLOR32 | ILC_MASK, 2, 2}}), imageLists);
 }
@@ -60,7 +60,7 @@ TEST_F(SheetCalls, SessionClosedWhileACertificateIsShownServesTheSheetToItsEnd) 
   User user(kSheetCaption, [](HWND sheet) {
     showSigner(sheet);
     showSigner(sheet);
-    press(sheet, IDOK);
+    Press(sheet, IDOK);
   });
   EXPECT_OK(verify());
   EXPECT_EQ(2u, engine().count("QUIVO_ShowCertificate"));

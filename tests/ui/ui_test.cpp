@@ -4,7 +4,7 @@
 
 namespace {
 
-void removeTree(const std::wstring& folder) {
+void RemoveTree(const std::wstring& folder) {
   WIN32_FIND_DATAW entry;
   const HANDLE search = FindFirstFileW((folder + L"\\*").c_str(), &entry);
   if (search == INVALID_HANDLE_VALUE) return;
@@ -13,7 +13,7 @@ void removeTree(const std::wstring& folder) {
     if (name == L"." || name == L"..") continue;
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
     if (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
-      removeTree(path);
+      RemoveTree(path);
     else
       DeleteFileW(path.c_str());
   } while (FindNextFileW(search, &entry));
@@ -26,13 +26,13 @@ void removeTree(const std::wstring& folder) {
 void UiTest::SetUp() {
   ContractTest::SetUp();
   // Twice what the slowest test takes.
-  static const bool watched = (startWatchdog(150), true);
-  EXPECT_TRUE(watched);
+  static const bool kWatched = (StartWatchdog(150), true);
+  EXPECT_TRUE(kWatched);
   wchar_t temp[MAX_PATH];
   GetTempPathW(MAX_PATH, temp);
   folder = std::wstring(temp) + L"окна " + std::to_wstring(GetCurrentProcessId());
   CreateDirectoryW(folder.c_str(), nullptr);
-  object = make<pkiobj>();
+  object = Make<Ipkiobj>();
   EXPECT_OK(object->Init(Bstr(L"My")));
   engine().forgetCalls();
 }
@@ -40,7 +40,7 @@ void UiTest::SetUp() {
 void UiTest::TearDown() {
   object->Uninit();
   object.reset();
-  removeTree(folder);
+  RemoveTree(folder);
   ContractTest::TearDown();
 }
 

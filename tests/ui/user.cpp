@@ -10,51 +10,51 @@ namespace {
 constexpr DWORD kPatience = 15000;
 constexpr DWORD kStep = 20;
 
-std::wstring textOf(HWND window) {
+std::wstring TextOf(HWND window) {
   wchar_t text[2048] = {};
   SendMessageW(window, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text));
   return text;
 }
 
-std::wstring kindOf(HWND window) {
+std::wstring KindOf(HWND window) {
   wchar_t kind[256] = {};
   GetClassNameW(window, kind, 256);
   return kind;
 }
 
-RECT placeOf(HWND window) {
+RECT PlaceOf(HWND window) {
   RECT place{};
   GetWindowRect(window, &place);
   MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&place), 2);
   return place;
 }
 
-BOOL CALLBACK addControl(HWND window, LPARAM list) {
+BOOL CALLBACK AddControl(HWND window, LPARAM list) {
   reinterpret_cast<std::vector<SeenControl>*>(list)->push_back(
-      {GetDlgCtrlID(window), kindOf(window), textOf(window), placeOf(window), IsWindowVisible(window) != FALSE,
+      {GetDlgCtrlID(window), KindOf(window), TextOf(window), PlaceOf(window), IsWindowVisible(window) != FALSE,
        IsWindowEnabled(window) != FALSE, static_cast<DWORD>(GetWindowLongW(window, GWL_STYLE)), window});
   return TRUE;
 }
 
-bool isShownByThisProcess(HWND window) {
+bool IsShownByThisProcess(HWND window) {
   DWORD process = 0;
   GetWindowThreadProcessId(window, &process);
   return process == GetCurrentProcessId() && IsWindowVisible(window);
 }
 
-BOOL CALLBACK addTopLevel(HWND window, LPARAM list) {
-  if (isShownByThisProcess(window)) reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+BOOL CALLBACK AddTopLevel(HWND window, LPARAM list) {
+  if (IsShownByThisProcess(window)) reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
   return TRUE;
 }
 
-std::vector<HWND> shownWindows() {
+std::vector<HWND> ShownWindows() {
   std::vector<HWND> all;
-  EnumWindows(addTopLevel, reinterpret_cast<LPARAM>(&all));
+  EnumWindows(AddTopLevel, reinterpret_cast<LPARAM>(&all));
   return all;
 }
 
 template <class Condition>
-bool waitFor(Condition condition) {
+bool WaitFor(Condition condition) {
   for (DWORD waited = 0; waited < kPatience; waited += kStep) {
     if (condition()) return true;
     Sleep(kStep);
@@ -84,33 +84,33 @@ std::vector<int> SeenWindow::visible(const wchar_t* kind) const {
   return ids;
 }
 
-SeenWindow look(HWND window) {
+SeenWindow Look(HWND window) {
   SeenWindow seen;
-  seen.caption = textOf(window);
+  seen.caption = TextOf(window);
   seen.window = window;
   seen.owner = GetWindow(window, GW_OWNER);
-  EnumChildWindows(window, addControl, reinterpret_cast<LPARAM>(&seen.controls));
+  EnumChildWindows(window, AddControl, reinterpret_cast<LPARAM>(&seen.controls));
   return seen;
 }
 
-std::wstring textOfMessage(const SeenWindow& box) { return box.control(0xFFFF).text; }
+std::wstring TextOfMessage(const SeenWindow& box) { return box.control(0xFFFF).text; }
 
-void press(HWND window, int button) {
+void Press(HWND window, int button) {
   PostMessageW(window, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED),
                reinterpret_cast<LPARAM>(GetDlgItem(window, button)));
 }
 
-void pressCloseBox(HWND window) { PostMessageW(window, WM_SYSCOMMAND, SC_CLOSE, 0); }
+void PressCloseBox(HWND window) { PostMessageW(window, WM_SYSCOMMAND, SC_CLOSE, 0); }
 
-void mark(HWND checkBox, bool checked) {
+void SetMark(HWND checkBox, bool checked) {
   if ((SendMessageW(checkBox, BM_GETCHECK, 0, 0) == BST_CHECKED) != checked) SendMessageW(checkBox, BM_CLICK, 0, 0);
 }
 
-void type(HWND edit, const std::wstring& text) {
+void TypeText(HWND edit, const std::wstring& text) {
   SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
-void takePicture(const std::string& name) {
+void TakePicture(const std::string& name) {
   // The runner looks for requests, takes the picture from outside, and answers by its file.
   const char* folder = std::getenv("TAVL_PICTURES");
   if (folder == nullptr) return;
@@ -120,12 +120,12 @@ void takePicture(const std::string& name) {
   GdiFlush();
   Sleep(100);
   if (FILE* request = std::fopen((path + ".request").c_str(), "w")) std::fclose(request);
-  waitFor([&] { return GetFileAttributesA((path + ".png").c_str()) != INVALID_FILE_ATTRIBUTES; });
+  WaitFor([&] { return GetFileAttributesA((path + ".png").c_str()) != INVALID_FILE_ATTRIBUTES; });
 }
 
 User::User(const std::wstring& caption, std::function<void(HWND)> act)
     : User(
-          caption, [caption](HWND window) { return textOf(window) == caption; }, std::move(act)) {}
+          caption, [caption](HWND window) { return TextOf(window) == caption; }, std::move(act)) {}
 
 User::User(const std::wstring& name, Recognition is, std::function<void(HWND)> act)
     : name_(name), is_(std::move(is)), act_(std::move(act)), thread_(CreateThread(nullptr, 0, run, this, 0, nullptr)) {}
@@ -148,7 +148,7 @@ void User::serve() {
     return clear();
   }
   act_(window);
-  if (!waitFor([&] { return !IsWindow(window); })) {
+  if (!WaitFor([&] { return !IsWindow(window); })) {
     complaint_ = L"the window \"" + name_ + L"\" did not go";
     clear();
   }
@@ -156,8 +156,8 @@ void User::serve() {
 
 HWND User::await() {
   HWND found = nullptr;
-  waitFor([&] {
-    for (HWND window : shownWindows())
+  WaitFor([&] {
+    for (HWND window : ShownWindows())
       if (is_(window)) found = window;
     return found != nullptr;
   });
@@ -165,14 +165,14 @@ HWND User::await() {
 }
 
 void User::clear() {
-  for (HWND window : shownWindows()) {
-    complaint_ += L"; closed \"" + textOf(window) + L"\"";
-    for (int refusal : {IDNO, IDCANCEL, IDOK}) press(window, refusal);
+  for (HWND window : ShownWindows()) {
+    complaint_ += L"; closed \"" + TextOf(window) + L"\"";
+    for (int refusal : {IDNO, IDCANCEL, IDOK}) Press(window, refusal);
     PostMessageW(window, WM_CLOSE, 0, 0);
   }
 }
 
-void startWatchdog(DWORD seconds) {
+void StartWatchdog(DWORD seconds) {
   CreateThread(
       nullptr, 0,
       [](void* limit) -> DWORD {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// One control, as the window interface tells it.
+/// One control, as the window interface reports it.
 struct SeenControl {
   int id;
   std::wstring kind;
@@ -35,19 +35,19 @@ struct SeenWindow {
 };
 
 /// Reads a window and everything in it.
-SeenWindow look(HWND window);
+SeenWindow Look(HWND window);
 
 /// Texts of a message box.
-std::wstring textOfMessage(const SeenWindow& box);
+std::wstring TextOfMessage(const SeenWindow& box);
 
-void press(HWND window, int button);
+void Press(HWND window, int button);
 /// The close box of a window's caption.
-void pressCloseBox(HWND window);
-void mark(HWND checkBox, bool checked);
-void type(HWND edit, const std::wstring& text);
+void PressCloseBox(HWND window);
+void SetMark(HWND checkBox, bool checked);
+void TypeText(HWND edit, const std::wstring& text);
 
 /// Keeps a picture of the whole display as NAME.png, where the runner of the tests wants pictures.
-void takePicture(const std::string& name);
+void TakePicture(const std::string& name);
 
 /// Does something with the next window of a caption, while the test's own thread is busy showing it. What is done
 /// runs on a thread of the user's: it may look and press, and leaves comparing to the test.
@@ -56,7 +56,7 @@ class User {
   using Recognition = std::function<bool(HWND)>;
 
   User(const std::wstring& caption, std::function<void(HWND)> act);
-  /// Waits for the window that `is` recognises; `name` tells of it in a failure.
+  /// Waits for the window that `is` recognises; `name` stands for it in a failure.
   User(const std::wstring& name, Recognition is, std::function<void(HWND)> act);
   User(const User&) = delete;
   User& operator=(const User&) = delete;
@@ -77,12 +77,12 @@ class User {
 };
 
 /// A user who looks and then presses a button; what was seen is left in `seen`.
-inline std::function<void(HWND)> lookAndPress(SeenWindow& seen, int button) {
+inline std::function<void(HWND)> LookAndPress(SeenWindow& seen, int button) {
   return [&seen, button](HWND window) {
-    seen = look(window);
-    press(window, button);
+    seen = Look(window);
+    Press(window, button);
   };
 }
 
 /// Watches the whole run: ends the process when a test takes longer than any user would wait.
-void startWatchdog(DWORD seconds);
+void StartWatchdog(DWORD seconds);

@@ -7,19 +7,13 @@ using ClassObjectTest = ContractTest;
 
 constexpr CLSID kUnknownClass = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}};
 
-Ptr<IClassFactory> factoryOf(const ClassFacts& facts) {
-  Ptr<IClassFactory> factory;
-  EXPECT_OK(Module::get().classObject(guidOf(facts.clsid), IID_IClassFactory, factory.voidOut()));
-  return factory;
-}
-
-Ptr<IClassFactory> certIdFactory() { return factoryOf(kClasses[3]); }
+Ptr<IClassFactory> CertIdFactory() { return FactoryOf(__uuidof(CertId)); }
 
 TEST_F(ClassObjectTest, EveryClassHasAFactoryThatCreatesIt) {
-  for (const ClassFacts& facts : kClasses) {
-    SCOPED_TRACE(facts);
+  for (const CoClass& coclass : Classes()) {
+    SCOPED_TRACE(coclass);
     Ptr<IUnknown> object;
-    EXPECT_OK(factoryOf(facts)->CreateInstance(nullptr, guidOf(facts.iid), object.voidOut()));
+    EXPECT_OK(FactoryOf(coclass.clsid)->CreateInstance(nullptr, coclass.iid, object.voidOut()));
     EXPECT_NE(nullptr, object.get());
   }
 }
@@ -31,40 +25,40 @@ TEST_F(ClassObjectTest, UnknownClassIsRefusedWithANullPointer) {
 }
 
 TEST_F(ClassObjectTest, SecondRequestGivesTheSameFactory) {
-  for (const ClassFacts& facts : kClasses) {
-    SCOPED_TRACE(facts);
-    EXPECT_EQ(factoryOf(facts).get(), factoryOf(facts).get());
+  for (const CoClass& coclass : Classes()) {
+    SCOPED_TRACE(coclass);
+    EXPECT_EQ(FactoryOf(coclass.clsid).get(), FactoryOf(coclass.clsid).get());
   }
 }
 
 TEST_F(ClassObjectTest, FactoryIsGivenAsIUnknownToo) {
   Ptr<IUnknown> factory;
-  EXPECT_OK(Module::get().classObject(guidOf(kClasses[0].clsid), IID_IUnknown, factory.voidOut()));
+  EXPECT_OK(Module::get().classObject(__uuidof(QUIVO), IID_IUnknown, factory.voidOut()));
   EXPECT_NE(nullptr, factory.as<IClassFactory>().get());
 }
 
 TEST_F(ClassObjectTest, InterfaceThatAFactoryLacksIsRefusedWithANullPointer) {
   void* object = this;
-  EXPECT_HR(E_NOINTERFACE, Module::get().classObject(guidOf(kClasses[0].clsid), IID_IDispatch, &object));
+  EXPECT_HR(E_NOINTERFACE, Module::get().classObject(__uuidof(QUIVO), IID_IDispatch, &object));
   EXPECT_EQ(nullptr, object);
 }
 
 TEST_F(ClassObjectTest, NullPointerForTheClassObjectIsRefused) {
-  EXPECT_HR(E_POINTER, Module::get().classObject(guidOf(kClasses[0].clsid), IID_IClassFactory, nullptr));
+  EXPECT_HR(E_POINTER, Module::get().classObject(__uuidof(QUIVO), IID_IClassFactory, nullptr));
 }
 
 TEST_F(ClassObjectTest, NullPointerForTheObjectIsRefused) {
-  EXPECT_HR(0x80004003u, certIdFactory()->CreateInstance(nullptr, IID_IUnknown, nullptr));
+  EXPECT_HR(0x80004003u, CertIdFactory()->CreateInstance(nullptr, IID_IUnknown, nullptr));
 }
 
 TEST_F(ClassObjectTest, InterfaceThatAClassLacksIsRefusedAndTheObjectDestroyed) {
   void* object = this;
-  EXPECT_HR(E_NOINTERFACE, certIdFactory()->CreateInstance(nullptr, __uuidof(ISignParam), &object));
+  EXPECT_HR(E_NOINTERFACE, CertIdFactory()->CreateInstance(nullptr, __uuidof(ISignParam), &object));
   EXPECT_EQ(nullptr, object);
 }
 
 TEST_F(ClassObjectTest, AllocationFailureIsReported) {
-  Ptr<IClassFactory> factory = certIdFactory();
+  Ptr<IClassFactory> factory = CertIdFactory();
   void* object = this;
   Module::get().failAllocation(0);
   EXPECT_HR(0x8007000Eu, factory->CreateInstance(nullptr, IID_IUnknown, &object));
@@ -74,16 +68,16 @@ TEST_F(ClassObjectTest, AllocationFailureIsReported) {
 
 TEST_F(ClassObjectTest, EveryObjectRaisesTheLockCountByOne) {
   const long before = Module::get().liveObjects();
-  for (const ClassFacts& facts : kClasses) {
-    SCOPED_TRACE(facts);
-    Ptr<IUnknown> object = makeUnknown(guidOf(facts.clsid), IID_IUnknown);
+  for (const CoClass& coclass : Classes()) {
+    SCOPED_TRACE(coclass);
+    Ptr<IUnknown> object = MakeUnknown(coclass.clsid, IID_IUnknown);
     EXPECT_EQ(before + 1, Module::get().liveObjects());
   }
   EXPECT_EQ(before, Module::get().liveObjects());
 }
 
 TEST_F(ClassObjectTest, ServerLockRaisesTheLockCount) {
-  Ptr<IClassFactory> factory = certIdFactory();
+  Ptr<IClassFactory> factory = CertIdFactory();
   const long before = Module::get().liveObjects();
   EXPECT_OK(factory->LockServer(TRUE));
   EXPECT_EQ(before + 1, Module::get().liveObjects());
@@ -94,14 +88,14 @@ TEST_F(ClassObjectTest, ServerLockRaisesTheLockCount) {
 TEST_F(ClassObjectTest, ModuleCanUnloadOnlyWithoutObjects) {
   EXPECT_HR(S_OK, Module::get().canUnloadNow());
   {
-    Ptr<ICertId> id = make<CertId>();
+    Ptr<ICertId> id = Make<ICertId>();
     EXPECT_HR(S_FALSE, Module::get().canUnloadNow());
   }
   EXPECT_HR(S_OK, Module::get().canUnloadNow());
 }
 
 TEST_F(ClassObjectTest, ModuleCannotUnloadWhileTheServerIsLocked) {
-  Ptr<IClassFactory> factory = certIdFactory();
+  Ptr<IClassFactory> factory = CertIdFactory();
   EXPECT_OK(factory->LockServer(TRUE));
   EXPECT_HR(S_FALSE, Module::get().canUnloadNow());
   EXPECT_OK(factory->LockServer(FALSE));
@@ -109,7 +103,7 @@ TEST_F(ClassObjectTest, ModuleCannotUnloadWhileTheServerIsLocked) {
 }
 
 TEST_F(ClassObjectTest, HeldFactoryDoesNotKeepTheModule) {
-  Ptr<IClassFactory> factory = certIdFactory();
+  Ptr<IClassFactory> factory = CertIdFactory();
   EXPECT_HR(S_OK, Module::get().canUnloadNow());
 }
 
@@ -120,7 +114,7 @@ TEST_F(ClassObjectTest, ObjectsAreCreatedThroughComActivation) {
 }
 
 /// The name of a copy that no other process makes.
-std::wstring copyName() { return L"copy" + std::to_wstring(GetCurrentProcessId()) + L".dll"; }
+std::wstring CopyName() { return L"copy" + std::to_wstring(GetCurrentProcessId()) + L".dll"; }
 
 using GetClassObject = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
 
@@ -129,22 +123,22 @@ struct Racer {
   GetClassObject getClassObject;
   HANDLE start;
   /// What the thread got for each class; held.
-  IUnknown* got[18];
+  std::vector<IUnknown*> got = std::vector<IUnknown*>(Classes().size());
 };
 
 /// Runs two threads against each other; both have to get the same for every class.
-void race(const ModuleCopy& module, LPTHREAD_START_ROUTINE run) {
+void Race(const ModuleCopy& module, LPTHREAD_START_ROUTINE run) {
   const HANDLE start = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-  Racer racers[2]{{module.entry<GetClassObject>("DllGetClassObject"), start, {}},
-                  {module.entry<GetClassObject>("DllGetClassObject"), start, {}}};
+  Racer racers[2]{{module.entry<GetClassObject>("DllGetClassObject"), start},
+                  {module.entry<GetClassObject>("DllGetClassObject"), start}};
   ASSERT_NE(nullptr, racers[0].getClassObject);
   HANDLE threads[2];
   for (int i = 0; i < 2; ++i) threads[i] = CreateThread(nullptr, 0, run, &racers[i], 0, nullptr);
   SetEvent(start);
   WaitForMultipleObjects(2, threads, TRUE, INFINITE);
-  for (size_t i = 0; i < kClasses.size(); ++i) {
-    EXPECT_NE(nullptr, racers[0].got[i]) << kClasses[i];
-    EXPECT_EQ(racers[0].got[i], racers[1].got[i]) << kClasses[i];
+  for (size_t i = 0; i < Classes().size(); ++i) {
+    EXPECT_NE(nullptr, racers[0].got[i]) << Classes()[i];
+    EXPECT_EQ(racers[0].got[i], racers[1].got[i]) << Classes()[i];
     for (const Racer& racer : racers) {
       if (racer.got[i] != nullptr) racer.got[i]->Release();
     }
@@ -153,23 +147,23 @@ void race(const ModuleCopy& module, LPTHREAD_START_ROUTINE run) {
   CloseHandle(start);
 }
 
-DWORD WINAPI askForAllFactories(void* argument) {
+DWORD WINAPI AskForAllFactories(void* argument) {
   Racer& racer = *static_cast<Racer*>(argument);
   WaitForSingleObject(racer.start, INFINITE);
-  for (size_t i = 0; i < kClasses.size(); ++i) {
-    racer.getClassObject(guidOf(kClasses[i].clsid), IID_IClassFactory, reinterpret_cast<void**>(&racer.got[i]));
+  for (size_t i = 0; i < Classes().size(); ++i) {
+    racer.getClassObject(Classes()[i].clsid, IID_IClassFactory, reinterpret_cast<void**>(&racer.got[i]));
   }
   return 0;
 }
 
-DWORD WINAPI describeAllClasses(void* argument) {
+DWORD WINAPI DescribeAllClasses(void* argument) {
   Racer& racer = *static_cast<Racer*>(argument);
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   WaitForSingleObject(racer.start, INFINITE);
-  for (size_t i = 0; i < kClasses.size(); ++i) {
+  for (size_t i = 0; i < Classes().size(); ++i) {
     Ptr<IClassFactory> factory;
     Ptr<IDispatch> object;
-    racer.getClassObject(guidOf(kClasses[i].clsid), IID_IClassFactory, factory.voidOut());
+    racer.getClassObject(Classes()[i].clsid, IID_IClassFactory, factory.voidOut());
     factory->CreateInstance(nullptr, IID_IDispatch, object.voidOut());
     object->GetTypeInfo(0, LOCALE_NEUTRAL, reinterpret_cast<ITypeInfo**>(&racer.got[i]));
   }
@@ -178,19 +172,19 @@ DWORD WINAPI describeAllClasses(void* argument) {
 }
 
 TEST_F(ClassObjectTest, TwoThreadsNeverGetTwoFactories) {
-  for (int round = 0; round < 10; ++round) race(ModuleCopy(copyName()), askForAllFactories);
+  for (int round = 0; round < 10; ++round) Race(ModuleCopy(CopyName()), AskForAllFactories);
 }
 
 TEST_F(ClassObjectTest, TwoThreadsShareTypeInformationAndLeaveNoObject) {
   for (int round = 0; round < 10; ++round) {
-    const ModuleCopy module(copyName());
-    race(module, describeAllClasses);
+    const ModuleCopy module(CopyName());
+    Race(module, DescribeAllClasses);
     EXPECT_HR(S_OK, module.canUnloadNow());
   }
 }
 
 TEST_F(ClassObjectTest, ModuleThatWasNotInitialisedHasNoClassObjects) {
-  const ModuleCopy idle(copyName(), {}, DONT_RESOLVE_DLL_REFERENCES);
+  const ModuleCopy idle(CopyName(), {}, DONT_RESOLVE_DLL_REFERENCES);
   ASSERT_TRUE(idle.loaded());
   void* object = this;
   EXPECT_HR(0x8000FFFFu, idle.entry<GetClassObject>("DllGetClassObject")(__uuidof(CertId), IID_IClassFactory, &object));
@@ -198,7 +192,7 @@ TEST_F(ClassObjectTest, ModuleThatWasNotInitialisedHasNoClassObjects) {
 }
 
 TEST_F(ClassObjectTest, UnloadingReleasesFactoriesWithoutAFault) {
-  const ModuleCopy module(copyName());
+  const ModuleCopy module(CopyName());
   Ptr<IClassFactory> factory;
   const auto getClassObject = module.entry<GetClassObject>("DllGetClassObject");
   ASSERT_NE(nullptr, getClassObject);
@@ -214,7 +208,7 @@ TEST_F(ClassObjectTest, UnloadingReleasesFactoriesWithoutAFault) {
 
 /// A copy of the module, asked for a class object that nobody holds.
 struct ModuleWithFactory {
-  const ModuleCopy copy{copyName()};
+  const ModuleCopy copy{CopyName()};
   const GetClassObject getClassObject = copy.entry<GetClassObject>("DllGetClassObject");
   BOOL (*const dllMain)(DWORD, void*) = copy.entry<BOOL (*)(DWORD, void*)>("TavlcomDllMain");
   long (*const allocations)() = copy.entry<long (*)()>("TavlcomLiveAllocations");

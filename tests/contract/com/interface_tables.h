@@ -1,22 +1,25 @@
-// The interfaces and enumerations that scripts rely on.
+// The interfaces and enumerations that scripts rely on, written down independently of the type library.
 #pragma once
 
-#include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 struct InterfaceTable {
   std::string name;
-  /// "id [get|put|putref] name([flags] type name, ...)"; the arguments of properties have no names here.
+  std::string iid;
+  /// In the order of the virtual table:
+  ///     "7 SignMem([in] ISignParam* param, ...)"       a method
+  ///     "2 issuer BSTR @8"                             a property, with its place in the engine's record
+  ///     "12 issuerAltName IAltName* by reference @80"  a property that is assigned by reference
+  ///     "15 policies VARIANT @328 IPolicy"             an array: where its count stands, and what it holds
   std::vector<std::string> members;
 };
 
 struct EnumTable {
   std::string name;
-  std::vector<std::pair<std::string, int32_t>> members;
+  /// As they are declared: "Flag_Decrypt_Pkcs7=1, Flag_Decrypt_NoCache=2".
+  std::string members;
 };
 
 extern const std::vector<InterfaceTable> kInterfaces;
-/// The members of each in the order of their unsigned values.
 extern const std::vector<EnumTable> kEnums;

@@ -2,40 +2,23 @@
 #include <memory>
 
 #include "contract/com/late_methods.h"
-#include "support/invoke.h"
 
 namespace {
 
-Variant nullText() {
+Variant NullText() {
   Variant text;
   V_VT(text.out()) = VT_BSTR;
   return text;
 }
 
-Variant text() { return Variant::text(L"x"); }
-
-/// A method with outputs that receives a null string.
-struct NullText {
-  const char* name;
-  std::function<std::vector<Variant>(const Objects&)> inputs;
-};
+Variant Text() { return Variant::text(L"x"); }
 
 template <class... Values>
-std::vector<Variant> list(Values&&... values) {
+std::vector<Variant> List(Values&&... values) {
   std::vector<Variant> made;
   (made.push_back(std::forward<Values>(values)), ...);
   return made;
 }
-
-const NullText kRequired[]{
-    {"HashFile", [](const Objects&) { return list(nullText()); }},
-    {"DecryptFile", [](const Objects& o) { return list(Variant::object(o.decrypt), nullText(), text()); }},
-    {"DecryptFile", [](const Objects& o) { return list(Variant::object(o.decrypt), text(), nullText()); }},
-    {"StrDecryptFile", [](const Objects& o) { return list(Variant::object(o.decrypt), nullText(), text()); }},
-    {"StrDecryptFile", [](const Objects& o) { return list(Variant::object(o.decrypt), text(), nullText()); }},
-    {"VerifyFile", [](const Objects& o) { return list(Variant::object(o.verify), text(), nullText(), text()); }},
-    {"StrVerifyFile", [](const Objects& o) { return list(Variant::object(o.verify), text(), nullText(), text()); }},
-};
 
 /// The three ways in which a caller takes the last output.
 enum class Form { kVariable, kResult, kHolder };
@@ -43,29 +26,38 @@ enum class Form { kVariable, kResult, kHolder };
 class LateBoundNullTest : public ContractTest, public ::testing::WithParamInterface<Form> {
  protected:
   /// Calls with the output in the form of the test.
-  LateResult run(const char* name, const std::vector<Variant>& inputs) {
-    LateCall call{wideOf(name), DISPATCH_METHOD, {}, {}, GetParam() == Form::kResult};
+  LateResult run(const std::string& name, const std::vector<Variant>& inputs) {
+    LateCall call{Widen(name), DISPATCH_METHOD, {}, {}, GetParam() == Form::kResult};
     for (const Variant& input : inputs) call.positional.push_back(input);
     Variant variable;
     Holder holder(Holder::Kind::kExtendable);
     Variant argument = Variant::object(&holder);
-    if (GetParam() == Form::kVariable) call.positional.push_back(byRef(variable));
+    if (GetParam() == Form::kVariable) call.positional.push_back(ByRef(variable));
     if (GetParam() == Form::kHolder) call.positional.push_back(argument);
-    return invoke(objects.quivo, call);
+    return Invoke(objects.quivo, call);
   }
 
   Objects objects{openQuivo()};
 };
 
 TEST_P(LateBoundNullTest, RequiredTextIsRefusedByTheMethod) {
-  for (const NullText& row : kRequired) {
-    EXPECT_HR(kInvalidArgument, run(row.name, row.inputs(objects)).result) << row.name;
-    EXPECT_EQ(0u, engine().count("QUIVO_" + std::string(row.name))) << row.name;
+  size_t refused = 0;
+  for (const OperationArgument& row : StringInputs()) {
+    for (const LateMethod& method : LateMethods()) {
+      if (method.name != row.operation.name || row.isOptional()) continue;
+      std::vector<Variant> inputs;
+      for (auto& [name, value] : method.inputs(objects)) inputs.push_back(std::move(value));
+      inputs[row.place] = NullText();
+      EXPECT_HR(kInvalidArgument, run(method.name, inputs).result) << row;
+      EXPECT_EQ(0u, engine().count(row.function)) << row;
+      ++refused;
+    }
   }
+  EXPECT_LE(7u, refused);
 }
 
 TEST_P(LateBoundNullTest, OptionalPathArrivesAsNone) {
-  EXPECT_OK(run("VerifyFile", list(Variant::object(objects.verify), nullText(), text(), nullText())).result);
+  EXPECT_OK(run("VerifyFile", List(Variant::object(objects.verify), NullText(), Text(), NullText())).result);
   const fake::Call& call = engine().only("QUIVO_VerifyFile");
   EXPECT_TRUE(call.null(2));
   EXPECT_EQ("x", call.text(3));
@@ -74,53 +66,40 @@ TEST_P(LateBoundNullTest, OptionalPathArrivesAsNone) {
 
 TEST_P(LateBoundNullTest, OidIsNotConverted) {
   Variant reason;
-  LateCall call{L"CheckOID", DISPATCH_METHOD, {nullText(), byRef(reason)}, {}, false};
-  EXPECT_HR(E_FAIL, invoke(objects.quivo, call).result);
-  EXPECT_EQ(L"Ошибка преобразования BSTR", textOf(reason));
+  LateCall call{L"CheckOID", DISPATCH_METHOD, {NullText(), ByRef(reason)}, {}, false};
+  EXPECT_HR(E_FAIL, Invoke(objects.quivo, call).result);
+  EXPECT_EQ(L"Ошибка преобразования BSTR", TextOf(reason));
   engine().forgetCalls();
-  EXPECT_HR(E_FAIL, run("CheckOID", list(nullText())).result);
+  EXPECT_HR(E_FAIL, run("CheckOID", List(NullText())).result);
   EXPECT_EQ(0u, engine().count("QUIVO_FindCert"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Forms, LateBoundNullTest, ::testing::Values(Form::kVariable, Form::kResult, Form::kHolder));
 
-class LateBoundNullOutputTest : public ContractTest, public ::testing::WithParamInterface<LateMethod> {
- protected:
-  /// The call with `output` as its last output, and variables for the others.
-  LateResult run(const VARIANT& output) {
-    answerLateMethods(engine());
-    auto given = GetParam().inputs(objects);
-    std::vector<Variant> variables(GetParam().outputs.size());
-    LateCall call{GetParam().wideName(), DISPATCH_METHOD, {}, {}, false};
-    for (const auto& [name, value] : given) call.positional.push_back(value);
-    for (size_t i = 0; i + 1 < variables.size(); ++i) call.positional.push_back(byRef(variables[i]));
-    call.positional.push_back(output);
-    return invoke(objects.quivo, call);
-  }
-
-  Objects objects{openQuivo()};
-};
+using LateBoundNullOutputTest = LateMethodTest;
 
 TEST_P(LateBoundNullOutputTest, NullReferenceIsRefusedByTheMethod) {
   for (VARTYPE type : {VT_VARIANT, VT_BSTR, VT_DISPATCH, VT_UNKNOWN, VT_I4}) {
-    const LateResult outcome = run(nullRef(type));
+    LateCall call = listedButLast();
+    call.positional.push_back(NullRef(type));
+    const LateResult outcome = run(call);
     EXPECT_HR(DISP_E_EXCEPTION, outcome.raw) << type;
     EXPECT_HR(kInvalidArgument, outcome.result) << type;
   }
   engine().releaseOutstanding();
 }
 
-INSTANTIATE_TEST_SUITE_P(Methods, LateBoundNullOutputTest, ::testing::ValuesIn(kLateMethods), nameOfRow<LateMethod>);
+INSTANTIATE_TEST_SUITE_P(Methods, LateBoundNullOutputTest, ::testing::ValuesIn(LateMethods()), NameOfRow<LateMethod>);
 
 class LateBoundObjectTest : public ContractTest {
  protected:
   HRESULT sign(const VARIANT& param) {
     Variant output;
-    return invoke(objects.quivo, {L"SignMem", DISPATCH_METHOD, {param, Variant(), Variant(), byRef(output)}, {}, false})
+    return Invoke(objects.quivo, {L"SignMem", DISPATCH_METHOD, {param, Variant(), Variant(), ByRef(output)}, {}, false})
         .raw;
   }
   HRESULT add(const VARIANT& id) {
-    return invoke(objects.quivo, {L"AddCRL", DISPATCH_METHOD, {id, Variant()}, {}, false}).raw;
+    return Invoke(objects.quivo, {L"AddCRL", DISPATCH_METHOD, {id, Variant()}, {}, false}).raw;
   }
 
   Objects objects{openQuivo()};
@@ -129,24 +108,24 @@ class LateBoundObjectTest : public ContractTest {
 TEST_F(LateBoundObjectTest, WrongClassHasNoSuchInterface) {
   Variant wrong = Variant::object(objects.certificate);
   EXPECT_HR(E_NOINTERFACE, sign(wrong));
-  EXPECT_HR(E_NOINTERFACE, sign(byRef(wrong)));
+  EXPECT_HR(E_NOINTERFACE, sign(ByRef(wrong)));
   EXPECT_HR(E_NOINTERFACE, add(wrong));
-  EXPECT_HR(E_NOINTERFACE, putRefProperty(objects.sign, L"mycert", wrong).raw);
+  EXPECT_HR(E_NOINTERFACE, PutRefProperty(objects.sign, L"mycert", wrong).raw);
 }
 
 TEST_F(LateBoundObjectTest, NullObjectBehindAReferenceIsNothing) {
   Ptr<IDispatch> none;
-  Variant variable = byRefObject(none);
+  Variant variable = ByRefObject(none);
   EXPECT_OK(add(variable));
-  EXPECT_OK(add(byRef(variable)));
+  EXPECT_OK(add(ByRef(variable)));
   EXPECT_HR(DISP_E_EXCEPTION, sign(variable));
 }
 
 TEST_F(LateBoundObjectTest, ReferenceToNothingIsAnInvalidArgument) {
   for (VARTYPE type : {VT_DISPATCH, VT_UNKNOWN}) {
-    EXPECT_HR(E_INVALIDARG, sign(nullRef(type)));
-    EXPECT_HR(E_INVALIDARG, add(nullRef(type)));
-    EXPECT_HR(E_INVALIDARG, putRefProperty(objects.sign, L"mycert", nullRef(type)).raw);
+    EXPECT_HR(E_INVALIDARG, sign(NullRef(type)));
+    EXPECT_HR(E_INVALIDARG, add(NullRef(type)));
+    EXPECT_HR(E_INVALIDARG, PutRefProperty(objects.sign, L"mycert", NullRef(type)).raw);
   }
 }
 
@@ -182,12 +161,12 @@ TEST_F(LateBoundObjectTest, HolderWithoutTheInterfaceThatItPromisesIsRefused) {
   Nothing holder;
   engine().on("QUIVO_HashMem").output = {1};
   Variant argument = Variant::object(&holder);
-  EXPECT_TRUE(FAILED(invoke(objects.quivo, {L"HashMem", DISPATCH_METHOD, {Variant(), argument}, {}, false}).raw));
+  EXPECT_TRUE(FAILED(Invoke(objects.quivo, {L"HashMem", DISPATCH_METHOD, {Variant(), argument}, {}, false}).raw));
 }
 
 TEST_F(LateBoundObjectTest, ObjectWithoutTheTypeInformationThatItPromisesOpensNothing) {
   Nothing param;
-  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
   EXPECT_TRUE(FAILED(quivo->InitializeEx(&param)));
   EXPECT_EQ(0u, engine().count("QUIVO_InitializeEx"));
 }

@@ -1,6 +1,6 @@
 // The shape of late-bound calls: flags, counts and names of arguments on every kind of member.
-#include "contract/operations/calls.h"
 #include "support/invoke.h"
+#include "support/operations.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
-// Outputs of late-bound calls in typed variables: converted, complete, and nothing beside them touched.
+// Outputs of late-bound calls in typed variables: converted and complete; the memory around them stays untouched.
 #include <array>
 #include <cstring>
 
-#include "contract/operations/calls.h"
 #include "support/invoke.h"
+#include "support/operations.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ class LateBoundTypedTest : public ContractTest {
   /// Starts a stream whose count of bytes left goes into `left`.
   HRESULT begin(const VARIANT& left, int32_t count = kCount) {
     engine().on("QUIVO_StrDecryptInitMem").left = count;
-    return invoke(objects.quivo, {L"StrDecryptInitMem",
+    return Invoke(objects.quivo, {L"StrDecryptInitMem",
                                   DISPATCH_METHOD,
                                   {Variant::object(objects.decrypt), Variant(), left, Variant::object(objects.stream)},
                                   {},
@@ -114,7 +114,7 @@ TEST_F(LateBoundTypedTest, ArrayVariableReceivesItsKindOfArrayOnly) {
     Variant reference;
     V_VT(reference.out()) = static_cast<VARTYPE>(VT_BYREF | VT_ARRAY | element);
     V_ARRAYREF(reference.out()) = &array;
-    const HRESULT hr = invoke(objects.quivo, {L"HashMem", DISPATCH_METHOD, {Variant(), reference}, {}, false}).raw;
+    const HRESULT hr = Invoke(objects.quivo, {L"HashMem", DISPATCH_METHOD, {Variant(), reference}, {}, false}).raw;
     EXPECT_HR(element == VT_UI1 ? S_OK : DISP_E_TYPEMISMATCH, hr);
     EXPECT_EQ(element == VT_UI1 ? 2u : 3u, array->rgsabound[0].cElements);
     SafeArrayDestroy(array);
@@ -123,16 +123,16 @@ TEST_F(LateBoundTypedTest, ArrayVariableReceivesItsKindOfArrayOnly) {
 
 TEST_F(LateBoundTypedTest, FormerTextOfATypedVariableIsFreed) {
   Bstr text(L"before");
-  EXPECT_OK(begin(byRefText(text), 12));
+  EXPECT_OK(begin(ByRefText(text), 12));
   EXPECT_EQ(L"12", text.text());
 }
 
 TEST_F(LateBoundTypedTest, FormerObjectOfATypedVariableIsReleased) {
   engine().on("QUIVO_ParseCert").certificate.emplace();
-  Ptr<ICertificate> former = make<Certificate>();
+  Ptr<ICertificate> former = Make<ICertificate>();
   Ptr<IDispatch> variable = former.as<IDispatch>();
-  EXPECT_OK(invoke(objects.quivo,
-                   {L"ParseCert", DISPATCH_METHOD, {Variant(), Variant::number(1), byRefObject(variable)}, {}, false})
+  EXPECT_OK(Invoke(objects.quivo,
+                   {L"ParseCert", DISPATCH_METHOD, {Variant(), Variant::number(1), ByRefObject(variable)}, {}, false})
                 .raw);
   EXPECT_NE(static_cast<IDispatch*>(former), variable.get());
   EXPECT_EQ(1u, former.references());
@@ -142,7 +142,7 @@ TEST_F(LateBoundTypedTest, FailureKeepsATypedVariable) {
   engine().on("QUIVO_HashMem").result = 0x19;
   Bstr text(L"before");
   EXPECT_HR(DISP_E_EXCEPTION,
-            invoke(objects.quivo, {L"HashMem", DISPATCH_METHOD, {Variant(), byRefText(text)}, {}, false}).raw);
+            Invoke(objects.quivo, {L"HashMem", DISPATCH_METHOD, {Variant(), ByRefText(text)}, {}, false}).raw);
   EXPECT_EQ(L"before", text.text());
 }
 
@@ -150,10 +150,10 @@ TEST_F(LateBoundTypedTest, EmptyOutputOfAFailureEmptiesAVariable) {
   engine().on("QUIVO_StrEncryptUpdateMem").result = 0x19;
   Variant early = Variant::text(L"before"), late = Variant::text(L"before");
   EXPECT_HR(0xE0690019, objects.quivo->StrEncryptUpdateMem(objects.encrypt, objects.stream, Variant(), early.out()));
-  EXPECT_HR(0xE0690019, invoke(objects.quivo, {L"StrEncryptUpdateMem",
+  EXPECT_HR(0xE0690019, Invoke(objects.quivo, {L"StrEncryptUpdateMem",
                                                DISPATCH_METHOD,
                                                {Variant::object(objects.encrypt), Variant::object(objects.stream),
-                                                Variant(), byRef(late)},
+                                                Variant(), ByRef(late)},
                                                {},
                                                false})
                             .result);

@@ -3,10 +3,9 @@
 #include <memory>
 #include <sstream>
 
-#include "contract/operations/calls.h"
-#include "contract/properties/records.h"
 #include "support/invoke.h"
-#include "support/type_library.h"
+#include "support/operations.h"
+#include "support/records.h"
 
 namespace {
 
@@ -47,12 +46,12 @@ class Givens {
     plain("NumberText", Variant::text(L"5"));
     plain("EmptyText", Variant::text(L""));
     plain("NullText", nullText());
-    plain("Bytes", bytes({1, 2}));
-    plain("VbsBytes", vbsBytes({1, 2}));
-    plain("Strings", strings({L"a", L"b"}));
+    plain("Bytes", ByteArray({1, 2}));
+    plain("VbsBytes", VbsByteArray({1, 2}));
+    plain("Strings", StringArray({L"a", L"b"}));
     plain("CertId", Variant::object(objects.id));
     plain("Certificate", Variant::object(objects.certificate));
-    plain("LocalParam", Variant::object(make<LocalParam>()));
+    plain("LocalParam", Variant::object(Make<ILocalParam>()));
     plain("Nothing", Variant::object(nullptr));
     number<VT_UNKNOWN>("NoUnknown", 0);
     number<kUnknownType>("UnknownType", 0);
@@ -60,7 +59,7 @@ class Givens {
     for (size_t i = 0; i < byValue; ++i) addVariable(i);
     for (size_t i = 0; i < byValue; ++i) addTyped(i);
     for (VARTYPE type : {VT_I4, VT_BSTR, VT_BOOL, VT_DATE, VT_DISPATCH, VT_UNKNOWN, VT_VARIANT}) {
-      all.push_back({"NullReference" + std::to_string(type), nullRef(type), {}, {}});
+      all.push_back({"NullReference" + std::to_string(type), NullRef(type), {}, {}});
       all.back().value = all.back().held;
     }
   }
@@ -112,7 +111,7 @@ class Givens {
 
 using Caller = std::function<LateResult(IDispatch*, const LateCall&)>;
 
-/// Calls a member with one input of interest and tells what arrived.
+/// Calls a member with one input of interest and shows what arrived.
 struct Declared {
   const char* name;
   std::function<std::string(const Caller&, const Objects&, fake::FakeEngine&, VARIANT)> run;
@@ -121,127 +120,127 @@ struct Declared {
 
 std::ostream& operator<<(std::ostream& out, const Declared& row) { return out << row.name; }
 
-std::string told(const LateResult& outcome) {
+std::string Shown(const LateResult& outcome) {
   std::ostringstream text;
   text << std::hex << static_cast<uint32_t>(outcome.raw) << '/' << static_cast<uint32_t>(outcome.result);
   return text.str();
 }
 
-std::string toldText(fake::FakeEngine& engine, const char* function, size_t argument) {
+std::string ShownText(fake::FakeEngine& engine, const char* function, size_t argument) {
   if (engine.count(function) == 0) return " no call";
   const fake::Text text = engine.only(function).text(argument);
   return text ? " '" + *text + "'" : " null";
 }
 
-std::string toldNumber(fake::FakeEngine& engine, const char* function, size_t argument) {
+std::string ShownNumber(fake::FakeEngine& engine, const char* function, size_t argument) {
   return engine.count(function) == 0 ? " no call" : " " + std::to_string(engine.only(function).number(argument));
 }
 
-std::string toldRecord(fake::FakeEngine& engine, const char* function, size_t argument, size_t offset) {
+std::string ShownRecord(fake::FakeEngine& engine, const char* function, size_t argument, size_t offset) {
   return engine.count(function) == 0 ? " no call"
                                      : " " + std::to_string(engine.only(function).record(argument).pointer(offset));
 }
 
-LateCall method(const wchar_t* name, std::vector<VARIANT> arguments) {
+LateCall MethodCall(const wchar_t* name, std::vector<VARIANT> arguments) {
   return {name, DISPATCH_METHOD, std::move(arguments), {}, false};
 }
 
 const std::vector<Declared> kDeclared{
     {"StringOfAMethodWithoutOutputs",
      [](const Caller& call, const Objects&, fake::FakeEngine& engine, VARIANT given) {
-       Ptr<IQUIVO> quivo = make<QUIVO>();
-       const std::string result = told(call(quivo, method(L"Initialize", {given, Variant::number(4)})));
-       return result + toldText(engine, "QUIVO_Initialize", 0);
+       Ptr<IQUIVO> quivo = Make<IQUIVO>();
+       const std::string result = Shown(call(quivo, MethodCall(L"Initialize", {given, Variant::number(4)})));
+       return result + ShownText(engine, "QUIVO_Initialize", 0);
      }},
     {"EnumerationOfAMethodWithoutOutputs",
      [](const Caller& call, const Objects&, fake::FakeEngine& engine, VARIANT given) {
-       Ptr<IQUIVO> quivo = make<QUIVO>();
+       Ptr<IQUIVO> quivo = Make<IQUIVO>();
        Variant profile = Variant::text(L"x");
-       const std::string result = told(call(quivo, method(L"Initialize", {profile, given})));
-       return result + toldNumber(engine, "QUIVO_Initialize", 1);
+       const std::string result = Shown(call(quivo, MethodCall(L"Initialize", {profile, given})));
+       return result + ShownNumber(engine, "QUIVO_Initialize", 1);
      }},
     {"StringOfAMethodWithAnOutput",
      [](const Caller& call, const Objects& objects, fake::FakeEngine& engine, VARIANT given) {
        Variant hash;
-       const std::string result = told(call(objects.quivo, method(L"HashFile", {given, byRef(hash)})));
-       return result + toldText(engine, "QUIVO_HashFile", 1);
+       const std::string result = Shown(call(objects.quivo, MethodCall(L"HashFile", {given, ByRef(hash)})));
+       return result + ShownText(engine, "QUIVO_HashFile", 1);
      }},
     {"NumberOfAMethodWithAnOutput",
      [](const Caller& call, const Objects& objects, fake::FakeEngine& engine, VARIANT given) {
        Variant random;
-       const std::string result = told(call(objects.quivo, method(L"GenRandom", {given, byRef(random)})));
-       return result + toldNumber(engine, "QUIVO_GenRandom", 1);
+       const std::string result = Shown(call(objects.quivo, MethodCall(L"GenRandom", {given, ByRef(random)})));
+       return result + ShownNumber(engine, "QUIVO_GenRandom", 1);
      }},
     {"TruthOfAMethodWithAnOutput",
      [](const Caller& call, const Objects& objects, fake::FakeEngine& engine, VARIANT given) {
        engine.on("QUIVO_ExportMem").output = {1};
        Variant exported;
        Variant param = Variant::object(objects.exporting);
-       const std::string result = told(call(objects.quivo, method(L"ExportMem", {param, byRef(exported), given})));
+       const std::string result = Shown(call(objects.quivo, MethodCall(L"ExportMem", {param, ByRef(exported), given})));
        return result + " " + std::to_string(exported.type());
      }},
     {"ObjectOfAMethodWithAnOutput",
      [](const Caller& call, const Objects& objects, fake::FakeEngine& engine, VARIANT given) {
        Variant signature;
        const std::string result =
-           told(call(objects.quivo, method(L"SignMem", {given, Variant(), Variant(), byRef(signature)})));
-       return result + toldNumber(engine, "QUIVO_SignMem", 0);
+           Shown(call(objects.quivo, MethodCall(L"SignMem", {given, Variant(), Variant(), ByRef(signature)})));
+       return result + ShownNumber(engine, "QUIVO_SignMem", 0);
      }},
     {"ObjectOfAMethodWithoutOutputs",
      [](const Caller& call, const Objects& objects, fake::FakeEngine& engine, VARIANT given) {
-       const std::string result = told(call(objects.quivo, method(L"AddCRL", {given, Variant()})));
-       return result + toldRecord(engine, "QUIVO_AddCRL", 1, 8);
+       const std::string result = Shown(call(objects.quivo, MethodCall(L"AddCRL", {given, Variant()})));
+       return result + ShownRecord(engine, "QUIVO_AddCRL", 1, 8);
      }},
     {"AnyObjectOfAMethod",
      [](const Caller& call, const Objects&, fake::FakeEngine& engine, VARIANT given) {
-       Ptr<IQUIVO> quivo = make<QUIVO>();
-       return told(call(quivo, method(L"InitializeEx", {given}))) + toldNumber(engine, "QUIVO_InitializeEx", 0);
+       Ptr<IQUIVO> quivo = Make<IQUIVO>();
+       return Shown(call(quivo, MethodCall(L"InitializeEx", {given}))) + ShownNumber(engine, "QUIVO_InitializeEx", 0);
      }},
     {"VariantOfAMethodWithoutOutputs",
      [](const Caller& call, const Objects& objects, fake::FakeEngine& engine, VARIANT given) {
-       const std::string result = told(call(objects.quivo, method(L"ShowCrl", {given})));
+       const std::string result = Shown(call(objects.quivo, MethodCall(L"ShowCrl", {given})));
        if (engine.count("QUIVO_ShowCrl") == 0) return result;
        return result + " " + std::to_string(engine.only("QUIVO_ShowCrl").blobBytes(1).size());
      },
      true},
     {"StringProperty",
      [](const Caller& call, const Objects&, fake::FakeEngine&, VARIANT given) {
-       Ptr<ILocalParam> param = make<LocalParam>();
-       const std::string result = told(call(param, {L"pse", DISPATCH_PROPERTYPUT, {given}, {}, false}));
+       Ptr<ILocalParam> param = Make<ILocalParam>();
+       const std::string result = Shown(call(param, {L"pse", DISPATCH_PROPERTYPUT, {given}, {}, false}));
        Bstr text;
        param->get_pse(text.inOut());
-       return result + " '" + narrow(text.text()) + "'";
+       return result + " '" + Narrow(text.text()) + "'";
      }},
     {"NumberProperty",
      [](const Caller& call, const Objects&, fake::FakeEngine&, VARIANT given) {
-       Ptr<IVerifyParam> param = make<VerifyParam>();
-       const std::string result = told(call(param, {L"minsigns", DISPATCH_PROPERTYPUT, {given}, {}, false}));
-       return result + " " + std::to_string(recordOf(param.get()).i32(68));
+       Ptr<IVerifyParam> param = Make<IVerifyParam>();
+       const std::string result = Shown(call(param, {L"minsigns", DISPATCH_PROPERTYPUT, {given}, {}, false}));
+       return result + " " + std::to_string(RecordOf(param.get()).i32(68));
      }},
     {"EnumerationProperty",
      [](const Caller& call, const Objects&, fake::FakeEngine&, VARIANT given) {
-       Ptr<IVerifyParam> param = make<VerifyParam>();
-       const std::string result = told(call(param, {L"flag", DISPATCH_PROPERTYPUT, {given}, {}, false}));
-       return result + " " + std::to_string(recordOf(param.get()).i32(0));
+       Ptr<IVerifyParam> param = Make<IVerifyParam>();
+       const std::string result = Shown(call(param, {L"flag", DISPATCH_PROPERTYPUT, {given}, {}, false}));
+       return result + " " + std::to_string(RecordOf(param.get()).i32(0));
      }},
     {"DateProperty",
      [](const Caller& call, const Objects&, fake::FakeEngine&, VARIANT given) {
-       Ptr<ICertificate> certificate = make<Certificate>();
-       const std::string result = told(call(certificate, {L"notBefore", DISPATCH_PROPERTYPUT, {given}, {}, false}));
+       Ptr<ICertificate> certificate = Make<ICertificate>();
+       const std::string result = Shown(call(certificate, {L"notBefore", DISPATCH_PROPERTYPUT, {given}, {}, false}));
        DATE date = 0;
        certificate->get_notBefore(&date);
        return result + " " + std::to_string(date);
      }},
     {"ObjectProperty",
      [](const Caller& call, const Objects&, fake::FakeEngine&, VARIANT given) {
-       Ptr<ISignParam> param = make<SignParam>();
-       const std::string result = told(call(param, {L"mycert", DISPATCH_PROPERTYPUTREF, {given}, {}, false}));
-       return result + " " + std::to_string(recordOf(param.get()).pointer(8));
+       Ptr<ISignParam> param = Make<ISignParam>();
+       const std::string result = Shown(call(param, {L"mycert", DISPATCH_PROPERTYPUTREF, {given}, {}, false}));
+       return result + " " + std::to_string(RecordOf(param.get()).pointer(8));
      }},
     {"VariantProperty",
      [](const Caller& call, const Objects&, fake::FakeEngine&, VARIANT given) {
-       Ptr<ICertificate> certificate = make<Certificate>();
-       const std::string result = told(call(certificate, {L"certHash", DISPATCH_PROPERTYPUT, {given}, {}, false}));
+       Ptr<ICertificate> certificate = Make<ICertificate>();
+       const std::string result = Shown(call(certificate, {L"certHash", DISPATCH_PROPERTYPUT, {given}, {}, false}));
        Variant hash;
        certificate->get_certHash(hash.out());
        return result + " " + std::to_string(hash.type());
@@ -249,9 +248,9 @@ const std::vector<Declared> kDeclared{
      true},
 };
 
-bool isNullReference(const VARIANT& given) { return V_ISBYREF(&given) && V_BYREF(&given) == nullptr; }
+bool IsNullReference(const VARIANT& given) { return V_ISBYREF(&given) && V_BYREF(&given) == nullptr; }
 
-bool hasUnknownType(const VARIANT& given) { return (V_VT(&given) & VT_TYPEMASK) == kUnknownType; }
+bool HasUnknownType(const VARIANT& given) { return (V_VT(&given) & VT_TYPEMASK) == kUnknownType; }
 
 class LateBoundYardstickTest : public ContractTest, public ::testing::WithParamInterface<Declared> {
  protected:
@@ -268,21 +267,21 @@ TEST_P(LateBoundYardstickTest, InputsArriveAsWithThePlatformsOwnInvoke) {
   // The platform leaves behind what it has converted when a later argument fails.
   leaveOutLeaks();
   for (const Given& given : givens.all) {
-    if (isNullReference(given.value)) continue;
+    if (IsNullReference(given.value)) continue;
     // The method's own refusal is more exact than the platform's.
-    if (GetParam().takesVariant && hasUnknownType(given.value)) continue;
-    EXPECT_EQ(run(invokeByPlatform, given.value), run(invoke, given.value)) << given.name;
+    if (GetParam().takesVariant && HasUnknownType(given.value)) continue;
+    EXPECT_EQ(run(InvokeByPlatform, given.value), run(Invoke, given.value)) << given.name;
   }
 }
 
 TEST_P(LateBoundYardstickTest, NothingOfAnInputIsLeftBehind) {
-  for (const Given& given : givens.all) run(invoke, given.value);
+  for (const Given& given : givens.all) run(Invoke, given.value);
 }
 
-INSTANTIATE_TEST_SUITE_P(DeclaredTypes, LateBoundYardstickTest, ::testing::ValuesIn(kDeclared), nameOfRow<Declared>);
+INSTANTIATE_TEST_SUITE_P(DeclaredTypes, LateBoundYardstickTest, ::testing::ValuesIn(kDeclared), NameOfRow<Declared>);
 
 /// A VARIANT is handed over as it is, for the method to refuse.
-std::vector<Declared> convertedTypes() {
+std::vector<Declared> ConvertedTypes() {
   std::vector<Declared> rows = kDeclared;
   std::erase_if(rows, [](const Declared& row) { return row.takesVariant; });
   return rows;
@@ -292,12 +291,12 @@ using LateBoundNullReferenceTest = LateBoundYardstickTest;
 
 TEST_P(LateBoundNullReferenceTest, IsAnInvalidArgument) {
   for (const Given& given : givens.all) {
-    if (!isNullReference(given.value)) continue;
-    EXPECT_EQ(0u, run(invoke, given.value).find("80070057/80070057")) << given.name;
+    if (!IsNullReference(given.value)) continue;
+    EXPECT_EQ(0u, run(Invoke, given.value).find("80070057/80070057")) << given.name;
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(DeclaredTypes, LateBoundNullReferenceTest, ::testing::ValuesIn(convertedTypes()),
-                         nameOfRow<Declared>);
+INSTANTIATE_TEST_SUITE_P(DeclaredTypes, LateBoundNullReferenceTest, ::testing::ValuesIn(ConvertedTypes()),
+                         NameOfRow<Declared>);
 
 }  // namespace

@@ -1,97 +1,113 @@
 #include "contract/com/late_methods.h"
 
+#include <algorithm>
+
 #include "support/certificates.h"
 
 namespace {
 
-using Inputs = std::vector<std::pair<std::wstring, Variant>>;
-
-template <class... Pairs>
-Inputs inputs(Pairs&&... pairs) {
-  Inputs made;
-  (made.push_back(std::forward<Pairs>(pairs)), ...);
-  return made;
+Variant InputFor(const Argument& argument, const Objects& objects) {
+  if (argument.type == "VARIANT") return argument.name == "sign_in" ? Variant() : ByteArray({1});
+  if (argument.type == "BSTR") return Variant::text(L"C:\\file");
+  if (argument.type.ends_with("*"))
+    return Variant::object(objects.of(argument.type.substr(0, argument.type.size() - 1)));
+  return Variant::number(4);
 }
 
-std::pair<std::wstring, Variant> in(const wchar_t* name, Variant value) { return {name, std::move(value)}; }
-std::pair<std::wstring, Variant> param(const wchar_t* name, IDispatch* object) {
-  return {name, Variant::object(object)};
+void Add(std::vector<LateMethod>& methods, const Member& member) {
+  const auto isOutput = [](const Argument& argument) { return argument.isOutput(); };
+  const auto first = std::find_if(member.arguments.begin(), member.arguments.end(), isOutput);
+  if (first == member.arguments.end() || !std::all_of(first, member.arguments.end(), isOutput)) return;
+  methods.push_back({member.name, {member.arguments.begin(), first}, {first, member.arguments.end()}});
 }
-std::pair<std::wstring, Variant> file(const wchar_t* name) { return {name, Variant::text(L"C:\\file")}; }
-
-using O = Output;
 
 }  // namespace
 
-const std::vector<LateMethod> kLateMethods{
-    {"GetPKIErrorText",
-     [](const Objects&) { return inputs(in(L"err_code", Variant::number(5))); },
-     {{L"err_text", O::kText}}},
-    {"GetPKIErrorTextVBS",
-     [](const Objects&) { return inputs(in(L"err_code", Variant::number(5))); },
-     {{L"err_text", O::kText}}},
-    {"UpdateCrl", [](const Objects&) { return Inputs{}; }, {{L"description", O::kText}}},
-    {"GetMyCertB64", [](const Objects&) { return Inputs{}; }, {{L"var_cert_str", O::kText}}},
-    {"HashMem", [](const Objects&) { return inputs(in(L"in", bytes({1}))); }, {{L"hash", O::kBytes}}},
-    {"HashFile", [](const Objects&) { return inputs(file(L"file_name")); }, {{L"hash", O::kBytes}}},
-    {"SignMem",
-     [](const Objects& o) {
-       return inputs(param(L"param", o.sign), in(L"data", bytes({1})), in(L"sign_in", Variant()));
-     },
-     {{L"sign_out", O::kBytes}}},
-    {"VerifyMem",
-     [](const Objects& o) {
-       return inputs(param(L"pIVerifyParam", o.verify), in(L"data", bytes({1})), in(L"sign_in", Variant()));
-     },
-     {{L"sign_out", O::kBytes}, {L"VerifyResults", O::kObjects}}},
-    {"VerifyFile",
-     [](const Objects& o) {
-       return inputs(param(L"pIVerifyParam", o.verify), file(L"data"), file(L"sign_in"), file(L"sign_out"));
-     },
-     {{L"VerifyResults", O::kObjects}}},
-    {"FindCert",
-     [](const Objects& o) { return inputs(param(L"pIFindParam", o.find)); },
-     {{L"FindResult", O::kObjects}}},
-    {"GenRandom", [](const Objects&) { return inputs(in(L"len", Variant::number(1))); }, {{L"random", O::kBytes}}},
-    {"ParseCert",
-     [](const Objects&) { return inputs(in(L"enccert", bytes({1})), in(L"info", Variant::number(4))); },
-     {{L"pICertificate", O::kCertificate}}},
-    {"EncryptMem",
-     [](const Objects& o) { return inputs(param(L"pIParam", o.encrypt), in(L"in", bytes({1}))); },
-     {{L"out", O::kBytes}}},
-    {"DecryptMem",
-     [](const Objects& o) { return inputs(param(L"pIParam", o.decrypt), in(L"in", bytes({1}))); },
-     {{L"out", O::kBytes}, {L"pICert", O::kCertificate}}},
-    {"DecryptFile",
-     [](const Objects& o) { return inputs(param(L"pIParam", o.decrypt), file(L"file_in"), file(L"file_out")); },
-     {{L"pICert", O::kCertificate}}},
-    {"StrSignFinalMem",
-     [](const Objects& o) { return inputs(param(L"param", o.sign), param(L"hStr", o.stream)); },
-     {{L"sign_out", O::kBytes}}},
-    {"StrVerifyFinalMem",
-     [](const Objects& o) { return inputs(param(L"param", o.verify), param(L"hStr", o.stream)); },
-     {{L"sign_out", O::kBytes}, {L"VerifyResults", O::kObjects}}},
-    {"StrDecryptFinalMem",
-     [](const Objects& o) { return inputs(param(L"pIParam", o.decrypt), param(L"hStr", o.stream)); },
-     {{L"pICert", O::kCertificate}}},
-    {"StrHashFinalMem", [](const Objects& o) { return inputs(param(L"hStr", o.stream)); }, {{L"hash", O::kBytes}}},
-};
+std::vector<std::pair<std::wstring, Variant>> LateMethod::inputs(const Objects& objects) const {
+  std::vector<std::pair<std::wstring, Variant>> made;
+  for (const Argument& argument : given) made.emplace_back(Widen(argument.name), InputFor(argument, objects));
+  return made;
+}
 
-void answerLateMethods(fake::FakeEngine& engine) {
-  for (const char* function :
-       {"QUIVO_HashMem", "QUIVO_HashFile", "QUIVO_SignMem", "QUIVO_VerifyMem", "QUIVO_GenRandom", "QUIVO_EncryptMem",
-        "QUIVO_DecryptMem", "QUIVO_StrSignFinalMem", "QUIVO_StrVerifyFinalMem", "QUIVO_StrHashFinalMem"}) {
-    engine.on(function).output = {9, 8};
+std::vector<LateMethod> LateMethods() {
+  std::vector<LateMethod> methods;
+  for (const Operation& operation : Operations()) Add(methods, operation.member);
+  for (const Member& member : MembersOf("IQUIVO")) {
+    if (member.name.starts_with("GetPKIErrorText")) Add(methods, member);
   }
-  for (const char* function : {"QUIVO_GetErrorText", "QUIVO_Ctrl", "QUIVO_EncodeMem"}) {
-    engine.on(function).text = "text";
+  return methods;
+}
+
+void AnswerLateMethods(fake::FakeEngine& engine) {
+  for (const Operation& operation : Operations()) {
+    fake::Reply& reply = engine.on(operation.function);
+    reply.text = "text";
+    reply.left = 7;
+    reply.output = {9, 8};
+    reply.signatures = {{0, 0, {}}};
+    reply.certificate = CertificateOf("CN=x");
+    reply.certificates = {CertificateOf("CN=x")};
   }
-  for (const char* function : {"QUIVO_VerifyMem", "QUIVO_VerifyFile", "QUIVO_StrVerifyFinalMem"}) {
-    engine.on(function).signatures = {{0, 0, {}}};
+  for (const char* function : {"QUIVO_GetErrorText", "QUIVO_EncodeMem"}) engine.on(function).text = "text";
+}
+
+LateCall LateMethodTest::listed() {
+  LateCall call{Widen(GetParam().name), DISPATCH_METHOD, {}, {}, false};
+  for (const auto& [name, value] : given_) call.positional.push_back(value);
+  return call;
+}
+
+LateCall LateMethodTest::listedButLast() {
+  LateCall call = listed();
+  for (size_t i = 0; i + 1 < outputs(); ++i) call.positional.push_back(ByRef(variables[i]));
+  return call;
+}
+
+LateCall LateMethodTest::byName() {
+  LateCall call{Widen(GetParam().name), DISPATCH_METHOD, {}, {}, false};
+  for (const auto& [name, value] : given_) call.named.emplace_back(name, value);
+  return call;
+}
+
+void LateMethodTest::addVariables(LateCall& call, bool named) {
+  for (size_t i = 0; i < outputs(); ++i) {
+    if (named) {
+      call.named.emplace_back(Widen(GetParam().outputs[i].name), ByRef(variables[i]));
+    } else {
+      call.positional.push_back(ByRef(variables[i]));
+    }
   }
-  for (const char* function :
-       {"QUIVO_ParseCert", "QUIVO_DecryptMem", "QUIVO_DecryptFile", "QUIVO_StrDecryptFinalMem"}) {
-    engine.on(function).certificate = certificateOf("CN=x");
+}
+
+void LateMethodTest::expectOutput(size_t index, const Variant& value) {
+  switch (OutputOf(GetParam().outputs[index])) {
+    case Output::kBytes:
+      EXPECT_EQ((Bytes{9, 8}), PlainBytesOf(value));
+      break;
+    case Output::kText:
+      EXPECT_EQ(L"text", TextOf(value));
+      break;
+    case Output::kNumber:
+      EXPECT_EQ(VT_I4, value.type());
+      EXPECT_EQ(7, V_I4(&value.get()));
+      break;
+    case Output::kObjects:
+      EXPECT_EQ(1u, ObjectsOf(value).size());
+      break;
+    case Output::kCertificate: {
+      ASSERT_EQ(VT_DISPATCH, value.type());
+      Ptr<ICertificate> certificate = Ptr<IDispatch>::share(V_DISPATCH(&value.get())).as<ICertificate>();
+      ASSERT_NE(nullptr, certificate.get());
+      EXPECT_EQ(L"CN=x", SubjectOf(certificate));
+      break;
+    }
   }
-  engine.on("QUIVO_FindCert").certificates = {certificateOf("CN=x")};
+}
+
+void LateMethodTest::expectVariables() {
+  for (size_t i = 0; i < outputs(); ++i) expectOutput(i, variables[i]);
+}
+
+void LateMethodTest::expectVariablesButLast() {
+  for (size_t i = 0; i + 1 < outputs(); ++i) expectOutput(i, variables[i]);
 }

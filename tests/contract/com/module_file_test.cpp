@@ -3,8 +3,7 @@
 
 #include <vector>
 
-#include "support/classes.h"
-#include "support/module.h"
+#include "contract/com/registration.h"
 #include "support/pe_image.h"
 
 namespace {
@@ -13,7 +12,7 @@ class ModuleFileTest : public ::testing::Test {
  protected:
   void SetUp() override { ASSERT_TRUE(image_.loaded()) << "the shipped module is not built"; }
 
-  static std::wstring path() { return programFolder() + L"\\" + SHIPPED_MODULE; }
+  static std::wstring path() { return ProgramFolder() + L"\\" + SHIPPED_MODULE; }
   PeImage& image() { return image_; }
   bool hasResource(int id, const wchar_t* type) {
     return FindResourceW(image_.resources(), MAKEINTRESOURCEW(id), type) != nullptr;
@@ -72,7 +71,7 @@ TEST_F(ModuleFileTest, HasAVersion) {
 
 TEST_F(ModuleFileTest, CarriesTheTypeLibraryAndAScriptForEveryClass) {
   EXPECT_TRUE(hasResource(1, L"TYPELIB"));
-  for (const ClassFacts& facts : kClasses) EXPECT_TRUE(hasResource(facts.script, L"REGISTRY")) << facts;
+  for (const RegisteredClass& row : kRegistered) EXPECT_TRUE(hasResource(row.script, L"REGISTRY")) << row;
 }
 
 TEST_F(ModuleFileTest, CarriesDialogsAndIconsOfTheLegacyObject) {

@@ -1,25 +1,20 @@
 // What every object of the module does as a COM object: identity, interfaces, counting, aggregation.
-
 #include "support/contract_test.h"
 #include "support/object_safety.h"
 #include "support/outer_object.h"
 
 namespace {
 
-class ObjectIdentityTest : public ContractTest, public ::testing::WithParamInterface<ClassFacts> {
+class ObjectIdentityTest : public ContractTest, public ::testing::WithParamInterface<CoClass> {
  protected:
-  Ptr<IUnknown> makeOne() { return makeUnknown(guidOf(GetParam().clsid), IID_IUnknown); }
-  Ptr<IClassFactory> factory() {
-    Ptr<IClassFactory> factory;
-    EXPECT_OK(Module::get().classObject(guidOf(GetParam().clsid), IID_IClassFactory, factory.voidOut()));
-    return factory;
-  }
+  Ptr<IUnknown> makeOne() { return MakeUnknown(GetParam().clsid, IID_IUnknown); }
+  Ptr<IClassFactory> factory() { return FactoryOf(GetParam().clsid); }
   Ptr<IUnknown> ask(IUnknown* object, REFIID iid) {
     Ptr<IUnknown> other;
     EXPECT_OK(object->QueryInterface(iid, other.voidOut()));
     return other;
   }
-  IID defaultInterface() { return guidOf(GetParam().iid); }
+  IID defaultInterface() { return GetParam().iid; }
 };
 
 TEST_P(ObjectIdentityTest, EveryInterfaceLeadsToOneIdentity) {
@@ -45,10 +40,10 @@ TEST_P(ObjectIdentityTest, UnknownInterfaceIsRefusedWithANullPointer) {
 
 TEST_P(ObjectIdentityTest, InterfaceOfAnotherClassIsRefused) {
   Ptr<IUnknown> object = makeOne();
-  for (const ClassFacts& other : kClasses) {
-    if (std::wstring(other.name) == GetParam().name) continue;
+  for (const CoClass& other : Classes()) {
+    if (other.name == GetParam().name) continue;
     void* found = this;
-    EXPECT_HR(E_NOINTERFACE, object->QueryInterface(guidOf(other.iid), &found)) << other;
+    EXPECT_HR(E_NOINTERFACE, object->QueryInterface(other.iid, &found)) << other;
     EXPECT_EQ(nullptr, found);
   }
 }
@@ -69,7 +64,7 @@ TEST_P(ObjectIdentityTest, ErrorInformationIsNotSupported) {
 }
 
 TEST_P(ObjectIdentityTest, OnlyTheMainObjectAnswersSafetyNegotiation) {
-  const bool main = std::wstring(GetParam().name) == L"QUIVO";
+  const bool main = GetParam().name == "QUIVO";
   EXPECT_EQ(main, makeOne().as<IObjectSafety>().get() != nullptr);
 }
 
@@ -144,12 +139,7 @@ TEST_P(ObjectIdentityTest, AllocationFailureOfAnAggregatedObjectIsReported) {
   EXPECT_EQ(nullptr, outer.inner.get());
 }
 
-std::string nameOfClass(const ::testing::TestParamInfo<ClassFacts>& info) {
-  std::string name;
-  for (const wchar_t* c = info.param.name; *c != 0; ++c) name.push_back(static_cast<char>(*c));
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Classes, ObjectIdentityTest, ::testing::ValuesIn(kClasses), nameOfClass);
+INSTANTIATE_TEST_SUITE_P(Classes, ObjectIdentityTest, ::testing::ValuesIn(Classes()),
+                         [](const auto& info) { return info.param.name; });
 
 }  // namespace

@@ -102,14 +102,14 @@ TEST_F(RegistryCallsTest, ClassTreeIsDeletedWithExactlyTheRightsThatThisNeeds) {
     opened.clear();
     deleted.clear();
     EXPECT_OK(again ? install() : uninstall());
-    for (const ClassFacts& facts : kClasses) {
-      const auto trees = openedAs(facts.clsid);
-      ASSERT_EQ(1u, trees.size()) << facts;
-      EXPECT_TRUE(trees[0].wasEmptied) << facts;
-      EXPECT_EQ(kTreeRights, trees[0].rights) << facts;
+    for (const RegisteredClass& row : kRegistered) {
+      const auto trees = openedAs(row.clsid);
+      ASSERT_EQ(1u, trees.size()) << row;
+      EXPECT_TRUE(trees[0].wasEmptied) << row;
+      EXPECT_EQ(kTreeRights, trees[0].rights) << row;
       EXPECT_TRUE(std::any_of(deleted.begin(), deleted.end(), [&](const DeletedKey& key) {
-        return key.parent == trees[0].parent && key.name == facts.clsid;
-      })) << facts;
+        return key.parent == trees[0].parent && key.name == row.clsid;
+      })) << row;
     }
   }
 }
@@ -121,7 +121,7 @@ TEST_F(RegistryCallsTest, OtherKeysAreOpenedForWhatIsDoneWithThem) {
   for (const OpenedKey& key : opened) {
     const bool holdsTheClasses = key.name == L"CLSID" && key.parent == HKEY_CLASSES_ROOT;
     const REGSAM expected = holdsTheClasses ? KEY_READ : KEY_QUERY_VALUE | KEY_SET_VALUE;
-    EXPECT_EQ(key.wasEmptied ? kTreeRights : expected, key.rights) << ansiOf(key.name);
+    EXPECT_EQ(key.wasEmptied ? kTreeRights : expected, key.rights) << AnsiOf(key.name);
   }
 }
 
@@ -181,25 +181,25 @@ TEST_F(RegistryCallsTest, LibraryWhoseKeyCannotBeReadCountsAsRegistered) {
 using RegistrationMemoryTest = RegistrationTest;
 
 /// Of the first class alone: the scripts of the others do not come into it.
-RegistryTree keysOfTheFirstClass() {
-  RegistryTree keys = keysOf(kClasses[0], Module::get().path());
+RegistryTree KeysOfTheFirstClass() {
+  RegistryTree keys = KeysOf(kRegistered[0], Module::get().path());
   keys[L"CLSID"] = kNoValue;
   return keys;
 }
 
 TEST_F(RegistrationMemoryTest, ScriptThatCannotBeParsedWritesNothing) {
   long allocations = 0;
-  for (; !keyExists(root(), classKey(kClasses[0])); ++allocations) {
+  for (; !KeyExists(root(), kRegistered[0].key()); ++allocations) {
     ASSERT_LT(allocations, 100);
-    EXPECT_TREE(RegistryTree{}, readTree(root()));
+    EXPECT_TREE(RegistryTree{}, ReadTree(root()));
     Module::get().failAllocation(allocations);
     EXPECT_HR(E_OUTOFMEMORY, install());
     EXPECT_TRUE(Module::get().allocationFailed());
   }
   // The last run failed in the script of the second class.
   EXPECT_GT(allocations, 1);
-  EXPECT_TREE(keysOfTheFirstClass(), classesIn(root()));
-  EXPECT_FALSE(keyExists(root(), L"TypeLib"));
+  EXPECT_TREE(KeysOfTheFirstClass(), ClassesIn(root()));
+  EXPECT_FALSE(KeyExists(root(), L"TypeLib"));
 }
 
 TEST_F(RegistrationMemoryTest, ScriptThatCannotBeParsedRemovesNothing) {
@@ -209,12 +209,12 @@ TEST_F(RegistrationMemoryTest, ScriptThatCannotBeParsedRemovesNothing) {
     Module::get().failAllocation(allocations);
     EXPECT_HR(E_OUTOFMEMORY, uninstall());
     EXPECT_TRUE(Module::get().allocationFailed());
-    EXPECT_FALSE(keyExists(root(), libraryKey()));
-    if (!keyExists(root(), classKey(kClasses[0]))) {
+    EXPECT_FALSE(KeyExists(root(), LibraryKey()));
+    if (!KeyExists(root(), kRegistered[0].key())) {
       EXPECT_GT(allocations, 1);
       break;
     }
-    EXPECT_TREE(keysOfTheFirstClass(), classesIn(root()));
+    EXPECT_TREE(KeysOfTheFirstClass(), ClassesIn(root()));
   }
 }
 

@@ -1,22 +1,26 @@
-// The type library inside the module: what object browsers, compilers and late-bound callers are told.
-#include "support/type_library.h"
-
+// The type library inside the module: what object browsers, compilers and late-bound callers read.
 #include "contract/com/interface_tables.h"
-#include "support/contract_test.h"
+#include "contract/com/registration.h"
 
 namespace {
 
-using TypeLibraryTest = ContractTest;
+class TypeLibraryTest : public ContractTest {
+ protected:
+  /// The type information of every kind, or of one.
+  std::vector<Ptr<ITypeInfo>> types(int kind = -1) {
+    std::vector<Ptr<ITypeInfo>> found;
+    for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
+      Ptr<ITypeInfo> info;
+      EXPECT_OK(library->GetTypeInfo(i, info.out()));
+      if (kind == -1 || FactsOf(info).kind == kind) found.push_back(info);
+    }
+    return found;
+  }
 
-std::vector<int> consecutiveSlots(size_t count) {
-  constexpr int kFirstAfterDispatch = 7 * sizeof(void*);
-  std::vector<int> offsets;
-  for (size_t i = 0; i < count; ++i) offsets.push_back(static_cast<int>(kFirstAfterDispatch + i * sizeof(void*)));
-  return offsets;
-}
+  const Ptr<ITypeLib> library = ModuleTypeLibrary();
+};
 
 TEST_F(TypeLibraryTest, LibraryHasItsIdentity) {
-  Ptr<ITypeLib> library = moduleTypeLibrary();
   ASSERT_NE(nullptr, library.get());
   Bstr name, help;
   ASSERT_OK(library->GetDocumentation(-1, name.inOut(), help.inOut(), nullptr, nullptr));
@@ -24,161 +28,113 @@ TEST_F(TypeLibraryTest, LibraryHasItsIdentity) {
   EXPECT_EQ(L"quivocom 1.0 Type Library", help.text());
   TLIBATTR* attributes = nullptr;
   ASSERT_OK(library->GetLibAttr(&attributes));
-  EXPECT_TRUE(attributes->guid == guidOf(kLibraryId));
+  EXPECT_TRUE(attributes->guid == GuidOf(kLibraryId));
   EXPECT_EQ(1, attributes->wMajorVerNum);
   EXPECT_EQ(0, attributes->wMinorVerNum);
   EXPECT_EQ(SYS_WIN64, attributes->syskind);
   library->ReleaseTLibAttr(attributes);
 }
 
-/// The tag and the name of this one enumeration are both used.
-std::string withTypedefName(std::string member) {
-  const std::string tag = "__MIDL_IQUIVO_0001";
-  const size_t at = member.find(tag);
-  return at == std::string::npos ? member : member.replace(at, tag.size(), "Init_Flag_t");
-}
-
 TEST_F(TypeLibraryTest, MembersStandInOrderWithIdentifiersAndArguments) {
-  Ptr<ITypeLib> library = moduleTypeLibrary();
   for (const InterfaceTable& table : kInterfaces) {
-    SCOPED_TRACE(table.name);
-    Ptr<ITypeInfo> info = typeNamed(library, table.name);
-    ASSERT_NE(nullptr, info.get());
-    const std::vector<std::string> found = membersOf(virtualTableOf(info));
-    ASSERT_EQ(table.members.size(), found.size());
-    for (size_t i = 0; i < found.size(); ++i) EXPECT_EQ(table.members[i], withTypedefName(found[i]));
+    std::vector<std::string> expected;
+    for (const std::string& line : table.members) expected.push_back(line.substr(0, line.find(" @")));
+    EXPECT_EQ(expected, ListingOf(MembersOf(table.name))) << table.name;
   }
 }
 
 TEST_F(TypeLibraryTest, SlotsFollowThoseOfIDispatch) {
-  Ptr<ITypeLib> library = moduleTypeLibrary();
   for (const InterfaceTable& table : kInterfaces) {
-    SCOPED_TRACE(table.name);
-    Ptr<ITypeInfo> info = virtualTableOf(typeNamed(library, table.name));
-    EXPECT_EQ(consecutiveSlots(table.members.size()), slotOffsetsOf(info));
+    int offset = 7 * sizeof(void*);
+    for (const Member& member : MembersOf(table.name)) {
+      EXPECT_EQ(offset, member.offset) << table.name << "." << member.name;
+      offset += sizeof(void*);
+    }
   }
 }
 
 TEST_F(TypeLibraryTest, InterfacesHaveTheirIdentifiers) {
-  Ptr<ITypeLib> library = moduleTypeLibrary();
-  for (const ClassFacts& facts : kClasses) {
-    SCOPED_TRACE(facts);
-    Ptr<ITypeInfo> info = typeNamed(library, narrow(facts.interfaceName));
-    ASSERT_NE(nullptr, info.get());
-    EXPECT_TRUE(factsOf(info).guid == guidOf(facts.iid));
+  for (const InterfaceTable& table : kInterfaces) {
+    EXPECT_TRUE(FactsOf(TypeNamed(library, table.name)).guid == GuidOf(Widen(table.iid))) << table.name;
   }
 }
 
 TEST_F(TypeLibraryTest, InterfacesAreDualButTheLegacyOne) {
-  Ptr<ITypeLib> library = moduleTypeLibrary();
-  for (const ClassFacts& facts : kClasses) {
-    SCOPED_TRACE(facts);
-    Ptr<ITypeInfo> info = typeNamed(library, narrow(facts.interfaceName));
-    const WORD flags = factsOf(info).flags;
-    const bool legacy = std::wstring(facts.name) == L"pkiobj";
+  for (const InterfaceTable& table : kInterfaces) {
+    SCOPED_TRACE(table.name);
+    Ptr<ITypeInfo> info = TypeNamed(library, table.name);
+    const WORD flags = FactsOf(info).flags;
     EXPECT_EQ(TYPEFLAG_FDISPATCHABLE, flags & TYPEFLAG_FDISPATCHABLE);
-    EXPECT_EQ(TYPEFLAG_FOLEAUTOMATION, factsOf(virtualTableOf(info)).flags & TYPEFLAG_FOLEAUTOMATION);
-    EXPECT_EQ(legacy ? 0 : TYPEFLAG_FDUAL, flags & TYPEFLAG_FDUAL);
+    EXPECT_EQ(TYPEFLAG_FOLEAUTOMATION, FactsOf(VirtualTableOf(info)).flags & TYPEFLAG_FOLEAUTOMATION);
+    EXPECT_EQ(table.name == "Ipkiobj" ? 0 : TYPEFLAG_FDUAL, flags & TYPEFLAG_FDUAL);
   }
 }
 
 TEST_F(TypeLibraryTest, EveryClassIsCreatableAndHasItsDefaultInterface) {
-  Ptr<ITypeLib> library = moduleTypeLibrary();
-  for (const ClassFacts& facts : kClasses) {
-    SCOPED_TRACE(facts);
-    Ptr<ITypeInfo> info = typeNamed(library, narrow(facts.name));
+  EXPECT_EQ(kInterfaces.size(), Classes().size());
+  EXPECT_EQ(kRegistered.size(), Classes().size());
+  for (const RegisteredClass& row : kRegistered) {
+    SCOPED_TRACE(row);
+    Ptr<ITypeInfo> info = TypeNamed(library, Narrow(row.name));
     ASSERT_NE(nullptr, info.get());
-    EXPECT_TRUE(factsOf(info).guid == guidOf(facts.clsid));
-    EXPECT_EQ(TKIND_COCLASS, factsOf(info).kind);
-    EXPECT_EQ(TYPEFLAG_FCANCREATE, factsOf(info).flags & TYPEFLAG_FCANCREATE);
-    ASSERT_EQ(1, factsOf(info).implemented);
+    EXPECT_TRUE(FactsOf(info).guid == GuidOf(row.clsid));
+    EXPECT_EQ(TKIND_COCLASS, FactsOf(info).kind);
+    EXPECT_EQ(TYPEFLAG_FCANCREATE, FactsOf(info).flags & TYPEFLAG_FCANCREATE);
+    ASSERT_EQ(1, FactsOf(info).implemented);
     INT flags = 0;
-    HREFTYPE reference = 0;
-    Ptr<ITypeInfo> implemented;
     EXPECT_OK(info->GetImplTypeFlags(0, &flags));
     EXPECT_EQ(IMPLTYPEFLAG_FDEFAULT, flags & IMPLTYPEFLAG_FDEFAULT);
-    ASSERT_OK(info->GetRefTypeOfImplType(0, &reference));
-    ASSERT_OK(info->GetRefTypeInfo(reference, implemented.out()));
-    EXPECT_EQ(narrow(facts.interfaceName), nameOf(implemented));
+    EXPECT_EQ(Narrow(row.name), ClassOf("I" + Narrow(row.name)).name);
   }
 }
 
 TEST_F(TypeLibraryTest, EnumerationsHaveTheirValues) {
-  Ptr<ITypeLib> library = moduleTypeLibrary();
-  std::map<std::string, int32_t> all;
-  for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
-    Ptr<ITypeInfo> info;
-    ASSERT_OK(library->GetTypeInfo(i, info.out()));
-    if (factsOf(info).kind == TKIND_ENUM) all.merge(constantsOf(info));
-  }
-  std::map<std::string, int32_t> expected;
-  for (const EnumTable& table : kEnums) expected.insert(table.members.begin(), table.members.end());
-  EXPECT_EQ(expected, all);
-}
-
-TEST_F(TypeLibraryTest, MembersOfAnEnumerationStandTogether) {
-  Ptr<ITypeLib> library = moduleTypeLibrary();
-  for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
-    Ptr<ITypeInfo> info;
-    ASSERT_OK(library->GetTypeInfo(i, info.out()));
-    if (factsOf(info).kind != TKIND_ENUM) continue;
-    const std::map<std::string, int32_t> constants = constantsOf(info);
-    const auto isThisOne = [&](const EnumTable& table) {
-      return constants == std::map<std::string, int32_t>(table.members.begin(), table.members.end());
-    };
-    EXPECT_TRUE(std::any_of(kEnums.begin(), kEnums.end(), isThisOne)) << nameOf(info);
-  }
+  std::map<std::string, std::string> found;
+  for (ITypeInfo* info : types(TKIND_ENUM)) found[DeclaredNameOf(info)] = ConstantsOf(info);
+  EXPECT_EQ(kEnums.size(), found.size());
+  for (const EnumTable& table : kEnums) EXPECT_EQ(table.members, found[table.name]) << table.name;
 }
 
 TEST_F(TypeLibraryTest, EnumerationsAreKnownByTheirNames) {
-  Ptr<ITypeLib> library = moduleTypeLibrary();
-  for (const EnumTable& table : kEnums) EXPECT_NE(nullptr, typeNamed(library, table.name).get()) << table.name;
+  for (const EnumTable& table : kEnums) EXPECT_NE(nullptr, TypeNamed(library, table.name).get()) << table.name;
 }
 
 TEST_F(TypeLibraryTest, NamedEnumerationsHaveTheirHelp) {
-  Ptr<ITypeLib> library = moduleTypeLibrary();
-  EXPECT_EQ("Initialization flags enum", helpOf(typeNamed(library, "__MIDL_IQUIVO_0001")));
-  Ptr<ITypeInfo> request = typeNamed(library, "XmlRequest_Flag_t");
+  EXPECT_EQ("Initialization flags enum", HelpOf(TypeNamed(library, "__MIDL_IQUIVO_0001")));
+  Ptr<ITypeInfo> request = TypeNamed(library, "XmlRequest_Flag_t");
   ASSERT_NE(nullptr, request.get());
-  EXPECT_EQ("Xml Request flags enum", helpOf(request));
+  EXPECT_EQ("Xml Request flags enum", HelpOf(request));
 }
 
 TEST_F(TypeLibraryTest, EverythingHasAHelpString) {
-  Ptr<ITypeLib> library = moduleTypeLibrary();
   std::string missing;
-  for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
-    Ptr<ITypeInfo> info;
-    ASSERT_OK(library->GetTypeInfo(i, info.out()));
-    for (const std::string& name : withoutHelp(virtualTableOf(info))) missing += name + " ";
+  for (ITypeInfo* info : types()) {
+    for (const std::string& name : WithoutHelp(VirtualTableOf(info))) missing += name + " ";
   }
   EXPECT_EQ("", missing);
 }
 
 TEST_F(TypeLibraryTest, ObjectsShowTheTypeInformationOfTheirInterface) {
-  for (const ClassFacts& facts : kClasses) {
-    SCOPED_TRACE(facts);
-    Ptr<IUnknown> object = makeUnknown(guidOf(facts.clsid), IID_IDispatch);
-    Ptr<IDispatch> dispatch = object.as<IDispatch>();
+  for (const RegisteredClass& row : kRegistered) {
+    SCOPED_TRACE(row);
+    Ptr<IDispatch> object = MakeUnknown(GuidOf(row.clsid), IID_IDispatch).as<IDispatch>();
     UINT count = 0;
-    EXPECT_OK(dispatch->GetTypeInfoCount(&count));
+    EXPECT_OK(object->GetTypeInfoCount(&count));
     EXPECT_EQ(1u, count);
-    Ptr<ITypeInfo> info;
-    ASSERT_OK(dispatch->GetTypeInfo(0, 0, info.out()));
-    EXPECT_EQ(narrow(facts.interfaceName), nameOf(info));
+    EXPECT_EQ("I" + Narrow(row.name), InterfaceNameOf(object));
   }
 }
 
 TEST_F(TypeLibraryTest, ThereIsNoSecondTypeInformation) {
-  Ptr<ICertId> id = make<CertId>();
   Ptr<ITypeInfo> info;
-  EXPECT_HR(DISP_E_BADINDEX, id->GetTypeInfo(1, 0, info.out()));
+  EXPECT_HR(DISP_E_BADINDEX, Make<ICertId>()->GetTypeInfo(1, 0, info.out()));
   EXPECT_EQ(nullptr, info.get());
 }
 
 TEST_F(TypeLibraryTest, ObjectsOfAClassShareTheirTypeInformation) {
   Ptr<ITypeInfo> first, second;
-  ASSERT_OK(make<CertId>()->GetTypeInfo(0, 0, first.out()));
-  ASSERT_OK(make<CertId>()->GetTypeInfo(0, 0, second.out()));
+  ASSERT_OK(Make<ICertId>()->GetTypeInfo(0, 0, first.out()));
+  ASSERT_OK(Make<ICertId>()->GetTypeInfo(0, 0, second.out()));
   EXPECT_EQ(first.get(), second.get());
 }
 

@@ -15,113 +15,113 @@ class UnregistrationTest : public RegistrationTest {
 TEST_F(UnregistrationTest, EverythingGoesButTheClassesKey) {
   EXPECT_OK(install());
   EXPECT_OK(uninstall());
-  EXPECT_TREE((RegistryTree{{L"CLSID", kNoValue}}), classesIn(root()));
-  EXPECT_FALSE(keyExists(root(), libraryKey()));
+  EXPECT_TREE((RegistryTree{{L"CLSID", kNoValue}}), ClassesIn(root()));
+  EXPECT_FALSE(KeyExists(root(), LibraryKey()));
 }
 
 TEST_F(UnregistrationTest, ClassKeyGoesWithWhatOthersPutThere) {
   EXPECT_OK(install());
-  const std::wstring key = classKey(kClasses[0]);
-  writeKey(root(), key + L"\\Implemented Categories\\{7DD95801-9882-11CF-9FA9-00AA006C42C4}");
-  writeText(root(), key, L"AppID", L"{00000000-0000-0000-0000-000000000000}");
+  const std::wstring key = kRegistered[0].key();
+  WriteKey(root(), key + L"\\Implemented Categories\\{7DD95801-9882-11CF-9FA9-00AA006C42C4}");
+  WriteText(root(), key, L"AppID", L"{00000000-0000-0000-0000-000000000000}");
   EXPECT_OK(uninstall());
-  EXPECT_FALSE(keyExists(root(), key));
+  EXPECT_FALSE(KeyExists(root(), key));
 }
 
 TEST_F(UnregistrationTest, ClassesOfOthersStay) {
   EXPECT_OK(install());
-  writeKey(root(), L"CLSID\\{11111111-2222-3333-4444-555555555555}", L"Another Class");
+  WriteKey(root(), L"CLSID\\{11111111-2222-3333-4444-555555555555}", L"Another Class");
   EXPECT_OK(uninstall());
-  EXPECT_EQ(L"Another Class", textAt(root(), L"CLSID\\{11111111-2222-3333-4444-555555555555}"));
+  EXPECT_EQ(L"Another Class", TextAt(root(), L"CLSID\\{11111111-2222-3333-4444-555555555555}"));
 }
 
 TEST_F(UnregistrationTest, ClassesKeyKeepsItsOwnValues) {
   EXPECT_OK(install());
-  writeKey(root(), L"CLSID", L"default");
-  writeText(root(), L"CLSID", L"name", L"named");
+  WriteKey(root(), L"CLSID", L"default");
+  WriteText(root(), L"CLSID", L"name", L"named");
   EXPECT_OK(uninstall());
-  EXPECT_TREE((RegistryTree{{L"CLSID", L"default"}, {L"CLSID:name", L"named"}}), classesIn(root()));
+  EXPECT_TREE((RegistryTree{{L"CLSID", L"default"}, {L"CLSID:name", L"named"}}), ClassesIn(root()));
 }
 
 TEST_F(UnregistrationTest, ProgIdKeepsTheSubkeyOfAnother) {
   for (const std::wstring key : {kProgId, kVersionedProgId}) {
     EXPECT_OK(install());
-    writeKey(root(), below(key, L"DefaultIcon"), L"icon");
+    WriteKey(root(), below(key, L"DefaultIcon"), L"icon");
     EXPECT_OK(uninstall());
-    EXPECT_TREE((RegistryTree{{L"DefaultIcon", L"icon"}}), readTree(root(), key));
+    EXPECT_TREE((RegistryTree{{L"DefaultIcon", L"icon"}}), ReadTree(root(), key));
   }
 }
 
 TEST_F(UnregistrationTest, ProgIdKeepsTheValueOfAnother) {
   for (const std::wstring key : {kProgId, kVersionedProgId}) {
     EXPECT_OK(install());
-    writeText(root(), key, L"FriendlyTypeName", L"name");
+    WriteText(root(), key, L"FriendlyTypeName", L"name");
     EXPECT_OK(uninstall());
-    EXPECT_TREE((RegistryTree{{L":FriendlyTypeName", L"name"}}), readTree(root(), key));
+    EXPECT_TREE((RegistryTree{{L":FriendlyTypeName", L"name"}}), ReadTree(root(), key));
   }
 }
 
 TEST_F(UnregistrationTest, SubkeyOfAProgIdKeepsWhatOthersPutThere) {
   EXPECT_OK(install());
-  writeText(root(), below(kProgId, L"CLSID"), L"name", L"named");
-  writeKey(root(), below(kProgId, L"CurVer\\Deeper"), L"deep");
+  WriteText(root(), below(kProgId, L"CLSID"), L"name", L"named");
+  WriteKey(root(), below(kProgId, L"CurVer\\Deeper"), L"deep");
   EXPECT_OK(uninstall());
   EXPECT_TREE(
       (RegistryTree{
           {L"CLSID", kNoValue}, {L"CLSID:name", L"named"}, {L"CurVer", kNoValue}, {L"CurVer\\Deeper", L"deep"}}),
-      readTree(root(), kProgId));
+      ReadTree(root(), kProgId));
 }
 
 TEST_F(UnregistrationTest, ProgIdIsRegisteredAgainBesideWhatStayed) {
   EXPECT_OK(install());
-  writeKey(root(), below(kProgId, L"DefaultIcon"), L"icon");
+  WriteKey(root(), below(kProgId, L"DefaultIcon"), L"icon");
   EXPECT_OK(uninstall());
   EXPECT_OK(install());
-  RegistryTree expected = keysOfAllClasses(Module::get().path());
+  RegistryTree expected = KeysOfAllClasses(Module::get().path());
   expected[below(kProgId, L"DefaultIcon")] = L"icon";
-  EXPECT_TREE(expected, classesIn(root()));
+  EXPECT_TREE(expected, ClassesIn(root()));
 }
 
 TEST_F(UnregistrationTest, NamedValueOfAScriptGoesAndThoseOfOthersStay) {
   const ModuleCopy module(L"named value.dll",
-                          resource(L"REGISTRY", 101, "HKCR { TAVL.Named = s 'own' { val Own = s 'text' } }"));
+                          Resource(L"REGISTRY", 101, "HKCR { TAVL.Named = s 'own' { val Own = s 'text' } }"));
   ASSERT_TRUE(module.loaded());
   EXPECT_OK(module.registerServer());
-  EXPECT_TREE((RegistryTree{{L"", L"own"}, {L":Own", L"text"}}), readTree(root(), L"TAVL.Named"));
-  writeText(root(), L"TAVL.Named", L"Other", L"theirs");
+  EXPECT_TREE((RegistryTree{{L"", L"own"}, {L":Own", L"text"}}), ReadTree(root(), L"TAVL.Named"));
+  WriteText(root(), L"TAVL.Named", L"Other", L"theirs");
   EXPECT_OK(module.unregisterServer());
-  EXPECT_TREE((RegistryTree{{L":Other", L"theirs"}}), readTree(root(), L"TAVL.Named"));
+  EXPECT_TREE((RegistryTree{{L":Other", L"theirs"}}), ReadTree(root(), L"TAVL.Named"));
 }
 
 TEST_F(UnregistrationTest, SecondTimeSucceeds) {
   EXPECT_OK(install());
   EXPECT_OK(uninstall());
   EXPECT_OK(uninstall());
-  EXPECT_TREE((RegistryTree{{L"CLSID", kNoValue}}), classesIn(root()));
+  EXPECT_TREE((RegistryTree{{L"CLSID", kNoValue}}), ClassesIn(root()));
 }
 
 TEST_F(UnregistrationTest, NothingRegisteredIsNoFailure) {
   EXPECT_OK(uninstall());
-  EXPECT_TREE(RegistryTree{}, readTree(root()));
+  EXPECT_TREE(RegistryTree{}, ReadTree(root()));
 }
 
 TEST_F(UnregistrationTest, HalfRegisteredModuleIsRemoved) {
   EXPECT_OK(install());
-  deleteTree(root(), classKey(kClasses[1]));
-  deleteTree(root(), kProgId);
-  deleteTree(root(), L"TAVL.SignParam\\CLSID");
-  writeKey(root(), classKey(kClasses[2]));
+  DeleteTree(root(), kRegistered[1].key());
+  DeleteTree(root(), kProgId);
+  DeleteTree(root(), L"TAVL.SignParam\\CLSID");
+  WriteKey(root(), kRegistered[2].key());
   EXPECT_OK(uninstall());
-  EXPECT_TREE((RegistryTree{{L"CLSID", kNoValue}}), classesIn(root()));
+  EXPECT_TREE((RegistryTree{{L"CLSID", kNoValue}}), ClassesIn(root()));
 }
 
 TEST_F(UnregistrationTest, AFailureIsReturnedAndTheOtherClassesGo) {
   EXPECT_OK(install());
-  const ModuleCopy module(L"unreadable script.dll", resource(L"REGISTRY", 101, "HKCR {"));
+  const ModuleCopy module(L"unreadable script.dll", Resource(L"REGISTRY", 101, "HKCR {"));
   ASSERT_TRUE(module.loaded());
   EXPECT_HR(HRESULT_FROM_WIN32(ERROR_INVALID_DATA), module.unregisterServer());
-  for (const ClassFacts& facts : kClasses) EXPECT_EQ(facts.script == 101, keyExists(root(), classKey(facts))) << facts;
-  EXPECT_FALSE(keyExists(root(), libraryKey()));
+  for (const RegisteredClass& row : kRegistered) EXPECT_EQ(row.script == 101, KeyExists(root(), row.key())) << row;
+  EXPECT_FALSE(KeyExists(root(), LibraryKey()));
 }
 
 /// What platforms give for a library that is not registered, and what else may fail.
@@ -150,7 +150,7 @@ class LibraryUnregistrationTest : public UnregistrationTest {
 
 TEST_F(LibraryUnregistrationTest, LibraryIsNamedAsItWasRegistered) {
   EXPECT_OK(uninstall());
-  EXPECT_EQ(guidOf(kLibraryId), asked);
+  EXPECT_EQ(GuidOf(kLibraryId), asked);
   EXPECT_EQ(1, major);
   EXPECT_EQ(0, minor);
   EXPECT_EQ(0u, locale);
@@ -165,7 +165,7 @@ TEST_F(LibraryUnregistrationTest, LibraryThatIsNotRegisteredIsNoFailure) {
 }
 
 TEST_F(LibraryUnregistrationTest, LibraryOfOtherPlatformsAloneIsNoFailure) {
-  writeKey(root(), libraryKey() + L"\\0\\win32", L"another module");
+  WriteKey(root(), LibraryKey() + L"\\0\\win32", L"another module");
   result = TYPE_E_REGISTRYACCESS;
   EXPECT_OK(uninstall());
 }

@@ -7,19 +7,19 @@ using Names = std::vector<std::string>;
 
 Names events;
 
-HRESULT WINAPI enterApartment(void* reserved, DWORD model) {
+HRESULT WINAPI EnterApartment(void* reserved, DWORD model) {
   EXPECT_EQ(nullptr, reserved);
   EXPECT_EQ(static_cast<DWORD>(COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE), model);
   events.push_back("enter");
   return CoInitializeEx(reserved, model);
 }
 
-void WINAPI leaveApartment() {
+void WINAPI LeaveApartment() {
   events.push_back("leave");
   CoUninitialize();
 }
 
-LSTATUS WINAPI closeKey(HKEY key) {
+LSTATUS WINAPI CloseKey(HKEY key) {
   events.push_back("close");
   return RegCloseKey(key);
 }
@@ -42,8 +42,8 @@ class FileOpenApartmentTest : public FileOpenTest {
   }
 
  private:
-  ImportPatch entering_{Module::get().handle(), "CoInitializeEx", reinterpret_cast<void*>(enterApartment)};
-  ImportPatch leaving_{Module::get().handle(), "CoUninitialize", reinterpret_cast<void*>(leaveApartment)};
+  ImportPatch entering_{Module::get().handle(), "CoInitializeEx", reinterpret_cast<void*>(EnterApartment)};
+  ImportPatch leaving_{Module::get().handle(), "CoUninitialize", reinterpret_cast<void*>(LeaveApartment)};
 };
 
 TEST_F(FileOpenApartmentTest, IsLeftAfterEveryRun) {
@@ -55,7 +55,7 @@ TEST_F(FileOpenApartmentTest, IsLeftAfterEveryRun) {
 
 TEST_F(FileOpenApartmentTest, IsLeftAfterTheKeysAreClosedAndTheObjectIsReleased) {
   const std::wstring file = create(L"a.txt.p7s");
-  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(closeKey));
+  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(CloseKey));
   object.onRelease = [] { events.push_back("release"); };
   open(file);
   object.onRelease = nullptr;

@@ -4,7 +4,7 @@
 namespace {
 
 UINT checkedState = BST_CHECKED;
-UINT WINAPI isChecked(HWND, int id) { return id == 119 ? checkedState : 0; }
+UINT WINAPI IsChecked(HWND, int id) { return id == 119 ? checkedState : 0; }
 
 class FileOpenKeepTest : public FileOpenTest {
  protected:
@@ -32,7 +32,7 @@ class FileOpenKeepTest : public FileOpenTest {
     EXPECT_EQ(desktop.active, message.owner);
   }
   std::wstring kept() { return path(L"P7S\\a.txt.p7s"); }
-  ImportPatch check_{Module::get().handle(), "IsDlgButtonChecked", reinterpret_cast<void*>(isChecked)};
+  ImportPatch check{Module::get().handle(), "IsDlgButtonChecked", reinterpret_cast<void*>(IsChecked)};
 };
 
 TEST_F(FileOpenKeepTest, TheSignedCopyIsDecryptedIntoItsFolder) {
@@ -57,7 +57,7 @@ TEST_F(FileOpenKeepTest, AFolderThatStandsIsUsed) {
   EXPECT_EQ(static_cast<UINT>(MB_ICONINFORMATION), desktop.onlyMessage().style);
 }
 
-TEST_F(FileOpenKeepTest, AFailedCopyIsToldAndEndsTheRun) {
+TEST_F(FileOpenKeepTest, AFailedCopyIsShownAndEndsTheRun) {
   object.answers[L"Unencrypt"] = {0x7035};
   open(create(L"a.txt.p7a"));
   const ShownMessage message = desktop.onlyMessage();

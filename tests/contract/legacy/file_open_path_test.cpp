@@ -10,7 +10,7 @@ class FileOpenPathTest : public FileOpenTest {
     const std::wstring extension = L".exe.p7s";
     const std::wstring file = create(std::wstring(length - folder.size() - 1 - extension.size(), L'n') + extension);
     EXPECT_EQ(length, file.size());
-    EXPECT_NE(INVALID_FILE_ATTRIBUTES, GetFileAttributesA(ansiOf(file).c_str()));
+    EXPECT_NE(INVALID_FILE_ATTRIBUTES, GetFileAttributesA(AnsiOf(file).c_str()));
     return file;
   }
   void expectNothing() {
@@ -63,20 +63,20 @@ TEST_F(FileOpenPathTest, AResultThatTheEnvironmentTurnsIntoAnotherIsNotOpened) {
     const std::wstring file = create(std::wstring(result) + L".p7s");
     open(file);
     EXPECT_EQ((Calls{L"Init My", L"Verify " + file + L" -> " + path(result)}), object.calls);
-    EXPECT_EQ(0u, desktop.executions.size()) << ansiOf(result);
+    EXPECT_EQ(0u, desktop.executions.size()) << AnsiOf(result);
     EXPECT_EQ(folder, rememberedFolder());
   }
 }
 
 template <DWORD answer>
-DWORD WINAPI expandTo(LPCSTR text, LPSTR expanded, DWORD) {
+DWORD WINAPI ExpandTo(LPCSTR text, LPSTR expanded, DWORD) {
   lstrcpyA(expanded, text);
   return answer;
 }
 
 TEST_F(FileOpenPathTest, AResultThatCannotBeExpandedIsNotOpened) {
   setExecuteResult(1);
-  for (void* expand : {reinterpret_cast<void*>(expandTo<0>), reinterpret_cast<void*>(expandTo<100000>)}) {
+  for (void* expand : {reinterpret_cast<void*>(ExpandTo<0>), reinterpret_cast<void*>(ExpandTo<100000>)}) {
     const ImportPatch expanding(Module::get().handle(), "ExpandEnvironmentStringsA", expand);
     open(create(L"a.txt.p7s"));
     EXPECT_EQ(0u, desktop.executions.size());
@@ -89,7 +89,7 @@ TEST_F(FileOpenPathTest, APercentSignThatMeansNoVariableIsPartOfTheName) {
   for (const wchar_t* result : {L"100% правда.txt", L"%TAVL_UNKNOWN%.txt", L"%%.txt"}) {
     desktop.executions.clear();
     open(create(std::wstring(result) + L".p7s"));
-    ASSERT_EQ(1u, desktop.executions.size()) << ansiOf(result);
+    ASSERT_EQ(1u, desktop.executions.size()) << AnsiOf(result);
     EXPECT_EQ(path(result), desktop.executions[0].file);
     EXPECT_EQ(0x240u, desktop.executions[0].mask);
   }
@@ -97,14 +97,14 @@ TEST_F(FileOpenPathTest, APercentSignThatMeansNoVariableIsPartOfTheName) {
 
 TEST_F(FileOpenPathTest, AResultThatTheShellCompletesToAProgramIsNotOpened) {
   setExecuteResult(1);
-  // Its result is not produced: nothing of that name stands beside the program.
+  // Its result is not produced: there is no file of that name next to the program.
   const std::wstring file = create(L"setup.p7m");
   for (const wchar_t* extension : {L".exe", L".COM", L".bat", L".cmd", L".pif", L".lnk"}) {
     const std::wstring program = create(std::wstring(L"setup") + extension);
     object.calls.clear();
     open(file);
     EXPECT_EQ(Calls{L"Init My"}, object.calls);
-    EXPECT_EQ(0u, desktop.executions.size()) << ansiOf(extension);
+    EXPECT_EQ(0u, desktop.executions.size()) << AnsiOf(extension);
     DeleteFileW(program.c_str());
   }
   EXPECT_EQ(folder, rememberedFolder());

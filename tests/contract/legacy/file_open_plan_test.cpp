@@ -9,37 +9,37 @@ using namespace legacy;
 
 namespace {
 
-OpenPlan planOf(const std::string& path) {
+OpenPlan PlanOf(const std::string& path) {
   OpenPlan plan{};
   EXPECT_TRUE(PlanOpening(path.c_str(), plan)) << path;
   return plan;
 }
 
-std::string folderOf(const std::string& path) {
+std::string FolderTextOf(const std::string& path) {
   char folder[MAX_PATH];
   FolderOf(path.c_str(), folder);
   return folder;
 }
 
 TEST(LegacyOpenPlan, TheResultLacksTheLastExtension) {
-  EXPECT_STREQ("C:\\a.txt", planOf("C:\\a.txt.p7a").result);
-  EXPECT_STREQ("C:\\report.doc", planOf("C:\\report.doc.p7e").result);
-  EXPECT_STREQ("C:\\", planOf("C:\\.p7s").result);
+  EXPECT_STREQ("C:\\a.txt", PlanOf("C:\\a.txt.p7a").result);
+  EXPECT_STREQ("C:\\report.doc", PlanOf("C:\\report.doc.p7e").result);
+  EXPECT_STREQ("C:\\", PlanOf("C:\\.p7s").result);
 }
 
 TEST(LegacyOpenPlan, TheKindIsReadInAnyCase) {
-  EXPECT_EQ(ProtectedKind::kSigned, planOf("a.p7s").kind);
-  EXPECT_EQ(ProtectedKind::kSigned, planOf("REPORT.P7S").kind);
-  EXPECT_EQ(ProtectedKind::kEncrypted, planOf("a.P7e").kind);
-  EXPECT_EQ(ProtectedKind::kSignedAndEncrypted, planOf("a.p7A").kind);
+  EXPECT_EQ(ProtectedKind::kSigned, PlanOf("a.p7s").kind);
+  EXPECT_EQ(ProtectedKind::kSigned, PlanOf("REPORT.P7S").kind);
+  EXPECT_EQ(ProtectedKind::kEncrypted, PlanOf("a.P7e").kind);
+  EXPECT_EQ(ProtectedKind::kSignedAndEncrypted, PlanOf("a.p7A").kind);
 }
 
 TEST(LegacyOpenPlan, EverythingElseIsOther) {
   for (const char* path : {"a.p7m", "a.p7", "a.p7ss", "a.", "C:\\a.b\\file", "a.p7s "})
-    EXPECT_EQ(ProtectedKind::kOther, planOf(path).kind) << path;
+    EXPECT_EQ(ProtectedKind::kOther, PlanOf(path).kind) << path;
 }
 
-TEST(LegacyOpenPlan, ADotInAFolderIsADot) { EXPECT_STREQ("C:\\a", planOf("C:\\a.b\\file").result); }
+TEST(LegacyOpenPlan, ADotInAFolderIsADot) { EXPECT_STREQ("C:\\a", PlanOf("C:\\a.b\\file").result); }
 
 TEST(LegacyOpenPlan, WithoutADotThereIsNone) {
   OpenPlan plan{};
@@ -48,7 +48,7 @@ TEST(LegacyOpenPlan, WithoutADotThereIsNone) {
 }
 
 TEST(LegacyOpenPlan, APathOfMoreThan258CharactersIsRefused) {
-  const OpenPlan longest = planOf(std::string(254, 'a') + ".p7s");
+  const OpenPlan longest = PlanOf(std::string(254, 'a') + ".p7s");
   EXPECT_EQ(ProtectedKind::kSigned, longest.kind);
   EXPECT_EQ(std::string(254, 'a'), longest.result);
   OpenPlan plan{};
@@ -57,9 +57,9 @@ TEST(LegacyOpenPlan, APathOfMoreThan258CharactersIsRefused) {
 }
 
 TEST(LegacyOpenPlan, TheFolderIsTheTextBeforeTheLastBackslash) {
-  EXPECT_EQ("C:\\a b", folderOf("C:\\a b\\c.txt"));
-  EXPECT_EQ("C:", folderOf("C:\\c.txt"));
-  EXPECT_EQ("", folderOf("\\c.txt"));
+  EXPECT_EQ("C:\\a b", FolderTextOf("C:\\a b\\c.txt"));
+  EXPECT_EQ("C:", FolderTextOf("C:\\c.txt"));
+  EXPECT_EQ("", FolderTextOf("\\c.txt"));
   char folder[MAX_PATH];
   EXPECT_TRUE(FolderOf("\\c", folder));
   EXPECT_FALSE(FolderOf("c.txt", folder));

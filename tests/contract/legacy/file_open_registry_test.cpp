@@ -13,19 +13,19 @@ struct Opened {
 std::vector<Opened> created, opened;
 std::vector<std::string> queries;
 
-LSTATUS WINAPI createKey(HKEY root, LPCSTR path, DWORD reserved, LPSTR kind, DWORD options, REGSAM access,
+LSTATUS WINAPI CreateKey(HKEY root, LPCSTR path, DWORD reserved, LPSTR kind, DWORD options, REGSAM access,
                          LPSECURITY_ATTRIBUTES security, PHKEY key, LPDWORD disposition) {
   created.push_back({root, path, access});
   EXPECT_EQ(0u, options);
   return RegCreateKeyExA(root, path, reserved, kind, options, access, security, key, disposition);
 }
 
-LSTATUS WINAPI openKey(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
+LSTATUS WINAPI OpenKey(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
   opened.push_back({root, path, access});
   return RegOpenKeyExA(root, path, options, access, key);
 }
 
-LSTATUS WINAPI queryValue(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
+LSTATUS WINAPI QueryValue(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
   queries.push_back(name);
   return RegQueryValueExA(key, name, reserved, type, data, size);
 }
@@ -41,9 +41,9 @@ class FileOpenRegistryTest : public FileOpenTest {
   static constexpr const char* kKey = "SOFTWARE\\KORVENTA\\tavlcom";
 
  private:
-  ImportPatch creating_{Module::get().handle(), "RegCreateKeyExA", reinterpret_cast<void*>(createKey)};
-  ImportPatch opening_{Module::get().handle(), "RegOpenKeyExA", reinterpret_cast<void*>(openKey)};
-  ImportPatch querying_{Module::get().handle(), "RegQueryValueExA", reinterpret_cast<void*>(queryValue)};
+  ImportPatch creating_{Module::get().handle(), "RegCreateKeyExA", reinterpret_cast<void*>(CreateKey)};
+  ImportPatch opening_{Module::get().handle(), "RegOpenKeyExA", reinterpret_cast<void*>(OpenKey)};
+  ImportPatch querying_{Module::get().handle(), "RegQueryValueExA", reinterpret_cast<void*>(QueryValue)};
 };
 
 using Queries = std::vector<std::string>;
@@ -66,7 +66,7 @@ TEST_F(FileOpenRegistryTest, TheMachinesKeyIsOpenedToBeRead) {
 }
 
 TEST_F(FileOpenRegistryTest, EachValueIsReadOnce) {
-  writeKey(HKEY_LOCAL_MACHINE, kLegacyKey);
+  WriteKey(HKEY_LOCAL_MACHINE, kLegacyKey);
   open(create(L"a.txt.p7s"));
   EXPECT_EQ((Queries{"ExecuteResult", "InputDirectory"}), queries);
   queries.clear();
@@ -98,7 +98,7 @@ TEST_F(FileOpenRegistryTest, TheFolderIsWrittenWithItsTerminator) {
   const RegistryWrite& write = desktop.writes[0];
   EXPECT_EQ(L"InputDirectory", write.name);
   EXPECT_EQ(static_cast<DWORD>(REG_SZ), write.type);
-  EXPECT_EQ(ansiOf(folder) + '\0', std::string(write.data.begin(), write.data.end()));
+  EXPECT_EQ(AnsiOf(folder) + '\0', std::string(write.data.begin(), write.data.end()));
 }
 
 }  // namespace

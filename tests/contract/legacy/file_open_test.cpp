@@ -52,14 +52,14 @@ TEST_F(FileOpenTest, AFileWithoutADotIsPassedOver) {
   // A path of its own: the folder of the others may hold a dot.
   const std::string file = "C:\\tavlcom-no-dot";
   CloseHandle(CreateFileA(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-  open(wideOf(file.c_str()));
+  open(WideOf(file.c_str()));
   DeleteFileA(file.c_str());
   EXPECT_EQ(0, object.created);
   EXPECT_EQ(0u, desktop.saveDialogs.size() + desktop.messages.size());
 }
 
 TEST_F(FileOpenTest, TheSaveDialogProposesTheResult) {
-  writeText(HKEY_CURRENT_USER, kLegacyKey, L"InputDirectory", L"C:\\windows");
+  WriteText(HKEY_CURRENT_USER, kLegacyKey, L"InputDirectory", L"C:\\windows");
   open(create(L"a.txt.p7e"));
   ASSERT_EQ(1u, desktop.saveDialogs.size());
   const ShownSaveDialog& dialog = desktop.saveDialogs[0];
@@ -174,7 +174,7 @@ TEST_F(FileOpenTest, ExecuteResultAsksBeforeItOverwrites) {
 TEST_F(FileOpenTest, ExecuteResultOfZeroOrAnotherTypeAsks) {
   setExecuteResult(0);
   open(create(L"a.txt.p7s"));
-  writeText(HKEY_LOCAL_MACHINE, kLegacyKey, L"ExecuteResult", L"1");
+  WriteText(HKEY_LOCAL_MACHINE, kLegacyKey, L"ExecuteResult", L"1");
   open(create(L"a.txt.p7s"));
   EXPECT_EQ(2u, desktop.saveDialogs.size());
   EXPECT_EQ(0u, desktop.executions.size());
@@ -200,7 +200,7 @@ TEST_F(FileOpenTest, AnotherExtensionCountsAsASuccess) {
 TEST_F(FileOpenTest, WithoutTheProgIdTheRunEndsInSilence) {
   user.reset();
   machine.reset();
-  deleteTree(HKEY_LOCAL_MACHINE, progIdKey());
+  DeleteTree(HKEY_LOCAL_MACHINE, progIdKey());
   machine = std::make_unique<PrivateRoot>(HKEY_LOCAL_MACHINE);
   user = std::make_unique<PrivateRoot>(HKEY_CURRENT_USER);
   open(create(L"a.txt.p7s"));

@@ -8,7 +8,7 @@
 constexpr const wchar_t* kProgId = L"PKI.pkiobj";
 constexpr CLSID kDoubleId = {0x2b1f5d0a, 0x5c1e, 0x4d3a, {0x9a, 0x44, 0x1d, 0x6e, 0x20, 0x11, 0x73, 0x5c}};
 
-/// Stands in for the legacy object: writes its calls down and answers as it is told.
+/// Stands in for the legacy object: writes its calls down and answers as programmed.
 class ObjectDouble final : public Ipkiobj, public IClassFactory {
  public:
   std::vector<std::wstring> calls;
@@ -81,7 +81,7 @@ class FileOpenTest : public ContractTest {
                           &cookie_);
     LPOLESTR text = nullptr;
     StringFromCLSID(kDoubleId, &text);
-    writeKey(HKEY_LOCAL_MACHINE, progIdKey() + L"\\CLSID", text);
+    WriteKey(HKEY_LOCAL_MACHINE, progIdKey() + L"\\CLSID", text);
     CoTaskMemFree(text);
     machine = std::make_unique<PrivateRoot>(HKEY_LOCAL_MACHINE);
     user = std::make_unique<PrivateRoot>(HKEY_CURRENT_USER);
@@ -89,7 +89,7 @@ class FileOpenTest : public ContractTest {
   void TearDown() override {
     user.reset();
     machine.reset();
-    deleteTree(HKEY_LOCAL_MACHINE, progIdKey());
+    DeleteTree(HKEY_LOCAL_MACHINE, progIdKey());
     CoRevokeClassObject(cookie_);
     EXPECT_EQ(0, object.references);
     for (const std::wstring& file : files_) DeleteFileW(file.c_str());
@@ -106,15 +106,15 @@ class FileOpenTest : public ContractTest {
     return path(name);
   }
   void open(const std::wstring& file) {
-    std::string line = ansiOf(file);
+    std::string line = AnsiOf(file);
     entry()(nullptr, nullptr, line.data(), SW_SHOW);
   }
   using Entry = void(CALLBACK*)(HWND, HINSTANCE, LPSTR, int);
   Entry entry() { return Module::get().entry<Entry>("FileOpen"); }
 
-  void setExecuteResult(DWORD value) { writeDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"ExecuteResult", value); }
+  void setExecuteResult(DWORD value) { WriteDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"ExecuteResult", value); }
   std::wstring rememberedFolder() {
-    const RegistryTree tree = readTree(HKEY_CURRENT_USER, kLegacyKey);
+    const RegistryTree tree = ReadTree(HKEY_CURRENT_USER, kLegacyKey);
     const auto found = tree.find(L":InputDirectory");
     return found == tree.end() ? L"(none)" : found->second;
   }

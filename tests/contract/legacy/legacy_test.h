@@ -12,7 +12,7 @@ class LegacyTest : public ContractTest {
  protected:
   void SetUp() override {
     ContractTest::SetUp();
-    object = make<pkiobj>();
+    object = Make<Ipkiobj>();
   }
   void TearDown() override {
     if (object.get() != nullptr) object->Uninit();

@@ -10,20 +10,20 @@ namespace {
 constexpr uint32_t kNoMemory = 0x80000008;
 constexpr size_t kRecord = 408;
 
-void overwriteAndFree(void* block) {
+void OverwriteAndFree(void* block) {
   if (block != nullptr) std::memset(block, 0xDD, _msize(block));
   std::free(block);
 }
 
 /// Never grows a block where it stands.
-void* move(void* block, size_t size) {
+void* Move(void* block, size_t size) {
   void* moved = std::malloc(size);
   if (block != nullptr) std::memcpy(moved, block, std::min(size, _msize(block)));
-  overwriteAndFree(block);
+  OverwriteAndFree(block);
   return moved;
 }
 
-void* noMemory(void*, size_t) { return nullptr; }
+void* NoMemory(void*, size_t) { return nullptr; }
 
 class LegacyNestedRecipients : public LegacyNestedTest {
  protected:
@@ -64,8 +64,8 @@ class LegacyNestedRecipients : public LegacyNestedTest {
   }
 
  private:
-  ImportPatch freeing_{Module::get().handle(), "free", reinterpret_cast<void*>(overwriteAndFree)};
-  ImportPatch growing_{Module::get().handle(), "realloc", reinterpret_cast<void*>(move)};
+  ImportPatch freeing_{Module::get().handle(), "free", reinterpret_cast<void*>(OverwriteAndFree)};
+  ImportPatch growing_{Module::get().handle(), "realloc", reinterpret_cast<void*>(Move)};
 };
 
 TEST_F(LegacyNestedRecipients, FreedOnesAreReadToTheEnd) {
@@ -117,7 +117,7 @@ TEST_F(LegacyNestedRecipients, AnAdditionCountsForTheNextOperation) {
 
 TEST_F(LegacyNestedRecipients, AListThatCannotGrowWhileItIsReadStaysAsItIs) {
   engine().once("QUIVO_EncryptFile").during = [&] {
-    const ImportPatch full(Module::get().handle(), "realloc", reinterpret_cast<void*>(noMemory));
+    const ImportPatch full(Module::get().handle(), "realloc", reinterpret_cast<void*>(NoMemory));
     EXPECT_HR(kNoMemory, object->AddRecipDERCert(Bstr(L"der")));
   };
   EXPECT_EQ(2u, recipients());
@@ -177,7 +177,7 @@ TEST_F(LegacyNestedRecipients, FoundForAClosedSessionAreGivenBack) {
     for (const auto& change : {std::function<void()>([&] { EXPECT_OK(object->Uninit()); }), {[&] { reopen(); }}}) {
       begin();
       fake::Reply& found = engine().once("QUIVO_FindCert");
-      found.certificates = {certificateOf("CN=A"), certificateOf("CN=B")};
+      found.certificates = {CertificateOf("CN=A"), CertificateOf("CN=B")};
       found.during = change;
       EXPECT_HR(S_FALSE, object->SetRecipients(Bstr(addresses)));
       EXPECT_EQ(1u, engine().count("QUIVO_FindCert"));

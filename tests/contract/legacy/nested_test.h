@@ -26,14 +26,14 @@ class LegacyNestedTest : public LegacyTest {
 
   /// A session with the handle kFirst, one recipient, and an engine that succeeds.
   void begin() {
-    if (object.get() == nullptr) object = make<pkiobj>();
+    if (object.get() == nullptr) object = Make<Ipkiobj>();
     object->Uninit();
     engine().reset();
     desktop.duringMessage = desktop.duringSheet = nullptr;
     engine().on("QUIVO_VerifyFile").signatures.resize(1);
-    engine().on("QUIVO_DecryptFile").certificate = certificateOf("CN=C");
+    engine().on("QUIVO_DecryptFile").certificate = CertificateOf("CN=C");
     engine().on("QUIVO_DecryptAndVerifyFile").signatures.resize(1);
-    engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=A"), certificateOf("CN=B")};
+    engine().on("QUIVO_FindCert").certificates = {CertificateOf("CN=A"), CertificateOf("CN=B")};
     fake::Certificate valid;
     valid.subject = "CN=D";
     valid.notAfter = static_cast<uint32_t>(desktop.now) + 10;

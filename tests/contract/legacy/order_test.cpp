@@ -8,14 +8,14 @@ using Names = std::vector<std::string>;
 
 Names events;
 
-LSTATUS WINAPI closeKey(HKEY key) {
+LSTATUS WINAPI CloseKey(HKEY key) {
   events.push_back("close");
   return RegCloseKey(key);
 }
 
 class LegacyOrder : public LegacyTest {
  protected:
-  /// A certificate of which the engine says, after some seconds of checking, that it is valid between two moments.
+  /// Lets the engine accept, after some seconds, a certificate that is valid between two moments.
   void letVerifyFor(int64_t seconds, int64_t from, int64_t to) {
     fake::Certificate certificate;
     certificate.notBefore = static_cast<uint32_t>(from);
@@ -36,8 +36,8 @@ TEST_F(LegacyOrder, InitReadsTheClockOnceBeforeTheEngineOpens) {
 }
 
 TEST_F(LegacyOrder, InitShowsItsFailureBeforeItClosesTheKey) {
-  writeKey(HKEY_LOCAL_MACHINE, kLegacyKey);
-  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(closeKey));
+  WriteKey(HKEY_LOCAL_MACHINE, kLegacyKey);
+  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(CloseKey));
   events.clear();
   desktop.duringMessage = [] { events.push_back("message"); };
   engine().on("QUIVO_Initialize").result = 0x7005;
@@ -46,8 +46,8 @@ TEST_F(LegacyOrder, InitShowsItsFailureBeforeItClosesTheKey) {
 }
 
 TEST_F(LegacyOrder, InitWritesTheTimesBeforeItClosesTheKey) {
-  writeKey(HKEY_LOCAL_MACHINE, kLegacyKey);
-  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(closeKey));
+  WriteKey(HKEY_LOCAL_MACHINE, kLegacyKey);
+  const ImportPatch closing(Module::get().handle(), "RegCloseKey", reinterpret_cast<void*>(CloseKey));
   events.clear();
   engine().on("QUIVO_Initialize").during = [] { events.push_back("open"); };
   EXPECT_OK(object->Init(Bstr(L"My")));
@@ -69,7 +69,7 @@ TEST_F(LegacyOrder, ACertificateThatExpiresWhileTheEngineChecksItIsRefused) {
 
 TEST_F(LegacyOrder, AddressesAreConvertedBeforeTheListIsFreed) {
   openSession();
-  engine().on("QUIVO_FindCert").certificates = {certificateOf("CN=A")};
+  engine().on("QUIVO_FindCert").certificates = {CertificateOf("CN=A")};
   EXPECT_OK(object->SetRecipients(Bstr(L"SMTP:a@b")));
   engine().forgetCalls();
   Module::get().failAllocation(0);

@@ -23,7 +23,7 @@ struct Control {
   bool operator==(const Control&) const = default;
 };
 
-std::string utf8Of(const std::wstring& text) {
+std::string Utf8Of(const std::wstring& text) {
   std::string utf8(text.size() * 3 + 1, '\0');
   utf8.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
                                                       utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr)));
@@ -31,7 +31,7 @@ std::string utf8Of(const std::wstring& text) {
 }
 
 std::ostream& operator<<(std::ostream& out, const Control& control) {
-  return out << control.id << " " << utf8Of(control.kind) << " \"" << utf8Of(control.text) << "\" " << control.x << ","
+  return out << control.id << " " << Utf8Of(control.kind) << " \"" << Utf8Of(control.text) << "\" " << control.x << ","
              << control.y << " " << control.width << "x" << control.height;
 }
 
@@ -85,7 +85,7 @@ class Reader {
   const uint8_t* start_;
 };
 
-Template templateOf(int number) {
+Template TemplateOf(int number) {
   const HMODULE module = Module::get().handle();
   const HRSRC found = FindResourceW(module, MAKEINTRESOURCEW(number), reinterpret_cast<LPCWSTR>(RT_DIALOG));
   Template dialog;
@@ -123,7 +123,7 @@ Template templateOf(int number) {
 }
 
 TEST(LegacyResources, TheResultsPageHasItsControls) {
-  const Template page = templateOf(117);
+  const Template page = TemplateOf(117);
   EXPECT_EQ(L"Информация", page.caption);
   EXPECT_EQ(255, page.width);
   EXPECT_EQ(235, page.height);
@@ -153,7 +153,7 @@ TEST(LegacyResources, TheResultsPageHasItsControls) {
 }
 
 TEST(LegacyResources, TheControlsOfTheResultsPageHaveTheirStyles) {
-  const Template page = templateOf(117);
+  const Template page = TemplateOf(117);
   for (DWORD icon : {1023u, 1021u, 1022u}) EXPECT_EQ(static_cast<DWORD>(SS_ICON), page.styleOf(icon) & SS_TYPEMASK);
   for (DWORD line : {1029u, 1028u}) EXPECT_EQ(static_cast<DWORD>(SS_ETCHEDHORZ), page.styleOf(line) & SS_TYPEMASK);
   for (DWORD edit : {1005u, 1006u, 1007u}) EXPECT_TRUE(page.styleOf(edit) & ES_READONLY) << edit;
@@ -176,19 +176,19 @@ TEST(LegacyResources, TheControlsOfTheResultsPageHaveTheirStyles) {
 TEST(LegacyResources, TheTextsOfTheResultsPageAreReadAndScrolledAsFitsTheirLines) {
   constexpr DWORD kAll = WS_BORDER | WS_TABSTOP | WS_VSCROLL | WS_HSCROLL | ES_READONLY | ES_MULTILINE |
                          ES_AUTOHSCROLL | ES_AUTOVSCROLL | ES_WANTRETURN | ES_CENTER | ES_RIGHT;
-  const Template page = templateOf(117);
+  const Template page = TemplateOf(117);
   EXPECT_EQ(static_cast<DWORD>(ES_READONLY | ES_AUTOHSCROLL | WS_TABSTOP), page.styleOf(1005) & kAll);
   EXPECT_EQ(static_cast<DWORD>(ES_READONLY | ES_MULTILINE | WS_BORDER | WS_TABSTOP), page.styleOf(1006) & kAll);
   EXPECT_EQ(static_cast<DWORD>(ES_READONLY | ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP), page.styleOf(1007) & kAll);
 }
 
 TEST(LegacyResources, TheButtonsAndTheListOfTheResultsPageAreTabStops) {
-  const Template page = templateOf(117);
+  const Template page = TemplateOf(117);
   for (DWORD id : {1003u, 1004u, 201u}) EXPECT_TRUE(page.styleOf(id) & WS_TABSTOP) << id;
 }
 
 TEST(LegacyResources, TheSavePanelHasItsCheckBox) {
-  const Template panel = templateOf(118);
+  const Template panel = TemplateOf(118);
   EXPECT_EQ(30, panel.x);
   EXPECT_EQ(17, panel.y);
   EXPECT_EQ(200, panel.width);
@@ -202,7 +202,7 @@ TEST(LegacyResources, TheSavePanelHasItsCheckBox) {
 }
 
 /// The sizes of the pictures in an icon of the module.
-std::vector<int> sizesOfIcon(int number) {
+std::vector<int> SizesOfIcon(int number) {
   const HMODULE module = Module::get().handle();
   const HRSRC found = FindResourceW(module, MAKEINTRESOURCEW(number), reinterpret_cast<LPCWSTR>(RT_GROUP_ICON));
   if (found == nullptr) return {};
@@ -218,9 +218,9 @@ std::vector<int> sizesOfIcon(int number) {
 }
 
 TEST(LegacyResources, EveryIconHasPicturesOfTheUsualSizes) {
-  for (int icon = 1101; icon <= 1112; ++icon) EXPECT_EQ((std::vector<int>{16, 20, 24, 32}), sizesOfIcon(icon)) << icon;
+  for (int icon = 1101; icon <= 1112; ++icon) EXPECT_EQ((std::vector<int>{16, 20, 24, 32}), SizesOfIcon(icon)) << icon;
 }
 
-TEST(LegacyResources, TheNumberOfTheSystemsErrorIconIsFree) { EXPECT_EQ(std::vector<int>{}, sizesOfIcon(32513)); }
+TEST(LegacyResources, TheNumberOfTheSystemsErrorIconIsFree) { EXPECT_EQ(std::vector<int>{}, SizesOfIcon(32513)); }
 
 }  // namespace

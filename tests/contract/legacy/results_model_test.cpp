@@ -13,82 +13,82 @@ namespace {
 
 using Numbers = std::vector<int>;
 
-std::string nameOf(const char* subject) {
+std::string NameOf(const char* subject) {
   char name[kNameSize];
   NameFromSubject(subject, name);
   return name;
 }
 
 TEST(LegacySubjectName, IsCommonNameThenOrganisation) {
-  EXPECT_EQ("Anna, Example", nameOf("CN=Anna, O=Example, C=RU"));
-  EXPECT_EQ("Anna, Example", nameOf("C=RU, O=Example, CN=Anna"));
+  EXPECT_EQ("Anna, Example", NameOf("CN=Anna, O=Example, C=RU"));
+  EXPECT_EQ("Anna, Example", NameOf("C=RU, O=Example, CN=Anna"));
 }
 
 TEST(LegacySubjectName, IsTheOneThatIsThere) {
-  EXPECT_EQ("Anna", nameOf("CN=Anna,C=RU"));
-  EXPECT_EQ("Example", nameOf("O=Example,C=RU"));
+  EXPECT_EQ("Anna", NameOf("CN=Anna,C=RU"));
+  EXPECT_EQ("Example", NameOf("O=Example,C=RU"));
 }
 
 TEST(LegacySubjectName, IsTheWholeSubjectWithoutBoth) {
-  EXPECT_EQ("OU=Sales,C=RU", nameOf("OU=Sales,C=RU"));
-  EXPECT_EQ("Anna", nameOf("Anna"));
-  EXPECT_EQ("CN=, O= , C=RU", nameOf("CN=, O= , C=RU"));
+  EXPECT_EQ("OU=Sales,C=RU", NameOf("OU=Sales,C=RU"));
+  EXPECT_EQ("Anna", NameOf("Anna"));
+  EXPECT_EQ("CN=, O= , C=RU", NameOf("CN=, O= , C=RU"));
 }
 
 TEST(LegacySubjectName, OfNothingIsEmpty) {
-  EXPECT_EQ("", nameOf(nullptr));
-  EXPECT_EQ("", nameOf(""));
+  EXPECT_EQ("", NameOf(nullptr));
+  EXPECT_EQ("", NameOf(""));
 }
 
 TEST(LegacySubjectName, KnowsAttributesByEachOfTheirNames) {
-  EXPECT_EQ("Anna, Example", nameOf("commonName=Anna,organizationName=Example"));
-  EXPECT_EQ("Anna, Example", nameOf("2.5.4.3=Anna,2.5.4.10=Example"));
-  EXPECT_EQ("Anna, Example", nameOf("OID.2.5.4.3=Anna,oid.2.5.4.10=Example"));
-  EXPECT_EQ("Anna, Example", nameOf("cn = Anna , o = Example"));
+  EXPECT_EQ("Anna, Example", NameOf("commonName=Anna,organizationName=Example"));
+  EXPECT_EQ("Anna, Example", NameOf("2.5.4.3=Anna,2.5.4.10=Example"));
+  EXPECT_EQ("Anna, Example", NameOf("OID.2.5.4.3=Anna,oid.2.5.4.10=Example"));
+  EXPECT_EQ("Anna, Example", NameOf("cn = Anna , o = Example"));
 }
 
 TEST(LegacySubjectName, DoesNotTakeOtherAttributesForThem) {
-  EXPECT_EQ("Anna", nameOf("OU=Sales,SN=Petrova,CNX=No,CN=Anna,DC=o"));
+  EXPECT_EQ("Anna", NameOf("OU=Sales,SN=Petrova,CNX=No,CN=Anna,DC=o"));
 }
 
 TEST(LegacySubjectName, TakesTheFirstOfEqualAttributes) {
-  EXPECT_EQ("Anna, One", nameOf("CN=Anna,O=One,CN=Boris,O=Two"));
+  EXPECT_EQ("Anna, One", NameOf("CN=Anna,O=One,CN=Boris,O=Two"));
 }
 
 TEST(LegacySubjectName, ReadsEverySeparator) {
-  EXPECT_EQ("Anna, Example", nameOf("CN=Anna+O=Example"));
-  EXPECT_EQ("Anna, Example", nameOf("O=Example;CN=Anna"));
-  EXPECT_EQ("Anna, Example", nameOf("O=Example\r\nCN=Anna\r\n"));
-  EXPECT_EQ("Anna, Example", nameOf("/C=RU/O=Example/CN=Anna"));
-  EXPECT_EQ("Petrova, Anna", nameOf("/CN=Petrova, Anna"));
+  EXPECT_EQ("Anna, Example", NameOf("CN=Anna+O=Example"));
+  EXPECT_EQ("Anna, Example", NameOf("O=Example;CN=Anna"));
+  EXPECT_EQ("Anna, Example", NameOf("O=Example\r\nCN=Anna\r\n"));
+  EXPECT_EQ("Anna, Example", NameOf("/C=RU/O=Example/CN=Anna"));
+  EXPECT_EQ("Petrova, Anna", NameOf("/CN=Petrova, Anna"));
 }
 
 TEST(LegacySubjectName, ResolvesQuotesAndEscapes) {
-  EXPECT_EQ("Petrova, Anna, Example \"East\"", nameOf("CN=\"Petrova, Anna\",O=\"Example \"\"East\"\"\""));
-  EXPECT_EQ("Petrova, Anna, A+B", nameOf("CN=Petrova\\, Anna,O=A\\+B"));
-  EXPECT_EQ("A\xC0z", nameOf("CN=A\\C0z"));
-  EXPECT_EQ("Anna ", nameOf("CN=Anna\\  ,C=RU"));
-  EXPECT_EQ("\"East\"", nameOf("CN=\\\"East\\\""));
+  EXPECT_EQ("Petrova, Anna, Example \"East\"", NameOf("CN=\"Petrova, Anna\",O=\"Example \"\"East\"\"\""));
+  EXPECT_EQ("Petrova, Anna, A+B", NameOf("CN=Petrova\\, Anna,O=A\\+B"));
+  EXPECT_EQ("A\xC0z", NameOf("CN=A\\C0z"));
+  EXPECT_EQ("Anna ", NameOf("CN=Anna\\  ,C=RU"));
+  EXPECT_EQ("\"East\"", NameOf("CN=\\\"East\\\""));
 }
 
 TEST(LegacySubjectName, StandsBrokenSubjects) {
-  EXPECT_EQ("CN", nameOf("CN"));
-  EXPECT_EQ("=", nameOf("="));
-  EXPECT_EQ("Anna", nameOf("CN=\"Anna"));
-  EXPECT_EQ("Anna\\", nameOf("CN=Anna\\"));
-  EXPECT_EQ(",,;;", nameOf(",,;;"));
-  EXPECT_EQ("Anna", nameOf(",,CN=Anna,,"));
+  EXPECT_EQ("CN", NameOf("CN"));
+  EXPECT_EQ("=", NameOf("="));
+  EXPECT_EQ("Anna", NameOf("CN=\"Anna"));
+  EXPECT_EQ("Anna\\", NameOf("CN=Anna\\"));
+  EXPECT_EQ(",,;;", NameOf(",,;;"));
+  EXPECT_EQ("Anna", NameOf(",,CN=Anna,,"));
 }
 
 TEST(LegacySubjectName, IsCutToItsBuffer) {
   const std::string longName(2000, 'x');
-  EXPECT_EQ(std::string(kNameSize - 1, 'x'), nameOf(("CN=" + longName + ",O=" + longName).c_str()));
-  EXPECT_EQ(std::string(kNameSize - 1, 'x'), nameOf(longName.c_str()));
+  EXPECT_EQ(std::string(kNameSize - 1, 'x'), NameOf(("CN=" + longName + ",O=" + longName).c_str()));
+  EXPECT_EQ(std::string(kNameSize - 1, 'x'), NameOf(longName.c_str()));
 }
 
 TEST(LegacySubjectName, KeepsCyrillic) {
-  EXPECT_EQ(ansiOf(L"Анна Петрова, ООО «Пример»"),
-            nameOf(ansiOf(L"C=RU, O=ООО «Пример», CN=Анна Петрова, emailAddress=a@b").c_str()));
+  EXPECT_EQ(AnsiOf(L"Анна Петрова, ООО «Пример»"),
+            NameOf(AnsiOf(L"C=RU, O=ООО «Пример», CN=Анна Петрова, emailAddress=a@b").c_str()));
 }
 
 class LegacyResultsModel : public ContractTest {
@@ -159,7 +159,7 @@ TEST_F(LegacyResultsModel, ACertificateIsThereWithAnyOfItsPointersOrFields) {
   EXPECT_EQ(&decrypted.cert, model().encrypter());
 }
 
-TEST_F(LegacyResultsModel, TheDecryptionIconTellsItsStatus) {
+TEST_F(LegacyResultsModel, TheDecryptionIconShowsItsStatus) {
   EXPECT_EQ(1110, model().decryptionIcon());
   decrypted.status = 1;
   EXPECT_EQ(1109, model().decryptionIcon());
@@ -212,7 +212,7 @@ TEST_F(LegacyResultsModel, TextsAreTheEnginesForTheCodeOfEachPart) {
   EXPECT_EQ(18, engine().calls().at(1).number(0));
 }
 
-TEST_F(LegacyResultsModel, ARowTellsStatusNameAndTime) {
+TEST_F(LegacyResultsModel, ARowShowsStatusNameAndTime) {
   engine().on("QUIVO_GetErrorText").text = "text";
   addSigner(0x7021, 1700000000);
   const SignerRow row = model().signer(0);

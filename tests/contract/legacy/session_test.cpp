@@ -6,10 +6,10 @@ namespace {
 class LegacySession : public LegacyTest {
  protected:
   void setPeriods(DWORD lastCrl, DWORD crlPeriod, DWORD lastKey, DWORD keyPeriod) {
-    writeDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"LastCrlUpdateTime", lastCrl);
-    writeDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"CrlUpdatePeriod", crlPeriod);
-    writeDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"LastKeyCheckTime", lastKey);
-    writeDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"KeyCheckPeriod", keyPeriod);
+    WriteDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"LastCrlUpdateTime", lastCrl);
+    WriteDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"CrlUpdatePeriod", crlPeriod);
+    WriteDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"LastKeyCheckTime", lastKey);
+    WriteDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"KeyCheckPeriod", keyPeriod);
   }
   /// The flags that a session is opened with.
   uint32_t flagsOfInit() {
@@ -27,18 +27,18 @@ class LegacySession : public LegacyTest {
 };
 
 TEST_F(LegacySession, InitPassesTheProfileInTheAnsiCodePage) {
-  EXPECT_EQ(ansiOf(L"Анна Петрова"), profileOfInit(L"Анна Петрова"));
+  EXPECT_EQ(AnsiOf(L"Анна Петрова"), profileOfInit(L"Анна Петрова"));
 }
 
 TEST_F(LegacySession, InitCutsTheProfileAt260Characters) {
   const std::wstring name = std::wstring(259, L'ж') + L"яц" + std::wstring(39, L'!');
   ASSERT_EQ(300u, name.size());
-  EXPECT_EQ(ansiOf(name.substr(0, 260)), profileOfInit(name));
+  EXPECT_EQ(AnsiOf(name.substr(0, 260)), profileOfInit(name));
 }
 
 TEST_F(LegacySession, AProfileOf260CharactersIsPassedWhole) {
   const std::wstring name(260, L'ж');
-  EXPECT_EQ(ansiOf(name), profileOfInit(name));
+  EXPECT_EQ(AnsiOf(name), profileOfInit(name));
 }
 
 /// Lets the thread speak the language of `locale` while it lives.
@@ -62,7 +62,7 @@ TEST_F(LegacySession, ANullProfileIsAnEmptyName) { EXPECT_EQ("", profileOfInit(B
 TEST_F(LegacySession, WithoutTheKeyBothChecksAreDue) { EXPECT_EQ(6u, flagsOfInit()); }
 
 TEST_F(LegacySession, WithAnEmptyKeyBothChecksAreDue) {
-  writeKey(HKEY_LOCAL_MACHINE, kLegacyKey);
+  WriteKey(HKEY_LOCAL_MACHINE, kLegacyKey);
   EXPECT_EQ(6u, flagsOfInit());
 }
 
@@ -110,9 +110,9 @@ TEST_F(LegacySession, ComparisonsAreUnsigned) {
 TEST_F(LegacySession, AValueOfAnotherTypeKeepsItsDefault) {
   setPeriods(now() - 2880 * 60 + 1, 1, now() - 2880 * 60 + 1, 1);
   EXPECT_EQ(6u, flagsOfInit());
-  writeText(HKEY_LOCAL_MACHINE, kLegacyKey, L"CrlUpdatePeriod", L"1");
+  WriteText(HKEY_LOCAL_MACHINE, kLegacyKey, L"CrlUpdatePeriod", L"1");
   EXPECT_EQ(7u, flagsOfInit());
-  writeText(HKEY_LOCAL_MACHINE, kLegacyKey, L"KeyCheckPeriod", L"1");
+  WriteText(HKEY_LOCAL_MACHINE, kLegacyKey, L"KeyCheckPeriod", L"1");
   EXPECT_EQ(5u, flagsOfInit());
 }
 
@@ -120,32 +120,32 @@ TEST_F(LegacySession, FewerThanFourBytesAreNoNumber) {
   const DWORD past = now() - 2880 * 60 - 1;
   setPeriods(past, 1, past, 1);
   HKEY key = nullptr;
-  const BYTE long_period[] = {0xFF, 0xFF};
+  const BYTE longPeriod[] = {0xFF, 0xFF};
   RegOpenKeyExW(HKEY_LOCAL_MACHINE, kLegacyKey, 0, KEY_WRITE, &key);
-  RegSetValueExW(key, L"CrlUpdatePeriod", 0, REG_DWORD, long_period, sizeof long_period);
-  RegSetValueExW(key, L"KeyCheckPeriod", 0, REG_DWORD, long_period, sizeof long_period);
+  RegSetValueExW(key, L"CrlUpdatePeriod", 0, REG_DWORD, longPeriod, sizeof longPeriod);
+  RegSetValueExW(key, L"KeyCheckPeriod", 0, REG_DWORD, longPeriod, sizeof longPeriod);
   RegCloseKey(key);
   EXPECT_EQ(6u, flagsOfInit());
 }
 
 std::vector<std::string> queries;
 
-LSTATUS WINAPI openKey(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
+LSTATUS WINAPI OpenKey(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
   char entry[16];
   wsprintfA(entry, "open 0x%X", access);
   queries.push_back(entry);
   return RegOpenKeyExA(root, path, options, access, key);
 }
 
-LSTATUS WINAPI queryValue(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
+LSTATUS WINAPI QueryValue(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
   queries.push_back(name);
   return RegQueryValueExA(key, name, reserved, type, data, size);
 }
 
 TEST_F(LegacySession, PeriodsAreReadInTheirOrderThroughAReadOnlyKey) {
-  writeKey(HKEY_LOCAL_MACHINE, kLegacyKey);
-  const ImportPatch opening(Module::get().handle(), "RegOpenKeyExA", reinterpret_cast<void*>(openKey));
-  const ImportPatch querying(Module::get().handle(), "RegQueryValueExA", reinterpret_cast<void*>(queryValue));
+  WriteKey(HKEY_LOCAL_MACHINE, kLegacyKey);
+  const ImportPatch opening(Module::get().handle(), "RegOpenKeyExA", reinterpret_cast<void*>(OpenKey));
+  const ImportPatch querying(Module::get().handle(), "RegQueryValueExA", reinterpret_cast<void*>(QueryValue));
   queries.clear();
   flagsOfInit();
   EXPECT_EQ((std::vector<std::string>{"open 0x20019", "LastCrlUpdateTime", "CrlUpdatePeriod", "LastKeyCheckTime",
@@ -157,21 +157,21 @@ TEST_F(LegacySession, FourBytesOfAnotherTypeAreNoNumber) {
   const DWORD past = now() - 2880 * 60 - 1;
   setPeriods(past, 1, past, 1);
   // Three characters and the terminator are as many bytes as a number, and would be a long period.
-  writeText(HKEY_LOCAL_MACHINE, kLegacyKey, L"CrlUpdatePeriod", L"zzz");
-  writeText(HKEY_LOCAL_MACHINE, kLegacyKey, L"KeyCheckPeriod", L"zzz");
+  WriteText(HKEY_LOCAL_MACHINE, kLegacyKey, L"CrlUpdatePeriod", L"zzz");
+  WriteText(HKEY_LOCAL_MACHINE, kLegacyKey, L"KeyCheckPeriod", L"zzz");
   EXPECT_EQ(6u, flagsOfInit());
 }
 
 TEST_F(LegacySession, ALastTimeOfAnotherTypeIsZero) {
   setPeriods(now(), 10, now(), 10);
   EXPECT_EQ(5u, flagsOfInit());
-  writeText(HKEY_LOCAL_MACHINE, kLegacyKey, L"LastCrlUpdateTime", L"now");
-  writeText(HKEY_LOCAL_MACHINE, kLegacyKey, L"LastKeyCheckTime", L"now");
+  WriteText(HKEY_LOCAL_MACHINE, kLegacyKey, L"LastCrlUpdateTime", L"now");
+  WriteText(HKEY_LOCAL_MACHINE, kLegacyKey, L"LastKeyCheckTime", L"now");
   EXPECT_EQ(6u, flagsOfInit());
 }
 
 TEST_F(LegacySession, TimesOfTheChecksAreWrittenThroughTheReadOnlyKey) {
-  writeDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"LastCrlUpdateTime", 7);
+  WriteDword(HKEY_LOCAL_MACHINE, kLegacyKey, L"LastCrlUpdateTime", 7);
   EXPECT_EQ(6u, flagsOfInit());
   ASSERT_EQ(2u, desktop.writes.size());
   for (const RegistryWrite& write : desktop.writes) {
@@ -211,7 +211,7 @@ TEST_F(LegacySession, OnlyDueChecksAreWritten) {
 
 TEST_F(LegacySession, AFailureIsShownAndReturned) {
   engine().on("QUIVO_Initialize").result = 0x1234;
-  engine().on("QUIVO_GetErrorText").text = ansiOf(L"Профиль не найден.");
+  engine().on("QUIVO_GetErrorText").text = AnsiOf(L"Профиль не найден.");
   EXPECT_HR(0x1234u, object->Init(Bstr(L"Нет")));
   const ShownMessage message = desktop.onlyMessage();
   EXPECT_EQ(L"Ошибка инициализации КОРВИС (x64).\nПрофиль не найден.", message.text);
@@ -278,19 +278,19 @@ TEST_F(LegacySession, ReleaseLeavesTheSessionOpen) {
 
 TEST_F(LegacySession, TwoObjectsHaveTheirOwnSessions) {
   openSession();
-  Ptr<Ipkiobj> other = make<pkiobj>();
+  Ptr<Ipkiobj> other = Make<Ipkiobj>();
   EXPECT_OK(other->Init(Bstr(L"My")));
   EXPECT_EQ(2u, engine().openSessions());
   EXPECT_OK(other->Uninit());
   EXPECT_EQ(1u, engine().openSessions());
 }
 
-TEST_F(LegacySession, IsSignedTellsByTheNumberOfSignatures) {
+TEST_F(LegacySession, IsSignedDecidesByTheNumberOfSignatures) {
   openSession();
   engine().on("QUIVO_SignedInfoFile").signatureCount = 2;
   EXPECT_OK(object->IsSigned(Bstr(L"C:\\договор.p7s")));
   const fake::Call& call = engine().only("QUIVO_SignedInfoFile");
-  EXPECT_EQ(ansiOf(L"C:\\договор.p7s"), call.text(1));
+  EXPECT_EQ(AnsiOf(L"C:\\договор.p7s"), call.text(1));
   EXPECT_TRUE(call.record(2).allZero());
   EXPECT_EQ(16u, call.record(2).bytes.size());
   EXPECT_EQ(1u, engine().count("QUIVO_FreeSignedInfoResult"));

@@ -1,33 +1,31 @@
 // Every operation with every one of its allocations failing: a failure is reported, nothing is lost or left locked.
 #include <functional>
 
-#include "contract/operations/calls.h"
 #include "support/certificates.h"
 #include "support/import_patch.h"
 #include "support/invoke.h"
 #include "support/malloc_spy.h"
+#include "support/operations.h"
 
 namespace {
 
 /// Answers with everything that an engine can hand out.
-void answerRichly(fake::FakeEngine& engine) {
-  for (const ByteOutput& row : kByteOutputs) engine.on(row.function).output = {1, 2, 3};
-  for (const char* function :
-       {"QUIVO_VerifyMem", "QUIVO_VerifyFile", "QUIVO_StrVerifyFile", "QUIVO_StrVerifyFinalMem"}) {
-    engine.on(function).signatures = {{0, 0, fullCertificate()}, {5, 0, {}}};
+void AnswerRichly(fake::FakeEngine& engine) {
+  for (const OperationArgument& row : OutputsOf(Output::kBytes)) engine.on(row.function).output = {1, 2, 3};
+  for (const OperationArgument& row : OutputsOf(Output::kObjects)) {
+    engine.on(row.function).signatures = {{0, 0, FullCertificate()}, {5, 0, {}}};
+    engine.on(row.function).certificates = {FullCertificate()};
   }
-  for (const char* function : {"QUIVO_DecryptMem", "QUIVO_DecryptFile", "QUIVO_StrDecryptFile",
-                               "QUIVO_StrDecryptFinalMem", "QUIVO_ParseCert"}) {
-    engine.on(function).certificate = fullCertificate();
+  for (const OperationArgument& row : OutputsOf(Output::kCertificate)) {
+    engine.on(row.function).certificate = FullCertificate();
   }
-  engine.on("QUIVO_FindCert").certificates = {fullCertificate()};
   engine.on("QUIVO_EncodeMem").text = "text";
   engine.on("QUIVO_Ctrl").text = "text";
 }
 
-class AllocationFailureTest : public ContractTest, public ::testing::WithParamInterface<EngineCall> {
+class AllocationFailureTest : public ContractTest, public ::testing::WithParamInterface<Operation> {
  protected:
-  void SetUp() override { answerRichly(engine()); }
+  void SetUp() override { AnswerRichly(engine()); }
 
   /// Runs the call with each allocation failing in turn, until one run needs no more of them. `first` is the result
   /// when the first of them fails.
@@ -53,7 +51,7 @@ class AllocationFailureTest : public ContractTest, public ::testing::WithParamIn
 TEST_P(AllocationFailureTest, AllocationsOfTheModule) {
   const Module& module = Module::get();
   // Of this method alone the buffer of the text fails unmapped.
-  const uint32_t first = std::string(GetParam().name) == "GetMyCertB64" ? 0x8007000E : kOutOfMemory;
+  const uint32_t first = GetParam().name == "GetMyCertB64" ? 0x8007000E : kOutOfMemory;
   sweep([&](long succeeding) { module.failAllocation(succeeding); }, [&] { return module.allocationFailed(); }, first);
 }
 
@@ -68,7 +66,7 @@ TEST_P(AllocationFailureTest, AllocationsOfThePlatformForTheResults) {
   engine().on(GetParam().function).during = nullptr;
 }
 
-INSTANTIATE_TEST_SUITE_P(Methods, AllocationFailureTest, ::testing::ValuesIn(kEngineCalls), nameOfRow<EngineCall>);
+INSTANTIATE_TEST_SUITE_P(Methods, AllocationFailureTest, ::testing::ValuesIn(Operations()), NameOfRow<Operation>);
 
 using LateAllocationFailureTest = ContractTest;
 
@@ -79,12 +77,13 @@ TEST_F(LateAllocationFailureTest, LateBoundCallWithEachFormOfItsOutput) {
       ASSERT_LT(succeeding, 100);
       Objects objects(openQuivo());
       Holder holder(Holder::Kind::kExtendable);
-      Variant data = vbsBytes({1}), variable, holderArgument = Variant::object(&holder), reference = byRef(variable);
+      Variant data = VbsByteArray({1}), variable, holderArgument = Variant::object(&holder),
+              reference = ByRef(variable);
       LateCall call{L"HashMem", DISPATCH_METHOD, {data}, {}, form == 1};
       if (form == 0) call.positional.push_back(reference);
       if (form == 2) call.positional.push_back(holderArgument);
       Module::get().failAllocation(succeeding);
-      const LateResult outcome = invoke(objects.quivo, call);
+      const LateResult outcome = Invoke(objects.quivo, call);
       const bool failed = Module::get().allocationFailed();
       Module::get().failAllocation(-1);
       if (!failed) {
@@ -100,9 +99,9 @@ TEST_F(LateAllocationFailureTest, NameOfTheValueThatAnObjectGetsCannotBeAllocate
   engine().on("QUIVO_HashMem").output = {9};
   Objects objects(openQuivo());
   Holder holder(Holder::Kind::kExtendable);
-  Variant data = bytes({1}), argument = Variant::object(&holder);
+  Variant data = ByteArray({1}), argument = Variant::object(&holder);
   ImportHook<"SysAllocString", decltype(SysAllocString)> hook([](const OLECHAR*) -> BSTR { return nullptr; });
-  EXPECT_HR(E_OUTOFMEMORY, invoke(objects.quivo, {L"HashMem", DISPATCH_METHOD, {data, argument}, {}, false}).result);
+  EXPECT_HR(E_OUTOFMEMORY, Invoke(objects.quivo, {L"HashMem", DISPATCH_METHOD, {data, argument}, {}, false}).result);
   EXPECT_FALSE(holder.wasSet());
 }
 

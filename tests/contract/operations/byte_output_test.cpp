@@ -1,16 +1,16 @@
 // How every byte result is written, and when the engine gets its buffer back.
-#include "contract/operations/calls.h"
 #include "support/malloc_spy.h"
+#include "support/operations.h"
 
 namespace {
 
-class ByteOutputTest : public ContractTest, public ::testing::WithParamInterface<ByteOutput> {
+class ByteOutputTest : public ContractTest, public ::testing::WithParamInterface<OperationArgument> {
  protected:
   void SetUp() override {
     objects_.emplace(openQuivo());
     reply().output = {10, 0, 255};
   }
-  HRESULT run(bool vbs, Variant& output) { return GetParam().call(*objects_, vbs, output.out()); }
+  HRESULT run(bool vbs, Variant& output) { return GetParam().callInForm(*objects_, vbs, output.out()); }
   fake::Reply& reply() { return engine().on(GetParam().function); }
   uintptr_t freed() { return engine().only("QUIVO_FreeMem").value(1); }
 
@@ -21,17 +21,13 @@ class ByteOutputTest : public ContractTest, public ::testing::WithParamInterface
 TEST_P(ByteOutputTest, BytesAreAByteArray) {
   Variant output;
   EXPECT_OK(run(false, output));
-  EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
+  EXPECT_EQ((Bytes{10, 0, 255}), PlainBytesOf(output));
 }
 
 TEST_P(ByteOutputTest, BytesInVbsFormAreAnArrayOfByteVariants) {
   Variant output;
   EXPECT_OK(run(true, output));
-  if (GetParam().hasVbsForm) {
-    EXPECT_EQ((Bytes{10, 0, 255}), vbsBytesOf(output));
-  } else {
-    EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
-  }
+  EXPECT_EQ((Bytes{10, 0, 255}), GetParam().hasVbsForm() ? VbsBytesOf(output) : PlainBytesOf(output));
 }
 
 TEST_P(ByteOutputTest, OutputBlobIsAbsentBeforeTheCall) {
@@ -69,46 +65,20 @@ TEST_P(ByteOutputTest, FormerContentsAreCleared) {
 }
 
 TEST_P(ByteOutputTest, FormerArrayIsReplaced) {
-  Variant output = vbsBytes({1, 2, 3, 4});
+  Variant output = VbsByteArray({1, 2, 3, 4});
   EXPECT_OK(run(false, output));
-  EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
+  EXPECT_EQ((Bytes{10, 0, 255}), PlainBytesOf(output));
 }
 
 TEST_P(ByteOutputTest, NoBytesLeaveAnEmptyVariant) {
   reply().output = {};
   for (bool vbs : {false, true}) {
+    Objects objects(openQuivo());
     Variant output = Variant::text(L"before");
-    EXPECT_OK(run(vbs && GetParam().hasVbsForm, output));
+    EXPECT_OK(GetParam().callInForm(objects, vbs, output.out()));
     EXPECT_EQ(VT_EMPTY, output.type());
-    if (GetParam().always || vbs) break;
   }
   EXPECT_EQ(0u, engine().count("QUIVO_FreeMem"));
-}
-
-TEST_P(ByteOutputTest, EngineFailureLeavesTheVariantAlone) {
-  if (GetParam().always) return;
-  reply().output = {};
-  reply().result = 0x1234;
-  Variant output = Variant::text(L"before");
-  EXPECT_HR(0xE0691234, run(false, output));
-  EXPECT_EQ(L"before", textOf(output));
-}
-
-TEST_P(ByteOutputTest, EngineResultOneIsNoSuccess) {
-  if (GetParam().always) return;
-  reply().output = {};
-  reply().result = 1;
-  Variant output = Variant::text(L"before");
-  EXPECT_HR(S_FALSE, run(false, output));
-  EXPECT_EQ(L"before", textOf(output));
-}
-
-TEST_P(ByteOutputTest, UpdatesAreWrittenWhateverTheEngineReports) {
-  if (!GetParam().always) return;
-  reply().result = 0x1234;
-  Variant output = Variant::text(L"before");
-  EXPECT_HR(0xE0691234, run(false, output));
-  EXPECT_EQ((Bytes{10, 0, 255}), plainBytesOf(output));
 }
 
 TEST_P(ByteOutputTest, ArrayThatCannotBeCreatedIsReportedAndTheBufferGivenBack) {
@@ -131,7 +101,7 @@ TEST_P(ByteOutputTest, ArrayThatCannotBeCreatedIsReportedAndTheBufferGivenBack) 
 
 TEST_P(ByteOutputTest, VariantThatCannotBeClearedIsReportedThoughTheBytesAreThere) {
   LockedVariant output;
-  EXPECT_HR(DISP_E_ARRAYISLOCKED, GetParam().call(Objects(openQuivo()), false, &output.value));
+  EXPECT_HR(DISP_E_ARRAYISLOCKED, GetParam().callInForm(Objects(openQuivo()), false, &output.value));
   EXPECT_EQ(kByteArray, V_VT(&output.value));
   EXPECT_EQ(3u, V_ARRAY(&output.value)->rgsabound[0].cElements);
 }
@@ -139,18 +109,50 @@ TEST_P(ByteOutputTest, VariantThatCannotBeClearedIsReportedThoughTheBytesAreTher
 TEST_P(ByteOutputTest, VariantThatCannotBeEmptiedIsReported) {
   reply().output = {};
   LockedVariant output;
-  EXPECT_HR(DISP_E_ARRAYISLOCKED, GetParam().call(Objects(openQuivo()), false, &output.value));
+  EXPECT_HR(DISP_E_ARRAYISLOCKED, GetParam().callInForm(Objects(openQuivo()), false, &output.value));
 }
 
 TEST_P(ByteOutputTest, NullPointerIsRefusedBeforeTheEngineIsCalled) {
   Objects objects(openQuivo());
-  EXPECT_HR(kInvalidArgument, GetParam().call(objects, false, nullptr));
+  EXPECT_HR(kInvalidArgument, GetParam().callInForm(objects, false, nullptr));
   EXPECT_EQ(std::vector<std::string>{}, engine().names());
 }
 
-INSTANTIATE_TEST_SUITE_P(Results, ByteOutputTest, ::testing::ValuesIn(kByteOutputs), nameOfRow<ByteOutput>);
+INSTANTIATE_TEST_SUITE_P(Results, ByteOutputTest, ::testing::ValuesIn(OutputsOf(Output::kBytes)),
+                         NameOfRow<OperationArgument>);
 
-class ByteOutputOfDataTest : public ByteOutputTest {};
+using LastByteOutputTest = ByteOutputTest;
+
+TEST_P(LastByteOutputTest, EngineResultThatIsNoSuccessLeavesTheVariantAlone) {
+  reply().output = {};
+  for (const auto& [code, expected] : {std::pair{0x1234, 0xE0691234u}, {1, 1u}}) {
+    reply().result = code;
+    Variant output = Variant::text(L"before");
+    EXPECT_HR(expected, run(false, output));
+    EXPECT_EQ(L"before", TextOf(output));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Results, LastByteOutputTest,
+                         ::testing::ValuesIn(Where(OutputsOf(Output::kBytes),
+                                                   [](const auto& row) { return !row.isAlwaysWritten(); })),
+                         NameOfRow<OperationArgument>);
+
+using ByteOutputOfAnUpdateTest = ByteOutputTest;
+
+TEST_P(ByteOutputOfAnUpdateTest, IsWrittenWhateverTheEngineReports) {
+  reply().result = 0x1234;
+  Variant output = Variant::text(L"before");
+  EXPECT_HR(0xE0691234, run(false, output));
+  EXPECT_EQ((Bytes{10, 0, 255}), PlainBytesOf(output));
+}
+
+INSTANTIATE_TEST_SUITE_P(Results, ByteOutputOfAnUpdateTest,
+                         ::testing::ValuesIn(Where(OutputsOf(Output::kBytes),
+                                                   [](const auto& row) { return row.isAlwaysWritten(); })),
+                         NameOfRow<OperationArgument>);
+
+using ByteOutputOfDataTest = ByteOutputTest;
 
 TEST_P(ByteOutputOfDataTest, CopyOfTheDataIsGoneBeforeTheOutputIsMade) {
   Variant output;
@@ -162,10 +164,9 @@ TEST_P(ByteOutputOfDataTest, CopyOfTheDataIsGoneBeforeTheOutputIsMade) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Results, ByteOutputOfDataTest,
-                         ::testing::ValuesIn(rowsNamed(kByteOutputs,
-                                                       {"HashMem", "SignMem", "VerifyMem", "EncryptMem", "DecryptMem",
-                                                        "StrEncryptUpdateMem", "StrDecryptUpdateMem"})),
-                         nameOfRow<ByteOutput>);
+                         ::testing::ValuesIn(Where(OutputsOf(Output::kBytes),
+                                                   [](const auto& row) { return row.operation.has("VARIANT"); })),
+                         NameOfRow<OperationArgument>);
 
 using EmptyBufferTest = ContractTest;
 
@@ -176,7 +177,7 @@ TEST_F(EmptyBufferTest, BufferOfNoBytesIsLeftToTheEngine) {
     *reinterpret_cast<uint8_t**>(engine().only("QUIVO_HashMem").value(2) + 8) = &buffer;
   };
   Variant output = Variant::number(77);
-  EXPECT_OK(openQuivo()->HashMem(bytes({1}), output.out()));
+  EXPECT_OK(openQuivo()->HashMem(ByteArray({1}), output.out()));
   EXPECT_EQ(VT_EMPTY, output.type());
   EXPECT_EQ(0u, engine().count("QUIVO_FreeMem"));
 }

@@ -1,7 +1,7 @@
 // Certificate objects made from the engine's records.
-#include "contract/properties/records.h"
 #include "support/certificates.h"
 #include "support/class_objects.h"
+#include "support/records.h"
 
 namespace {
 
@@ -20,12 +20,12 @@ class CertificateFromEngineTest : public ContractTest {
 
 TEST_F(CertificateFromEngineTest, EveryFieldIsTakenOver) {
   // The engine's memory is overwritten when it is given back: what is read here are copies.
-  expectFullCertificate(parse(fullCertificate()));
+  ExpectFullCertificate(parse(FullCertificate()));
 }
 
 TEST_F(CertificateFromEngineTest, RecordOfTheObjectEqualsTheEnginesOne) {
-  Ptr<ICertificate> parsed = parse(fullCertificate());
-  const fake::Snapshot record = recordOf(parsed.get());
+  Ptr<ICertificate> parsed = parse(FullCertificate());
+  const fake::Snapshot record = RecordOf(parsed.get());
   EXPECT_EQ(0x4007FFFFu, record.u32(0));
   EXPECT_EQ("CN=\xD3\xD6", record.text(8));
   EXPECT_EQ("GOST", record.text(32));
@@ -49,17 +49,17 @@ TEST_F(CertificateFromEngineTest, EmptyRecordShowsEmptyValues) {
   Ptr<ICertificate> parsed = parse({});
   Variant value;
   DATE date = 0;
-  EXPECT_EQ(L"", textOf(parsed.get(), &ICertificate::get_issuer));
+  EXPECT_EQ(L"", TextOf(parsed.get(), &ICertificate::get_issuer));
   EXPECT_OK(parsed->get_notBefore(&date));
   EXPECT_EQ(25569.0, date);
   EXPECT_OK(parsed->get_certHash(value.out()));
   EXPECT_EQ(VT_EMPTY, value.type());
-  EXPECT_EQ(0u, recordOf(parsed.get()).pointer(384));
-  EXPECT_EQ(0u, recordOf(parsed.get()).pointer(400));
+  EXPECT_EQ(0u, RecordOf(parsed.get()).pointer(384));
+  EXPECT_EQ(0u, RecordOf(parsed.get()).pointer(400));
   EXPECT_OK(parsed->get_policies(value.out()));
-  EXPECT_EQ(0u, objectsOf(value).size());
+  EXPECT_EQ(0u, ObjectsOf(value).size());
   EXPECT_OK(parsed->get_extKeyUsage(value.out()));
-  EXPECT_EQ(0u, stringsOf(value).size());
+  EXPECT_EQ(0u, StringsOf(value).size());
 }
 
 TEST_F(CertificateFromEngineTest, AlternativeNamesAlwaysExist) {
@@ -73,33 +73,33 @@ TEST_F(CertificateFromEngineTest, AlternativeNamesAlwaysExist) {
   ASSERT_NE(nullptr, issuerName.get());
   ASSERT_NE(nullptr, subjectName.get());
   EXPECT_NE(issuerName.get(), subjectName.get());
-  EXPECT_EQ(L"", textOf(issuerName.get(), &IAltName::get_emailAddress));
-  EXPECT_EQ(L"", textOf(subjectName.get(), &IAltName::get_exchange_address));
+  EXPECT_EQ(L"", TextOf(issuerName.get(), &IAltName::get_emailAddress));
+  EXPECT_EQ(L"", TextOf(subjectName.get(), &IAltName::get_exchange_address));
 }
 
 TEST_F(CertificateFromEngineTest, MaskIsNotConsulted) {
-  fake::Certificate certificate = fullCertificate();
+  fake::Certificate certificate = FullCertificate();
   certificate.fields = 0;
-  expectFullCertificate(parse(certificate), 0);
+  ExpectFullCertificate(parse(certificate), 0);
 }
 
 TEST_F(CertificateFromEngineTest, EmptyStringsStayEmptyStrings) {
-  Ptr<ICertificate> parsed = parse(certificateOf(""));
-  EXPECT_EQ("", recordOf(parsed.get()).text(24));
+  Ptr<ICertificate> parsed = parse(CertificateOf(""));
+  EXPECT_EQ("", RecordOf(parsed.get()).text(24));
 }
 
 TEST_F(CertificateFromEngineTest, CallerGetsTheOnlyReference) {
-  Ptr<ICertificate> parsed = parse(fullCertificate());
+  Ptr<ICertificate> parsed = parse(FullCertificate());
   EXPECT_EQ(1u, parsed.references());
 }
 
 TEST_F(CertificateFromEngineTest, ElementsAreHeldByTheCertificateAlone) {
-  Ptr<ICertificate> parsed = parse(fullCertificate());
+  Ptr<ICertificate> parsed = parse(FullCertificate());
   std::vector<Ptr<IDispatch>> found;
   {
     Variant policies;
     EXPECT_OK(parsed->get_policies(policies.out()));
-    found = objectsOf(policies);
+    found = ObjectsOf(policies);
   }
   parsed.reset();
   for (const auto& policy : found) EXPECT_EQ(1u, policy.references());
@@ -108,7 +108,7 @@ TEST_F(CertificateFromEngineTest, ElementsAreHeldByTheCertificateAlone) {
 TEST_F(CertificateFromEngineTest, ObjectsAreCreatedThroughCom) {
   SubstituteFactory certificates(__uuidof(Certificate)), names(__uuidof(AltName)), policies(__uuidof(Policy)),
       extensions(__uuidof(Extension));
-  parse(fullCertificate());
+  parse(FullCertificate());
   EXPECT_EQ(1, certificates.created());
   EXPECT_EQ(2, names.created());
   EXPECT_EQ(2, policies.created());
@@ -125,7 +125,7 @@ TEST_F(CertificateFromEngineTest, FailingCreationIsReturnedAndNothingElse) {
       SubstituteFactory factory(clsid);
       factory.failAfter(succeeding, CO_E_SERVER_EXEC_FAILURE);
       Ptr<ICertificate> parsed;
-      EXPECT_HR(CO_E_SERVER_EXEC_FAILURE, parse(fullCertificate(), parsed));
+      EXPECT_HR(CO_E_SERVER_EXEC_FAILURE, parse(FullCertificate(), parsed));
       EXPECT_EQ(nullptr, parsed.get());
       EXPECT_EQ(std::vector<std::string>{}, engine().outstanding());
     }
@@ -133,7 +133,7 @@ TEST_F(CertificateFromEngineTest, FailingCreationIsReturnedAndNothingElse) {
 }
 
 TEST_F(CertificateFromEngineTest, EveryAllocationFailureIsReported) {
-  const fake::Certificate full = fullCertificate();
+  const fake::Certificate full = FullCertificate();
   for (int succeeding = 0; succeeding < 500; ++succeeding) {
     Ptr<ICertificate> parsed;
     engine().on("QUIVO_ParseCert").during = [&] { Module::get().failAllocation(succeeding); };

@@ -1,17 +1,17 @@
 // Hashing and random numbers; the forms of inputs and outputs are tested for all methods at once elsewhere.
-#include "contract/properties/records.h"
+#include "support/records.h"
 
 namespace {
 
 using HashTest = ContractTest;
 
 TEST_F(HashTest, FailedUnlockWinsThoughTheHashIsWritten) {
-  Variant data = bytes({1}), hash;
+  Variant data = ByteArray({1}), hash;
   engine().on("QUIVO_HashMem").output = {9};
   engine().on("QUIVO_HashMem").during = [&] { data.safeArray()->cLocks = 0; };
   EXPECT_HR(E_UNEXPECTED, openQuivo()->HashMem(data, hash.out()));
   data.safeArray()->cLocks = 0;
-  EXPECT_EQ((Bytes{9}), plainBytesOf(hash));
+  EXPECT_EQ((Bytes{9}), PlainBytesOf(hash));
 }
 
 TEST_F(HashTest, AlgorithmStandsBeforeThePath) {
@@ -27,25 +27,25 @@ TEST_F(HashTest, AnyNonZeroFlagAsksForVbsForm) {
     Variant hash;
     engine().on("QUIVO_StrHashFile").output = {9};
     EXPECT_OK(openQuivo()->StrHashFile(Bstr(L"a"), Bstr(L"f"), hash.out(), flag));
-    EXPECT_EQ((Bytes{9}), vbsBytesOf(hash));
+    EXPECT_EQ((Bytes{9}), VbsBytesOf(hash));
   }
 }
 
 TEST_F(HashTest, FlagsOfExportAndRequestsCountAlike) {
   Variant out, request;
   engine().on("QUIVO_ExportMem").output = {9};
-  EXPECT_OK(openQuivo()->ExportMem(make<ExportParam>(), out.out(), 1));
-  EXPECT_EQ((Bytes{9}), vbsBytesOf(out));
+  EXPECT_OK(openQuivo()->ExportMem(Make<IExportParam>(), out.out(), 1));
+  EXPECT_EQ((Bytes{9}), VbsBytesOf(out));
   engine().on("QUIVO_CreateXmlRequest").output = {9};
-  EXPECT_OK(openQuivo()->CreateXmlRequest(Flag_Xml_Request_Do_Not_Generate, make<Certificate>(), request.out(), 1));
-  EXPECT_EQ((Bytes{9}), vbsBytesOf(request));
+  EXPECT_OK(openQuivo()->CreateXmlRequest(Flag_Xml_Request_Do_Not_Generate, Make<ICertificate>(), request.out(), 1));
+  EXPECT_EQ((Bytes{9}), VbsBytesOf(request));
 }
 
 TEST_F(HashTest, HashOfAFileIsNeverInVbsForm) {
-  Variant hash = vbsBytes({1});
+  Variant hash = VbsByteArray({1});
   engine().on("QUIVO_HashFile").output = {9};
   EXPECT_OK(openQuivo()->HashFile(Bstr(L"file"), hash.out()));
-  EXPECT_EQ((Bytes{9}), plainBytesOf(hash));
+  EXPECT_EQ((Bytes{9}), PlainBytesOf(hash));
 }
 
 TEST_F(HashTest, EveryLengthOfRandomBytesReachesTheEngine) {
@@ -70,7 +70,7 @@ TEST_F(HashTest, LargeOutputsAreCopiedWhole) {
   engine().on("QUIVO_GenRandom").output = large;
   Variant random;
   EXPECT_OK(openQuivo()->GenRandom(1 << 20, random.out()));
-  EXPECT_EQ(large, plainBytesOf(random));
+  EXPECT_EQ(large, PlainBytesOf(random));
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The own certificate as Base64 text.
-#include "contract/properties/records.h"
 #include "support/certificates.h"
+#include "support/records.h"
 
 namespace {
 
@@ -33,7 +33,7 @@ TEST_F(MyCertificateTest, EncodingOfTheFirstCertificateIsReturned) {
   search().certificates.push_back(second);
   Variant text;
   EXPECT_OK(ask(text));
-  EXPECT_EQ(L"MAMC", textOf(text));
+  EXPECT_EQ(L"MAMC", TextOf(text));
   EXPECT_EQ((Bytes{0x30, 0x03, 0x02}), engine().only("QUIVO_EncodeMem").argument(1).target.bytes);
   EXPECT_EQ(3, engine().only("QUIVO_EncodeMem").number(2));
 }
@@ -86,7 +86,7 @@ TEST_F(MyCertificateTest, PositiveResultOfTheEncodingIsASuccess) {
   engine().on("QUIVO_EncodeMem").result = 4;
   Variant text;
   EXPECT_OK(ask(text));
-  EXPECT_EQ(L"MAMC", textOf(text));
+  EXPECT_EQ(L"MAMC", TextOf(text));
 }
 
 TEST_F(MyCertificateTest, BufferThatCannotBeAllocatedIsReportedUnmapped) {
@@ -125,11 +125,11 @@ TEST_F(MyCertificateTest, VariantIsOverwrittenWithoutBeingCleared) {
 }
 
 TEST_F(MyCertificateTest, CertificateWithoutAnEncodingGivesAnEmptyText) {
-  search().certificates = {certificateOf("CN=x")};
+  search().certificates = {CertificateOf("CN=x")};
   engine().on("QUIVO_EncodeMem").text = "";
   Variant text;
   EXPECT_OK(ask(text));
-  EXPECT_EQ(L"", textOf(text));
+  EXPECT_EQ(L"", TextOf(text));
 }
 
 }  // namespace

@@ -1,15 +1,15 @@
 // Certificate requests and the check of the own certificate's extended key usages.
 #include <clocale>
 
-#include "contract/properties/records.h"
 #include "support/certificates.h"
+#include "support/records.h"
 
 namespace {
 
 using RequestTest = ContractTest;
 
 TEST_F(RequestTest, FlagAndTemplateReachTheEngine) {
-  Ptr<ICertificate> certificate = make<Certificate>();
+  Ptr<ICertificate> certificate = Make<ICertificate>();
   EXPECT_OK(certificate->put_subject(Bstr(L"CN=\x0411")));
   EXPECT_OK(certificate->put_keyUsage(Keyusage_NonRepudation));
   Variant request;
@@ -23,12 +23,12 @@ TEST_F(RequestTest, FlagAndTemplateReachTheEngine) {
 }
 
 TEST_F(RequestTest, ChangedPartsOfTheTemplateLeaveNoFreedPointer) {
-  Ptr<ICertificate> certificate = make<Certificate>();
-  Ptr<IPolicy> policy = make<Policy>();
+  Ptr<ICertificate> certificate = Make<ICertificate>();
+  Ptr<IPolicy> policy = Make<IPolicy>();
   EXPECT_OK(policy->put_oid(Bstr(L"before")));
-  EXPECT_OK(certificate->put_policies(objects({policy})));
+  EXPECT_OK(certificate->put_policies(ObjectArray({policy})));
   EXPECT_OK(policy->put_oid(Bstr(L"a text that is longer than the one it replaces")));
-  EXPECT_EQ("a text that is longer than the one it replaces", recordOf(certificate.get()).at(336).text(0));
+  EXPECT_EQ("a text that is longer than the one it replaces", RecordOf(certificate.get()).at(336).text(0));
 }
 
 class CheckOidTest : public ContractTest {
@@ -44,7 +44,7 @@ class CheckOidTest : public ContractTest {
   void expectNotPresent(const std::wstring& oid) {
     text = Variant();
     EXPECT_HR(0x80004005u, check(oid));
-    EXPECT_EQ(L"OID " + oid + L" отсутствует в рабочем сертификате", textOf(text));
+    EXPECT_EQ(L"OID " + oid + L" отсутствует в рабочем сертификате", TextOf(text));
   }
 
   Ptr<IQUIVO> quivo = openQuivo();
@@ -96,14 +96,14 @@ TEST_F(CheckOidTest, CertificateWithoutUsagesHasNoOid) {
 TEST_F(CheckOidTest, NoOwnCertificateIsExplained) {
   search().certificates.clear();
   EXPECT_HR(E_FAIL, check(L"1.2.643.1"));
-  EXPECT_EQ(L"Не найден рабочий сертификат", textOf(text));
+  EXPECT_EQ(L"Не найден рабочий сертификат", TextOf(text));
   EXPECT_EQ(1u, engine().count("QUIVO_FreeFindResult"));
 }
 
 TEST_F(CheckOidTest, SeveralOwnCertificatesAreNoWorkingCertificate) {
   search().certificates = {ownWith({"1.2.643.1"}), ownWith({"1.2.643.1"})};
   EXPECT_HR(E_FAIL, check(L"1.2.643.1"));
-  EXPECT_EQ(L"Не найден рабочий сертификат", textOf(text));
+  EXPECT_EQ(L"Не найден рабочий сертификат", TextOf(text));
   EXPECT_EQ(1u, engine().count("QUIVO_FreeFindResult"));
 }
 
@@ -112,14 +112,14 @@ TEST_F(CheckOidTest, FailedSearchIsExplainedByTheEngine) {
   search().result = 0x19;
   engine().on("QUIVO_GetErrorText").text = "engine text";
   EXPECT_HR(E_FAIL, check(L"1.2.643.1"));
-  EXPECT_EQ(L"engine text", textOf(text));
+  EXPECT_EQ(L"engine text", TextOf(text));
   EXPECT_EQ(0x19, engine().only("QUIVO_GetErrorText").number(0));
   EXPECT_EQ(0u, engine().count("QUIVO_FreeFindResult"));
 }
 
 TEST_F(CheckOidTest, LongOidCannotBeConverted) {
   EXPECT_HR(E_FAIL, check(std::wstring(1022, L'1')));
-  EXPECT_EQ(L"Ошибка преобразования BSTR", textOf(text));
+  EXPECT_EQ(L"Ошибка преобразования BSTR", TextOf(text));
   EXPECT_EQ((std::vector<std::string>{"QUIVO_FreeFindResult"}), engine().names());
   EXPECT_NE(0u, engine().last().value(0));
   EXPECT_TRUE(engine().last().record(1).allZero());
@@ -135,7 +135,7 @@ TEST_F(CheckOidTest, LongestOidIsComparedAndExplained) {
 TEST_F(CheckOidTest, CharactersOutsideTheLocaleCannotBeConverted) {
   std::setlocale(LC_ALL, "C");
   EXPECT_HR(E_FAIL, check(L"\x4E2D"));
-  EXPECT_EQ(L"Ошибка преобразования BSTR", textOf(text));
+  EXPECT_EQ(L"Ошибка преобразования BSTR", TextOf(text));
 }
 
 TEST_F(CheckOidTest, NullOidIsAFailure) {

@@ -1,7 +1,7 @@
 // What SignFile2B64Mem is given: the arguments that it refuses, and how it opens the file.
-#include "contract/properties/records.h"
 #include "support/foreign_object.h"
 #include "support/import_patch.h"
+#include "support/records.h"
 #include "support/temp_file.h"
 
 namespace {
@@ -25,7 +25,7 @@ class SignFileBase64InputTest : public ContractTest {
   /// Nothing is read or signed, and the text is that of the code.
   void expectRefused(HRESULT result) {
     EXPECT_HR(kFailed, result);
-    EXPECT_EQ(L"why", textOf(text));
+    EXPECT_EQ(L"why", TextOf(text));
     ASSERT_EQ(std::vector<std::string>{"QUIVO_GetErrorText"}, engine().names());
     EXPECT_EQ(0x57, engine().last().number(0));
     EXPECT_EQ(0u, opened.size());
@@ -37,7 +37,7 @@ class SignFileBase64InputTest : public ContractTest {
   TempFile file{{10, 20}};
   Bstr path{file.path()}, missing{L"C:\\no such folder\\file"};
   Ptr<IQUIVO> quivo = openQuivo();
-  Ptr<ISignParam> param = make<SignParam>();
+  Ptr<ISignParam> param = Make<ISignParam>();
   Variant signature, text;
   std::vector<OpenedFile> opened;
 
@@ -74,7 +74,7 @@ TEST_F(SignFileBase64InputTest, ForeignParametersAreRefusedAndExplained) {
 }
 
 TEST_F(SignFileBase64InputTest, ParametersOfAnotherClassAreRefusedAndExplained) {
-  Ptr<IExportParam> other = make<ExportParam>();
+  Ptr<IExportParam> other = Make<IExportParam>();
   void* object = other.get();
   expectRefused(quivo->SignFile2B64Mem(static_cast<ISignParam*>(object), path, signature.out(), text.out()));
 }

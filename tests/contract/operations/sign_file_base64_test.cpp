@@ -1,6 +1,6 @@
-// Signing a file for scripts: the signature as Base64 text, or a text that says what failed.
-#include "contract/properties/records.h"
+// Signing a file for scripts: the signature as Base64 text, or a text that explains the failure.
 #include "support/malloc_spy.h"
+#include "support/records.h"
 #include "support/temp_file.h"
 
 namespace {
@@ -11,7 +11,7 @@ class SignFileBase64Test : public ContractTest {
  protected:
   void SetUp() override {
     quivo_ = openQuivo();
-    param_ = make<SignParam>();
+    param_ = Make<ISignParam>();
     engine().on("QUIVO_SignMem").output = {1, 2, 3};
     engine().on("QUIVO_EncodeMem").text = "AQID";
   }
@@ -47,7 +47,7 @@ TEST_F(SignFileBase64Test, SignatureIsEncoded) {
   const fake::Call& call = engine().only("QUIVO_EncodeMem");
   EXPECT_EQ((Bytes{1, 2, 3}), call.argument(1).target.bytes);
   EXPECT_EQ(3, call.number(2));
-  EXPECT_EQ(L"AQID", textOf(signature));
+  EXPECT_EQ(L"AQID", TextOf(signature));
   EXPECT_EQ(VT_EMPTY, text.type());
 }
 
@@ -88,21 +88,21 @@ TEST_F(SignFileBase64Test, MissingFileIsExplained) {
   TempFile gone({1});
   const std::wstring path = gone.path() + L".missing";
   EXPECT_HR(kFailed, sign(path));
-  EXPECT_EQ(L"Не удалось прочитать файл " + path + L". Ошибка 2.", textOf(text));
+  EXPECT_EQ(L"Не удалось прочитать файл " + path + L". Ошибка 2.", TextOf(text));
   EXPECT_EQ(VT_EMPTY, signature.type());
   EXPECT_EQ(0u, engine().count("QUIVO_SignMem"));
 }
 
 TEST_F(SignFileBase64Test, MissingFolderIsExplained) {
   EXPECT_HR(kFailed, sign(missing));
-  EXPECT_EQ(L"Не удалось прочитать файл " + missing + L". Ошибка 3.", textOf(text));
+  EXPECT_EQ(L"Не удалось прочитать файл " + missing + L". Ошибка 3.", TextOf(text));
 }
 
 TEST_F(SignFileBase64Test, FileInUseIsExplained) {
   TempFile file({1});
   const HANDLE writer = CreateFileW(file.path().c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
   EXPECT_HR(kFailed, sign(file.path()));
-  EXPECT_EQ(L"Не удалось прочитать файл " + file.path() + L". Ошибка 32.", textOf(text));
+  EXPECT_EQ(L"Не удалось прочитать файл " + file.path() + L". Ошибка 32.", TextOf(text));
   CloseHandle(writer);
 }
 
@@ -111,14 +111,14 @@ TEST_F(SignFileBase64Test, FileIsNotReadBesideAWriter) {
   const HANDLE writer = CreateFileW(file.path().c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                     OPEN_EXISTING, 0, nullptr);
   EXPECT_HR(kFailed, sign(file.path()));
-  EXPECT_EQ(L"Не удалось прочитать файл " + file.path() + L". Ошибка 32.", textOf(text));
+  EXPECT_EQ(L"Не удалось прочитать файл " + file.path() + L". Ошибка 32.", TextOf(text));
   CloseHandle(writer);
 }
 
 TEST_F(SignFileBase64Test, ExplanationHasAtMost300Characters) {
   const std::wstring path = L"C:\\" + std::wstring(400, L'x');
   EXPECT_HR(kFailed, sign(path));
-  EXPECT_EQ((L"Не удалось прочитать файл " + path).substr(0, 300), textOf(text));
+  EXPECT_EQ((L"Не удалось прочитать файл " + path).substr(0, 300), TextOf(text));
 }
 
 TEST_F(SignFileBase64Test, NullPathIsAFailure) {
@@ -132,7 +132,7 @@ TEST_F(SignFileBase64Test, BufferOfTheFileThatCannotBeAllocatedIsErrorEight) {
   const Bstr path(file.path());
   Module::get().failAllocation(0);
   EXPECT_HR(kFailed, quivo()->SignFile2B64Mem(param(), path, signature.out(), text.out()));
-  EXPECT_EQ(L"Не удалось прочитать файл " + file.path() + L". Ошибка 8.", textOf(text));
+  EXPECT_EQ(L"Не удалось прочитать файл " + file.path() + L". Ошибка 8.", TextOf(text));
   EXPECT_TRUE(file.closed());
 }
 
@@ -142,7 +142,7 @@ TEST_F(SignFileBase64Test, EngineFailureIsExplainedByTheEngine) {
   engine().on("QUIVO_SignMem").result = 0x1234;
   engine().on("QUIVO_GetErrorText").text = "engine text";
   EXPECT_HR(kFailed, sign(file.path()));
-  EXPECT_EQ(L"engine text", textOf(text));
+  EXPECT_EQ(L"engine text", TextOf(text));
   EXPECT_EQ(0x1234, engine().only("QUIVO_GetErrorText").number(0));
   EXPECT_EQ(VT_EMPTY, signature.type());
 }
@@ -166,7 +166,7 @@ TEST_F(SignFileBase64Test, FailedEncodingIsExplainedByTheEngine) {
   engine().on("QUIVO_EncodeMem").result = static_cast<int32_t>(0xE0700042);
   engine().on("QUIVO_GetErrorText").text = "cannot encode";
   EXPECT_HR(kFailed, sign(file.path()));
-  EXPECT_EQ(L"cannot encode", textOf(text));
+  EXPECT_EQ(L"cannot encode", TextOf(text));
   EXPECT_EQ(static_cast<int32_t>(0xE0700042), engine().only("QUIVO_GetErrorText").number(0));
   EXPECT_EQ(1u, engine().count("QUIVO_FreeMem"));
   EXPECT_EQ(VT_EMPTY, signature.type());
@@ -176,14 +176,14 @@ TEST_F(SignFileBase64Test, PositiveResultOfTheEncodingIsASuccess) {
   TempFile file({1});
   engine().on("QUIVO_EncodeMem").result = 4;
   EXPECT_OK(sign(file.path()));
-  EXPECT_EQ(L"AQID", textOf(signature));
+  EXPECT_EQ(L"AQID", TextOf(signature));
 }
 
 TEST_F(SignFileBase64Test, TextBufferThatCannotBeAllocatedIsExplained) {
   TempFile file({1});
   engine().on("QUIVO_SignMem").during = [] { Module::get().failAllocation(0); };
   EXPECT_HR(kFailed, sign(file.path()));
-  EXPECT_EQ(L"Недостаточно памяти", textOf(text));
+  EXPECT_EQ(L"Недостаточно памяти", TextOf(text));
   EXPECT_EQ(1u, engine().count("QUIVO_FreeMem"));
 }
 
@@ -192,7 +192,7 @@ TEST_F(SignFileBase64Test, SignatureTextThatCannotBeMadeIsExplained) {
   const Bstr path(file.path());
   engine().on("QUIVO_EncodeMem").during = [] { MallocSpy::get().failAllocation(0); };
   EXPECT_HR(kFailed, quivo()->SignFile2B64Mem(param(), path, signature.out(), text.out()));
-  EXPECT_EQ(L"Недостаточно памяти", textOf(text));
+  EXPECT_EQ(L"Недостаточно памяти", TextOf(text));
   EXPECT_EQ(VT_EMPTY, signature.type());
 }
 
@@ -227,7 +227,7 @@ TEST_F(SignFileBase64Test, LongSignatureHasRoomForItsText) {
   engine().on("QUIVO_SignMem").output = Bytes(3000, 7);
   engine().on("QUIVO_EncodeMem").text = std::string(4000, 'A');
   EXPECT_OK(sign(file.path()));
-  EXPECT_EQ(std::wstring(4000, L'A'), textOf(signature));
+  EXPECT_EQ(std::wstring(4000, L'A'), TextOf(signature));
 }
 
 TEST_F(SignFileBase64Test, LargeFileIsReadWhole) {

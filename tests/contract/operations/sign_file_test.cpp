@@ -1,24 +1,16 @@
 // Signing files by path.
-#include "contract/properties/records.h"
+#include "support/operations.h"
 
 namespace {
 
-struct SignFileMethod {
-  const char* function;
-  HRESULT (STDMETHODCALLTYPE IQUIVO::*method)(ISignParam*, BSTR, BSTR, BSTR);
-};
-
-void PrintTo(const SignFileMethod& row, std::ostream* out) { *out << row.function; }
-
-class SignFileTest : public ContractTest, public ::testing::WithParamInterface<SignFileMethod> {
+class SignFileTest : public ContractTest, public ::testing::WithParamInterface<Operation> {
  protected:
   HRESULT sign(BSTR data, BSTR signIn, BSTR signOut) {
-    Ptr<IQUIVO> quivo = openQuivo();
-    return (quivo.get()->*GetParam().method)(param, data, signIn, signOut);
+    return GetParam().call(Objects(openQuivo()), {{0, param}, {1, data}, {2, signIn}, {3, signOut}});
   }
   const fake::Call& call() { return engine().only(GetParam().function); }
-  void SetUp() override { param = make<SignParam>(); }
-  Ptr<ISignParam> param;
+
+  Ptr<ISignParam> param = Make<ISignParam>();
 };
 
 TEST_P(SignFileTest, PathsReachTheEngineInOrder) {
@@ -46,9 +38,7 @@ TEST_P(SignFileTest, OnlyThisFunctionIsCalled) {
   EXPECT_EQ((std::vector<std::string>{GetParam().function, "QUIVO_Uninitialize"}), engine().names());
 }
 
-INSTANTIATE_TEST_SUITE_P(Methods, SignFileTest,
-                         ::testing::Values(SignFileMethod{"QUIVO_SignFile", &IQUIVO::SignFile},
-                                           SignFileMethod{"QUIVO_StrSignFile", &IQUIVO::StrSignFile}),
-                         [](const auto& info) { return std::string(info.param.function); });
+INSTANTIATE_TEST_SUITE_P(Methods, SignFileTest, ::testing::ValuesIn(OperationsEnding("SignFile")),
+                         NameOfRow<Operation>);
 
 }  // namespace

@@ -1,8 +1,9 @@
 // The certificate store: searching, parsing, adding, exporting, importing.
-#include "contract/properties/records.h"
 #include "support/certificates.h"
 #include "support/class_objects.h"
 #include "support/malloc_spy.h"
+#include "support/operations.h"
+#include "support/records.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ class FindCertTest : public ContractTest {
   const fake::Call& call() { return engine().only("QUIVO_FindCert"); }
 
   Ptr<IQUIVO> quivo = openQuivo();
-  Ptr<IFindParam> param = make<FindParam>();
+  Ptr<IFindParam> param = Make<IFindParam>();
   Variant result = Variant::text(L"before");
 };
 
@@ -27,33 +28,11 @@ TEST_F(FindCertTest, ParametersReachTheEngine) {
   EXPECT_EQ(0u, call().record(2).pointer(8));
 }
 
-TEST_F(FindCertTest, FoundCertificatesAreInOrder) {
-  reply().certificates = {certificateOf("CN=1"), fullCertificate(), certificateOf("CN=3")};
-  EXPECT_OK(find());
-  const auto found = objectsOf<ICertificate>(result);
-  ASSERT_EQ(3u, found.size());
-  EXPECT_EQ(L"CN=1", subjectOf(found[0]));
-  expectFullCertificate(found[1]);
-  EXPECT_EQ(L"CN=3", subjectOf(found[2]));
-}
-
-TEST_F(FindCertTest, NothingFoundIsAnEmptyArray) {
-  EXPECT_OK(find());
-  EXPECT_EQ(0u, objectsOf(result).size());
-  EXPECT_EQ(1u, engine().count("QUIVO_FreeFindResult"));
-}
-
 TEST_F(FindCertTest, NegativeCountIsAnEmptyArray) {
   reply().findCount = -3;
   EXPECT_OK(find());
-  EXPECT_EQ(0u, objectsOf(result).size());
+  EXPECT_EQ(0u, ObjectsOf(result).size());
   EXPECT_EQ(1u, engine().count("QUIVO_FreeFindResult"));
-}
-
-TEST_F(FindCertTest, ResultIsGivenBackToTheSameRecord) {
-  reply().certificates = {fullCertificate()};
-  EXPECT_OK(find());
-  EXPECT_EQ(call().value(2), engine().only("QUIVO_FreeFindResult").value(1));
 }
 
 TEST_F(FindCertTest, FailedSearchLeavesEverythingAlone) {
@@ -61,50 +40,9 @@ TEST_F(FindCertTest, FailedSearchLeavesEverythingAlone) {
     engine().forgetCalls();
     reply().result = code;
     EXPECT_HR(code == 1 ? 1u : 0xE0690019u, find());
-    EXPECT_EQ(L"before", textOf(result));
+    EXPECT_EQ(L"before", TextOf(result));
     EXPECT_EQ(0u, engine().count("QUIVO_FreeFindResult"));
   }
-}
-
-TEST_F(FindCertTest, CertificatesAreHeldByTheArrayAlone) {
-  reply().certificates = {certificateOf("CN=1")};
-  EXPECT_OK(find());
-  Ptr<ICertificate> found = objectsOf<ICertificate>(result).at(0);
-  result = Variant();
-  EXPECT_EQ(1u, found.references());
-}
-
-TEST_F(FindCertTest, FailingCreationIsReturnedMapped) {
-  for (int succeeding : {0, 1}) {
-    SubstituteFactory factory(__uuidof(Certificate));
-    factory.failAfter(succeeding, static_cast<HRESULT>(0x80070005));
-    reply().certificates = {certificateOf("CN=1"), certificateOf("CN=2")};
-    EXPECT_HR(kAccessDenied, find());
-    EXPECT_EQ(L"before", textOf(result));
-    EXPECT_EQ(1u, engine().count("QUIVO_FreeFindResult"));
-    engine().forgetCalls();
-  }
-}
-
-TEST_F(FindCertTest, ArrayThatCannotBeCreatedIsReported) {
-  reply().certificates = {certificateOf("CN=1")};
-  reply().during = [] { MallocSpy::get().failAllocation(0); };
-  EXPECT_HR(kOutOfMemory, find());
-  EXPECT_EQ(L"before", textOf(result));
-  EXPECT_EQ(1u, engine().count("QUIVO_FreeFindResult"));
-}
-
-TEST_F(FindCertTest, ResultIsGivenBackBeforeTheVariantIsSet) {
-  VARTYPE during = VT_EMPTY;
-  engine().on("QUIVO_FreeFindResult").during = [&] { during = result.type(); };
-  EXPECT_OK(find());
-  EXPECT_EQ(VT_BSTR, during);
-}
-
-TEST_F(FindCertTest, VariantThatCannotBeClearedIsReported) {
-  LockedVariant locked;
-  EXPECT_HR(DISP_E_ARRAYISLOCKED, quivo->FindCert(param, &locked.value));
-  EXPECT_EQ(kObjectArray, V_VT(&locked.value));
 }
 
 class ParseCertTest : public ContractTest {
@@ -119,7 +57,7 @@ class ParseCertTest : public ContractTest {
 TEST_F(ParseCertTest, EncodingAndMaskReachTheEngine) {
   for (Certinfo_t mask : {Field_All, static_cast<Certinfo_t>(Field_AlgorithmOidFormat), static_cast<Certinfo_t>(0)}) {
     engine().forgetCalls();
-    EXPECT_OK(quivo->ParseCert(bytes({0x30}), mask, certificate.out()));
+    EXPECT_OK(quivo->ParseCert(ByteArray({0x30}), mask, certificate.out()));
     EXPECT_EQ((Bytes{0x30}), call().blobBytes(1));
     EXPECT_EQ(static_cast<uint32_t>(mask), static_cast<uint32_t>(call().value(2)));
     EXPECT_TRUE(call().record(3).allZero());
@@ -127,23 +65,8 @@ TEST_F(ParseCertTest, EncodingAndMaskReachTheEngine) {
   }
 }
 
-TEST_F(ParseCertTest, RecordIsGivenBackAfterTheObjectIsBuilt) {
-  reply().certificate = fullCertificate();
-  EXPECT_OK(quivo->ParseCert(bytes({0x30}), Field_All, certificate.out()));
-  EXPECT_EQ(call().value(3), engine().only("QUIVO_FreeCert").value(1));
-  expectFullCertificate(certificate);
-}
-
-TEST_F(ParseCertTest, RejectedBytesLeaveTheCertificateAlone) {
-  reply().result = 0x19;
-  ICertificate* const before = certificate = make<Certificate>();
-  EXPECT_HR(0xE0690019, quivo->ParseCert(bytes({0x30}), Field_All, certificate.inOut()));
-  EXPECT_EQ(before, certificate.get());
-  EXPECT_EQ(0u, engine().count("QUIVO_FreeCert"));
-}
-
 TEST_F(ParseCertTest, FailedUnlockWins) {
-  Variant data = bytes({0x30});
+  Variant data = ByteArray({0x30});
   reply().during = [&] { data.safeArray()->cLocks = 0; };
   EXPECT_HR(E_UNEXPECTED, quivo->ParseCert(data, Field_All, certificate.out()));
   data.safeArray()->cLocks = 0;
@@ -151,35 +74,20 @@ TEST_F(ParseCertTest, FailedUnlockWins) {
   EXPECT_EQ(1u, engine().count("QUIVO_FreeCert"));
 }
 
-TEST_F(ParseCertTest, FailureOfTheCertificateIsReturnedMapped) {
-  SubstituteFactory factory(__uuidof(AltName));
-  factory.failAfter(0, static_cast<HRESULT>(0x80070005));
-  EXPECT_HR(kAccessDenied, quivo->ParseCert(bytes({0x30}), Field_All, certificate.out()));
-  EXPECT_EQ(nullptr, certificate.get());
-  EXPECT_EQ(1u, engine().count("QUIVO_FreeCert"));
-}
-
-struct AddMethod {
-  const char* function;
-  HRESULT (STDMETHODCALLTYPE IQUIVO::*method)(ICertId*, VARIANT);
-};
-
-void PrintTo(const AddMethod& row, std::ostream* out) { *out << row.function; }
-
-class AddToStoreTest : public ContractTest, public ::testing::WithParamInterface<AddMethod> {
+class AddToStoreTest : public ContractTest, public ::testing::WithParamInterface<Operation> {
  protected:
-  HRESULT add(ICertId* id) { return (openQuivo().get()->*GetParam().method)(id, bytes({0x30, 1})); }
+  HRESULT add(ICertId* id) { return GetParam().call(Objects(openQuivo()), {{0, id}, {1, ByteArray({0x30, 1})}}); }
   const fake::Call& call() { return engine().only(GetParam().function); }
 };
 
 TEST_P(AddToStoreTest, IdentifierAndBytesReachTheEngine) {
-  Ptr<ICertId> id = make<CertId>();
+  Ptr<ICertId> id = Make<ICertId>();
   EXPECT_OK(id->put_type(Id_KeyId));
   EXPECT_OK(id->put_keyId(Bstr(L"key")));
   EXPECT_OK(add(id));
   EXPECT_EQ(0u, call().record(1).u32(0));
   EXPECT_EQ("key", call().record(1).at(8).text(8));
-  EXPECT_EQ(recordOf(id.get()).address, engine().calls().at(0).record(1).pointer(8));
+  EXPECT_EQ(RecordOf(id.get()).address, engine().calls().at(0).record(1).pointer(8));
 }
 
 TEST_P(AddToStoreTest, BytesReachTheEngine) {
@@ -194,16 +102,16 @@ TEST_P(AddToStoreTest, NullIdentifierIsANullPointerInTheRecord) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Methods, AddToStoreTest,
-                         ::testing::Values(AddMethod{"QUIVO_AddCertificate", &IQUIVO::AddCertificate},
-                                           AddMethod{"QUIVO_AddCRL", &IQUIVO::AddCRL}),
-                         [](const auto& info) { return std::string(info.param.function); });
+                         ::testing::ValuesIn(Where(Operations(),
+                                                   [](const auto& row) { return row.name.starts_with("Add"); })),
+                         NameOfRow<Operation>);
 
 using StoreTest = ContractTest;
 
 TEST_F(StoreTest, ParametersOfExportAndImportReachTheEngine) {
   Ptr<IQUIVO> quivo = openQuivo();
-  Ptr<IExportParam> exporting = make<ExportParam>();
-  Ptr<IImportParam> importing = make<ImportParam>();
+  Ptr<IExportParam> exporting = Make<IExportParam>();
+  Ptr<IImportParam> importing = Make<IImportParam>();
   EXPECT_OK(exporting->put_flag(Flag_Export_RutokenGost));
   EXPECT_OK(importing->put_flag(Flag_Import_Update));
   EXPECT_OK(quivo->ExportMem(exporting, Variant().out(), VARIANT_FALSE));

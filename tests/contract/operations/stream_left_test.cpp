@@ -1,16 +1,9 @@
 // The count of bytes that a decryption stream has not consumed.
-#include "contract/operations/calls.h"
+#include "support/operations.h"
 
 namespace {
 
-struct LeftMethod {
-  const char* function;
-  HRESULT (*call)(const Objects&, VARIANT* left);
-};
-
-void PrintTo(const LeftMethod& row, std::ostream* out) { *out << row.function; }
-
-class StreamLeftTest : public ContractTest, public ::testing::WithParamInterface<LeftMethod> {
+class StreamLeftTest : public ContractTest, public ::testing::WithParamInterface<OperationArgument> {
  protected:
   void SetUp() override { reply().left = 0x01020304; }
   HRESULT run(VARIANT* left) { return GetParam().call(objects, left); }
@@ -63,7 +56,7 @@ TEST_P(StreamLeftTest, TypeOfAReferenceIsNotExamined) {
 }
 
 TEST_P(StreamLeftTest, ReferencedVariantBecomesAnInteger) {
-  Variant variable, left = byRef(variable);
+  Variant variable, left = ByRef(variable);
   EXPECT_OK(run(left.out()));
   EXPECT_EQ(VT_I4, variable.type());
   EXPECT_EQ(0x01020304, V_I4(&variable.get()));
@@ -72,7 +65,7 @@ TEST_P(StreamLeftTest, ReferencedVariantBecomesAnInteger) {
 
 TEST_P(StreamLeftTest, NullReferencesAreRefused) {
   for (VARTYPE type : {VT_I4, VT_VARIANT}) {
-    Variant left = nullRef(type);
+    Variant left = NullRef(type);
     EXPECT_HR(kInvalidArgument, run(left.out()));
   }
 }
@@ -90,17 +83,7 @@ TEST_P(StreamLeftTest, NullPointerIsRefusedWithoutTheEngine) {
   EXPECT_EQ(0u, engine().count(GetParam().function));
 }
 
-INSTANTIATE_TEST_SUITE_P(Methods, StreamLeftTest,
-                         ::testing::Values(LeftMethod{"QUIVO_StrDecryptInitMem",
-                                                      [](const Objects& o, VARIANT* left) {
-                                                        return o.quivo->StrDecryptInitMem(o.decrypt, bytes({1}), left,
-                                                                                          o.stream);
-                                                      }},
-                                           LeftMethod{"QUIVO_StrDecryptUpdateMem",
-                                                      [](const Objects& o, VARIANT* left) {
-                                                        return o.quivo->StrDecryptUpdateMem(
-                                                            o.decrypt, o.stream, bytes({1}), left, Variant().out());
-                                                      }}),
-                         [](const auto& info) { return std::string(info.param.function); });
+INSTANTIATE_TEST_SUITE_P(Methods, StreamLeftTest, ::testing::ValuesIn(OutputsOf(Output::kNumber)),
+                         NameOfRow<OperationArgument>);
 
 }  // namespace

@@ -1,89 +1,60 @@
 // Streams: what the engine receives of them, and the results of their last call.
-#include "contract/operations/calls.h"
 #include "support/certificates.h"
 #include "support/class_objects.h"
+#include "support/operations.h"
 
 namespace {
 
-struct StreamCall {
-  const char* function;
-  /// The argument that is the address of the stream handle.
-  size_t handle;
-  HRESULT (*call)(const Objects&);
-};
-
-// Begin, go on and end of each kind.
-const StreamCall kSign[]{
-    {"QUIVO_StrSignInitMem", 3, [](const Objects& o) { return o.quivo->StrSignInitMem(o.sign, Variant(), o.stream); }},
-    {"QUIVO_StrSignUpdateMem", 2,
-     [](const Objects& o) { return o.quivo->StrSignUpdateMem(o.sign, o.stream, Variant()); }},
-    {"QUIVO_StrSignFinalMem", 2,
-     [](const Objects& o) { return o.quivo->StrSignFinalMem(o.sign, o.stream, Variant().out()); }}};
-const StreamCall kVerify[]{
-    {"QUIVO_StrVerifyInitMem", 3,
-     [](const Objects& o) { return o.quivo->StrVerifyInitMem(o.verify, Variant(), o.stream); }},
-    {"QUIVO_StrVerifyUpdateMem", 2,
-     [](const Objects& o) { return o.quivo->StrVerifyUpdateMem(o.verify, o.stream, Variant()); }},
-    {"QUIVO_StrVerifyFinalMem", 2, [](const Objects& o) {
-       return o.quivo->StrVerifyFinalMem(o.verify, o.stream, Variant().out(), Variant().out());
-     }}};
-const StreamCall kEncrypt[]{
-    {"QUIVO_StrEncryptInitMem", 2, [](const Objects& o) { return o.quivo->StrEncryptInitMem(o.encrypt, o.stream); }},
-    {"QUIVO_StrEncryptUpdateMem", 2,
-     [](const Objects& o) { return o.quivo->StrEncryptUpdateMem(o.encrypt, o.stream, Variant(), Variant().out()); }},
-    {"QUIVO_StrEncryptFinalMem", 2,
-     [](const Objects& o) { return o.quivo->StrEncryptFinalMem(o.encrypt, o.stream, Variant().out()); }}};
-const StreamCall kDecrypt[]{
-    {"QUIVO_StrDecryptInitMem", 4,
-     [](const Objects& o) { return o.quivo->StrDecryptInitMem(o.decrypt, Variant(), Variant().out(), o.stream); }},
-    {"QUIVO_StrDecryptUpdateMem", 2,
-     [](const Objects& o) {
-       return o.quivo->StrDecryptUpdateMem(o.decrypt, o.stream, Variant(), Variant().out(), Variant().out());
-     }},
-    {"QUIVO_StrDecryptFinalMem", 2,
-     [](const Objects& o) { return o.quivo->StrDecryptFinalMem(o.decrypt, o.stream, Ptr<ICertificate>().out()); }}};
-const StreamCall kHash[]{
-    {"QUIVO_StrHashInitMem", 2, [](const Objects& o) { return o.quivo->StrHashInitMem(Bstr(L"algorithm"), o.stream); }},
-    {"QUIVO_StrHashUpdateMem", 1, [](const Objects& o) { return o.quivo->StrHashUpdateMem(o.stream, Variant()); }},
-    {"QUIVO_StrHashFinalMem", 1, [](const Objects& o) { return o.quivo->StrHashFinalMem(o.stream, Variant().out()); }}};
-
 class StreamTest : public ContractTest {
  protected:
-  const fake::Argument& handleOf(const StreamCall& row) { return engine().only(row.function).argument(row.handle); }
-  void runWhole(const StreamCall (&kind)[3]) {
-    engine().on(kind[0].function).handle = reinterpret_cast<void*>(0xABCD);
-    for (const StreamCall& row : kind) EXPECT_OK(row.call(objects)) << row.function;
-    EXPECT_EQ(0u, handleOf(kind[0]).target.u64(0));
-    EXPECT_EQ(0xABCDu, handleOf(kind[1]).target.u64(0));
-    EXPECT_EQ(0xABCDu, handleOf(kind[2]).target.u64(0));
-    EXPECT_EQ(handleOf(kind[0]).value, handleOf(kind[1]).value);
-    EXPECT_EQ(handleOf(kind[0]).value, handleOf(kind[2]).value);
+  /// One step of a kind: "InitMem", "UpdateMem" or "FinalMem".
+  static const Operation& step(const std::string& kind, const char* name) {
+    return OperationNamed("Str" + kind + name);
+  }
+  HRESULT run(const std::string& kind, const char* name) { return step(kind, name).call(objects); }
+  /// What the engine received as the address of the stream handle.
+  const fake::Argument& handle(const std::string& kind, const char* name) {
+    const Operation& operation = step(kind, name);
+    return engine().only(operation.function).argument(operation.place("IStreamCtx*") + 1);
   }
 
   Objects objects{openQuivo()};
 };
 
-TEST_F(StreamTest, HandleOfASignatureIsKeptInTheContext) { runWhole(kSign); }
-TEST_F(StreamTest, HandleOfAVerificationIsKeptInTheContext) { runWhole(kVerify); }
-TEST_F(StreamTest, HandleOfAnEncryptionIsKeptInTheContext) { runWhole(kEncrypt); }
-TEST_F(StreamTest, HandleOfADecryptionIsKeptInTheContext) { runWhole(kDecrypt); }
-TEST_F(StreamTest, HandleOfAHashIsKeptInTheContext) { runWhole(kHash); }
+constexpr const char* kKinds[] = {"Sign", "Verify", "Encrypt", "Decrypt", "Hash"};
+constexpr const char* kInit = "InitMem";
+constexpr const char* kUpdate = "UpdateMem";
+constexpr const char* kFinal = "FinalMem";
+
+TEST_F(StreamTest, HandleIsKeptInTheContext) {
+  for (const char* kind : kKinds) {
+    SCOPED_TRACE(kind);
+    objects.stream = Make<IStreamCtx>();
+    engine().on(step(kind, kInit).function).handle = reinterpret_cast<void*>(0xABCD);
+    for (const char* name : {kInit, kUpdate, kFinal}) EXPECT_OK(run(kind, name)) << name;
+    EXPECT_EQ(0u, handle(kind, kInit).target.u64(0));
+    EXPECT_EQ(0xABCDu, handle(kind, kUpdate).target.u64(0));
+    EXPECT_EQ(0xABCDu, handle(kind, kFinal).target.u64(0));
+    EXPECT_EQ(handle(kind, kInit).value, handle(kind, kUpdate).value);
+    EXPECT_EQ(handle(kind, kInit).value, handle(kind, kFinal).value);
+  }
+}
 
 TEST_F(StreamTest, OrderOfTheCallsIsTheEnginesAffair) {
   EXPECT_OK(objects.quivo->StrSignFinalMem(objects.sign, objects.stream, Variant().out()));
-  EXPECT_EQ(0u, handleOf(kSign[2]).target.u64(0));
+  EXPECT_EQ(0u, handle("Sign", kFinal).target.u64(0));
   engine().on("QUIVO_StrHashUpdateMem").result = static_cast<int32_t>(0xE0700001);
   EXPECT_HR(0xE0700001, objects.quivo->StrHashUpdateMem(objects.stream, Variant()));
 }
 
 TEST_F(StreamTest, ContextMayMoveToAnotherKind) {
-  EXPECT_OK(kSign[0].call(objects));
-  EXPECT_OK(kHash[1].call(objects));
-  EXPECT_NE(0u, handleOf(kHash[1]).target.u64(0));
+  EXPECT_OK(run("Sign", kInit));
+  EXPECT_OK(run("Hash", kUpdate));
+  EXPECT_NE(0u, handle("Hash", kUpdate).target.u64(0));
 }
 
 TEST_F(StreamTest, AbandonedStreamIsLeftToTheEngine) {
-  EXPECT_OK(kSign[0].call(objects));
+  EXPECT_OK(run("Sign", kInit));
   engine().forgetCalls();
   objects.stream.reset();
   EXPECT_EQ(std::vector<std::string>{}, engine().names());
@@ -91,8 +62,8 @@ TEST_F(StreamTest, AbandonedStreamIsLeftToTheEngine) {
 
 TEST_F(StreamTest, ContextsHaveHandlesOfTheirOwn) {
   Objects others(openQuivo());
-  EXPECT_OK(kHash[0].call(objects));
-  EXPECT_OK(kHash[0].call(others));
+  EXPECT_OK(run("Hash", kInit));
+  EXPECT_OK(step("Hash", kInit).call(others));
   const auto& calls = engine().calls();
   EXPECT_NE(calls.at(0).value(2), calls.at(calls.size() - 1).value(2));
 }
@@ -102,12 +73,11 @@ TEST_F(StreamTest, ParameterRecordsReachEveryCall) {
   EXPECT_OK(objects.verify->put_flag(Flag_Verify_MinSigns));
   EXPECT_OK(objects.encrypt->put_flag(Flag_Encrypt_Remote));
   EXPECT_OK(objects.decrypt->put_flag(Flag_Decrypt_NoCache));
-  const std::pair<const StreamCall(*)[3], uint32_t> kinds[]{
-      {&kSign, 32}, {&kVerify, 128}, {&kEncrypt, 4}, {&kDecrypt, 2}};
+  const std::pair<const char*, uint32_t> kinds[]{{"Sign", 32}, {"Verify", 128}, {"Encrypt", 4}, {"Decrypt", 2}};
   for (const auto& [kind, flag] : kinds) {
-    for (const StreamCall& row : *kind) {
-      EXPECT_OK(row.call(objects));
-      EXPECT_EQ(flag, engine().only(row.function).record(1).u32(0)) << row.function;
+    for (const char* name : {kInit, kUpdate, kFinal}) {
+      EXPECT_OK(run(kind, name));
+      EXPECT_EQ(flag, engine().only(step(kind, name).function).record(1).u32(0)) << kind << name;
     }
   }
 }
@@ -137,21 +107,21 @@ TEST_F(StreamVerifyFinalTest, OutputsAreZeroBeforeTheCall) {
 }
 
 TEST_F(StreamVerifyFinalTest, ResultsAndMessageAreReturned) {
-  reply().signatures = {{0, 0, fullCertificate()}};
+  reply().signatures = {{0, 0, FullCertificate()}};
   reply().output = {9};
   EXPECT_OK(finish());
-  EXPECT_EQ((Bytes{9}), plainBytesOf(output));
+  EXPECT_EQ((Bytes{9}), PlainBytesOf(output));
   Ptr<ICertificate> cert;
-  EXPECT_OK(objectsOf<ISignStatus>(results).at(0)->get_cert(cert.out()));
-  expectFullCertificate(cert);
+  EXPECT_OK(ObjectsOf<ISignStatus>(results).at(0)->get_cert(cert.out()));
+  ExpectFullCertificate(cert);
 }
 
 TEST_F(StreamVerifyFinalTest, RejectedStreamHasResultsButNoMessage) {
   reply().result = 0x19;
   reply().signatures = {{0x19, 0, {}}};
   EXPECT_HR(0xE0690019, finish());
-  EXPECT_EQ(1u, objectsOf(results).size());
-  EXPECT_EQ(L"before", textOf(output));
+  EXPECT_EQ(1u, ObjectsOf(results).size());
+  EXPECT_EQ(L"before", TextOf(output));
   EXPECT_EQ(1u, engine().count("QUIVO_FreeVerifyResult"));
 }
 
@@ -160,59 +130,8 @@ TEST_F(StreamVerifyFinalTest, FailureOfTheResultsKeepsTheMessage) {
   factory.failAfter(0, E_NOINTERFACE);
   reply().signatures = {{0, 0, {}}};
   EXPECT_HR(E_NOINTERFACE, finish());
-  EXPECT_EQ(L"before", textOf(output));
+  EXPECT_EQ(L"before", TextOf(output));
   EXPECT_EQ(1u, engine().count("QUIVO_FreeVerifyResult"));
-}
-
-TEST_F(StreamVerifyFinalTest, EngineCodeWinsOverAFailureOfTheResults) {
-  SubstituteFactory factory(__uuidof(SignStatus));
-  factory.failAfter(0, E_NOINTERFACE);
-  reply().result = 0x19;
-  reply().signatures = {{0, 0, {}}};
-  EXPECT_HR(0xE0690019, finish());
-}
-
-class StreamDecryptFinalTest : public ContractTest {
- protected:
-  HRESULT finish() { return objects.quivo->StrDecryptFinalMem(objects.decrypt, objects.stream, certificate.inOut()); }
-  fake::Reply& reply() { return engine().on("QUIVO_StrDecryptFinalMem"); }
-
-  Objects objects{openQuivo()};
-  Ptr<ICertificate> certificate;
-};
-
-TEST_F(StreamDecryptFinalTest, ResultIsZeroBeforeTheCall) {
-  EXPECT_OK(finish());
-  EXPECT_TRUE(engine().only("QUIVO_StrDecryptFinalMem").record(3).allZero());
-}
-
-TEST_F(StreamDecryptFinalTest, CertificateIsReturned) {
-  reply().certificate = fullCertificate();
-  EXPECT_OK(finish());
-  expectFullCertificate(certificate);
-}
-
-TEST_F(StreamDecryptFinalTest, CertificateIsReturnedOnFailureToo) {
-  reply().result = 0x19;
-  reply().certificate = certificateOf("CN=x");
-  EXPECT_HR(0xE0690019, finish());
-  ASSERT_NE(nullptr, certificate.get());
-  EXPECT_EQ(L"CN=x", subjectOf(certificate));
-  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
-}
-
-TEST_F(StreamDecryptFinalTest, FailureOfTheCertificateIsReturnedMapped) {
-  SubstituteFactory factory(__uuidof(Certificate));
-  factory.failAfter(0, static_cast<HRESULT>(0x80070005));
-  EXPECT_HR(kAccessDenied, finish());
-  EXPECT_EQ(1u, engine().count("QUIVO_FreeDecryptResult"));
-}
-
-TEST_F(StreamDecryptFinalTest, EngineCodeWinsOverAFailureOfTheCertificate) {
-  SubstituteFactory factory(__uuidof(Certificate));
-  factory.failAfter(0, E_NOINTERFACE);
-  reply().result = 0x19;
-  EXPECT_HR(0xE0690019, finish());
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
 // How strings reach the engine: NUL-terminated, in the system's ANSI code page.
-#include "contract/operations/calls.h"
+#include "support/operations.h"
 
 namespace {
 
-class StringInputTest : public ContractTest, public ::testing::WithParamInterface<StringInput> {
+class StringInputTest : public ContractTest, public ::testing::WithParamInterface<OperationArgument> {
  protected:
   void SetUp() override { objects_.emplace(openQuivo()); }
   HRESULT pass(BSTR text) { return GetParam().call(*objects_, text); }
@@ -41,7 +41,7 @@ TEST_P(StringInputTest, TextEndsAtItsFirstNul) {
 }
 
 TEST_P(StringInputTest, NullTextIsANullPointerOrRefused) {
-  if (GetParam().optional) {
+  if (GetParam().isOptional()) {
     EXPECT_OK(pass(nullptr));
     EXPECT_EQ(fake::Text{}, received());
   } else {
@@ -57,7 +57,7 @@ TEST_P(StringInputTest, BufferThatCannotBeAllocatedIsReported) {
   EXPECT_EQ(0u, engine().count(GetParam().function));
 }
 
-INSTANTIATE_TEST_SUITE_P(Arguments, StringInputTest, ::testing::ValuesIn(kStringInputs), nameOfRow<StringInput>);
+INSTANTIATE_TEST_SUITE_P(Arguments, StringInputTest, ::testing::ValuesIn(StringInputs()), NameOfRow<OperationArgument>);
 
 using StringOrderTest = ContractTest;
 
@@ -80,7 +80,7 @@ TEST_F(StringOrderTest, FailureOfTheFirstIsNotForgotten) {
 
 TEST_F(StringOrderTest, OutputFileIsConvertedAfterTheInputFile) {
   Ptr<IQUIVO> quivo = openQuivo();
-  Ptr<IEncryptParam> param = make<EncryptParam>();
+  Ptr<IEncryptParam> param = Make<IEncryptParam>();
   Bstr name(L"name");
   Module::get().failAllocation(0);
   EXPECT_HR(kInvalidArgument, quivo->EncryptFile(param, name, nullptr));
@@ -88,7 +88,7 @@ TEST_F(StringOrderTest, OutputFileIsConvertedAfterTheInputFile) {
 
 TEST_F(StringOrderTest, OutputOfASignatureIsConvertedLast) {
   Ptr<IQUIVO> quivo = openQuivo();
-  Ptr<ISignParam> param = make<SignParam>();
+  Ptr<ISignParam> param = Make<ISignParam>();
   Bstr data(L"data"), signature(L"signature");
   Module::get().failAllocation(0);
   EXPECT_HR(kInvalidArgument, quivo->SignFile(param, data, signature, nullptr));
@@ -97,7 +97,7 @@ TEST_F(StringOrderTest, OutputOfASignatureIsConvertedLast) {
 
 TEST_F(StringOrderTest, VerifiedFileIsConvertedBeforeTheSignature) {
   Ptr<IQUIVO> quivo = openQuivo();
-  Ptr<IVerifyParam> param = make<VerifyParam>();
+  Ptr<IVerifyParam> param = Make<IVerifyParam>();
   Variant results;
   Bstr data(L"data");
   Module::get().failAllocation(0);
@@ -107,7 +107,7 @@ TEST_F(StringOrderTest, VerifiedFileIsConvertedBeforeTheSignature) {
 
 TEST_F(StringOrderTest, SignatureIsConvertedBeforeTheOutput) {
   Ptr<IQUIVO> quivo = openQuivo();
-  Ptr<IVerifyParam> param = make<VerifyParam>();
+  Ptr<IVerifyParam> param = Make<IVerifyParam>();
   Variant results;
   Bstr output(L"output");
   Module::get().failAllocation(0);
@@ -116,7 +116,7 @@ TEST_F(StringOrderTest, SignatureIsConvertedBeforeTheOutput) {
 
 TEST_F(StringOrderTest, DecryptedFileIsConvertedAfterTheInputFile) {
   Ptr<IQUIVO> quivo = openQuivo();
-  Ptr<IDecryptParam> param = make<DecryptParam>();
+  Ptr<IDecryptParam> param = Make<IDecryptParam>();
   Ptr<ICertificate> certificate;
   Bstr name(L"name");
   Module::get().failAllocation(0);

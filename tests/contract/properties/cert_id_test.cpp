@@ -1,11 +1,11 @@
 // The certificate identifier: its type decides which of its properties exist.
-#include "contract/properties/records.h"
+#include "support/records.h"
 
 namespace {
 
 class CertIdTest : public ContractTest {
  protected:
-  void SetUp() override { id_ = make<CertId>(); }
+  void SetUp() override { id_ = Make<ICertId>(); }
   Ptr<ICertId>& id() { return id_; }
   void setType(int type) { EXPECT_OK(id_->put_type(static_cast<IdChoice_t>(type))); }
   int type() {
@@ -21,7 +21,7 @@ class CertIdTest : public ContractTest {
     EXPECT_OK(id_->get_certHash(value.out()));
     return value.type();
   }
-  fake::Snapshot record() { return recordOf(id_.get()); }
+  fake::Snapshot record() { return RecordOf(id_.get()); }
 
  private:
   std::wstring read(HRESULT (STDMETHODCALLTYPE ICertId::*get)(BSTR*)) {
@@ -48,7 +48,7 @@ TEST_F(CertIdTest, NothingCanBeSetBeforeTheType) {
   EXPECT_HR(0x80070057u, id()->put_issuer(Bstr(L"x")));
   EXPECT_HR(0x80070057u, id()->put_serialNumber(Bstr(L"x")));
   EXPECT_HR(0x80070057u, id()->put_keyId(Bstr(L"x")));
-  EXPECT_HR(0x80070057u, id()->put_certHash(bytes({1})));
+  EXPECT_HR(0x80070057u, id()->put_certHash(ByteArray({1})));
   EXPECT_TRUE(record().part(8, 16).allZero());
 }
 
@@ -64,7 +64,7 @@ TEST_F(CertIdTest, IssuerAndSerialNumberBelongToTypeZero) {
   EXPECT_OK(id()->put_issuer(Bstr(L"CN=CA")));
   EXPECT_OK(id()->put_serialNumber(Bstr(L"0102")));
   EXPECT_HR(E_INVALIDARG, id()->put_keyId(Bstr(L"x")));
-  EXPECT_HR(E_INVALIDARG, id()->put_certHash(bytes({1})));
+  EXPECT_HR(E_INVALIDARG, id()->put_certHash(ByteArray({1})));
   EXPECT_EQ(L"CN=CA", issuer());
   EXPECT_EQ(L"0102", serialNumber());
   EXPECT_EQ(L"", keyId());
@@ -84,7 +84,7 @@ TEST_F(CertIdTest, KeyIdBelongsToTypeOne) {
 
 TEST_F(CertIdTest, HashBelongsToTypeTwo) {
   setType(Id_CertHash);
-  EXPECT_OK(id()->put_certHash(bytes({1, 2})));
+  EXPECT_OK(id()->put_certHash(ByteArray({1, 2})));
   EXPECT_HR(E_INVALIDARG, id()->put_keyId(Bstr(L"x")));
   EXPECT_EQ(kByteArray, hashType());
   EXPECT_EQ(L"", issuer());
@@ -120,7 +120,7 @@ TEST_F(CertIdTest, EveryTypeStartsEmptyAfterEveryOther) {
       id()->put_issuer(Bstr(L"x"));
       id()->put_serialNumber(Bstr(L"x"));
       id()->put_keyId(Bstr(L"x"));
-      id()->put_certHash(bytes({1}));
+      id()->put_certHash(ByteArray({1}));
       setType(to);
       EXPECT_TRUE(record().part(8, 16).allZero()) << from << " to " << to;
     }
@@ -133,7 +133,7 @@ TEST_F(CertIdTest, UnknownTypeIsAcceptedAndRefusesEverySetter) {
   EXPECT_HR(E_INVALIDARG, id()->put_issuer(Bstr(L"x")));
   EXPECT_HR(E_INVALIDARG, id()->put_serialNumber(Bstr(L"x")));
   EXPECT_HR(E_INVALIDARG, id()->put_keyId(Bstr(L"x")));
-  EXPECT_HR(E_INVALIDARG, id()->put_certHash(bytes({1})));
+  EXPECT_HR(E_INVALIDARG, id()->put_certHash(ByteArray({1})));
   EXPECT_EQ(5, record().i32(0));
 }
 
@@ -158,7 +158,7 @@ TEST_F(CertIdTest, EngineReadsIssuerAndSerialNumber) {
 
 TEST_F(CertIdTest, EngineReadsTheHash) {
   setType(Id_CertHash);
-  EXPECT_OK(id()->put_certHash(bytes({7, 8, 9})));
+  EXPECT_OK(id()->put_certHash(ByteArray({7, 8, 9})));
   EXPECT_EQ(2, record().i32(0));
   EXPECT_EQ(3u, record().u32(8));
   EXPECT_EQ((Bytes{7, 8, 9}), record().blob(8));

@@ -2,7 +2,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "contract/properties/records.h"
+#include "contract/properties/properties.h"
 
 namespace {
 
@@ -12,19 +12,8 @@ constexpr DATE kSecond = 1.1574074074074073e-5;
 constexpr uint32_t kLeapDay = 1330518896;
 constexpr DATE kLeapDate = 40968.0 + 45296 * kSecond;
 
-struct TimeProperty {
-  const char* name;
-  HRESULT (STDMETHODCALLTYPE ICertificate::*get)(DATE*);
-  HRESULT (STDMETHODCALLTYPE ICertificate::*put)(DATE);
-  size_t offset;
-  uint32_t fake::Certificate::*field;
-};
-
-void PrintTo(const TimeProperty& row, std::ostream* out) { *out << row.name; }
-
-class CertificateTimeTest : public ContractTest, public ::testing::WithParamInterface<TimeProperty> {
+class CertificateTimeTest : public ContractTest, public ::testing::WithParamInterface<Property> {
  protected:
-  void SetUp() override { certificate_ = make<Certificate>(); }
   void TearDown() override {
     _putenv("TZ=");
     _tzset();
@@ -33,27 +22,25 @@ class CertificateTimeTest : public ContractTest, public ::testing::WithParamInte
     _putenv(setting);
     _tzset();
   }
-  HRESULT put(DATE value) { return (certificate_.get()->*GetParam().put)(value); }
-  DATE get() { return get(certificate_); }
-  DATE get(ICertificate* certificate) {
+  HRESULT put(DATE value) { return GetParam().put(certificate, value); }
+  DATE get() { return get(certificate); }
+  DATE get(IDispatch* object) {
     DATE value = -1;
-    EXPECT_OK((certificate->*GetParam().get)(&value));
+    EXPECT_OK(GetParam().get(object, &value));
     return value;
   }
-  uint32_t seconds() { return recordOf(certificate_.get()).u32(GetParam().offset); }
+  uint32_t seconds() { return RecordOf(certificate).u32(GetParam().offset); }
   /// What the property shows for a time that the engine gave.
   DATE shown(uint32_t time) {
-    fake::Certificate filled;
-    filled.*GetParam().field = time;
-    engine().on("QUIVO_ParseCert").certificate = filled;
-    Ptr<ICertificate> certificate;
-    EXPECT_OK(openQuivo()->ParseCert(Variant(), Field_All, certificate.out()));
-    return get(certificate);
+    fake::Snapshot record = RecordOf(Make<ICertificate>());
+    std::memcpy(record.bytes.data() + GetParam().offset, &time, sizeof time);
+    engine().on("QUIVO_ParseCert").record = record;
+    Ptr<ICertificate> parsed;
+    EXPECT_OK(openQuivo()->ParseCert(Variant(), Field_All, parsed.out()));
+    return get(parsed);
   }
-  Ptr<ICertificate>& certificate() { return certificate_; }
 
- private:
-  Ptr<ICertificate> certificate_;
+  Ptr<IDispatch> certificate = GetParam().make();
 };
 
 TEST_P(CertificateTimeTest, NewCertificateShowsTheEpoch) { EXPECT_EQ(25569.0, get()); }
@@ -167,35 +154,23 @@ TEST_P(CertificateTimeTest, DateAfter2106LosesItsUpperHalf) {
 }
 
 TEST_P(CertificateTimeTest, NullPointerForTheDateIsRefused) {
-  EXPECT_HR(E_POINTER, (certificate().get()->*GetParam().get)(nullptr));
+  EXPECT_HR(E_POINTER, GetParam().get(certificate, nullptr));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Properties, CertificateTimeTest,
-    ::testing::Values(TimeProperty{"notBefore", &ICertificate::get_notBefore, &ICertificate::put_notBefore, 40,
-                                   &fake::Certificate::notBefore},
-                      TimeProperty{"notAfter", &ICertificate::get_notAfter, &ICertificate::put_notAfter, 44,
-                                   &fake::Certificate::notAfter},
-                      TimeProperty{"notBeforePrivate", &ICertificate::get_notBeforePrivate,
-                                   &ICertificate::put_notBeforePrivate, 68, &fake::Certificate::notBeforePrivate},
-                      TimeProperty{"notAfterPrivate", &ICertificate::get_notAfterPrivate,
-                                   &ICertificate::put_notAfterPrivate, 72, &fake::Certificate::notAfterPrivate}),
-    [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Properties, CertificateTimeTest, ::testing::ValuesIn(DateProperties()), NameOfProperty);
 
 using TimeOrderTest = ContractTest;
 
-fake::Snapshot timesOf(ICertificate* certificate) { return recordOf(certificate); }
-
 TEST_F(TimeOrderTest, EndSetAfterTheStartStays) {
-  Ptr<ICertificate> certificate = make<Certificate>();
+  Ptr<ICertificate> certificate = Make<ICertificate>();
   EXPECT_OK(certificate->put_notBefore(kEpoch + 1));
   EXPECT_OK(certificate->put_notAfter(kEpoch + 2));
-  EXPECT_EQ(86400u, timesOf(certificate).u32(40));
-  EXPECT_EQ(172800u, timesOf(certificate).u32(44));
+  EXPECT_EQ(86400u, RecordOf(certificate).u32(40));
+  EXPECT_EQ(172800u, RecordOf(certificate).u32(44));
 }
 
 TEST_F(TimeOrderTest, StartSetAfterTheEndResetsIt) {
-  Ptr<ICertificate> certificate = make<Certificate>();
+  Ptr<ICertificate> certificate = Make<ICertificate>();
   EXPECT_OK(certificate->put_notAfter(kEpoch + 2));
   EXPECT_OK(certificate->put_notBefore(kEpoch + 1));
   DATE end = 0;
@@ -204,38 +179,38 @@ TEST_F(TimeOrderTest, StartSetAfterTheEndResetsIt) {
 }
 
 TEST_F(TimeOrderTest, PrivatePeriodBehavesAlike) {
-  Ptr<ICertificate> certificate = make<Certificate>();
+  Ptr<ICertificate> certificate = Make<ICertificate>();
   EXPECT_OK(certificate->put_notBeforePrivate(kEpoch + 1));
   EXPECT_OK(certificate->put_notAfterPrivate(kEpoch + 2));
-  EXPECT_EQ(172800u, timesOf(certificate).u32(72));
+  EXPECT_EQ(172800u, RecordOf(certificate).u32(72));
   EXPECT_OK(certificate->put_notBeforePrivate(kEpoch + 3));
-  EXPECT_EQ(0u, timesOf(certificate).u32(72));
+  EXPECT_EQ(0u, RecordOf(certificate).u32(72));
 }
 
 TEST_F(TimeOrderTest, UpperHalfOfAStartBecomesTheEnd) {
-  Ptr<ICertificate> certificate = make<Certificate>();
+  Ptr<ICertificate> certificate = Make<ICertificate>();
   EXPECT_OK(certificate->put_notBefore(kEpoch + 49710 + 23301 * kSecond));
-  EXPECT_EQ(5u, timesOf(certificate).u32(40));
-  EXPECT_EQ(1u, timesOf(certificate).u32(44));
+  EXPECT_EQ(5u, RecordOf(certificate).u32(40));
+  EXPECT_EQ(1u, RecordOf(certificate).u32(44));
   EXPECT_OK(certificate->put_notBeforePrivate(kEpoch + 49710 + 23301 * kSecond));
-  EXPECT_EQ(1u, timesOf(certificate).u32(72));
+  EXPECT_EQ(1u, RecordOf(certificate).u32(72));
 }
 
 TEST_F(TimeOrderTest, EndNeverTouchesTheIssuerIdentifier) {
-  Ptr<ICertificate> certificate = make<Certificate>();
+  Ptr<ICertificate> certificate = Make<ICertificate>();
   EXPECT_OK(certificate->put_issuerUID(Bstr(L"issuer")));
   EXPECT_OK(certificate->put_notAfter(kEpoch + 49710 + 23301 * kSecond));
-  EXPECT_EQ("issuer", timesOf(certificate).text(48));
+  EXPECT_EQ("issuer", RecordOf(certificate).text(48));
   Bstr text;
   EXPECT_OK(certificate->get_issuerUID(text.inOut()));
   EXPECT_EQ(L"issuer", text.text());
 }
 
 TEST_F(TimeOrderTest, RefusedStartLeavesTheEnd) {
-  Ptr<ICertificate> certificate = make<Certificate>();
+  Ptr<ICertificate> certificate = Make<ICertificate>();
   EXPECT_OK(certificate->put_notAfter(kEpoch + 2));
   EXPECT_HR(E_INVALIDARG, certificate->put_notBefore(3e6));
-  EXPECT_EQ(172800u, timesOf(certificate).u32(44));
+  EXPECT_EQ(172800u, RecordOf(certificate).u32(44));
 }
 
 }  // namespace

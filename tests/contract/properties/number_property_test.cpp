@@ -3,42 +3,41 @@
 
 namespace {
 
-class NumberPropertyTest : public ContractTest, public ::testing::WithParamInterface<NumberProperty> {};
+class NumberPropertyTest : public ContractTest, public ::testing::WithParamInterface<Property> {
+ protected:
+  int32_t get() {
+    int32_t value = 77;
+    EXPECT_OK(GetParam().get(object, &value));
+    return value;
+  }
+  int32_t recorded() { return RecordOf(object).i32(GetParam().offset); }
+
+  Ptr<IDispatch> object = GetParam().make();
+};
 
 TEST_P(NumberPropertyTest, NewObjectHasZero) {
-  Ptr<IDispatch> object = GetParam().make();
-  int32_t value = 77;
-  EXPECT_OK(GetParam().get(object, &value));
-  EXPECT_EQ(0, value);
-  EXPECT_EQ(0, GetParam().record(object).i32(GetParam().offset));
+  EXPECT_EQ(0, get());
+  EXPECT_EQ(0, recorded());
 }
 
 TEST_P(NumberPropertyTest, AnyValueIsKeptAndReachesTheEngine) {
-  Ptr<IDispatch> object = GetParam().make();
   for (int32_t given : {1, -1, INT32_MIN, INT32_MAX, 0x12345678}) {
-    int32_t value = 0;
     EXPECT_OK(GetParam().put(object, given));
-    EXPECT_OK(GetParam().get(object, &value));
-    EXPECT_EQ(given, value);
-    EXPECT_EQ(given, GetParam().record(object).i32(GetParam().offset));
+    EXPECT_EQ(given, get());
+    EXPECT_EQ(given, recorded());
   }
 }
 
 TEST_P(NumberPropertyTest, OtherFieldsOfTheRecordStay) {
-  Ptr<IDispatch> object = GetParam().make();
-  fake::Snapshot before = GetParam().record(object);
+  fake::Snapshot before = RecordOf(object);
   EXPECT_OK(GetParam().put(object, -1));
-  fake::Snapshot after = GetParam().record(object);
+  fake::Snapshot after = RecordOf(object);
   for (size_t i = 0; i < 4; ++i) before.bytes[GetParam().offset + i] = after.bytes[GetParam().offset + i] = 0;
   EXPECT_EQ(before.bytes, after.bytes);
 }
 
-TEST_P(NumberPropertyTest, NullPointerForTheValueIsRefused) {
-  Ptr<IDispatch> object = GetParam().make();
-  EXPECT_HR(E_POINTER, GetParam().get(object, nullptr));
-}
+TEST_P(NumberPropertyTest, NullPointerForTheValueIsRefused) { EXPECT_HR(E_POINTER, GetParam().get(object, nullptr)); }
 
-INSTANTIATE_TEST_SUITE_P(Properties, NumberPropertyTest, ::testing::ValuesIn(numberProperties()),
-                         nameOfProperty<NumberProperty>);
+INSTANTIATE_TEST_SUITE_P(Properties, NumberPropertyTest, ::testing::ValuesIn(NumberProperties()), NameOfProperty);
 
 }  // namespace

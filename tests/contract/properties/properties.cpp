@@ -1,163 +1,144 @@
 #include "contract/properties/properties.h"
 
+#include <algorithm>
+
+#include "contract/com/interface_tables.h"
+
 namespace {
 
-template <class Class>
-Ptr<IDispatch> plain() {
-  return make<Class>().template as<IDispatch>();
+template <class Condition>
+std::vector<Property> PropertiesWhere(Condition condition) {
+  std::vector<Property> all = AllProperties();
+  // The type decides about the identifier's other properties; the time of a signature cannot be changed.
+  std::erase_if(all, [&](const Property& property) { return property.name == "CertId_type" || !condition(property); });
+  return all;
 }
 
-template <IdChoice_t Type>
-Ptr<IDispatch> typedId() {
-  Ptr<ICertId> id = make<CertId>();
-  EXPECT_OK(id->put_type(Type));
-  return id.as<IDispatch>();
+/// Behind the '@' of a listed property: its place in the record, and what a VARIANT holds.
+void ReadPlace(const std::string& line, Property& property) {
+  const size_t at = line.find('@');
+  if (at == std::string::npos) return;
+  property.offset = std::stoul(line.substr(at + 1));
+  const size_t space = line.find(' ', at);
+  if (space != std::string::npos) property.content = line.substr(space + 1);
 }
 
-template <class Interface>
-fake::Snapshot record(IDispatch* object) {
-  return recordOf(static_cast<Interface*>(object));
+const InterfaceTable& TableOf(const std::string& interfaceName) {
+  return *std::find_if(kInterfaces.begin(), kInterfaces.end(),
+                       [&](const InterfaceTable& table) { return table.name == interfaceName; });
 }
 
-template <class Interface>
-StringProperty text(const char* name, MakeOwner make, HRESULT (STDMETHODCALLTYPE Interface::*get)(BSTR*),
-                    HRESULT (STDMETHODCALLTYPE Interface::*put)(BSTR), size_t offset) {
-  return {name,
-          std::move(make),
-          [get](IDispatch* object, BSTR* value) { return (static_cast<Interface*>(object)->*get)(value); },
-          [put](IDispatch* object, BSTR value) { return (static_cast<Interface*>(object)->*put)(value); },
-          record<Interface>,
-          offset};
+std::vector<Property> FindProperties() {
+  std::vector<Property> all;
+  for (const CoClass& owner : Classes()) {
+    const std::vector<Member> members = MembersOf(owner.interfaceName);
+    const std::vector<std::string>& lines = TableOf(owner.interfaceName).members;
+    for (size_t i = 0; i + 1 < members.size() && members[i].kind == INVOKE_PROPERTYGET; i += 2) {
+      Property& property = all.emplace_back(
+          Property{owner.name + "_" + members[i].name, owner, members[i], members[i + 1], "", Property::kNoRecord});
+      ReadPlace(lines.at(i / 2), property);
+    }
+  }
+  return all;
 }
 
-template <class Interface>
-VariantProperty variant(const char* name, MakeOwner make, HRESULT (STDMETHODCALLTYPE Interface::*get)(VARIANT*),
-                        HRESULT (STDMETHODCALLTYPE Interface::*put)(VARIANT), size_t countOffset,
-                        size_t pointerOffset) {
-  return {name,
-          std::move(make),
-          [get](IDispatch* object, VARIANT* value) { return (static_cast<Interface*>(object)->*get)(value); },
-          [put](IDispatch* object, VARIANT value) { return (static_cast<Interface*>(object)->*put)(value); },
-          record<Interface>,
-          countOffset,
-          pointerOffset};
-}
-
-template <class Interface, class Number>
-NumberProperty number(const char* name, MakeOwner make, HRESULT (STDMETHODCALLTYPE Interface::*get)(Number*),
-                      HRESULT (STDMETHODCALLTYPE Interface::*put)(Number), size_t offset) {
-  static_assert(sizeof(Number) == sizeof(int32_t));
-  return {name,
-          std::move(make),
-          [get](IDispatch* object, int32_t* value) {
-            return (static_cast<Interface*>(object)->*get)(reinterpret_cast<Number*>(value));
-          },
-          [put](IDispatch* object, int32_t value) {
-            return (static_cast<Interface*>(object)->*put)(static_cast<Number>(value));
-          },
-          record<Interface>,
-          offset};
-}
-
-StringProperty extraName() {
-  return {"AltName_extraName",
-          plain<AltName>,
-          [](IDispatch* object, BSTR* value) { return getExtraName(static_cast<IAltName*>(object), value); },
-          [](IDispatch* object, BSTR value) { return putExtraName(static_cast<IAltName*>(object), value); },
-          record<IAltName>,
-          112};
+/// The first text of a class, which marks its objects.
+const Property& MarkOf(const std::string& interfaceName) {
+  for (const Property& property : AllProperties()) {
+    if (property.owner.interfaceName == interfaceName && property.type() == "BSTR") return property;
+  }
+  throw std::out_of_range(interfaceName + " has no text");
 }
 
 }  // namespace
 
-#define TEXT_OF(class_, property, offset) \
-  text(#class_ "_" #property, plain<class_>, &I##class_::get_##property, &I##class_::put_##property, offset)
-
-std::vector<StringProperty> stringProperties() {
-  return {
-      text("CertId_issuer", typedId<Id_Issuer_And_Serial>, &ICertId::get_issuer, &ICertId::put_issuer, 8),
-      text("CertId_serialNumber", typedId<Id_Issuer_And_Serial>, &ICertId::get_serialNumber, &ICertId::put_serialNumber,
-           16),
-      text("CertId_keyId", typedId<Id_KeyId>, &ICertId::get_keyId, &ICertId::put_keyId, 8),
-      TEXT_OF(LocalParam, pse, 16),
-      TEXT_OF(LocalParam, localstore, 24),
-      TEXT_OF(LocalParam, ldap, 32),
-      TEXT_OF(LocalParam, pincode, 40),
-      TEXT_OF(Policy, oid, 0),
-      TEXT_OF(Policy, org_name, 8),
-      TEXT_OF(Policy, text, 24),
-      TEXT_OF(Extension, oid, 0),
-      TEXT_OF(Certificate, issuer, 8),
-      TEXT_OF(Certificate, serialNumber, 16),
-      TEXT_OF(Certificate, subject, 24),
-      TEXT_OF(Certificate, algorithm, 32),
-      TEXT_OF(Certificate, issuerUID, 48),
-      TEXT_OF(Certificate, subjectUID, 56),
-      TEXT_OF(Certificate, keyId, 320),
-      TEXT_OF(AltName, emailAddress, 0),
-      TEXT_OF(AltName, DNS, 8),
-      TEXT_OF(AltName, URI, 16),
-      TEXT_OF(AltName, IP, 24),
-      TEXT_OF(AltName, organizationName, 32),
-      TEXT_OF(AltName, registredAddress, 40),
-      TEXT_OF(AltName, surname, 48),
-      TEXT_OF(AltName, businessCategory, 56),
-      TEXT_OF(AltName, telephoneNumber, 64),
-      TEXT_OF(AltName, description, 72),
-      TEXT_OF(AltName, account_number, 80),
-      TEXT_OF(AltName, bank_id, 88),
-      TEXT_OF(AltName, physicalDelivery, 96),
-      TEXT_OF(AltName, exchange_address, 104),
-      extraName(),
-  };
+Ptr<IDispatch> Property::make() const {
+  Ptr<IDispatch> object = MakeUnknown(owner.clsid, IID_IDispatch).as<IDispatch>();
+  if (Ptr<ICertId> id = object.as<ICertId>()) {
+    const bool isKeyId = getter.name == "keyId", isHash = getter.name == "certHash";
+    EXPECT_OK(id->put_type(isKeyId ? Id_KeyId : isHash ? Id_CertHash : Id_Issuer_And_Serial));
+  }
+  return object;
 }
 
-std::vector<VariantProperty> byteProperties() {
-  return {
-      variant("CertId_certHash", typedId<Id_CertHash>, &ICertId::get_certHash, &ICertId::put_certHash, 8, 16),
-      variant("Extension_data", plain<Extension>, &IExtension::get_data, &IExtension::put_data, 16, 24),
-      variant("Certificate_certEncoded", plain<Certificate>, &ICertificate::get_certEncoded,
-              &ICertificate::put_certEncoded, 376, 384),
-      variant("Certificate_certHash", plain<Certificate>, &ICertificate::get_certHash, &ICertificate::put_certHash, 392,
-              400),
-  };
+Variant Property::sample() const {
+  if (isObject()) return Variant::object(Marked(interfaceName(), L"x"));
+  if (type() == "BSTR") return Variant::text((L"значение " + Widen(name)).c_str());
+  if (content == "bytes") return ByteArray({1, 2});
+  if (content == "strings") return StringArray({L"1", L"2"});
+  if (type() == "VARIANT") return ObjectArray({Marked(content, L"x")});
+  Variant value = Variant::number(static_cast<LONG>(offset + 3));
+  if (type() != "DATE") return value;
+  V_VT(value.out()) = VT_DATE;
+  V_DATE(value.out()) = 40968.5;
+  return value;
 }
 
-std::vector<VariantProperty> stringArrayProperties() {
-  return {
-      variant("RSrvParam_servers", plain<RSrvParam>, &IRSrvParam::get_servers, &IRSrvParam::put_servers, 16, 24),
-      variant("VerifyParam_extKeyUsage", plain<VerifyParam>, &IVerifyParam::get_extKeyUsage,
-              &IVerifyParam::put_extKeyUsage, 32, 40),
-      variant("Certificate_extKeyUsage", plain<Certificate>, &ICertificate::get_extKeyUsage,
-              &ICertificate::put_extKeyUsage, 344, 352),
-  };
+SlotValue SlotOf(const Variant& value) {
+  const VARIANT& raw = value.get();
+  switch (value.type()) {
+    case VT_DISPATCH:
+      return V_DISPATCH(&raw);
+    case VT_BSTR:
+      return V_BSTR(&raw);
+    case VT_DATE:
+      return V_DATE(&raw);
+    case VT_I4:
+      return V_I4(&raw);
+    default:
+      return value;
+  }
 }
 
-#define NUMBER_OF(class_, property, offset) \
-  number(#class_ "_" #property, plain<class_>, &I##class_::get_##property, &I##class_::put_##property, offset)
+const std::vector<Property>& AllProperties() {
+  static const std::vector<Property> kAll = FindProperties();
+  return kAll;
+}
 
-std::vector<NumberProperty> numberProperties() {
-  return {
-      NUMBER_OF(LocalParam, flag, 8),
-      NUMBER_OF(RSrvParam, flag, 8),
-      NUMBER_OF(RSrvParam, timeout, 12),
-      NUMBER_OF(SignParam, flag, 0),
-      NUMBER_OF(VerifyParam, flag, 0),
-      NUMBER_OF(VerifyParam, keyUsage, 16),
-      NUMBER_OF(VerifyParam, nSignToDelete, 64),
-      NUMBER_OF(VerifyParam, minsigns, 68),
-      NUMBER_OF(VerifyParam, info, 72),
-      NUMBER_OF(EncryptParam, flag, 0),
-      NUMBER_OF(DecryptParam, flag, 0),
-      NUMBER_OF(DecryptParam, info, 16),
-      NUMBER_OF(FindParam, flag, 0),
-      NUMBER_OF(FindParam, info, 424),
-      NUMBER_OF(ExportParam, flag, 0),
-      NUMBER_OF(ImportParam, flag, 0),
-      NUMBER_OF(Policy, not_num, 16),
-      NUMBER_OF(Extension, type, 8),
-      NUMBER_OF(Extension, critical, 12),
-      NUMBER_OF(Certificate, fields, 0),
-      NUMBER_OF(Certificate, keyUsage, 64),
-  };
+std::vector<Property> TextProperties() {
+  std::vector<Property> texts = PropertiesWhere([](const Property& property) { return property.type() == "BSTR"; });
+  // The last text of an alternative name has no name in the library: its slots follow those of the others.
+  Property extra = *std::find_if(texts.begin(), texts.end(),
+                                 [](const Property& property) { return property.name == "AltName_exchange_address"; });
+  extra.name = "AltName_extraName";
+  extra.getter.offset += 2 * sizeof(void*);
+  extra.setter.offset += 2 * sizeof(void*);
+  extra.offset += sizeof(void*);
+  texts.push_back(extra);
+  return texts;
+}
+
+std::vector<Property> NumberProperties() {
+  return PropertiesWhere([](const Property& property) {
+    const bool isOther = property.isObject() || property.type() == "BSTR" || property.type() == "VARIANT";
+    return !isOther && property.type() != "DATE" && property.hasRecord();
+  });
+}
+
+std::vector<Property> DateProperties() {
+  return PropertiesWhere([](const Property& property) { return property.type() == "DATE" && property.hasRecord(); });
+}
+
+std::vector<Property> ObjectProperties() {
+  return PropertiesWhere([](const Property& property) { return property.isObject(); });
+}
+
+std::vector<Property> ArrayProperties(const std::string& content) {
+  return PropertiesWhere([&](const Property& property) {
+    return property.type() == "VARIANT" && (content.empty() || property.content == content);
+  });
+}
+
+Ptr<IDispatch> Marked(const std::string& interfaceName, const wchar_t* mark) {
+  Ptr<IDispatch> object = MarkOf(interfaceName).make();
+  Mark(object, mark);
+  return object;
+}
+
+void Mark(IDispatch* object, const wchar_t* mark) {
+  EXPECT_OK(MarkOf(InterfaceNameOf(object)).put(object, Bstr(mark)));
+}
+
+std::string MarkIn(const std::string& interfaceName, const fake::Snapshot& record) {
+  return record.text(MarkOf(interfaceName).offset);
 }

@@ -4,21 +4,19 @@
 
 namespace {
 
-class StringPropertyTest : public ContractTest, public ::testing::WithParamInterface<StringProperty> {
+class StringPropertyTest : public ContractTest, public ::testing::WithParamInterface<Property> {
  protected:
-  void SetUp() override { object_ = GetParam().make(); }
-  HRESULT get(Bstr& value) { return GetParam().get(object_, value.inOut()); }
-  HRESULT put(const Bstr& value) { return GetParam().put(object_, value); }
+  HRESULT get(Bstr& value) { return GetParam().get(object, value.inOut()); }
+  HRESULT put(const Bstr& value) { return GetParam().put(object, value); }
   std::wstring text() {
     Bstr value(L"before");
     EXPECT_OK(get(value));
     EXPECT_FALSE(value.null());
     return value.text();
   }
-  fake::Snapshot record() { return GetParam().record(object_); }
+  fake::Snapshot record() { return RecordOf(object); }
 
- private:
-  Ptr<IDispatch> object_;
+  Ptr<IDispatch> object = GetParam().make();
 };
 
 TEST_P(StringPropertyTest, NewObjectHasAnEmptyText) {
@@ -80,9 +78,9 @@ TEST_P(StringPropertyTest, TextEndsAtItsFirstNul) {
 }
 
 TEST_P(StringPropertyTest, LongTextIsKept) {
-  const std::wstring text_(5000, L'\x0436');
-  EXPECT_OK(put(text_));
-  EXPECT_EQ(text_, text());
+  const std::wstring longText(5000, L'\x0436');
+  EXPECT_OK(put(longText));
+  EXPECT_EQ(longText, text());
 }
 
 TEST_P(StringPropertyTest, TextThatCannotBeAllocatedLeavesNone) {
@@ -116,13 +114,11 @@ TEST_P(StringPropertyTest, StringThatCannotBeMadeIsReported) {
 }
 
 TEST_P(StringPropertyTest, NullPointerForTheValueIsRefused) {
-  Ptr<IDispatch> object = GetParam().make();
   EXPECT_HR(E_POINTER, GetParam().get(object, nullptr));
-  EXPECT_OK(GetParam().put(object, Bstr(L"value")));
+  EXPECT_OK(put(L"value"));
   EXPECT_HR(E_POINTER, GetParam().get(object, nullptr));
 }
 
-INSTANTIATE_TEST_SUITE_P(Properties, StringPropertyTest, ::testing::ValuesIn(stringProperties()),
-                         nameOfProperty<StringProperty>);
+INSTANTIATE_TEST_SUITE_P(Properties, StringPropertyTest, ::testing::ValuesIn(TextProperties()), NameOfProperty);
 
 }  // namespace

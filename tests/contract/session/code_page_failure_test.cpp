@@ -1,7 +1,7 @@
 // Conversions between strings and the ANSI code page that fail: at the measurement of a text, or at its conversion.
-#include "contract/operations/calls.h"
 #include "contract/properties/properties.h"
 #include "support/import_patch.h"
+#include "support/operations.h"
 #include "support/registry.h"
 #include "support/temp_file.h"
 
@@ -55,12 +55,12 @@ class ConversionFailure {
         EXPECT_EQ(static_cast<UINT>(CP_ACP), page);
         EXPECT_EQ(0u, flags);
         EXPECT_EQ(-1, length);
-        if (fails(wideOf(text), size == 0)) return 0;
+        if (fails(WideOf(text), size == 0)) return 0;
         return MultiByteToWideChar(page, flags, text, length, buffer, size);
       }};
 };
 
-class InputConversionTest : public ContractTest, public ::testing::WithParamInterface<StringInput> {
+class InputConversionTest : public ContractTest, public ::testing::WithParamInterface<OperationArgument> {
  protected:
   HRESULT pass() { return GetParam().call(objects, Bstr(L"name")); }
   size_t calls() { return engine().count(GetParam().function); }
@@ -93,11 +93,12 @@ TEST_P(InputConversionTest, LastErrorZeroIsNoFailure) {
   EXPECT_TRUE(engine().only(GetParam().function).null(GetParam().argument));
 }
 
-INSTANTIATE_TEST_SUITE_P(Arguments, InputConversionTest, ::testing::ValuesIn(kStringInputs), nameOfRow<StringInput>);
+INSTANTIATE_TEST_SUITE_P(Arguments, InputConversionTest, ::testing::ValuesIn(StringInputs()),
+                         NameOfRow<OperationArgument>);
 
 class SessionConversionTest : public ContractTest {
  protected:
-  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
   ConversionFailure failure;
 };
 
@@ -119,18 +120,18 @@ TEST_F(SessionConversionTest, LastErrorZeroOfTheProfileIsNoFailure) {
 
 TEST_F(SessionConversionTest, FailureOfTheNameOfAnInterfaceIsReturnedUnmapped) {
   failure.at(Step::kMeasurement, L"ILocalParam");
-  EXPECT_HR(kUnmapped, quivo->InitializeEx(make<LocalParam>()));
+  EXPECT_HR(kUnmapped, quivo->InitializeEx(Make<ILocalParam>()));
   EXPECT_TRUE(failure.happened());
   EXPECT_EQ(0u, engine().count("QUIVO_InitializeEx"));
 }
 
 TEST_F(SessionConversionTest, InterfaceWithoutANameIsRefused) {
   failure.at(Step::kMeasurement, L"ILocalParam", 0);
-  EXPECT_HR(kInvalidArgument, quivo->InitializeEx(make<LocalParam>()));
+  EXPECT_HR(kInvalidArgument, quivo->InitializeEx(Make<ILocalParam>()));
   EXPECT_EQ(0u, engine().count("QUIVO_InitializeEx"));
 }
 
-class PropertyConversionTest : public ContractTest, public ::testing::WithParamInterface<StringProperty> {
+class PropertyConversionTest : public ContractTest, public ::testing::WithParamInterface<Property> {
  protected:
   HRESULT put(const wchar_t* value) { return GetParam().put(object, Bstr(value)); }
   std::wstring text() {
@@ -169,10 +170,9 @@ TEST_P(PropertyConversionTest, FailureOfAReadingIsReturnedUnmapped) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Properties, PropertyConversionTest, ::testing::ValuesIn(stringProperties()),
-                         nameOfProperty<StringProperty>);
+INSTANTIATE_TEST_SUITE_P(Properties, PropertyConversionTest, ::testing::ValuesIn(TextProperties()), NameOfProperty);
 
-class ArrayConversionTest : public ContractTest, public ::testing::WithParamInterface<VariantProperty> {
+class ArrayConversionTest : public ContractTest, public ::testing::WithParamInterface<Property> {
  protected:
   Ptr<IDispatch> object = GetParam().make();
   ConversionFailure failure;
@@ -181,25 +181,25 @@ class ArrayConversionTest : public ContractTest, public ::testing::WithParamInte
 TEST_P(ArrayConversionTest, FailureKeepsWhatIsConvertedSoFar) {
   for (Step step : kSteps) {
     failure.at(step, L"two");
-    EXPECT_HR(kUnmapped, GetParam().put(object, strings({L"one", L"two", L"three"})));
+    EXPECT_HR(kUnmapped, GetParam().put(object, StringArray({L"one", L"two", L"three"})));
     Variant value;
     EXPECT_OK(GetParam().get(object, value.out()));
-    EXPECT_EQ((std::vector<std::wstring>{L"one", L"", L""}), stringsOf(value));
+    EXPECT_EQ((std::vector<std::wstring>{L"one", L"", L""}), StringsOf(value));
   }
 }
 
 TEST_P(ArrayConversionTest, FailureOfAReadingLeavesTheVariantAlone) {
-  EXPECT_OK(GetParam().put(object, strings({L"one", L"two"})));
+  EXPECT_OK(GetParam().put(object, StringArray({L"one", L"two"})));
   for (Step step : kSteps) {
     Variant value = Variant::text(L"before");
     failure.at(step, L"two");
     EXPECT_HR(kUnmapped, GetParam().get(object, value.out()));
-    EXPECT_EQ(L"before", textOf(value));
+    EXPECT_EQ(L"before", TextOf(value));
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Properties, ArrayConversionTest, ::testing::ValuesIn(stringArrayProperties()),
-                         nameOfProperty<VariantProperty>);
+INSTANTIATE_TEST_SUITE_P(Properties, ArrayConversionTest, ::testing::ValuesIn(ArrayProperties("strings")),
+                         NameOfProperty);
 
 struct TextOutput {
   const char* name;
@@ -211,17 +211,17 @@ struct TextOutput {
 void PrintTo(const TextOutput& row, std::ostream* out) { *out << row.name; }
 
 /// For a method whose output is a BSTR: the variable is one of type VT_BSTR.
-BSTR* stringOf(Variant& text) {
+BSTR* StringOf(Variant& text) {
   if (text.type() != VT_BSTR) text = Variant::text(L"");
   return &V_BSTR(text.out());
 }
 
 const TextOutput kTextOutputs[]{
     {"GetPKIErrorText", kMapped,
-     [](const Objects& o, Variant& text) { return o.quivo->GetPKIErrorText(5, stringOf(text)); }},
+     [](const Objects& o, Variant& text) { return o.quivo->GetPKIErrorText(5, StringOf(text)); }},
     {"GetPKIErrorTextVBS", kMapped,
      [](const Objects& o, Variant& text) { return o.quivo->GetPKIErrorTextVBS(5, text.out()); }},
-    {"UpdateCrl", kMapped, [](const Objects& o, Variant& text) { return o.quivo->UpdateCrl(stringOf(text)); }},
+    {"UpdateCrl", kMapped, [](const Objects& o, Variant& text) { return o.quivo->UpdateCrl(StringOf(text)); }},
     {"GetCurrentProfileNameVBS", kMapped,
      [](const Objects& o, Variant& text) {
        SetLastError(0);
@@ -238,8 +238,8 @@ class TextConversionTest : public ContractTest, public ::testing::WithParamInter
     }
     engine().on("QUIVO_FindCert").certificates = {fake::Certificate{}};
     const std::wstring profiles = L"SOFTWARE\\KORVENTA\\tavl\\Profiles";
-    writeDword(user_.key(), profiles, L"CurSel", 0);
-    writeText(user_.key(), profiles + L"\\0", L"ProfileName", L"text");
+    WriteDword(user_.key(), profiles, L"CurSel", 0);
+    WriteText(user_.key(), profiles + L"\\0", L"ProfileName", L"text");
   }
 
   Objects objects{openQuivo()};
@@ -254,7 +254,7 @@ TEST_P(TextConversionTest, FailureIsReturnedAndTheVariableLeftAlone) {
   for (Step step : kSteps) {
     failure.at(step, L"text");
     EXPECT_HR(step == Step::kMeasurement ? GetParam().unmeasured : kMapped, GetParam().call(objects, text));
-    EXPECT_EQ(L"before", textOf(text));
+    EXPECT_EQ(L"before", TextOf(text));
     EXPECT_EQ(std::vector<std::string>{}, engine().outstanding());
   }
 }
@@ -263,7 +263,7 @@ TEST_P(TextConversionTest, NegativeLastErrorIsReturnedAsItIs) {
   for (Step step : kSteps) {
     failure.at(step, L"text", kNegativeError);
     EXPECT_HR(kNegativeError, GetParam().call(objects, text));
-    EXPECT_EQ(L"before", textOf(text));
+    EXPECT_EQ(L"before", TextOf(text));
   }
 }
 
@@ -283,7 +283,7 @@ TEST_F(SignatureConversionTest, FailureIsExplainedByTheEngine) {
   failure.at(Step::kConversion, L"signature");
   EXPECT_HR(0xFFFFFFFFu, objects.quivo->SignFile2B64Mem(objects.sign, Bstr(file.path()), signature.out(), text.out()));
   EXPECT_EQ(VT_EMPTY, signature.type());
-  EXPECT_EQ(L"why", textOf(text));
+  EXPECT_EQ(L"why", TextOf(text));
   EXPECT_EQ(static_cast<int32_t>(kError), engine().only("QUIVO_GetErrorText").number(0));
 }
 

@@ -7,7 +7,7 @@ class ErrorTextTest : public ContractTest {
  protected:
   std::wstring textFor(uint32_t code) {
     Bstr text;
-    EXPECT_OK(make<QUIVO>()->GetPKIErrorText(static_cast<long>(code), text.inOut()));
+    EXPECT_OK(Make<IQUIVO>()->GetPKIErrorText(static_cast<long>(code), text.inOut()));
     return text.text();
   }
   fake::Reply& reply() { return engine().on("QUIVO_GetErrorText"); }
@@ -72,17 +72,17 @@ TEST_F(ErrorTextTest, CodeWithoutATextGivesAnEmptyOne) { EXPECT_EQ(L"", textFor(
 
 TEST_F(ErrorTextTest, FormerTextIsReplaced) {
   Bstr text(L"before");
-  EXPECT_OK(make<QUIVO>()->GetPKIErrorText(static_cast<long>(0xE0680001), text.inOut()));
+  EXPECT_OK(Make<IQUIVO>()->GetPKIErrorText(static_cast<long>(0xE0680001), text.inOut()));
   EXPECT_EQ(L"Объект уже инициализирован", text.text());
 }
 
 TEST_F(ErrorTextTest, NullPointerIsRefusedWithoutTheEngine) {
-  EXPECT_HR(kInvalidArgument, make<QUIVO>()->GetPKIErrorText(5, nullptr));
+  EXPECT_HR(kInvalidArgument, Make<IQUIVO>()->GetPKIErrorText(5, nullptr));
   EXPECT_EQ(0u, engine().count("QUIVO_GetErrorText"));
 }
 
 TEST_F(ErrorTextTest, WideBufferThatCannotBeAllocatedIsReported) {
-  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
   Bstr text(L"before");
   reply().during = [] { Module::get().failAllocation(0); };
   EXPECT_HR(kOutOfMemory, quivo->GetPKIErrorText(5, text.inOut()));
@@ -91,15 +91,15 @@ TEST_F(ErrorTextTest, WideBufferThatCannotBeAllocatedIsReported) {
 
 TEST_F(ErrorTextTest, ScriptsGetTheTextInAVariant) {
   Variant text;
-  EXPECT_OK(make<QUIVO>()->GetPKIErrorTextVBS(static_cast<long>(0xE0680001), text.out()));
-  EXPECT_EQ(L"Объект уже инициализирован", textOf(text));
+  EXPECT_OK(Make<IQUIVO>()->GetPKIErrorTextVBS(static_cast<long>(0xE0680001), text.out()));
+  EXPECT_EQ(L"Объект уже инициализирован", TextOf(text));
 }
 
 TEST_F(ErrorTextTest, ScriptsAskTheEngineInTheSameWay) {
   Variant text;
   reply().text = "text";
-  EXPECT_OK(make<QUIVO>()->GetPKIErrorTextVBS(static_cast<long>(0xE0690005), text.out()));
-  EXPECT_EQ(L"text", textOf(text));
+  EXPECT_OK(Make<IQUIVO>()->GetPKIErrorTextVBS(static_cast<long>(0xE0690005), text.out()));
+  EXPECT_EQ(L"text", TextOf(text));
   EXPECT_EQ(5, call().number(0));
 }
 
@@ -108,18 +108,18 @@ TEST_F(ErrorTextTest, VariantIsOverwrittenWithoutBeingCleared) {
   VARIANT text;
   V_VT(&text) = VT_BSTR;
   V_BSTR(&text) = kept;
-  EXPECT_OK(make<QUIVO>()->GetPKIErrorTextVBS(static_cast<long>(0xE0680001), &text));
+  EXPECT_OK(Make<IQUIVO>()->GetPKIErrorTextVBS(static_cast<long>(0xE0680001), &text));
   EXPECT_EQ(L"kept", kept.text());
   VariantClear(&text);
 }
 
 TEST_F(ErrorTextTest, NullVariantIsRefusedAfterTheLookUp) {
-  EXPECT_HR(kInvalidArgument, make<QUIVO>()->GetPKIErrorTextVBS(5, nullptr));
+  EXPECT_HR(kInvalidArgument, Make<IQUIVO>()->GetPKIErrorTextVBS(5, nullptr));
   EXPECT_EQ(1u, engine().count("QUIVO_GetErrorText"));
 }
 
 TEST_F(ErrorTextTest, FailedLookUpLeavesTheVariantAlone) {
-  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
   Variant text = Variant::number(77);
   reply().during = [] { Module::get().failAllocation(0); };
   EXPECT_HR(kOutOfMemory, quivo->GetPKIErrorTextVBS(5, text.out()));
@@ -128,7 +128,7 @@ TEST_F(ErrorTextTest, FailedLookUpLeavesTheVariantAlone) {
 
 TEST_F(ErrorTextTest, NoErrorInformationIsSet) {
   SetErrorInfo(0, nullptr);
-  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
   Variant hash;
   EXPECT_HR(kInvalidArgument, quivo->HashMem(Variant::text(L"text"), hash.out()));
   Ptr<IErrorInfo> information;

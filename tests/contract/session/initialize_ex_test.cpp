@@ -1,35 +1,34 @@
 // Opening a session by a parameter object.
 #include "support/contract_test.h"
 #include "support/foreign_object.h"
-#include "support/type_library.h"
 
 namespace {
 
 using InitializeExTest = ContractTest;
 
-const fake::Call& openedBy(fake::FakeEngine& engine) { return engine.only("QUIVO_InitializeEx"); }
+const fake::Call& OpenedBy(fake::FakeEngine& engine) { return engine.only("QUIVO_InitializeEx"); }
 
 TEST_F(InitializeExTest, LocalParametersAreKindOne) {
-  Ptr<ILocalParam> param = make<LocalParam>();
+  Ptr<ILocalParam> param = Make<ILocalParam>();
   EXPECT_OK(param->put_pse(Bstr(L"container")));
-  EXPECT_OK(make<QUIVO>()->InitializeEx(param));
-  EXPECT_EQ(1, openedBy(engine()).number(0));
-  EXPECT_EQ("container", openedBy(engine()).record(1).text(16));
-  EXPECT_TRUE(openedBy(engine()).record(2).allZero());
+  EXPECT_OK(Make<IQUIVO>()->InitializeEx(param));
+  EXPECT_EQ(1, OpenedBy(engine()).number(0));
+  EXPECT_EQ("container", OpenedBy(engine()).record(1).text(16));
+  EXPECT_TRUE(OpenedBy(engine()).record(2).allZero());
 }
 
 TEST_F(InitializeExTest, RemoteParametersAreKindZero) {
-  Ptr<IRSrvParam> param = make<RSrvParam>();
+  Ptr<IRSrvParam> param = Make<IRSrvParam>();
   EXPECT_OK(param->put_timeout(30));
-  EXPECT_OK(make<QUIVO>()->InitializeEx(param));
-  EXPECT_EQ(0, openedBy(engine()).number(0));
-  EXPECT_EQ(30, openedBy(engine()).record(1).i32(12));
+  EXPECT_OK(Make<IQUIVO>()->InitializeEx(param));
+  EXPECT_EQ(0, OpenedBy(engine()).number(0));
+  EXPECT_EQ(30, OpenedBy(engine()).record(1).i32(12));
 }
 
 TEST_F(InitializeExTest, RecordIsReadInPlace) {
-  Ptr<ILocalParam> param = make<LocalParam>();
-  EXPECT_OK(make<QUIVO>()->InitializeEx(param));
-  EXPECT_OK(make<QUIVO>()->InitializeEx(param));
+  Ptr<ILocalParam> param = Make<ILocalParam>();
+  EXPECT_OK(Make<IQUIVO>()->InitializeEx(param));
+  EXPECT_OK(Make<IQUIVO>()->InitializeEx(param));
   const uint64_t first = engine().calls().at(0).value(1);
   const auto object = reinterpret_cast<uint64_t>(static_cast<void*>(param.get()));
   EXPECT_EQ(first, engine().calls().at(2).value(1));
@@ -39,54 +38,53 @@ TEST_F(InitializeExTest, RecordIsReadInPlace) {
 
 TEST_F(InitializeExTest, HandleIsStored) {
   engine().on("QUIVO_InitializeEx").handle = reinterpret_cast<void*>(0x4444);
-  Ptr<IQUIVO> quivo = make<QUIVO>();
-  EXPECT_OK(quivo->InitializeEx(make<LocalParam>()));
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
+  EXPECT_OK(quivo->InitializeEx(Make<ILocalParam>()));
   EXPECT_OK(quivo->ShowCrl(Variant()));
   EXPECT_EQ(0x4444u, engine().only("QUIVO_ShowCrl").value(0));
 }
 
 TEST_F(InitializeExTest, EveryOtherClassIsRefused) {
-  for (const ClassFacts& facts : kClasses) {
-    const std::wstring name = facts.name;
-    if (name == L"LocalParam" || name == L"RSrvParam") continue;
-    Ptr<IDispatch> param = makeUnknown(guidOf(facts.clsid), IID_IDispatch).as<IDispatch>();
-    EXPECT_HR(kInvalidArgument, make<QUIVO>()->InitializeEx(param)) << facts;
+  for (const CoClass& coclass : Classes()) {
+    if (coclass.name == "LocalParam" || coclass.name == "RSrvParam") continue;
+    Ptr<IDispatch> param = MakeUnknown(coclass.clsid, IID_IDispatch).as<IDispatch>();
+    EXPECT_HR(kInvalidArgument, Make<IQUIVO>()->InitializeEx(param)) << coclass;
   }
   EXPECT_EQ(0u, engine().count("QUIVO_InitializeEx"));
 }
 
-TEST_F(InitializeExTest, NullObjectIsRefused) { EXPECT_HR(kInvalidArgument, make<QUIVO>()->InitializeEx(nullptr)); }
+TEST_F(InitializeExTest, NullObjectIsRefused) { EXPECT_HR(kInvalidArgument, Make<IQUIVO>()->InitializeEx(nullptr)); }
 
 TEST_F(InitializeExTest, ObjectWithoutTypeInformationGivesItsFailure) {
   LookAlike param(nullptr, E_NOTIMPL);
-  EXPECT_HR(E_NOTIMPL, make<QUIVO>()->InitializeEx(&param));
+  EXPECT_HR(E_NOTIMPL, Make<IQUIVO>()->InitializeEx(&param));
   EXPECT_EQ(1u, param.references());
 }
 
 TEST_F(InitializeExTest, TypeInformationIsAskedForByTheFirstIndexAndNoLocale) {
   LookAlike param(nullptr);
-  EXPECT_HR(E_NOTIMPL, make<QUIVO>()->InitializeEx(&param));
+  EXPECT_HR(E_NOTIMPL, Make<IQUIVO>()->InitializeEx(&param));
   EXPECT_EQ(0u, param.index());
   EXPECT_EQ(0u, param.locale());
 }
 
 TEST_F(InitializeExTest, FailureOfTheWin32FacilityIsRebased) {
   LookAlike param(nullptr, static_cast<HRESULT>(0x80070005));
-  EXPECT_HR(0xE0690005, make<QUIVO>()->InitializeEx(&param));
+  EXPECT_HR(0xE0690005, Make<IQUIVO>()->InitializeEx(&param));
 }
 
 TEST_F(InitializeExTest, ForeignObjectWithTheRightTypeInformationIsRefused) {
   Ptr<ITypeInfo> info;
-  ASSERT_OK(make<LocalParam>()->GetTypeInfo(0, 0, info.out()));
+  ASSERT_OK(Make<ILocalParam>()->GetTypeInfo(0, 0, info.out()));
   LookAlike param(info);
-  EXPECT_HR(kInvalidArgument, make<QUIVO>()->InitializeEx(&param));
+  EXPECT_HR(kInvalidArgument, Make<IQUIVO>()->InitializeEx(&param));
   EXPECT_EQ(0u, engine().count("QUIVO_InitializeEx"));
 }
 
 TEST_F(InitializeExTest, ForeignObjectOfAnotherKindIsRefused) {
-  Ptr<ITypeInfo> info = typeNamed(moduleTypeLibrary(), "IQUIVO");
+  Ptr<ITypeInfo> info = TypeNamed(ModuleTypeLibrary(), "IQUIVO");
   LookAlike param(info);
-  EXPECT_HR(kInvalidArgument, make<QUIVO>()->InitializeEx(&param));
+  EXPECT_HR(kInvalidArgument, Make<IQUIVO>()->InitializeEx(&param));
 }
 
 TEST_F(InitializeExTest, InterfaceWithoutANameGivesTheFailureOfItsConversion) {
@@ -97,17 +95,17 @@ TEST_F(InitializeExTest, InterfaceWithoutANameGivesTheFailureOfItsConversion) {
   method.dispid = 1;
   method.wFlags = DISPATCH_METHOD;
   method.vtReturn = VT_EMPTY;
-  INTERFACEDATA interface_data{&method, 1};
+  INTERFACEDATA description{&method, 1};
   Ptr<ITypeInfo> info;
-  ASSERT_OK(CreateDispTypeInfo(&interface_data, LOCALE_NEUTRAL, info.out()));
+  ASSERT_OK(CreateDispTypeInfo(&description, LOCALE_NEUTRAL, info.out()));
   LookAlike param(info);
-  EXPECT_HR(0x80070057u, make<QUIVO>()->InitializeEx(&param));
+  EXPECT_HR(0x80070057u, Make<IQUIVO>()->InitializeEx(&param));
   EXPECT_EQ(1u, param.references());
 }
 
 TEST_F(InitializeExTest, NameThatCannotBeAllocatedIsReported) {
-  Ptr<IQUIVO> quivo = make<QUIVO>();
-  Ptr<ILocalParam> param = make<LocalParam>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
+  Ptr<ILocalParam> param = Make<ILocalParam>();
   Module::get().failAllocation(0);
   const HRESULT result = quivo->InitializeEx(param);
   if (Module::get().allocationFailed()) {

@@ -1,9 +1,9 @@
 // Calls that arrive while the engine is at work: a host's messages may bring them at any moment.
-#include "contract/operations/calls.h"
+#include "support/operations.h"
 
 namespace {
 
-class NestedCallTest : public ContractTest, public ::testing::WithParamInterface<EngineCall> {
+class NestedCallTest : public ContractTest, public ::testing::WithParamInterface<Operation> {
  protected:
   /// The answer to the next call of the engine's function.
   fake::Reply& reply() { return engine().once(GetParam().function); }
@@ -44,7 +44,7 @@ TEST_P(NestedCallTest, OtherOperationsMayRunMeanwhile) {
     return engine().only("QUIVO_ShowCrl").value(0);
   }();
   reply().during = [&] {
-    for (const EngineCall& other : kEngineCalls) {
+    for (const Operation& other : Operations()) {
       engine().forgetCalls();
       other.call(objects);
       for (const fake::Call& call : engine().calls()) {
@@ -56,10 +56,10 @@ TEST_P(NestedCallTest, OtherOperationsMayRunMeanwhile) {
     }
   };
   GetParam().call(objects);
-  EXPECT_EQ(static_cast<int>(kEngineCalls.size()), nested);
+  EXPECT_EQ(static_cast<int>(Operations().size()), nested);
 }
 
-INSTANTIATE_TEST_SUITE_P(EngineCalls, NestedCallTest, ::testing::ValuesIn(kEngineCalls), nameOfRow<EngineCall>);
+INSTANTIATE_TEST_SUITE_P(EngineCalls, NestedCallTest, ::testing::ValuesIn(Operations()), NameOfRow<Operation>);
 
 using NestedSessionTest = ContractTest;
 
@@ -77,7 +77,7 @@ TEST_F(NestedSessionTest, ClosingSessionIsNotReached) {
 }
 
 TEST_F(NestedSessionTest, FirstOfTwoOpenedSessionsStays) {
-  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
   engine().on("QUIVO_Initialize").during = [&] { EXPECT_OK(quivo->InitMinimal()); };
   EXPECT_HR(kAlreadyInitialized, quivo->Initialize(Bstr(L"x"), Flag_Init_Noldap));
   EXPECT_EQ(1u, engine().openSessions());
@@ -86,7 +86,7 @@ TEST_F(NestedSessionTest, FirstOfTwoOpenedSessionsStays) {
 }
 
 TEST_F(NestedSessionTest, OperationThatBeganWithoutASessionEndsWithoutOne) {
-  Objects objects(make<QUIVO>());
+  Objects objects(Make<IQUIVO>());
   engine().on("QUIVO_HashMem").output = {1};
   engine().on("QUIVO_HashMem").during = [&] { EXPECT_OK(objects.quivo->InitMinimal()); };
   Variant hash;

@@ -10,13 +10,13 @@ constexpr const wchar_t* kProfiles = L"SOFTWARE\\KORVENTA\\tavl\\Profiles";
 class ProfileNameTest : public ContractTest {
  protected:
   void profile(DWORD selected, const std::wstring& number, const wchar_t* name) {
-    writeDword(user_.key(), kProfiles, L"CurSel", selected);
-    writeText(user_.key(), std::wstring(kProfiles) + L"\\" + number, L"ProfileName", name);
+    WriteDword(user_.key(), kProfiles, L"CurSel", selected);
+    WriteText(user_.key(), std::wstring(kProfiles) + L"\\" + number, L"ProfileName", name);
   }
   HKEY user() { return user_.key(); }
   /// Asks with the thread's last error as given.
   HRESULT ask(Variant& name, DWORD lastError = 0) {
-    Ptr<IQUIVO> quivo = make<QUIVO>();
+    Ptr<IQUIVO> quivo = Make<IQUIVO>();
     SetLastError(lastError);
     return quivo->GetCurrentProfileNameVBS(name.out());
   }
@@ -27,17 +27,17 @@ class ProfileNameTest : public ContractTest {
 
 TEST_F(ProfileNameTest, NameOfTheSelectedProfileIsRead) {
   profile(3, L"3", L"Рабочий");
-  writeText(user(), std::wstring(kProfiles) + L"\\0", L"ProfileName", L"another");
+  WriteText(user(), std::wstring(kProfiles) + L"\\0", L"ProfileName", L"another");
   Variant name;
   EXPECT_OK(ask(name));
-  EXPECT_EQ(L"Рабочий", textOf(name));
+  EXPECT_EQ(L"Рабочий", TextOf(name));
 }
 
 TEST_F(ProfileNameTest, NumberIsFormattedAsASignedDecimal) {
   profile(0xFFFFFFFF, L"-1", L"minus");
   Variant name;
   EXPECT_OK(ask(name));
-  EXPECT_EQ(L"minus", textOf(name));
+  EXPECT_EQ(L"minus", TextOf(name));
 }
 
 TEST_F(ProfileNameTest, KeysAreOpenedForReadingAndReservedArgumentsAreNull) {
@@ -76,14 +76,14 @@ TEST_F(ProfileNameTest, VariantIsOverwrittenWithoutBeingCleared) {
   V_VT(&name) = VT_BSTR;
   V_BSTR(&name) = kept;
   SetLastError(0);
-  EXPECT_OK(make<QUIVO>()->GetCurrentProfileNameVBS(&name));
+  EXPECT_OK(Make<IQUIVO>()->GetCurrentProfileNameVBS(&name));
   EXPECT_EQ(L"kept", kept.text());
   VariantClear(&name);
 }
 
 TEST_F(ProfileNameTest, NullPointerIsRefusedAfterTheRead) {
   profile(0, L"0", L"name");
-  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
   SetLastError(0);
   EXPECT_HR(kInvalidArgument, quivo->GetCurrentProfileNameVBS(nullptr));
 }
@@ -101,55 +101,55 @@ TEST_F(ProfileNameTest, MissingKeyWithoutALastErrorIsASuccessWithoutAName) {
 }
 
 TEST_F(ProfileNameTest, MissingSelectionGivesTheLastError) {
-  writeKey(user(), kProfiles);
+  WriteKey(user(), kProfiles);
   Variant name;
   EXPECT_HR(0x80070005u, ask(name, ERROR_ACCESS_DENIED));
   EXPECT_EQ(VT_EMPTY, name.type());
 }
 
 TEST_F(ProfileNameTest, MissingProfileGivesTheLastError) {
-  writeDword(user(), kProfiles, L"CurSel", 4);
+  WriteDword(user(), kProfiles, L"CurSel", 4);
   Variant name;
   EXPECT_HR(0x80070005u, ask(name, ERROR_ACCESS_DENIED));
   EXPECT_EQ(VT_EMPTY, name.type());
 }
 
 TEST_F(ProfileNameTest, MissingNameGivesTheLastError) {
-  writeDword(user(), kProfiles, L"CurSel", 3);
-  writeKey(user(), std::wstring(kProfiles) + L"\\3");
+  WriteDword(user(), kProfiles, L"CurSel", 3);
+  WriteKey(user(), std::wstring(kProfiles) + L"\\3");
   Variant name;
   EXPECT_HR(0x80070005u, ask(name, ERROR_ACCESS_DENIED));
   EXPECT_EQ(VT_EMPTY, name.type());
 }
 
 TEST_F(ProfileNameTest, MissingSelectionWithoutALastErrorIsASuccessWithoutAName) {
-  writeKey(user(), kProfiles);
-  writeText(user(), std::wstring(kProfiles) + L"\\0", L"ProfileName", L"not selected");
+  WriteKey(user(), kProfiles);
+  WriteText(user(), std::wstring(kProfiles) + L"\\0", L"ProfileName", L"not selected");
   Variant name = Variant::number(77);
   EXPECT_OK(ask(name));
   EXPECT_EQ(VT_I4, name.type());
 }
 
 TEST_F(ProfileNameTest, SelectionOfMoreThanFourBytesIsNoNumber) {
-  writeText(user(), kProfiles, L"CurSel", L"a text that is longer");
+  WriteText(user(), kProfiles, L"CurSel", L"a text that is longer");
   Variant name = Variant::number(77);
   EXPECT_OK(ask(name));
   EXPECT_EQ(VT_I4, name.type());
 }
 
 TEST_F(ProfileNameTest, MissingProfileWithoutALastErrorIsASuccessWithoutAName) {
-  writeDword(user(), kProfiles, L"CurSel", 4);
+  WriteDword(user(), kProfiles, L"CurSel", 4);
   Variant name = Variant::number(77);
   EXPECT_OK(ask(name));
   EXPECT_EQ(VT_I4, name.type());
 }
 
 TEST_F(ProfileNameTest, MissingNameWithoutALastErrorIsAnEmptyName) {
-  writeDword(user(), kProfiles, L"CurSel", 3);
-  writeKey(user(), std::wstring(kProfiles) + L"\\3");
+  WriteDword(user(), kProfiles, L"CurSel", 3);
+  WriteKey(user(), std::wstring(kProfiles) + L"\\3");
   Variant name;
   EXPECT_OK(ask(name));
-  EXPECT_EQ(L"", textOf(name));
+  EXPECT_EQ(L"", TextOf(name));
 }
 
 TEST_F(ProfileNameTest, LastErrorFromBeforeFailsEvenASuccessfulRead) {
@@ -164,7 +164,7 @@ TEST_F(ProfileNameTest, LongestNameFits) {
   profile(0, L"0", longest.c_str());
   Variant name;
   EXPECT_OK(ask(name));
-  EXPECT_EQ(longest, textOf(name));
+  EXPECT_EQ(longest, TextOf(name));
 }
 
 TEST_F(ProfileNameTest, LongerNameIsNotRead) {
@@ -172,18 +172,18 @@ TEST_F(ProfileNameTest, LongerNameIsNotRead) {
   profile(0, L"0", longer.c_str());
   Variant name;
   EXPECT_OK(ask(name));
-  EXPECT_NE(longer, textOf(name));
+  EXPECT_NE(longer, TextOf(name));
 }
 
 TEST_F(ProfileNameTest, MissingKeyIsReportedBeforeTheNullPointer) {
-  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
   SetLastError(ERROR_ACCESS_DENIED);
   EXPECT_HR(0x80070005u, quivo->GetCurrentProfileNameVBS(nullptr));
 }
 
 TEST_F(ProfileNameTest, NameThatCannotBeAllocatedIsReported) {
   profile(0, L"0", L"name");
-  Ptr<IQUIVO> quivo = make<QUIVO>();
+  Ptr<IQUIVO> quivo = Make<IQUIVO>();
   Variant name;
   SetLastError(0);
   Module::get().failAllocation(0);

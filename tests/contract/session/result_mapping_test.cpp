@@ -1,9 +1,9 @@
 // What callers get for the results of the engine.
-#include "contract/operations/calls.h"
+#include "support/operations.h"
 
 namespace {
 
-class ResultMappingTest : public ContractTest, public ::testing::WithParamInterface<EngineCall> {
+class ResultMappingTest : public ContractTest, public ::testing::WithParamInterface<Operation> {
  protected:
   HRESULT run(uint32_t engineResult) {
     engine().on(GetParam().function).result = static_cast<int32_t>(engineResult);
@@ -51,12 +51,12 @@ TEST_P(ResultMappingTest, SessionIsTheFirstArgument) {
 }
 
 TEST_P(ResultMappingTest, WithoutASessionTheEngineReceivesANullHandle) {
-  Objects objects(make<QUIVO>());
+  Objects objects(Make<IQUIVO>());
   engine().on(GetParam().function).result = static_cast<int32_t>(0xE0700001);
   EXPECT_HR(0xE0700001, GetParam().call(objects));
   EXPECT_EQ(0u, engine().only(GetParam().function).value(0));
 }
 
-INSTANTIATE_TEST_SUITE_P(Methods, ResultMappingTest, ::testing::ValuesIn(kEngineCalls), nameOfRow<EngineCall>);
+INSTANTIATE_TEST_SUITE_P(Methods, ResultMappingTest, ::testing::ValuesIn(Operations()), NameOfRow<Operation>);
 
 }  // namespace

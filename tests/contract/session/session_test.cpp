@@ -9,7 +9,7 @@ class SessionTest : public ContractTest {
     return quivo_->Initialize(Bstr(profile), static_cast<Init_Flag_t>(flags));
   }
   Ptr<IQUIVO>& quivo() { return quivo_; }
-  void SetUp() override { quivo_ = make<QUIVO>(); }
+  void SetUp() override { quivo_ = Make<IQUIVO>(); }
   void* kSession = reinterpret_cast<void*>(0x7654);
 
  private:
@@ -58,8 +58,8 @@ TEST_F(SessionTest, EngineFailureOfEveryOpenIsMapped) {
   }
   EXPECT_HR(0xE0691234, initialize());
   EXPECT_HR(0xE0691234, quivo()->InitMinimal());
-  EXPECT_HR(0xE0691234, quivo()->InitializeEx(make<LocalParam>()));
-  EXPECT_HR(0xE0691234, quivo()->InitializeEx(make<RSrvParam>()));
+  EXPECT_HR(0xE0691234, quivo()->InitializeEx(Make<ILocalParam>()));
+  EXPECT_HR(0xE0691234, quivo()->InitializeEx(Make<IRSrvParam>()));
 }
 
 TEST_F(SessionTest, ResultOneOfEveryOpenIsPassed) {
@@ -68,7 +68,7 @@ TEST_F(SessionTest, ResultOneOfEveryOpenIsPassed) {
   }
   EXPECT_HR(S_FALSE, initialize());
   EXPECT_HR(S_FALSE, quivo()->InitMinimal());
-  EXPECT_HR(S_FALSE, quivo()->InitializeEx(make<LocalParam>()));
+  EXPECT_HR(S_FALSE, quivo()->InitializeEx(Make<ILocalParam>()));
 }
 
 TEST_F(SessionTest, FailedOpenWithoutAHandleLeavesNoSession) {
@@ -94,7 +94,7 @@ TEST_F(SessionTest, SecondOpenIsRefusedInEveryForm) {
   engine().forgetCalls();
   EXPECT_HR(kAlreadyInitialized, initialize());
   EXPECT_HR(kAlreadyInitialized, quivo()->InitMinimal());
-  EXPECT_HR(kAlreadyInitialized, quivo()->InitializeEx(make<LocalParam>()));
+  EXPECT_HR(kAlreadyInitialized, quivo()->InitializeEx(Make<ILocalParam>()));
   EXPECT_EQ(std::vector<std::string>{}, engine().names());
 }
 
@@ -102,7 +102,7 @@ TEST_F(SessionTest, OpenSessionIsCheckedBeforeTheArguments) {
   EXPECT_OK(quivo()->InitMinimal());
   EXPECT_HR(kAlreadyInitialized, quivo()->Initialize(nullptr, Flag_Init_Noldap));
   EXPECT_HR(kAlreadyInitialized, quivo()->InitializeEx(nullptr));
-  EXPECT_HR(kAlreadyInitialized, quivo()->InitializeEx(make<CertId>()));
+  EXPECT_HR(kAlreadyInitialized, quivo()->InitializeEx(Make<ICertId>()));
 }
 
 TEST_F(SessionTest, SessionStaysUsableAfterARefusedOpen) {
@@ -162,7 +162,7 @@ TEST_F(SessionTest, ReleaseWithoutASessionCallsNothing) {
 }
 
 TEST_F(SessionTest, TwoObjectsHaveSessionsOfTheirOwn) {
-  Ptr<IQUIVO> other = make<QUIVO>();
+  Ptr<IQUIVO> other = Make<IQUIVO>();
   engine().once("QUIVO_InitMinimal").handle = reinterpret_cast<void*>(0x100);
   engine().once("QUIVO_InitMinimal").handle = reinterpret_cast<void*>(0x200);
   EXPECT_OK(quivo()->InitMinimal());

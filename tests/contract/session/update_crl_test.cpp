@@ -38,7 +38,7 @@ TEST_F(UpdateCrlTest, LongestDescriptionFits) {
   EXPECT_EQ(4095u, description.text().size());
 }
 
-TEST_F(UpdateCrlTest, FailureWithADescriptionIsToldByTheTextOnly) {
+TEST_F(UpdateCrlTest, FailureWithADescriptionIsReportedByTheTextOnly) {
   reply().result = 5;
   reply().text = "failed";
   Bstr description;
@@ -60,7 +60,7 @@ TEST_F(UpdateCrlTest, ResultOneWithoutADescriptionIsReturnedAsItIs) {
   EXPECT_EQ(L"before", description.text());
 }
 
-TEST_F(UpdateCrlTest, ResultOneWithADescriptionIsToldByTheTextOnly) {
+TEST_F(UpdateCrlTest, ResultOneWithADescriptionIsReportedByTheTextOnly) {
   reply().result = 1;
   reply().text = "nothing new";
   Bstr description;

@@ -12,7 +12,7 @@ TEST_F(WatchTest, StringsAndArraysAreSeen) {
   {
     Bstr text(L"text");
     EXPECT_EQ(1u, spy.outstandingSince(mark));
-    Variant array = bytes({1, 2, 3});
+    Variant array = ByteArray({1, 2, 3});
     EXPECT_GT(spy.outstandingSince(mark), 1u);
   }
   EXPECT_EQ(0u, spy.outstandingSince(mark));
@@ -35,7 +35,7 @@ TEST_F(WatchTest, RefusedAllocationGivesNoString) {
 
 TEST_F(WatchTest, AllocationsOfTheModuleAreSeen) {
   const long before = Module::get().liveAllocations();
-  Ptr<ICertId> id = make<CertId>();
+  Ptr<ICertId> id = Make<ICertId>();
   const long withObject = Module::get().liveAllocations();
   EXPECT_EQ(before + 1, withObject);
   ASSERT_OK(id->put_type(Id_KeyId));
