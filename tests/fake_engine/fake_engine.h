@@ -148,6 +148,8 @@ class FakeEngine {
 }  // namespace fake
 
 #ifdef tavl1_fake_EXPORTS
-__declspec(dllexport)
+#define TAVL_FAKE_EXPORT __declspec(dllexport)
+#else
+#define TAVL_FAKE_EXPORT
 #endif
-    extern "C" fake::FakeEngine* TavlFakeEngine();
+extern "C" TAVL_FAKE_EXPORT fake::FakeEngine* TavlFakeEngine();
