@@ -52,7 +52,7 @@ VerifyParamRecord RemovalParam(uint32_t info) {
 
 constexpr uint32_t kNames = Field_Subject | Field_SubjectAltName | Field_CertEncoded;
 
-bool IsVerified(int32_t code) { return code == 0 || code == kVerifiedWithRemarks; }
+bool IsVerified(int32_t code) { return code == 0 || code == engine::kVerifiedWithRemarks; }
 
 bool IsSignedFile(EngineSession session, const char* file) {
   engine::SignedInfoResult info(session);

@@ -1,6 +1,7 @@
 // The recipient list's methods: certificates found by address, selected by the user or given in DER.
 #include <cstring>
 
+#include "engine/codes.h"
 #include "engine/owned.h"
 #include "legacy/periods.h"
 #include "legacy/pkiobj.h"
@@ -13,10 +14,6 @@ namespace {
 // On purpose not the usual HRESULTs: "Codes with the severity bit alone" in docs/behaviour.md.
 constexpr HRESULT kInvalidParameter = static_cast<HRESULT>(0x80000057);
 constexpr HRESULT kNotEnoughMemory = static_cast<HRESULT>(0x80000008);
-// A certificate outside its validity period.
-constexpr HRESULT kOutsideValidity = static_cast<HRESULT>(0xE0700036);
-// The engine has already asked the user, who declined.
-constexpr int32_t kSelectionCancelled = static_cast<int32_t>(0xE072008A);
 
 /// How QUIVO_VerifyCert checks a recipient's certificate.
 constexpr uint32_t kVerifyRecipient = 5;
@@ -31,7 +28,7 @@ HRESULT CheckRecipient(EngineSession session, const DataBlob_t& encoded) {
   uint32_t now = SecondsNow();
   bool isValid = record.get().notBefore <= now && now < record.get().notAfter;
   if (code != 0) return code;
-  return isValid ? S_OK : kOutsideValidity;
+  return isValid ? S_OK : engine::kOutsideValidity;
 }
 
 }  // namespace
@@ -62,7 +59,7 @@ HRESULT pkiobj::takeRecipientsOf(const Call& call, const RecipientAddress& addre
   FindParamRecord search = SearchFor(address);
   FindResultRecord found{};
   int32_t code = QUIVO_FindCert(call.session(), &search, &found);
-  if (code < 0 && code != kSelectionCancelled) {
+  if (code < 0 && code != engine::kSelectionCancelled) {
     LetUserSelect(search);
     found = {};
     code = QUIVO_FindCert(call.session(), &search, &found);

@@ -73,8 +73,8 @@ int ResultsModel::headerIcon() const {
   bool hasRemarks = false;
   if (hasVerification()) {
     int32_t code = results_.verificationCode;
-    isFailed = isFailed || (code != 0 && code != kVerifiedWithRemarks);
-    hasRemarks = code == kVerifiedWithRemarks;
+    isFailed = isFailed || (code != 0 && code != engine::kVerifiedWithRemarks);
+    hasRemarks = code == engine::kVerifiedWithRemarks;
     for (int i = 0; i < signerCount(); ++i) hasRemarks = hasRemarks || results_.verified->entries[i].status != 0;
   }
   if (isFailed) return IDI_HEADER_FAILED;

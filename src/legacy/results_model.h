@@ -1,14 +1,12 @@
 // What the results sheet has to show, decided without a window: texts, rows, icons, hidden controls.
 #pragma once
 
+#include "engine/codes.h"
 #include "engine/functions.h"
 #include "legacy/messages.h"
 #include "legacy/subject_name.h"
 
 namespace legacy {
-
-/// A verification that ended with remarks: shown like a success, returned as it stands.
-constexpr int32_t kVerifiedWithRemarks = static_cast<int32_t>(0xE0700019);
 
 /// Owned by the operation that shows it. The records are null where the operation has no such part.
 struct Results {
