@@ -11,6 +11,7 @@ set(portable_pieces
   ${root}/standin/messages/message_reader.cpp)
 set(portable_tests
   ${root}/tests/unit/addresses_test.cpp
+  ${root}/tests/unit/base64_test.cpp
   ${root}/tests/unit/ber_test.cpp
   ${root}/tests/unit/dates_test.cpp
   ${root}/tests/unit/message_reader_test.cpp
