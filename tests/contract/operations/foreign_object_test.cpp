@@ -38,7 +38,7 @@ TEST_P(ForeignObjectTest, ObjectOfAnotherClassIsRefused) {
 }
 
 TEST_P(ForeignObjectTest, ObjectOfTheRightClassIsAccepted) {
-  Ptr<IUnknown> right = MakeUnknown(expected().clsid, expected.iid);
+  Ptr<IUnknown> right = MakeUnknown(expected().clsid, expected().iid);
   EXPECT_OK(pass(right.get()));
 }
 
