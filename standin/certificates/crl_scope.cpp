@@ -13,8 +13,6 @@ Owner Extension(const X509_CRL* crl, int nid) {
 
 bool Has(const X509_CRL* crl, int nid) { return X509_CRL_get_ext_by_NID(crl, nid, -1) >= 0; }
 
-bool IsDelta(const X509_CRL* crl) { return Has(crl, NID_delta_crl); }
-
 bool HaveSame(const X509_CRL* left, const X509_CRL* right, int nid) {
   if (!Has(left, nid) || !Has(right, nid)) return Has(left, nid) == Has(right, nid);
   const auto value = [&](const X509_CRL* crl) {
@@ -40,7 +38,7 @@ bool IsNamed(const X509_NAME* name, const GENERAL_NAMES* names) {
 
 bool IsComplete(const X509_CRL* crl) {
   const bool isScoped = Has(crl, NID_issuing_distribution_point);
-  return !IsDelta(crl) && (!isScoped || Extension<Scope>(crl, NID_issuing_distribution_point) != nullptr);
+  return !Has(crl, NID_delta_crl) && (!isScoped || Extension<Scope>(crl, NID_issuing_distribution_point) != nullptr);
 }
 
 bool BearsOn(const X509_CRL* crl, const X509* certificate) {
@@ -62,11 +60,11 @@ bool ConcernsKindOf(const X509_CRL* crl, X509* certificate) {
 }
 
 bool AreOfOneKind(const X509_CRL* left, const X509_CRL* right) {
-  return IsDelta(left) == IsDelta(right) && HaveSameScope(left, right);
+  return Has(left, NID_delta_crl) == Has(right, NID_delta_crl) && HaveSameScope(left, right);
 }
 
 bool IsDeltaAfter(const X509_CRL* delta, const X509_CRL* complete) {
-  if (!IsDelta(delta) || !HaveSameScope(delta, complete)) return false;
+  if (!Has(delta, NID_delta_crl) || !HaveSameScope(delta, complete)) return false;
   const Number number = Extension<Number>(delta, NID_crl_number);
   const Number before = Extension<Number>(complete, NID_crl_number);
   return number == nullptr || before == nullptr || ASN1_INTEGER_cmp(number.get(), before.get()) > 0;

@@ -12,7 +12,6 @@ namespace {
 /// libcrypto's level of strength: RSA-2048, curves of 224 bits, SHA-224.
 constexpr int kLeastLevel = 2;
 constexpr int kLeastDigestSize = 28;
-constexpr char kWeakDigests[] = "weak-digests";
 constexpr char kAnyPolicy[] = "2.5.29.32.0";
 
 /// The codes of a chain, the most serious first.
@@ -68,14 +67,14 @@ class Findings {
   static int checkEntry(X509_STORE_CTX* context, X509_CRL* crl, X509* certificate) {
     Findings& findings = of(context);
     findings.lookedUp_ = certificate;
-    constexpr int kRemoved = 2;
     if (X509_CRL* delta = findings.deltaOf(crl); delta != nullptr) {
       EVP_PKEY* key = X509_get0_pubkey(X509_STORE_CTX_get0_current_issuer(context));
       const bool isGenuine = key != nullptr && X509_CRL_verify(delta, key) == 1;
       if (!isGenuine) findings.note(context, kCrlForged);
       if (!findings.isCurrent(delta)) findings.note(context, kVerifiedWithRemarks);
       if (!Continues(delta, crl)) findings.note(context, kRevocationUnclear);
-      if (isGenuine && findings.checkEntry_(context, delta, certificate) == kRemoved) return 1;
+      constexpr int kRemovedFromList = 2;
+      if (isGenuine && findings.checkEntry_(context, delta, certificate) == kRemovedFromList) return 1;
     }
     return findings.checkEntry_(context, crl, certificate);
   }
@@ -122,6 +121,7 @@ class Findings {
       case X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT:
       case X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN:
       case X509_V_ERR_CERT_UNTRUSTED:
+        if ((X509_get_extension_flags(certificate) & EXFLAG_INVALID) != 0) return kCertificateDamaged;
         return isKnown ? kIssuerUnknown : kAlgorithmUnknown;
       case X509_V_ERR_UNABLE_TO_DECODE_ISSUER_PUBLIC_KEY:
         return kAlgorithmUnknown;
@@ -137,7 +137,7 @@ class Findings {
       case X509_V_ERR_CA_KEY_TOO_SMALL:
         return store_.admits("short-keys") ? kOk : kWeakAlgorithm;
       case X509_V_ERR_CA_MD_TOO_WEAK:
-        return store_.admits(kWeakDigests) ? kOk : kWeakAlgorithm;
+        return store_.admits("weak-digests") ? kOk : kWeakAlgorithm;
       default:
         return kChainBroken;
     }
@@ -191,7 +191,7 @@ std::vector<std::string> PoliciesAlong(X509_STORE_CTX* context) {
 
 bool IsGood(int32_t code) { return std::ranges::find(kRemarks, code) != std::end(kRemarks); }
 
-TrustChecker::TrustChecker(const Session& session, const STACK_OF(X509) * helpers)
+TrustChecker::TrustChecker(const Session& session, STACK_OF(X509) * helpers)
     : known_(session.store), store_(X509_STORE_new()), helpers_(sk_X509_new_null()) {
   if (store_ == nullptr || helpers_ == nullptr) Fail(kWinOutOfMemory);
   X509_STORE_set_verify_cb(store_.get(), Findings::noteError);
@@ -204,8 +204,7 @@ TrustChecker::TrustChecker(const Session& session, const STACK_OF(X509) * helper
       X509_add_cert(helpers_.get(), certificate.get(), X509_ADD_FLAG_DEFAULT);
     }
   }
-  for (int i = 0; helpers != nullptr && i < sk_X509_num(helpers); ++i)
-    X509_add_cert(helpers_.get(), sk_X509_value(helpers, i), X509_ADD_FLAG_DEFAULT);
+  X509_add_certs(helpers_.get(), helpers, X509_ADD_FLAG_DEFAULT);
 }
 
 int32_t TrustChecker::check(X509* certificate, const TrustOptions& options) const {
@@ -236,7 +235,7 @@ int32_t TrustChecker::check(X509* certificate, const TrustOptions& options) cons
   }
   if (options.signedWith == nullptr) return findings.worst();
   const bool isWeak = EVP_MD_get_size(options.signedWith) < kLeastDigestSize;
-  if (isWeak && !known_.admits(kWeakDigests)) findings.add(kWeakAlgorithm);
+  if (isWeak && !known_.admits("weak-digests")) findings.add(kWeakAlgorithm);
   const time_t signedAt = options.signedAt != 0 ? options.signedAt : CurrentTime();
   if (options.checkTime && !IsWithinKeyPeriod(certificate, signedAt)) findings.add(kKeyPeriodOver);
   return findings.worst();

@@ -26,7 +26,7 @@ class TrustChecker {
  public:
   /// Builds chains of the session's certificates and of `helpers`, which are not trusted. The session must outlive this
   /// object.
-  explicit TrustChecker(const Session& session, const STACK_OF(X509) * helpers = nullptr);
+  explicit TrustChecker(const Session& session, STACK_OF(X509) * helpers = nullptr);
 
   /// kOk, a remark, or the code of the failure; kVerifiedWithRemarks if a revocation list is out of date.
   int32_t check(X509* certificate, const TrustOptions& options) const;

@@ -33,7 +33,17 @@ class TrustTest : public EngineTest {
 
 class Revocation : public TrustTest {};
 class TrustedRoots : public TrustTest {};
-class PathValidation : public TrustTest {};
+class PathValidation : public TrustTest {
+ protected:
+  /// Of the check of a certificate alone.
+  int32_t codeOf(const std::string& name) {
+    const Bytes encoded = Material("trust/" + name);
+    const DataBlob_t blob = BlobOf(encoded);
+    const VerifyCertParamRecord param{};
+    CertificateRecord record{};
+    return QUIVO_VerifyCert(openIn("", MaterialPath("trust/list-good/store")), &param, &blob, &record);
+  }
+};
 class WeakAlgorithms : public TrustTest {};
 class SignerPurpose : public TrustTest {};
 
@@ -118,6 +128,7 @@ TEST_F(Revocation, SeparateKeyHasToBeGood) {
 TEST_F(Revocation, DeltaListChangesItsBase) {
   expectVerdict(0, "delta-good");
   expectVerdict(kRevoked, "delta-revoked");
+  expectVerdict(kRevoked, "delta-revoked-without-address");
   expectVerdict(0, "delta-removes");
   expectVerdict(0, "delta-keeps-base-current");
   expectVerdict(0, "delta-before-base");
@@ -160,6 +171,11 @@ TEST_F(PathValidation, IssuersAreAuthorities) {
 }
 
 TEST_F(PathValidation, UnknownCriticalExtensionIsRefused) { expectVerdict(kChainBroken, "critical-extension"); }
+
+TEST_F(PathValidation, UnreadableCertificatesHaveCodesOfTheirOwn) {
+  EXPECT_CODE(kAlgorithmUnknown, codeOf("unknown-key.cer"));
+  EXPECT_CODE(kCertificateDamaged, codeOf("garbled.cer"));
+}
 
 TEST_F(PathValidation, NameConstraintsAreKept) {
   expectVerdict(0, "name-good");
