@@ -142,7 +142,7 @@ class Findings {
         return kChainBroken;
     }
   }
-  /// An issuer without a list has revoked nobody; nor have lists of users revoked the authorities above the signer.
+  /// Certificates of an issuer without a list are good; authorities above the signer need no list of their kind.
   int32_t codeWithoutList(const X509_STORE_CTX* context, X509* certificate) const {
     if (X509_self_signed(certificate, 0) == 1) return kOk;
     bool isOtherKind = false;
