@@ -49,8 +49,7 @@ class Findings {
 
   static int noteError(int ok, X509_STORE_CTX* context) {
     if (ok == 0) of(context).note(context, of(context).codeOf(context));
-    // The verdict is chosen from all errors.
-    return 1;
+    return 1;  // the verdict is chosen from all errors
   }
   /// libcrypto looks for lists of the certificate's issuer alone, which an indirect list is not.
   static STACK_OF(X509_CRL) * listsFor(const X509_STORE_CTX* context, const X509_NAME*) {
@@ -73,8 +72,7 @@ class Findings {
       if (!isGenuine) findings.note(context, kCrlForged);
       if (!findings.isCurrent(delta)) findings.note(context, kVerifiedWithRemarks);
       if (!Continues(delta, crl)) findings.note(context, kRevocationUnclear);
-      constexpr int kRemovedFromList = 2;
-      if (isGenuine && findings.checkEntry_(context, delta, certificate) == kRemovedFromList) return 1;
+      if (isGenuine && findings.checkEntry_(context, delta, certificate) == 2) return 1;  // removed from the list
     }
     return findings.checkEntry_(context, crl, certificate);
   }
@@ -85,8 +83,10 @@ class Findings {
     while (ParentOf(context) != nullptr) context = ParentOf(context);
     return *static_cast<Findings*>(X509_STORE_CTX_get_app_data(context));
   }
-  /// A failure in the chain of a list's issuer makes the list unusable.
+  /// A list for a root counts if it revokes the root; a failure in the chain of a list's issuer spoils the list.
   void note(const X509_STORE_CTX* context, int32_t code) {
+    const bool isListed = X509_STORE_CTX_get0_current_crl(context) != nullptr;
+    if (isListed && code != kRevoked && X509_self_signed(X509_STORE_CTX_get_current_cert(context), 0) == 1) return;
     add(ParentOf(context) != nullptr && !IsGood(code) ? +kCrlUnusable : code);
   }
   int32_t codeOf(X509_STORE_CTX* context) const {

@@ -151,6 +151,11 @@ TEST_F(Revocation, ListThatCannotBeUsedIsNeverGood) {
   expectVerdict(0, "list-critical-and-good");
 }
 
+TEST_F(Revocation, ListForARootCountsOnlyIfItRevokesTheRoot) {
+  expectVerdict(0, "list-critical-for-root");
+  expectVerdict(kRevoked, "root-revoked");
+}
+
 TEST_F(TrustedRoots, KeyChangeIsALinkAndNoRoot) {
   expectVerdict(0, "root-key-change");
   expectVerdict(kIssuerUnknown, "root-key-change-alone");
