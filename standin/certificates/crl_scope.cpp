@@ -37,8 +37,8 @@ bool IsNamed(const X509_NAME* name, const GENERAL_NAMES* names) {
 }  // namespace
 
 bool IsComplete(const X509_CRL* crl) {
-  const bool isScoped = Has(crl, NID_issuing_distribution_point);
-  return !Has(crl, NID_delta_crl) && (!isScoped || Extension<Scope>(crl, NID_issuing_distribution_point) != nullptr);
+  return !Has(crl, NID_delta_crl) && (!Has(crl, NID_issuing_distribution_point) ||
+                                      Extension<Scope>(crl, NID_issuing_distribution_point) != nullptr);
 }
 
 bool BearsOn(const X509_CRL* crl, const X509* certificate) {

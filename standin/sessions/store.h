@@ -22,6 +22,8 @@ class Store {
 
   const std::vector<CertPtr>& certificates() const { return certificates_; }
   const std::vector<CrlPtr>& crls() const { return crls_; }
+  /// The newest list of the same kind, or null.
+  X509_CRL* newestLike(const X509_CRL* wanted) const;
   /// Whether a line of policy.txt begins with "admit" and this word.
   bool admits(const std::string& what) const { return policy_.find("\nadmit " + what) != std::string::npos; }
 
@@ -40,8 +42,6 @@ class Store {
 
  private:
   bool knows(const X509* certificate) const;
-  /// The newest list of the same kind, or null.
-  X509_CRL* newestLike(const X509_CRL* wanted) const;
   /// True if the store knows the issuer, and the list verifies with none of its certificates.
   bool isForged(X509_CRL* crl) const;
   void remember(CertPtr certificate);

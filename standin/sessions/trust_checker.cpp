@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "standin/base/ansi.h"
 #include "standin/base/times.h"
 #include "standin/certificates/cert_extensions.h"
 #include "standin/certificates/crl_scope.h"
@@ -12,13 +13,11 @@ namespace {
 /// libcrypto's level of strength: RSA-2048, curves of 224 bits, SHA-224.
 constexpr int kLeastLevel = 2;
 constexpr int kLeastDigestSize = 28;
-constexpr char kAnyPolicy[] = "2.5.29.32.0";
 
 /// The codes of a chain, the most serious first.
-constexpr int32_t kFailures[] = {
-    kCertificateDamaged, kAlgorithmUnknown, kIssuerUnknown, kChainBroken,   kCrlForged, kRevoked,
-    kCrlUnusable,        kExpired,          kNotYetValid,   kPolicyMissing,
-};
+constexpr int32_t kFailures[] = {kCertificateDamaged, kAlgorithmUnknown, kIssuerUnknown, kChainBroken,
+                                 kCrlForged,          kRevoked,          kCrlUnusable,   kExpired,
+                                 kNotYetValid,        kPolicyMissing};
 constexpr int32_t kRemarks[] = {kRevocationUnclear, kVerifiedWithRemarks, kWeakAlgorithm, kKeyPeriodOver, kOk};
 
 bool IsKnownAlgorithm(int signature) {
@@ -47,6 +46,7 @@ class Findings {
   }
   int32_t worst() const { return worstFailure_ != std::end(kFailures) ? *worstFailure_ : *worstRemark_; }
 
+  bool hadChoice = false;  ///< whether there were several lists for a certificate
   static int noteError(int ok, X509_STORE_CTX* context) {
     if (ok == 0) of(context).note(context, of(context).codeOf(context));
     return 1;  // the verdict is chosen from all errors
@@ -55,11 +55,14 @@ class Findings {
   static STACK_OF(X509_CRL) * listsFor(const X509_STORE_CTX* context, const X509_NAME*) {
     X509* certificate = X509_STORE_CTX_get_current_cert(context);
     STACK_OF(X509_CRL)* found = sk_X509_CRL_new_null();
-    for (const CrlPtr& crl : of(context).store_.crls()) {
+    Findings& findings = of(context);
+    for (const CrlPtr& crl : findings.store_.crls()) {
+      if (findings.options_.onlyList != nullptr && findings.options_.onlyList != crl.get()) continue;
       const bool isFit =
           IsComplete(crl.get()) && BearsOn(crl.get(), certificate) && ConcernsKindOf(crl.get(), certificate);
       if (isFit && sk_X509_CRL_push(found, crl.get()) > 0) X509_CRL_up_ref(crl.get());
     }
+    findings.hadChoice = findings.hadChoice || sk_X509_CRL_num(found) > 1;
     return found;
   }
   /// libcrypto applies a delta list only where an extension names its address; here it is in the folder.
@@ -112,8 +115,6 @@ class Findings {
       }
       case X509_V_ERR_KEYUSAGE_NO_CRL_SIGN:
       case X509_V_ERR_UNHANDLED_CRITICAL_CRL_EXTENSION:
-      case X509_V_ERR_ERROR_IN_CRL_LAST_UPDATE_FIELD:
-      case X509_V_ERR_ERROR_IN_CRL_NEXT_UPDATE_FIELD:
         return kCrlUnusable;
       case X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT:
       case X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY:
@@ -162,8 +163,8 @@ class Findings {
   }
   bool isCurrent(const X509_CRL* crl) const {
     const ASN1_TIME* next = X509_CRL_get0_nextUpdate(crl);
-    const time_t now = options_.at != 0 ? options_.at : CurrentTime();
-    return !options_.checkTime || next == nullptr || now <= SecondsOf(next);
+    return !options_.checkTime || next == nullptr ||
+           SecondsOf(next) >= (options_.at != 0 ? options_.at : CurrentTime());
   }
 
   const Store& store_;
@@ -174,17 +175,14 @@ class Findings {
   const int32_t* worstRemark_ = std::end(kRemarks) - 1;
 };
 
-/// The policies that are valid along the chain; those of a certificate that is its own issuer.
-std::vector<std::string> PoliciesAlong(X509_STORE_CTX* context) {
-  std::vector<std::string> valid;
-  if (sk_X509_num(X509_STORE_CTX_get0_chain(context)) == 1) {
-    for (const CertPolicy& policy : PoliciesOf(X509_STORE_CTX_get0_cert(context))) valid.push_back(policy.oid);
-  }
+/// Whether the policy, or any policy, is valid along the chain.
+bool HasPolicy(const X509_STORE_CTX* context, const std::string& wanted) {
   const STACK_OF(X509_POLICY_NODE)* nodes = X509_policy_tree_get0_policies(X509_STORE_CTX_get0_policy_tree(context));
   for (int i = 0; i < sk_X509_POLICY_NODE_num(nodes); ++i) {
-    valid.push_back(ObjectText(X509_policy_node_get0_policy(sk_X509_POLICY_NODE_value(nodes, i)), true));
+    const ASN1_OBJECT* policy = X509_policy_node_get0_policy(sk_X509_POLICY_NODE_value(nodes, i));
+    if (OBJ_obj2nid(policy) == NID_any_policy || ObjectText(policy, true) == wanted) return true;
   }
-  return valid;
+  return false;
 }
 
 }  // namespace
@@ -226,12 +224,15 @@ int32_t TrustChecker::check(X509* certificate, const TrustOptions& options) cons
     // The errors are accepted: only what cannot be read ends the check early.
     findings.add(X509_get0_pubkey(certificate) == nullptr ? kAlgorithmUnknown : kCertificateDamaged);
   }
-  const std::vector<std::string> valid = PoliciesAlong(context.get());
   for (const PolicyRecord& policy : options.policies) {
-    const auto isMeant = [&](const std::string& one) {
-      return one == kAnyPolicy || (policy.oid != nullptr && one == policy.oid);
-    };
-    if (std::ranges::none_of(valid, isMeant)) findings.add(kPolicyMissing);
+    if (!HasPolicy(context.get(), TextOrEmpty(policy.oid))) findings.add(kPolicyMissing);
+  }
+  // libcrypto is content with one list for all reasons, but another may revoke.
+  for (const CrlPtr& crl : known_.crls()) {
+    if (!findings.hadChoice || known_.newestLike(crl.get()) != crl.get()) continue;
+    TrustOptions alone = options;
+    alone.onlyList = crl.get();
+    if (check(certificate, alone) == kRevoked) findings.add(kRevoked);
   }
   if (options.signedWith == nullptr) return findings.worst();
   const bool isWeak = EVP_MD_get_size(options.signedWith) < kLeastDigestSize;

@@ -1,5 +1,4 @@
-// Checks the chain of a certificate up to a self-signed certificate of the store: signatures, validity, constraints,
-// policies, strength, revocation.
+// Checks the chain of a certificate up to a self-signed certificate of the store, as RFC 5280 describes.
 #pragma once
 
 #include <ctime>
@@ -17,6 +16,7 @@ struct TrustOptions {
   std::span<const PolicyRecord> policies = {};  ///< each has to be valid along the chain
   const EVP_MD* signedWith = nullptr;           ///< the digest of the signature in question; null without one
   time_t signedAt = 0;                          ///< its time, if it is stated
+  const X509_CRL* onlyList = nullptr;           ///< the one list that is looked at; null for all
 };
 
 /// kOk, or a remark.
@@ -24,8 +24,7 @@ bool IsGood(int32_t code);
 
 class TrustChecker {
  public:
-  /// Builds chains of the session's certificates and of `helpers`, which are not trusted. The session must outlive this
-  /// object.
+  /// Builds chains of the certificates of the session, which must outlive this object, and of the untrusted `helpers`.
   explicit TrustChecker(const Session& session, STACK_OF(X509) * helpers = nullptr);
 
   /// kOk, a remark, or the code of the failure; kVerifiedWithRemarks if a revocation list is out of date.

@@ -112,6 +112,10 @@ TEST_F(Revocation, IndirectListDecides) {
   expectVerdict(kCrlUnusable, "indirect-not-marked");
 }
 
+TEST_F(Revocation, EveryListCanRevoke) { expectVerdict(kRevoked, "indirect-beside-complete"); }
+
+TEST_F(Revocation, NewerListReplacesTheOlder) { expectVerdict(0, "list-newer"); }
+
 TEST_F(Revocation, ListOfASeparateKeyDecides) {
   expectVerdict(0, "crl-key-good");
   expectVerdict(kRevoked, "crl-key-revoked");
