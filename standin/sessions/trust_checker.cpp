@@ -19,6 +19,7 @@ constexpr int32_t kFailures[] = {kCertificateDamaged, kAlgorithmUnknown, kIssuer
                                  kCrlForged,          kRevoked,          kCrlUnusable,   kExpired,
                                  kNotYetValid,        kPolicyMissing};
 constexpr int32_t kRemarks[] = {kRevocationUnclear, kVerifiedWithRemarks, kWeakAlgorithm, kKeyPeriodOver, kOk};
+constexpr int32_t kListCodes[] = {kCrlForged, kCrlUnusable, kRevocationUnclear, kVerifiedWithRemarks};
 
 bool IsKnownAlgorithm(int signature) {
   int digest = NID_undef;
@@ -88,8 +89,8 @@ class Findings {
   }
   /// A list for a root counts if it revokes the root; a failure in the chain of a list's issuer spoils the list.
   void note(const X509_STORE_CTX* context, int32_t code) {
-    const bool isListed = X509_STORE_CTX_get0_current_crl(context) != nullptr;
-    if (isListed && code != kRevoked && X509_self_signed(X509_STORE_CTX_get_current_cert(context), 0) == 1) return;
+    const bool isOfList = std::ranges::find(kListCodes, code) != std::end(kListCodes);
+    if (isOfList && X509_self_signed(X509_STORE_CTX_get_current_cert(context), 0) == 1) return;
     add(ParentOf(context) != nullptr && !IsGood(code) ? +kCrlUnusable : code);
   }
   int32_t codeOf(X509_STORE_CTX* context) const {
@@ -145,7 +146,6 @@ class Findings {
   }
   /// Certificates of an issuer without a list are good; authorities above the signer need no list of their kind.
   int32_t codeWithoutList(const X509_STORE_CTX* context, X509* certificate) const {
-    if (X509_self_signed(certificate, 0) == 1) return kOk;
     bool isOtherKind = false;
     for (const CrlPtr& crl : store_.crls()) {
       if (!BearsOn(crl.get(), certificate)) continue;

@@ -157,6 +157,7 @@ TEST_F(Revocation, ListThatCannotBeUsedIsNeverGood) {
 
 TEST_F(Revocation, ListForARootCountsOnlyIfItRevokesTheRoot) {
   expectVerdict(0, "list-critical-for-root");
+  expectVerdict(0, "list-outdated-for-root");
   expectVerdict(kRevoked, "root-revoked");
 }
 
