@@ -78,11 +78,16 @@ enum Code : int32_t {
   kNothingToImport = 0x7046,
   kKeyDoesNotMatch = 0x7047,
   kRequestFailed = 0x7048,
+  kCrlUnusable = 0x7049,
 
   // Hashing and random numbers.
   kHashUnknown = 0x7050,
   kLengthRefused = 0x7051,
   kRandomFailed = 0x7052,
+
+  // Remarks on a good signature; so is kKeyPeriodOver.
+  kWeakAlgorithm = 0x7060,
+  kRevocationUnclear = 0x7061,
 
   kInternal = 0x70FF,
 };

@@ -38,6 +38,7 @@ using CertStackPtr = std::unique_ptr<STACK_OF(X509), FreeStack<X509_free>>;
 using CertViewPtr = std::unique_ptr<STACK_OF(X509), FreeStackAlone>;
 using CmsPtr = Owned<CMS_ContentInfo_free>;
 using CrlPtr = Owned<X509_CRL_free>;
+using DigestPtr = Owned<EVP_MD_free>;
 using DigestContextPtr = Owned<EVP_MD_CTX_free>;
 using ExtKeyUsagePtr = Owned<EXTENDED_KEY_USAGE_free>;
 using ExtensionPtr = Owned<X509_EXTENSION_free>;

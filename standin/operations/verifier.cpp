@@ -15,8 +15,10 @@ constexpr size_t kMostSigners = 256;
 constexpr size_t kMostCertificates = 512;
 
 constexpr uint32_t kSigningUses = kKeyUsageDigitalSignature | kKeyUsageNonRepudation;
-constexpr char kAnyPolicy[] = "2.5.29.32.0";
 constexpr char kAnyExtKeyUsage[] = "2.5.29.37.0";
+/// TLS servers (with two older names), OCSP and time-stamping.
+constexpr const char* kServices[] = {"1.3.6.1.5.5.7.3.1", "1.3.6.1.4.1.311.10.3.3", "2.16.840.1.113730.4.1",
+                                     "1.3.6.1.5.5.7.3.9", "1.3.6.1.5.5.7.3.8"};
 
 const EVP_MD* DigestOf(const X509_ALGOR* algorithm) {
   const ASN1_OBJECT* object = nullptr;
@@ -101,6 +103,15 @@ bool Contains(const std::vector<std::string>& list, const char* wanted, const ch
                      [&](const std::string& one) { return one == any || (wanted != nullptr && one == wanted); });
 }
 
+/// Whether a critical extension reserves the key for services.
+bool IsReserved(const X509* certificate) {
+  X509_EXTENSION* extension = X509_get_ext(certificate, X509_get_ext_by_NID(certificate, NID_ext_key_usage, -1));
+  return X509_EXTENSION_get_critical(extension) == 1 &&
+         std::ranges::all_of(ExtKeyUsageOf(certificate), [](const std::string& usage) {
+           return std::ranges::find(kServices, usage) != std::end(kServices);
+         });
+}
+
 bool HasExtension(const X509* certificate, const ExtensionRecord& wanted) {
   const std::vector<CertExtension> extensions = ExtensionsOf(certificate);
   return std::any_of(extensions.begin(), extensions.end(), [&](const CertExtension& one) {
@@ -179,8 +190,12 @@ SignerVerdict Verifier::judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, 
   } else if (!isGenuine(message, signer)) {
     verdict.code = kBadSignature;
   } else {
-    const time_t at = (param_->flag & kVerifyUserVTime) != 0 ? verdict.signingTime : 0;
-    verdict.code = trust.check(certificate, {.checkTime = (param_->flag & kVerifyNoTimeCheck) == 0, .at = at});
+    TrustOptions options{.checkTime = (param_->flag & kVerifyNoTimeCheck) == 0};
+    if ((param_->flag & kVerifyUserVTime) != 0) options.at = verdict.signingTime;
+    if ((param_->flag & kVerifyPolicy) != 0) options.policies = ListOf(param_->policies, param_->policyCount);
+    options.signedWith = DigestOf(signer);
+    options.signedAt = verdict.signingTime;
+    verdict.code = trust.check(certificate, options);
     const int32_t demand = IsGood(verdict.code) ? checkDemands(certificate) : kOk;
     if (demand != kOk) verdict.code = demand;
   }
@@ -198,13 +213,7 @@ int32_t Verifier::checkDemands(X509* certificate) const {
   const uint32_t uses = KeyUsageOf(certificate);
   if (uses != 0 && (uses & kSigningUses) == 0) return kKeyUsageMissing;
   if ((param_->flag & kVerifyKeyUsage) != 0 && !AllowsKeyUsage(certificate, param_->keyUsage)) return kKeyUsageMissing;
-  if ((param_->flag & kVerifyPolicy) != 0) {
-    std::vector<std::string> stated;
-    for (const CertPolicy& policy : PoliciesOf(certificate)) stated.push_back(policy.oid);
-    for (const PolicyRecord& policy : ListOf(param_->policies, param_->policyCount)) {
-      if (!Contains(stated, policy.oid, kAnyPolicy)) return kPolicyMissing;
-    }
-  }
+  if (IsReserved(certificate)) return kExtKeyUsageMissing;
   if ((param_->flag & kVerifyExtKeyUsage) != 0) {
     const std::vector<std::string> stated = ExtKeyUsageOf(certificate);
     for (const char* use : ListOf(param_->extKeyUsage, param_->extKeyUsageCount)) {

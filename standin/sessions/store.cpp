@@ -9,15 +9,16 @@
 #include "standin/base/digest.h"
 #include "standin/base/files.h"
 #include "standin/base/times.h"
+#include "standin/certificates/crl_scope.h"
 #include "standin/certificates/der_objects.h"
 
 namespace standin {
 namespace {
 
 /// Nothing for an unreadable file: the folder is shared, and somebody may be writing or deleting the file.
-FoundObjects ObjectsInFile(const std::string& path) {
+Bytes BytesInFile(const std::string& path) {
   try {
-    return ObjectsIn(ReadWholeFile(path.c_str(), kLargestObject));
+    return ReadWholeFile(path.c_str(), kLargestObject);
   } catch (const EngineError&) {
     return {};
   }
@@ -43,11 +44,13 @@ void Store::open(const std::string& folder) {
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) Fail(kStoreUnreadable);
   folder_ = folder;
   readFolder(true);
+  const Bytes policy = BytesInFile(JoinPath(folder, "policy.txt"));
+  policy_.assign(1, '\n').append(policy.begin(), policy.end());
 }
 
 void Store::readFolder(bool certificatesToo) {
   for (const std::string& name : FilesIn(folder_, "*")) {
-    FoundObjects found = ObjectsInFile(JoinPath(folder_, name));
+    FoundObjects found = ObjectsIn(BytesInFile(JoinPath(folder_, name)));
     for (CrlPtr& crl : found.crls) remember(std::move(crl));
     if (!certificatesToo) continue;
     for (CertPtr& certificate : found.certificates) remember(std::move(certificate));
@@ -87,7 +90,7 @@ void Store::add(X509* certificate) {
 void Store::add(X509_CRL* crl) {
   if (!isOpen()) Fail(kNoStore);
   if (isForged(crl)) Fail(kCrlForged);
-  const X509_CRL* known = crlOf(X509_CRL_get_issuer(crl));
+  const X509_CRL* known = newestLike(crl);
   if (known != nullptr && X509_CRL_match(known, crl) == 0) return;
   if (known != nullptr && IssuedAt(crl) < IssuedAt(known)) Fail(kCrlOlder);
   const Bytes der = DerOf(crl);
@@ -96,10 +99,10 @@ void Store::add(X509_CRL* crl) {
   remember(CrlPtr(crl));
 }
 
-X509_CRL* Store::crlOf(const X509_NAME* issuer) const {
+X509_CRL* Store::newestLike(const X509_CRL* wanted) const {
   X509_CRL* newest = nullptr;
   for (const CrlPtr& crl : crls_) {
-    if (X509_NAME_cmp(X509_CRL_get_issuer(crl.get()), issuer) != 0) continue;
+    if (!AreOfOneKind(crl.get(), wanted)) continue;
     if (newest == nullptr || IssuedAt(crl.get()) > IssuedAt(newest)) newest = crl.get();
   }
   return newest;

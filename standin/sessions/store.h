@@ -1,5 +1,5 @@
 // The certificate store of a session: a folder with one certificate or revocation list (DER or PEM) per file.
-// A self-signed certificate in the folder is a trusted root.
+// A self-signed certificate in the folder is a trusted root; policy.txt may admit weak algorithms.
 #pragma once
 
 #include <string>
@@ -22,6 +22,10 @@ class Store {
 
   const std::vector<CertPtr>& certificates() const { return certificates_; }
   const std::vector<CrlPtr>& crls() const { return crls_; }
+  /// The newest list of the same kind, or null.
+  X509_CRL* newestLike(const X509_CRL* wanted) const;
+  /// Whether a line of policy.txt begins with "admit" and this word.
+  bool admits(const std::string& what) const { return policy_.find("\nadmit " + what) != std::string::npos; }
 
   struct CrlReload {
     size_t lists = 0;
@@ -32,14 +36,12 @@ class Store {
 
   /// Adds the object to the folder too, unless it is there. Fails with kNoStore without a folder.
   void add(X509* certificate);
-  /// Fails with kCrlOlder if the store has a newer list of the issuer, and with kCrlForged if the known issuer has not
-  /// signed the list.
+  /// Fails with kCrlOlder if the store has a newer list of the same kind, and with kCrlForged if the known issuer has
+  /// not signed the list.
   void add(X509_CRL* crl);
 
  private:
   bool knows(const X509* certificate) const;
-  /// The newest list of the issuer, or null.
-  X509_CRL* crlOf(const X509_NAME* issuer) const;
   /// True if the store knows the issuer, and the list verifies with none of its certificates.
   bool isForged(X509_CRL* crl) const;
   void remember(CertPtr certificate);
@@ -49,6 +51,7 @@ class Store {
   std::string folder_;
   std::vector<CertPtr> certificates_;
   std::vector<CrlPtr> crls_;
+  std::string policy_;
 };
 
 /// SHA-1 of the DER form, as capital hexadecimal digits: the name of the file of an object.

@@ -121,6 +121,15 @@ TEST_F(Texts, EveryCodeHasATextOfItsOwn) {
   }
 }
 
+TEST_F(Texts, RemarksHaveTextsOfTheirOwn) {
+  std::set<std::string> seen;
+  for (int32_t code : {+kVerifiedWithRemarks, +kWeakAlgorithm, +kRevocationUnclear, +kKeyPeriodOver, +kCrlUnusable}) {
+    const std::string text = textOf(code);
+    EXPECT_TRUE(seen.insert(text).second) << text;
+    EXPECT_EQ(std::string::npos, text.find("0x")) << text;
+  }
+}
+
 TEST_F(Texts, LowHalfOfACodeIsEnough) {
   EXPECT_EQ(textOf(kBadSignature), textOf(static_cast<int32_t>(0xE0690000 | kBadSignature)));
   EXPECT_EQ(textOf(kBadSignature), textOf(static_cast<int32_t>(0x80000000 | kBadSignature)));

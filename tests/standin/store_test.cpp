@@ -40,6 +40,13 @@ TEST_F(Store, OlderAndForgedListsAreRefused) {
   EXPECT_CODE(0, import(session, 16, Material("old.crl")));
 }
 
+TEST_F(Store, OlderListOfAnotherScopeIsAdded) {
+  const EngineSession session = openIn("alice", CopyOfStore("trust/no-list/store", "scopes"));
+  for (const char* list : {"base.crl", "reasons-one.crl", "reasons-two.crl", "delta.crl"}) {
+    EXPECT_CODE(0, addCrl(session, Material(std::string("trust/work/") + list))) << list;
+  }
+}
+
 TEST_F(Store, OtherBytesAreNotAdded) {
   const EngineSession session = openIn("alice", CopyOfStore("roots", "bad"));
   EXPECT_CODE(kCertificateDamaged, add(session, Material("root.crl")));
