@@ -131,6 +131,8 @@ class FakeEngine {
   /// What the module did that no engine allows: a foreign buffer, a closed session, an unreadable record.
   virtual std::vector<std::string> violations() const = 0;
   virtual size_t openSessions() const = 0;
+  /// Of the record of a certificate, for lists of them.
+  virtual size_t certificateSize() const = 0;
   /// For a test in which the module leaves engine memory behind on purpose.
   virtual void releaseOutstanding() = 0;
   /// Back to the state of a fresh engine: no calls, no answers, nothing handed out.

@@ -111,7 +111,7 @@ void WriteVerifyResult(void* record, const Reply& reply) {
     Put(entries, 16 * i, signature.status);
     Put(entries, 16 * i + 4, signature.time);
     if (!signature.cert) continue;
-    void* certificate = Engine().handOut(408);
+    void* certificate = Engine().handOut(kCertificate.size);
     WriteCertificate(certificate, *signature.cert);
     Put(entries, 16 * i + 8, certificate);
   }
@@ -120,8 +120,10 @@ void WriteVerifyResult(void* record, const Reply& reply) {
 void WriteFindResult(void* record, const Reply& reply) {
   if (record == nullptr) return Engine().violate("a null find result");
   if (reply.writesNothing) return;
-  void* array = PutArray(record, 0, 8, reply.certificates.size(), 408);
-  for (size_t i = 0; i < reply.certificates.size(); ++i) WriteCertificate(At(array, 408 * i), reply.certificates[i]);
+  void* array = PutArray(record, 0, 8, reply.certificates.size(), kCertificate.size);
+  for (size_t i = 0; i < reply.certificates.size(); ++i) {
+    WriteCertificate(At(array, kCertificate.size * i), reply.certificates[i]);
+  }
   if (reply.findCount) Put(record, 0, *reply.findCount);
 }
 

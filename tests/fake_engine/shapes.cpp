@@ -1,8 +1,10 @@
-// The shapes of the engine's records, written down a second time on purpose: as offsets, not as structures.
+// What the engine's records point to. Where the members lie is read from the one table of them; the tests read the
+// copies by offsets of their own, so that the table is checked.
 #include "fake_engine/shapes.h"
 
 #include <windows.h>
 
+#include "engine/layout.h"
 #include "fake_engine/state.h"
 
 namespace fake {
@@ -36,32 +38,6 @@ void FollowOne(Snapshot& record, size_t at, const Shape& target) {
   if (address != nullptr) record.pointees[at] = CopyRecord(address, target);
 }
 
-const Shape kText{8, FollowText};
-
-void FollowAltName(Snapshot& record, size_t at) {
-  for (size_t i = 0; i < 15; ++i) FollowText(record, at + 8 * i);
-}
-
-const Shape kPolicy{32, [](Snapshot& record, size_t at) {
-                      for (size_t field : {0, 8, 24}) FollowText(record, at + field);
-                    }};
-
-const Shape kExtension{32, [](Snapshot& record, size_t at) {
-                         FollowText(record, at);
-                         FollowBytes(record, at + 16);
-                       }};
-
-void FollowCertificate(Snapshot& record, size_t at) {
-  for (size_t field : {8, 16, 24, 32, 48, 56, 320}) FollowText(record, at + field);
-  FollowAltName(record, at + 80);
-  FollowAltName(record, at + 200);
-  FollowArray(record, at + 328, at + 336, kPolicy);
-  FollowArray(record, at + 344, at + 352, kText);
-  FollowArray(record, at + 360, at + 368, kExtension);
-  FollowBytes(record, at + 376);
-  FollowBytes(record, at + 392);
-}
-
 void FollowCertId(Snapshot& record, size_t at) {
   switch (record.i32(at)) {
     case 0:
@@ -77,42 +53,56 @@ void FollowCertId(Snapshot& record, size_t at) {
   }
 }
 
-void FollowMycert(Snapshot& record, size_t at) { FollowOne(record, at + 8, kCertId); }
+template <class Record>
+void FollowRecord(Snapshot& record, size_t at);
 
-const Shape kSignature{16, [](Snapshot& record, size_t at) { FollowOne(record, at + 8, kCertificate); }};
+template <class Record>
+constexpr Shape kShapeOf{sizeof(Record), FollowRecord<Record>};
+template <>
+constexpr Shape kShapeOf<char*>{sizeof(char*), FollowText};
+template <>
+constexpr Shape kShapeOf<DataBlob_t>{sizeof(DataBlob_t), FollowBytes};
+template <>
+constexpr Shape kShapeOf<CertIdRecord>{sizeof(CertIdRecord), FollowCertId};
+
+template <class Record, class Type>
+void FollowMember(Snapshot& record, size_t at, const engine::Member<Record, Type>& member) {
+  if constexpr (std::is_pointer_v<Type> && !std::is_same_v<Type, char*>) {
+    FollowOne(record, at + member.start, kShapeOf<std::remove_cv_t<std::remove_pointer_t<Type>>>);
+  } else if constexpr (!std::is_arithmetic_v<Type>) {
+    kShapeOf<Type>.follow(record, at + member.start);
+  }
+}
+
+template <class Record, class Element>
+void FollowMember(Snapshot& record, size_t at, const engine::List<Record, Element>& list) {
+  FollowArray(record, at + list.start, at + list.elementsStart, kShapeOf<Element>);
+}
+
+template <class Record>
+void FollowRecord(Snapshot& record, size_t at) {
+  std::apply([&](const auto&... member) { (FollowMember(record, at, member), ...); }, engine::Layout<Record>::kMembers);
+}
 
 }  // namespace
 
-const Shape kBlob{16, FollowBytes};
+const Shape kBlob = kShapeOf<DataBlob_t>;
 const Shape kPlainInteger{4, NoFollow};
 const Shape kPointer{8, NoFollow};
-const Shape kCertId{24, FollowCertId};
-const Shape kCertificate{408, FollowCertificate};
-const Shape kSignParam{16, FollowMycert};
-const Shape kDecryptParam{24, FollowMycert};
-const Shape kEncryptParam{32, [](Snapshot& record, size_t at) {
-                            FollowMycert(record, at);
-                            FollowArray(record, at + 16, at + 24, kCertificate);
-                          }};
-const Shape kFindParam{432, [](Snapshot& record, size_t at) {
-                         FollowMycert(record, at);
-                         FollowCertificate(record, at + 16);
-                       }};
-const Shape kVerifyParam{80, [](Snapshot& record, size_t at) {
-                           FollowMycert(record, at);
-                           FollowArray(record, at + 20, at + 24, kPolicy);
-                           FollowArray(record, at + 32, at + 40, kText);
-                           FollowArray(record, at + 48, at + 56, kExtension);
-                         }};
-const Shape kVerifyCertParam{24, FollowMycert};
-const Shape kLocalParam{48, [](Snapshot& record, size_t at) {
-                          for (size_t field : {16, 24, 32, 40}) FollowText(record, at + field);
-                        }};
-const Shape kRSrvParam{32, [](Snapshot& record, size_t at) { FollowArray(record, at + 16, at + 24, kText); }};
-const Shape kFindResult{16, [](Snapshot& record, size_t at) { FollowArray(record, at, at + 8, kCertificate); }};
-const Shape kVerifyResult{16, [](Snapshot& record, size_t at) { FollowArray(record, at, at + 8, kSignature); }};
-const Shape kDecryptResult{416, [](Snapshot& record, size_t at) { FollowCertificate(record, at + 8); }};
-const Shape kSignedInfoResult{16, NoFollow};
+const Shape kCertId = kShapeOf<CertIdRecord>;
+const Shape kCertificate = kShapeOf<CertificateRecord>;
+const Shape kSignParam = kShapeOf<SignParamRecord>;
+const Shape kDecryptParam = kShapeOf<DecryptParamRecord>;
+const Shape kEncryptParam = kShapeOf<EncryptParamRecord>;
+const Shape kFindParam = kShapeOf<FindParamRecord>;
+const Shape kVerifyParam = kShapeOf<VerifyParamRecord>;
+const Shape kVerifyCertParam = kShapeOf<VerifyCertParamRecord>;
+const Shape kLocalParam = kShapeOf<LocalParamRecord>;
+const Shape kRSrvParam = kShapeOf<RSrvParamRecord>;
+const Shape kFindResult = kShapeOf<FindResultRecord>;
+const Shape kVerifyResult = kShapeOf<VerifyResultRecord>;
+const Shape kDecryptResult = kShapeOf<DecryptResultRecord>;
+const Shape kSignedInfoResult = kShapeOf<SignedInfoResultRecord>;
 
 Snapshot CopyBytes(const void* address, size_t size) {
   Snapshot copy;

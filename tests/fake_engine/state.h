@@ -17,6 +17,7 @@ class State final : public FakeEngine {
   size_t givenBack() const override { return givenBack_; }
   std::vector<std::string> violations() const override { return violations_; }
   size_t openSessions() const override { return sessions_.size(); }
+  size_t certificateSize() const override { return kCertificate.size; }
   void releaseOutstanding() override;
   void reset() override;
 

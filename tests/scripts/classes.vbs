@@ -1,11 +1,10 @@
-' Every class of the module can be created by both of its names, as many times as wanted.
+' Every class of the module can be created by both of its names, as many times as wanted. Arguments: the classes.
 Option Explicit
 On Error Resume Next
 
-Dim name, version, suffix, first, second
-For Each name In Array("QUIVO", "LocalParam", "RSrvParam", "CertId", "SignParam", "Policy", "Extension", "VerifyParam", _
-                       "AltName", "Certificate", "SignStatus", "EncryptParam", "DecryptParam", "ExportParam", _
-                       "ImportParam", "FindParam", "StreamCtx", "pkiobj")
+Dim i, name, suffix, first, second
+For i = 0 To WScript.Arguments.Count - 1
+  name = WScript.Arguments(i)
   For Each suffix In Array("", ".1")
     Set first = Nothing
     Set second = Nothing
@@ -18,6 +17,8 @@ For Each name In Array("QUIVO", "LocalParam", "RSrvParam", "CertId", "SignParam"
     ok Not second Is first, name & suffix & " gives a new object each time"
   Next
 Next
+
+ok i > 0, "classes are named"
 
 Set first = Nothing
 Set first = CreateObject("TAVL.CertId.2")

@@ -3,6 +3,7 @@
 
 #include <psapi.h>
 
+#include <algorithm>
 #include <functional>
 #include <random>
 

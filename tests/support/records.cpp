@@ -39,3 +39,11 @@ fake::Snapshot RecordOf(IDispatch* object) {
   // Stores receive an identifier in a record of its own.
   return type == "ICertId" ? record.at(8) : record;
 }
+
+fake::Snapshot CertificateAt(const fake::Snapshot& list, size_t index) {
+  return list.element(index, TavlFakeEngine()->certificateSize());
+}
+
+fake::Snapshot TemplateIn(const fake::Snapshot& search) { return search.part(16, TavlFakeEngine()->certificateSize()); }
+
+uint32_t MaskIn(const fake::Snapshot& search) { return search.u32(16 + TavlFakeEngine()->certificateSize()); }

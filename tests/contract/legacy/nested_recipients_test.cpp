@@ -8,7 +8,6 @@
 namespace {
 
 constexpr uint32_t kNoMemory = 0x80000008;
-constexpr size_t kRecord = 408;
 
 void OverwriteAndFree(void* block) {
   if (block != nullptr) std::memset(block, 0xDD, _msize(block));
@@ -47,11 +46,12 @@ class LegacyNestedRecipients : public LegacyNestedTest {
         isCalled = true;
         const fake::Snapshot param = encryption(engine().last());
         const auto array = reinterpret_cast<const uint8_t*>(param.pointer(24));
-        const Bytes before(array, array + 2 * kRecord);
+        const size_t size = engine().certificateSize();
+        const Bytes before(array, array + 2 * size);
         nested();
-        EXPECT_EQ(before, Bytes(array, array + 2 * kRecord));
+        EXPECT_EQ(before, Bytes(array, array + 2 * size));
         EXPECT_STREQ("CN=A", *reinterpret_cast<const char* const*>(before.data() + 24));
-        EXPECT_STREQ("CN=B", *reinterpret_cast<const char* const*>(before.data() + kRecord + 24));
+        EXPECT_STREQ("CN=B", *reinterpret_cast<const char* const*>(before.data() + size + 24));
       };
       Ipkiobj* called = object.get();
       EXPECT_OK(operation(called));
@@ -158,7 +158,7 @@ TEST_F(LegacyNestedRecipients, EncryptionAfterTheSheetIsForThoseSetWhenItWasCall
     const fake::Snapshot& param = encryption(engine().only("QUIVO_SignAndEncryptFile"));
     ASSERT_EQ(2, param.i32(16));
     EXPECT_EQ("CN=A", param.at(24).text(24));
-    EXPECT_EQ("CN=B", param.at(24).element(1, kRecord).text(24));
+    EXPECT_EQ("CN=B", CertificateAt(param.at(24), 1).text(24));
   }
 }
 
@@ -210,8 +210,8 @@ TEST_F(LegacyNestedRecipients, AddedInsideAnAdditionAreBothKept) {
   EXPECT_OK(object->AddRecipDERCert(Bstr(L"second")));
   EXPECT_EQ(4u, recipients());
   const fake::Snapshot records = encryption(engine().only("QUIVO_EncryptFile")).at(24);
-  EXPECT_EQ(2u * 5, records.element(2, kRecord).blob(376).size());
-  EXPECT_EQ(2u * 6, records.element(3, kRecord).blob(376).size());
+  EXPECT_EQ(2u * 5, CertificateAt(records, 2).blob(376).size());
+  EXPECT_EQ(2u * 6, CertificateAt(records, 3).blob(376).size());
 }
 
 TEST_F(LegacyNestedRecipients, AListBegunWithoutASessionBelongsToTheFirstThatAddsToIt) {

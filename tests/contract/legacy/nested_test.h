@@ -4,6 +4,7 @@
 
 #include "contract/legacy/legacy_test.h"
 #include "support/certificates.h"
+#include "support/records.h"
 #include "support/temp_file.h"
 
 /// One call of the legacy object, what the engine answers for it, and what it returns.

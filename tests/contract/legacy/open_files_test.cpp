@@ -57,7 +57,6 @@ TEST_F(LegacyFiles, UnencryptDecrypts) {
   EXPECT_EQ(AnsiOf(in.path()), call.text(2));
   EXPECT_EQ(AnsiOf(kOut), call.text(3));
   EXPECT_TRUE(call.record(4).allZero());
-  EXPECT_EQ(416u, call.record(4).bytes.size());
 }
 
 TEST_F(LegacyFiles, UnencryptShowsTheResultOnlyWhenAskedTo) {

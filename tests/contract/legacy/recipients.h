@@ -3,6 +3,7 @@
 
 #include "contract/legacy/legacy_test.h"
 #include "support/certificates.h"
+#include "support/records.h"
 
 constexpr uint32_t kBadParameter = 0x80000057;
 constexpr uint32_t kNoMemory = 0x80000008;
@@ -45,7 +46,7 @@ class LegacyRecipients : public LegacyTest {
     EXPECT_OK(object->Encrypt(Bstr(L"in"), Bstr(L"out")));
     const fake::Snapshot param = engine().only("QUIVO_EncryptFile").record(1);
     std::vector<fake::Snapshot> all;
-    for (int32_t i = 0; i < param.i32(16); ++i) all.push_back(param.at(24).element(static_cast<size_t>(i), 408));
+    for (int32_t i = 0; i < param.i32(16); ++i) all.push_back(CertificateAt(param.at(24), static_cast<size_t>(i)));
     return all;
   }
   void expectSelection(const fake::Snapshot& search) {
@@ -53,14 +54,14 @@ class LegacyRecipients : public LegacyTest {
     EXPECT_EQ(0u, search.u64(8));
     EXPECT_EQ(0x80u, search.u32(kTemplate));
     EXPECT_EQ(5u, search.u32(kTemplate + 64));
-    EXPECT_EQ(0x20000u, search.u32(424));
+    EXPECT_EQ(0x20000u, MaskIn(search));
   }
   /// A search by address, with the address at one member of the alternative name and no other.
   void expectAddress(const fake::Snapshot& search, size_t member, const std::string& address) {
     EXPECT_EQ(0u, search.u32(0));
     EXPECT_EQ(0x280u, search.u32(kTemplate));
     EXPECT_EQ(5u, search.u32(kTemplate + 64));
-    EXPECT_EQ(0x20000u, search.u32(424));
+    EXPECT_EQ(0x20000u, MaskIn(search));
     for (size_t i = 0; i < 15; ++i) {
       const size_t offset = kSubjectAltName + 8 * i;
       if (i == member)

@@ -154,13 +154,17 @@ INSTANTIATE_TEST_SUITE_P(Results, ByteOutputOfAnUpdateTest,
 
 using ByteOutputOfDataTest = ByteOutputTest;
 
+bool IsString(const Argument& argument) { return argument.type == "BSTR"; }
+
 TEST_P(ByteOutputOfDataTest, CopyOfTheDataIsGoneBeforeTheOutputIsMade) {
   Variant output;
   const long before = Module::get().liveAllocations();
   long during = -1;
   engine().on("QUIVO_FreeMem").during = [&] { during = Module::get().liveAllocations(); };
   EXPECT_OK(run(true, output));
-  EXPECT_EQ(before, during);
+  // Strings stay until the end of the call.
+  const auto& arguments = GetParam().operation.member.arguments;
+  EXPECT_EQ(before + std::count_if(arguments.begin(), arguments.end(), IsString), during);
 }
 
 INSTANTIATE_TEST_SUITE_P(Results, ByteOutputOfDataTest,

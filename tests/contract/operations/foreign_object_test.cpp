@@ -11,9 +11,12 @@ class ForeignObjectTest : public ContractTest, public ::testing::WithParamInterf
  protected:
   HRESULT pass(const void* object) { return GetParam().call(objects, object); }
 
-  const std::string type = GetParam().declared().type;
   /// The class that belongs here.
-  const CoClass& expected = ClassOf(type.substr(0, type.size() - 1));
+  const CoClass& expected() {
+    const std::string pointer = GetParam().declared().type, interfaceName = pointer.substr(0, pointer.size() - 1);
+    return ClassOf(interfaceName);
+  }
+
   Objects objects{openQuivo()};
 };
 
@@ -27,7 +30,7 @@ TEST_P(ForeignObjectTest, ForeignObjectIsRefusedUntouched) {
 
 TEST_P(ForeignObjectTest, ObjectOfAnotherClassIsRefused) {
   for (const CoClass& coclass : Classes()) {
-    if (coclass.name == expected.name) continue;
+    if (coclass.name == expected().name) continue;
     Ptr<IUnknown> wrong = MakeUnknown(coclass.clsid, coclass.iid);
     EXPECT_HR(kInvalidArgument, pass(wrong.get())) << coclass;
   }
@@ -35,15 +38,15 @@ TEST_P(ForeignObjectTest, ObjectOfAnotherClassIsRefused) {
 }
 
 TEST_P(ForeignObjectTest, ObjectOfTheRightClassIsAccepted) {
-  Ptr<IUnknown> right = MakeUnknown(expected.clsid, expected.iid);
+  Ptr<IUnknown> right = MakeUnknown(expected().clsid, expected().iid);
   EXPECT_OK(pass(right.get()));
 }
 
 TEST_P(ForeignObjectTest, AggregatedObjectOfTheRightClassIsAccepted) {
-  OuterObject outer(FactoryOf(expected.clsid));
+  OuterObject outer(FactoryOf(expected().clsid));
   ASSERT_OK(outer.created);
   Ptr<IUnknown> right;
-  ASSERT_OK(outer.inner->QueryInterface(expected.iid, right.voidOut()));
+  ASSERT_OK(outer.inner->QueryInterface(expected().iid, right.voidOut()));
   EXPECT_OK(pass(right.get()));
 }
 

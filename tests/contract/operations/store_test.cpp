@@ -23,7 +23,7 @@ TEST_F(FindCertTest, ParametersReachTheEngine) {
   EXPECT_OK(param->put_info(Field_All));
   EXPECT_OK(find());
   EXPECT_EQ(512u, call().record(1).u32(0));
-  EXPECT_EQ(0x7FFFFu, call().record(1).u32(424));
+  EXPECT_EQ(0x7FFFFu, MaskIn(call().record(1)));
   EXPECT_TRUE(call().record(2).part(0, 4).allZero());
   EXPECT_EQ(0u, call().record(2).pointer(8));
 }
@@ -61,7 +61,6 @@ TEST_F(ParseCertTest, EncodingAndMaskReachTheEngine) {
     EXPECT_EQ((Bytes{0x30}), call().blobBytes(1));
     EXPECT_EQ(static_cast<uint32_t>(mask), static_cast<uint32_t>(call().value(2)));
     EXPECT_TRUE(call().record(3).allZero());
-    EXPECT_EQ(408u, call().record(3).bytes.size());
   }
 }
 

@@ -73,8 +73,9 @@ Content ArrayTest::recorded() {
     } else if (HoldsStrings(GetParam())) {
       content.push_back(elements.text(8 * i));
     } else {
-      const size_t size = GetParam().content == "ICertificate" ? 408 : 32;
-      content.push_back(MarkIn(GetParam().content, elements.element(i, size)));
+      const bool areCertificates = GetParam().content == "ICertificate";
+      content.push_back(
+          MarkIn(GetParam().content, areCertificates ? CertificateAt(elements, i) : elements.element(i, 32)));
     }
   }
   return content;

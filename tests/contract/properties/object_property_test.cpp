@@ -148,8 +148,7 @@ using FindParamTest = ContractTest;
 TEST_F(FindParamTest, MaskStandsBehindTheTemplate) {
   Ptr<IFindParam> param = Make<IFindParam>();
   EXPECT_OK(param->put_info(Field_AlgorithmOidFormat));
-  EXPECT_EQ(0x80000000u, RecordOf(param).u32(424));
-  EXPECT_EQ(432u, RecordOf(param).bytes.size());
+  EXPECT_EQ(0x80000000u, MaskIn(RecordOf(param)));
 }
 
 TEST_F(FindParamTest, ChangedAlternativeNameOfTheTemplateLeavesNoFreedPointer) {
@@ -160,7 +159,7 @@ TEST_F(FindParamTest, ChangedAlternativeNameOfTheTemplateLeavesNoFreedPointer) {
   EXPECT_OK(certificate->putref_subjectAltName(name));
   EXPECT_OK(param->putref_certTemplate(certificate));
   EXPECT_OK(name->put_emailAddress(Bstr(L"a text that is longer than the one it replaces")));
-  EXPECT_EQ("a text that is longer than the one it replaces", RecordOf(param).part(16, 408).text(200));
+  EXPECT_EQ("a text that is longer than the one it replaces", TemplateIn(RecordOf(param)).text(200));
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ class ReceiversTest : public ContractTest {
     return ObjectsOf(value);
   }
   fake::Snapshot record() { return RecordOf(param_.get()); }
-  std::string subject(size_t index) { return record().at(24).element(index, 408).text(24); }
+  std::string subject(size_t index) { return CertificateAt(record().at(24), index).text(24); }
 
  private:
   Ptr<IEncryptParam> param_;
@@ -97,7 +97,7 @@ TEST_F(ReceiversTest, ObjectsGivenAfterAScriptArrayAreReadBack) {
 TEST_F(ReceiversTest, NothingInAScriptArrayIsAnEmptyRecord) {
   EXPECT_OK(put(VariantArray({Variant::object(nullptr)})));
   EXPECT_EQ(1, record().i32(16));
-  EXPECT_TRUE(record().at(24).element(0, 408).allZero());
+  EXPECT_TRUE(CertificateAt(record().at(24), 0).allZero());
 }
 
 TEST_F(ReceiversTest, RefusedScriptArrayChangesNothing) {
@@ -175,7 +175,7 @@ TEST_F(ReceiversTest, ChangedPartsOfAReceiverLeaveNoFreedPointer) {
   EXPECT_OK(put(ObjectArray({certificate})));
   EXPECT_OK(policy->put_oid(Bstr(L"a text that is longer than the one before")));
   EXPECT_OK(name->put_DNS(Bstr(L"a text that is longer than the one before")));
-  const fake::Snapshot seen = record().at(24).element(0, 408);
+  const fake::Snapshot seen = CertificateAt(record().at(24), 0);
   EXPECT_EQ("a text that is longer than the one before", seen.at(336).text(0));
   EXPECT_EQ("a text that is longer than the one before", seen.text(200 + 8));
 }
@@ -187,7 +187,7 @@ TEST_F(ReceiversTest, ClearedPartsOfAReceiverLeaveNoFreedPointer) {
   EXPECT_OK(put(VariantArray({Variant::object(certificate)})));
   EXPECT_OK(certificate->put_extKeyUsage(Variant()));
   EXPECT_OK(certificate->put_extensions(Variant()));
-  const fake::Snapshot seen = record().at(24).element(0, 408);
+  const fake::Snapshot seen = CertificateAt(record().at(24), 0);
   EXPECT_EQ(0, seen.i32(344));
   EXPECT_EQ(0, seen.i32(360));
 }
@@ -197,7 +197,7 @@ TEST_F(ReceiversTest, WholeCertificateRecordIsCopied) {
   EXPECT_OK(certificate->put_certEncoded(ByteArray({1, 2, 3})));
   EXPECT_OK(certificate->put_keyUsage(Keyusage_KeyEncipherment));
   EXPECT_OK(put(ObjectArray({certificate})));
-  EXPECT_EQ(RecordOf(certificate.get()).bytes, record().at(24).element(0, 408).bytes);
+  EXPECT_EQ(RecordOf(certificate.get()).bytes, CertificateAt(record().at(24), 0).bytes);
 }
 
 }  // namespace
