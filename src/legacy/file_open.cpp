@@ -9,6 +9,7 @@
 #include "com/module.h"
 #include "com/ref.h"
 #include "convert/strings.h"
+#include "engine/library.h"
 #include "legacy/file_open_plan.h"
 #include "legacy/legacy_resources.h"
 #include "legacy/messages.h"
@@ -107,7 +108,7 @@ class Opening {
   explicit Opening(const char* path) : path_(path) {}
 
   void run() {
-    if (!PlanOpening(path_, plan_)) return;
+    if (!PlanOpening(path_, plan_) || !hasEngine()) return;
     executesResult_ = ExecutesResult();
     if (!(executesResult_ ? mayWrite() : askWhereToSave())) return;
     if (!openSession() || process() != S_OK) return;
@@ -117,6 +118,21 @@ class Opening {
   }
 
  private:
+  static bool hasEngine() {
+    HRESULT hr = engine::Load();
+    if (SUCCEEDED(hr)) return true;
+    char text[kMessageSize];
+    if (engine::MissingFunction()) {
+      FormatText(text, "В библиотеке tavl1.dll нет функции %s.", engine::MissingFunction());
+    } else if (hr == HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND)) {
+      FormatText(text, "Библиотека tavl1.dll не найдена.");
+    } else {
+      FormatText(text, "Библиотека tavl1.dll не загружена: ошибка 0x%08X.", hr);
+    }
+    Tell(MB_ICONERROR, text);
+    return false;
+  }
+
   bool mayWrite() const {
     if (!Exists(plan_.result)) return true;
     char question[kMessageSize];

@@ -2,6 +2,7 @@
 
 #include "classes.h"
 #include "com/module.h"
+#include "engine/library.h"
 
 namespace module {
 namespace {
@@ -17,6 +18,8 @@ std::span<ClassEntry> ClassTable() { return table; }
 HRESULT GetFactory(REFCLSID clsid, REFIID iid, void** out) {
   for (ClassEntry& entry : table) {
     if (*entry.clsid != clsid) continue;
+    HRESULT hr = engine::Load();
+    if (FAILED(hr)) return hr;
     if (!entry.factory) {
       com::module::Guard guard;
       if (!entry.factory) entry.factory = com::NewClassFactory(entry.create);

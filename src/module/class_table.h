@@ -19,7 +19,8 @@ struct ClassEntry {
 
 std::span<ClassEntry> ClassTable();
 
-/// An interface of the factory of a class. CLASS_E_CLASSNOTAVAILABLE for a class of others, E_OUTOFMEMORY.
+/// An interface of the factory of a class. CLASS_E_CLASSNOTAVAILABLE for a class of others, E_OUTOFMEMORY,
+/// or why there is no engine (engine::Load).
 HRESULT GetFactory(REFCLSID clsid, REFIID iid, void** out);
 
 void ReleaseFactories();

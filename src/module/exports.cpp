@@ -1,5 +1,6 @@
 // The entry points of the module.
 #include "com/module.h"
+#include "engine/library.h"
 #include "legacy/file_open.h"
 #include "module/class_table.h"
 #include "module/registration.h"
@@ -12,7 +13,10 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEn
     com::module::AtDetach(module::ReleaseFactories);
   }
   // At the end of the process nothing may be called any more; the system takes everything back.
-  if (reason == DLL_PROCESS_DETACH && !processEnds) com::module::Detach();
+  if (reason == DLL_PROCESS_DETACH && !processEnds) {
+    com::module::Detach();
+    engine::Unload();
+  }
   return TRUE;
 }
 

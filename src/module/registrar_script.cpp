@@ -1,5 +1,7 @@
 #include "module/registrar_script.h"
 
+#include <algorithm>
+
 #include <new>
 
 namespace registrar {
@@ -107,14 +109,15 @@ class Parser {
     if (rest_.empty()) return;
     if (rest_.front() == '\'') return quoted();
     size_t length = rest_.find_first_of(" \t\r\n'=");
-    token_.text = rest_.substr(0, rest_.front() == '=' ? 1 : length);
+    // Not substr, which refers to the machinery of exceptions.
+    token_.text = {rest_.data(), rest_.front() == '=' ? 1 : std::min(length, rest_.size())};
     rest_.remove_prefix(token_.text.size());
   }
 
   void quoted() {
     size_t end = rest_.find('\'', 1);
     isBroken_ = end == std::string_view::npos;
-    token_ = {isBroken_ ? std::string_view() : rest_.substr(1, end - 1), !isBroken_};
+    token_ = {isBroken_ ? std::string_view() : std::string_view(rest_.data() + 1, end - 1), !isBroken_};
     rest_.remove_prefix(isBroken_ ? rest_.size() : end + 1);
   }
 

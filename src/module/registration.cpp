@@ -7,6 +7,7 @@
 #include "com/owner.h"
 #include "com/ref.h"
 #include "com/type_library.h"
+#include "engine/library.h"
 #include "module/class_table.h"
 #include "module/registrar.h"
 #include "quivocom.h"
@@ -33,6 +34,8 @@ HRESULT UnregisterLibrary() {
 }  // namespace
 
 HRESULT Register() {
+  HRESULT loaded = engine::Load();
+  if (FAILED(loaded)) return loaded;
   for (const ClassEntry& entry : ClassTable()) {
     HRESULT hr = registrar::Register(entry.script);
     if (FAILED(hr)) return hr;

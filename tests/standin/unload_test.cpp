@@ -1,14 +1,16 @@
-// The engine loaded and unloaded again and again, in a program that does not link it. Each time it works on two threads
-// and leaves a session open.
+// The engine loaded and unloaded again and again, in a program that does not link it: by itself, where it works on two
+// threads and leaves a session open each time, and by the module.
 #include <windows.h>
 
 #include <gtest/gtest.h>
+#include <objbase.h>
 #include <psapi.h>
 
 #include <cstdlib>
 #include <string>
 
 #include "engine/functions.h"
+#include "quivocom.h"
 
 namespace {
 
@@ -59,19 +61,101 @@ void WorkOnce() {
   EXPECT_EQ(nullptr, GetModuleHandleA("tavl1.dll"));
 }
 
+/// One object of the module, which loads the engine, in whose session a hash is made.
+void UseModuleOnce() {
+  const HMODULE library = LoadLibraryA("tavlcom.dll");
+  ASSERT_NE(nullptr, library);
+  EXPECT_EQ(nullptr, GetModuleHandleA("tavl1.dll"));
+  IClassFactory* factory = nullptr;
+  ASSERT_EQ(S_OK, Find<decltype(DllGetClassObject)>(library, "DllGetClassObject")(__uuidof(QUIVO), IID_IClassFactory,
+                                                                                  reinterpret_cast<void**>(&factory)));
+  IQUIVO* quivo = nullptr;
+  EXPECT_EQ(S_OK, factory->CreateInstance(nullptr, __uuidof(IQUIVO), reinterpret_cast<void**>(&quivo)));
+  factory->Release();
+  EXPECT_EQ(S_OK, quivo->InitMinimal());
+  wchar_t name[] = L"HashMem";
+  wchar_t* names = name;
+  DISPID id = 0;
+  EXPECT_EQ(S_OK, quivo->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_NEUTRAL, &id));
+  quivo->Release();
+  EXPECT_EQ(S_OK, Find<decltype(DllCanUnloadNow)>(library, "DllCanUnloadNow")());
+  FreeLibrary(library);
+  EXPECT_EQ(nullptr, GetModuleHandleA("tavlcom.dll"));
+  EXPECT_EQ(nullptr, GetModuleHandleA("tavl1.dll"));
+}
+
 size_t Memory() {
   PROCESS_MEMORY_COUNTERS counters{};
   GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
   return counters.PagefileUsage;
 }
 
+DWORD Handles() {
+  DWORD count = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &count);
+  return count;
+}
+
+/// Rounds whose growth counts, after as many that may still fill what the platform keeps.
+constexpr int kRounds = 40;
+
+void ExpectNothingLeft(void (*round)(), size_t mostGrowth) {
+  for (int i = 0; i < kRounds && !::testing::Test::HasFailure(); ++i) round();
+  const size_t memory = Memory();
+  const DWORD handles = Handles();
+  for (int i = 0; i < kRounds && !::testing::Test::HasFailure(); ++i) round();
+  EXPECT_LE(Memory(), memory + mostGrowth);
+  EXPECT_LE(Handles(), handles);
+}
+
 }  // namespace
 
-TEST(Unload, LeavesNoMemoryBehind) {
-  constexpr int kRounds = 40;
-  constexpr size_t kMostGrowth = 128 * 1024;
-  for (int round = 0; round < kRounds && !HasFailure(); ++round) WorkOnce();
-  const size_t before = Memory();
-  for (int round = 0; round < kRounds && !HasFailure(); ++round) WorkOnce();
-  EXPECT_LE(Memory(), before + kMostGrowth);
+TEST(Unload, LeavesNothingOfTheEngineBehind) { ExpectNothingLeft(WorkOnce, 128 * 1024); }
+
+TEST(Unload, LeavesNothingOfTheModuleBehind) {
+  // As in every host of automation: the platform's cache of strings is lost whenever its library goes.
+  LoadLibraryA("oleaut32.dll");
+  ExpectNothingLeft(UseModuleOnce, 128 * 1024);
+}
+
+/// The module in a folder of its own, without the engine that lies in the folder of this program.
+class ModuleAlone : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    char program[MAX_PATH] = {};
+    GetModuleFileNameA(nullptr, program, MAX_PATH);
+    const std::string bin(program, std::string(program).rfind('\\'));
+    folder_ = bin + "\\alone";
+    CreateDirectoryA(folder_.c_str(), nullptr);
+    DeleteFileA((folder_ + "\\tavl1.dll").c_str());
+    CopyFileA((bin + "\\tavlcom.dll").c_str(), (folder_ + "\\tavlcom.dll").c_str(), FALSE);
+    library_ = LoadLibraryA((folder_ + "\\tavlcom.dll").c_str());
+    ASSERT_NE(nullptr, library_);
+  }
+  void TearDown() override { FreeLibrary(library_); }
+
+  void expectEveryEntry(HRESULT expected) {
+    IClassFactory* factory = nullptr;
+    EXPECT_EQ(expected, Find<decltype(DllGetClassObject)>(library_, "DllGetClassObject")(
+                            __uuidof(QUIVO), IID_IClassFactory, reinterpret_cast<void**>(&factory)));
+    EXPECT_EQ(nullptr, factory);
+    EXPECT_EQ(expected, Find<HRESULT WINAPI()>(library_, "DllRegisterServer")());
+  }
+  void putEngine(const char* file) { CopyFileA(file, (folder_ + "\\tavl1.dll").c_str(), FALSE); }
+
+ private:
+  std::string folder_;
+  HMODULE library_ = nullptr;
+};
+
+TEST_F(ModuleAlone, ReportsAMissingEngine) { expectEveryEntry(HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND)); }
+
+TEST_F(ModuleAlone, ReportsAnEngineThatLacksAFunction) {
+  putEngine(std::getenv("TAVL_PLANTED_ENGINE"));
+  expectEveryEntry(HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND));
+}
+
+TEST_F(ModuleAlone, ReportsAFileThatIsNoLibrary) {
+  putEngine((std::string(std::getenv("TAVL_STANDIN_MATERIAL")) + "/alice.p12").c_str());
+  expectEveryEntry(HRESULT_FROM_WIN32(ERROR_BAD_EXE_FORMAT));
 }

@@ -38,18 +38,6 @@ std::set<std::string> PeImage::importedLibraries() const {
   return names;
 }
 
-std::set<std::string> PeImage::importsFrom(const std::string& library) const {
-  std::set<std::string> names;
-  auto import = at<IMAGE_IMPORT_DESCRIPTOR>(directory(IMAGE_DIRECTORY_ENTRY_IMPORT).VirtualAddress);
-  for (; import->Name != 0; ++import) {
-    if (_stricmp(at<char>(import->Name), library.c_str()) != 0) continue;
-    for (auto entry = at<ULONGLONG>(import->OriginalFirstThunk); *entry != 0; ++entry) {
-      names.insert(at<IMAGE_IMPORT_BY_NAME>(static_cast<DWORD>(*entry))->Name);
-    }
-  }
-  return names;
-}
-
 std::set<std::string> PeImage::exports() const {
   std::set<std::string> names;
   const auto table = at<IMAGE_EXPORT_DIRECTORY>(directory(IMAGE_DIRECTORY_ENTRY_EXPORT).VirtualAddress);

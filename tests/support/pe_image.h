@@ -19,7 +19,6 @@ class PeImage {
   const IMAGE_NT_HEADERS64& header() const;
   /// In lower case.
   std::set<std::string> importedLibraries() const;
-  std::set<std::string> importsFrom(const std::string& library) const;
   std::set<std::string> exports() const;
   ULONGLONG preferredBase() const { return preferredBase_; }
 

@@ -1,6 +1,6 @@
 // Opens a protected file as the shell does, and answers every window that comes up:
-//   open_and_answer FILE [keep] [refuse]
-// Runs "rundll32 tavlcom.dll,FileOpen FILE" in the current folder. Windows are accepted; "keep" marks the save
+//   open_and_answer MODULE FILE [keep] [refuse]
+// Runs "rundll32 MODULE,FileOpen FILE" in the current folder. Windows are accepted; "keep" marks the save
 // dialog's box before, "refuse" cancels the results sheet. Prints each window with its texts, in UTF-8, and at last the
 // exit code of rundll32, which is the program's own too; it is 1 when the opening did not come to its end in time.
 #include <windows.h>
@@ -103,12 +103,12 @@ BOOL CALLBACK AnswerNew(HWND window, LPARAM data) {
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
-  if (count < 2) return 2;
-  for (int i = 2; i < count; ++i) {
+  if (count < 3) return 2;
+  for (int i = 3; i < count; ++i) {
     keeps = keeps || std::wstring(arguments[i]) == L"keep";
     refuses = refuses || std::wstring(arguments[i]) == L"refuse";
   }
-  std::wstring line = L"rundll32 tavlcom.dll,FileOpen " + std::wstring(arguments[1]);
+  std::wstring line = L"rundll32 " + std::wstring(arguments[1]) + L",FileOpen " + arguments[2];
   STARTUPINFOW start{};
   start.cb = sizeof start;
   PROCESS_INFORMATION process{};

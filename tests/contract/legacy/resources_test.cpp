@@ -218,7 +218,7 @@ std::vector<int> SizesOfIcon(int number) {
 }
 
 TEST(LegacyResources, EveryIconHasPicturesOfTheUsualSizes) {
-  for (int icon = 1101; icon <= 1112; ++icon) EXPECT_EQ((std::vector<int>{16, 20, 24, 32}), SizesOfIcon(icon)) << icon;
+  for (int icon = 1101; icon <= 1112; ++icon) EXPECT_EQ((std::vector<int>{16, 32}), SizesOfIcon(icon)) << icon;
 }
 
 TEST(LegacyResources, TheNumberOfTheSystemsErrorIconIsFree) { EXPECT_EQ(std::vector<int>{}, SizesOfIcon(32513)); }
