@@ -62,6 +62,24 @@ Bytes HashOf(ByteView bytes, const EVP_MD* algorithm) {
 
 const EVP_MD* DefaultDigest() { return EVP_sha256(); }
 
+const EVP_MD* SignatureDigest(const EVP_PKEY* key) {
+  constexpr int kMandatory = 2;
+  switch (EVP_PKEY_get_base_id(key)) {
+    case EVP_PKEY_RSA:
+    case EVP_PKEY_DSA:
+      return DefaultDigest();
+    case EVP_PKEY_RSA_PSS: {
+      int demanded = NID_undef;
+      const bool demands = EVP_PKEY_get_default_digest_nid(const_cast<EVP_PKEY*>(key), &demanded) == kMandatory;
+      return demands ? EVP_get_digestbynid(demanded) : DefaultDigest();
+    }
+    case EVP_PKEY_EC:
+      return EVP_PKEY_get_bits(key) <= 256 ? EVP_sha256() : EVP_PKEY_get_bits(key) <= 384 ? EVP_sha384() : EVP_sha512();
+    default:
+      return nullptr;
+  }
+}
+
 const EVP_MD* DigestByName(const char* name) {
   if (name == nullptr || *name == 0) return DefaultDigest();
   const std::string wanted = LettersAndDigits(name);

@@ -16,6 +16,20 @@ constexpr size_t kLongestHeader = 9;
 
 Bytes CopyOf(ByteView bytes) { return Bytes(bytes.begin(), bytes.end()); }
 
+/// The elements behind the content, each at most once and in this order; 0 for none.
+struct TailRule {
+  MessageKind kind;
+  uint8_t order[3];
+  uint8_t required;
+};
+constexpr TailRule kTailRules[] = {
+    {MessageKind::kSigned, {ber::kContext0Constructed, ber::kContext1Constructed, ber::kSet}, ber::kSet},
+    {MessageKind::kEnveloped, {ber::kContext1Constructed}, 0},
+    {MessageKind::kAuthEnveloped,
+     {ber::kContext1Constructed, ber::kOctetString, ber::kContext2Constructed},
+     ber::kOctetString},
+};
+
 }  // namespace
 
 MessageReader::MessageReader(OnHead onHead, OnContent onContent)
@@ -54,6 +68,7 @@ void MessageReader::finish() {
   } catch (const ber::NeedMore&) {
     Fail(kMessageDamaged);
   }
+  checkTail();
 }
 
 bool MessageReader::tryHead() {
@@ -78,13 +93,15 @@ void MessageReader::parseHead(ber::Cursor& cursor) {
     head_.kind = MessageKind::kSigned;
   } else if (Equal(type, kOidEnvelopedData)) {
     head_.kind = MessageKind::kEnveloped;
+  } else if (Equal(type, kOidAuthEnvelopedData)) {
+    head_.kind = MessageKind::kAuthEnveloped;
   } else {
     Fail(kMessageDamaged);
   }
   levels_.push_back(openLevel(cursor, ber::kContext0Constructed));
   levels_.push_back(openLevel(cursor, ber::kSequence));
   head_.elements.push_back(CopyOf(cursor.element(ber::kInteger)));
-  if (head_.kind == MessageKind::kEnveloped && cursor.peekTag() == ber::kContext0Constructed) {
+  if (head_.enveloped() && cursor.peekTag() == ber::kContext0Constructed) {
     head_.elements.push_back(CopyOf(cursor.anyElement()));
   }
   head_.elements.push_back(CopyOf(cursor.element(ber::kSet)));
@@ -94,7 +111,7 @@ void MessageReader::parseHead(ber::Cursor& cursor) {
 
 void MessageReader::parseContentInfo(ber::Cursor& cursor) {
   head_.contentType = CopyOf(cursor.element(ber::kOid));
-  if (head_.kind == MessageKind::kEnveloped) head_.contentCipher = CopyOf(cursor.element(ber::kSequence));
+  if (head_.enveloped()) head_.contentCipher = CopyOf(cursor.element(ber::kSequence));
   if (!moreInside(cursor, levels_.back())) return;
   if (head_.kind == MessageKind::kSigned) levels_.push_back(openLevel(cursor, ber::kContext0Constructed));
   const ber::Header content = ber::ReadHeader(cursor.rest());
@@ -200,6 +217,19 @@ void MessageReader::parseTail() {
   }
   while (!levels_.empty()) closeLevel(cursor);
   if (!cursor.atEnd()) Fail(kMessageDamaged);
+}
+
+void MessageReader::checkTail() const {
+  const TailRule& rule = *std::ranges::find(kTailRules, head_.kind, &TailRule::kind);
+  const uint8_t* next = std::begin(rule.order);
+  bool complete = rule.required == 0;
+  for (const Bytes& element : tail_) {
+    next = std::find(next, std::end(rule.order), element[0]);
+    if (next == std::end(rule.order)) Fail(kMessageDamaged);
+    ++next;
+    complete = complete || element[0] == rule.required;
+  }
+  if (!complete) Fail(kMessageDamaged);
 }
 
 void MessageReader::closeLevel(ber::Cursor& cursor) {

@@ -10,7 +10,7 @@
 
 namespace standin {
 
-enum class MessageKind { kUnknown, kSigned, kEnveloped };
+enum class MessageKind { kUnknown, kSigned, kEnveloped, kAuthEnveloped };
 
 class MessageReader {
  public:
@@ -22,6 +22,8 @@ class MessageReader {
     Bytes contentType;    ///< the OID element
     Bytes contentCipher;  ///< enveloped only: the AlgorithmIdentifier element
     bool hasContent = false;
+
+    bool enveloped() const { return kind == MessageKind::kEnveloped || kind == MessageKind::kAuthEnveloped; }
   };
   using OnHead = std::function<void(const Head&)>;
   using OnContent = std::function<void(ByteView)>;
@@ -64,6 +66,7 @@ class MessageReader {
   ByteView nextContentHeader(ByteView bytes);
   void closeEndedContent();
   void parseTail();
+  void checkTail() const;
   void closeLevel(ber::Cursor& cursor);
 
   OnHead on_head_;
