@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "standin/base/codes.h"
+#include "standin/messages/ber.h"
 
 namespace standin {
 
@@ -16,7 +17,7 @@ ContentCipher::ContentCipher(CMS_ContentInfo* message) {
   }
   chain_.reset(chain);
   BIO* cipher = BIO_find_type(chain, BIO_TYPE_CIPHER);
-  if (cipher == nullptr || BIO_get_cipher_ctx(cipher, &context_) != 1 || context_ == nullptr) Fail(kInternal);
+  if (cipher == nullptr || BIO_get_cipher_ctx(cipher, &context_) != 1 || context_ == nullptr) Fail(kAlgorithmUnknown);
 }
 
 void ContentCipher::update(ByteView piece, GrowingBuffer& out) {
@@ -26,7 +27,9 @@ void ContentCipher::update(ByteView piece, GrowingBuffer& out) {
     const size_t room = part.size() + EVP_MAX_BLOCK_LENGTH;
     uint8_t* place = out.extend(room);
     int written = 0;
-    if (EVP_CipherUpdate(context_, place, &written, part.data(), static_cast<int>(part.size())) != 1) Fail(kInternal);
+    if (EVP_CipherUpdate(context_, place, &written, part.data(), static_cast<int>(part.size())) != 1) {
+      Fail(EVP_CIPHER_CTX_is_encrypting(context_) != 0 ? kEncryptionFailed : kDecryptionFailed);
+    }
     out.shrink(room - static_cast<size_t>(written));
     piece = piece.subspan(part.size());
   }
@@ -38,6 +41,26 @@ bool ContentCipher::finish(GrowingBuffer& out) {
   const bool whole = EVP_CipherFinal_ex(context_, place, &written) == 1;
   out.shrink(EVP_MAX_BLOCK_LENGTH - (whole ? static_cast<size_t>(written) : 0));
   return whole;
+}
+
+Bytes ContentCipher::tag() const {
+  Bytes tag(static_cast<size_t>(std::max(EVP_CIPHER_CTX_get_tag_length(context_), 0)));
+  if (!tag.empty() &&
+      EVP_CIPHER_CTX_ctrl(context_, EVP_CTRL_AEAD_GET_TAG, static_cast<int>(tag.size()), tag.data()) != 1) {
+    Fail(kEncryptionFailed);
+  }
+  return tag;
+}
+
+bool ContentCipher::expectTag(ByteView tag, ByteView algorithm) {
+  constexpr size_t kShortestTag = 12;
+  // Parameters of GCM: the nonce, and the length of the tag.
+  const std::vector<ByteView> members = ber::ChildrenOf(algorithm);
+  const std::vector<ByteView> parameters = members.size() == 2 ? ber::ChildrenOf(members[1]) : members;
+  const ByteView length = parameters.size() == 2 ? ber::ContentOf(parameters[1]) : ByteView();
+  if (length.size() != 1 || length[0] != tag.size() || tag.size() < kShortestTag) return false;
+  return EVP_CIPHER_CTX_ctrl(context_, EVP_CTRL_AEAD_SET_TAG, static_cast<int>(tag.size()),
+                             const_cast<uint8_t*>(tag.data())) == 1;
 }
 
 uint64_t ContentCipher::ciphertextLength(uint64_t plainLength) const {

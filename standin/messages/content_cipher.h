@@ -14,8 +14,13 @@ class ContentCipher {
 
   /// Appends the output for the piece.
   void update(ByteView piece, GrowingBuffer& out);
-  /// False if the padding of a ciphertext is wrong.
+  /// False if the padding or the tag of a ciphertext is wrong.
   bool finish(GrowingBuffer& out);
+  /// The tag of an encrypted content; empty for a cipher that authenticates nothing.
+  Bytes tag() const;
+  /// Sets the tag of a ciphertext before its end. False if it is not as long as `algorithm`, the AlgorithmIdentifier
+  /// of the message, states.
+  bool expectTag(ByteView tag, ByteView algorithm);
   uint64_t ciphertextLength(uint64_t plainLength) const;
 
  private:

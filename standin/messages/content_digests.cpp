@@ -4,7 +4,6 @@
 #include <set>
 
 #include "standin/base/codes.h"
-#include "standin/messages/ber.h"
 
 namespace standin {
 
@@ -38,16 +37,12 @@ void ContentDigests::update(ByteView content) {
 }
 
 bool ContentDigests::couldBeAttributes() const {
-  try {
-    ber::Cursor cursor(start_);
-    const ber::Header set = cursor.open(ber::kSet);
-    cursor.open(ber::kSequence);
-    return set.size + set.length == length_ && cursor.peekTag() == ber::kOid;
-  } catch (const EngineError&) {
-    return false;
-  } catch (const ber::NeedMore&) {
-    return false;
-  }
+  const unsigned char* inside = start_.data();
+  long length = 0;
+  int tag = 0;
+  int tagClass = 0;
+  ASN1_get_object(&inside, &length, &tag, &tagClass, static_cast<long>(start_.size()));
+  return tag == V_ASN1_SET && static_cast<uint64_t>(inside - start_.data() + length) == length_;
 }
 
 }  // namespace standin

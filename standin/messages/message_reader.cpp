@@ -1,6 +1,7 @@
 #include "standin/messages/message_reader.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "standin/base/codes.h"
 #include "standin/base/oids.h"
@@ -16,19 +17,14 @@ constexpr size_t kLongestHeader = 9;
 
 Bytes CopyOf(ByteView bytes) { return Bytes(bytes.begin(), bytes.end()); }
 
-/// The elements behind the content, each at most once and in this order; 0 for none.
-struct TailRule {
-  MessageKind kind;
-  uint8_t order[3];
-  uint8_t required;
-};
-constexpr TailRule kTailRules[] = {
-    {MessageKind::kSigned, {ber::kContext0Constructed, ber::kContext1Constructed, ber::kSet}, ber::kSet},
-    {MessageKind::kEnveloped, {ber::kContext1Constructed}, 0},
-    {MessageKind::kAuthEnveloped,
-     {ber::kContext1Constructed, ber::kOctetString, ber::kContext2Constructed},
-     ber::kOctetString},
-};
+/// The tags behind the content, each at most once and in this order.
+std::string_view TailOf(MessageKind kind) {
+  if (kind == MessageKind::kEnveloped) return "\xA1";
+  return kind == MessageKind::kSigned ? "\xA0\xA1\x31" : "\xA1\x04\xA2";
+}
+
+/// The tag among them that must not be missing.
+uint8_t RequiredOf(MessageKind kind) { return kind == MessageKind::kSigned ? ber::kSet : ber::kOctetString; }
 
 }  // namespace
 
@@ -42,7 +38,32 @@ MessageReader MessageReader::whole(ByteView message, OnContent onContent) {
   return reader;
 }
 
+/// After a failure the reader is not whole: every further call fails alike.
+template <typename Work>
+auto MessageReader::unlessFailed(Work work) {
+  if (failure_ != kOk) Fail(failure_);
+  try {
+    return work();
+  } catch (const EngineError& error) {
+    failure_ = error.code;
+    throw;
+  }
+}
+
 void MessageReader::feed(ByteView bytes) {
+  Bytes decoded;
+  unlessFailed([&] { feedMessage(armour_.remove(bytes, decoded)); });
+}
+
+bool MessageReader::tryFinish() {
+  return stage_ == Stage::kEnd || unlessFailed([this] { return stage_ == Stage::kTail && endMessage(); });
+}
+
+void MessageReader::finish() {
+  if (!tryFinish()) Fail(kMessageDamaged);
+}
+
+void MessageReader::feedMessage(ByteView bytes) {
   Bytes behindHead;
   if (stage_ == Stage::kHead) {
     Append(pending_, bytes);
@@ -55,20 +76,26 @@ void MessageReader::feed(ByteView bytes) {
     on_head_(head_);
   }
   while (stage_ == Stage::kContent && !bytes.empty()) bytes = takeContent(bytes);
+  if (stage_ == Stage::kEnd && !bytes.empty()) Fail(kMessageDamaged);
   if (stage_ == Stage::kTail) {
     Append(pending_, bytes);
     if (pending_.size() > kLargestPending) Fail(kMessageDamaged);
   }
 }
 
-void MessageReader::finish() {
-  if (stage_ != Stage::kTail) Fail(kMessageDamaged);
+bool MessageReader::endMessage() {
+  const std::vector<Level> open = levels_;
   try {
     parseTail();
   } catch (const ber::NeedMore&) {
-    Fail(kMessageDamaged);
+    levels_ = open;
+    tail_.clear();
+    return false;
   }
   checkTail();
+  if (!armour_.ended()) return false;
+  stage_ = Stage::kEnd;
+  return true;
 }
 
 bool MessageReader::tryHead() {
@@ -220,14 +247,13 @@ void MessageReader::parseTail() {
 }
 
 void MessageReader::checkTail() const {
-  const TailRule& rule = *std::ranges::find(kTailRules, head_.kind, &TailRule::kind);
-  const uint8_t* next = std::begin(rule.order);
-  bool complete = rule.required == 0;
+  std::string_view order = TailOf(head_.kind);
+  bool complete = head_.kind == MessageKind::kEnveloped;
   for (const Bytes& element : tail_) {
-    next = std::find(next, std::end(rule.order), element[0]);
-    if (next == std::end(rule.order)) Fail(kMessageDamaged);
-    ++next;
-    complete = complete || element[0] == rule.required;
+    const size_t place = order.find(static_cast<char>(element[0]));
+    if (place == std::string_view::npos) Fail(kMessageDamaged);
+    order.remove_prefix(place + 1);
+    complete = complete || element[0] == RequiredOf(head_.kind);
   }
   if (!complete) Fail(kMessageDamaged);
 }

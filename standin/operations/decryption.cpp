@@ -4,14 +4,10 @@
 #include "standin/base/files.h"
 #include "standin/certificates/cert_id.h"
 #include "standin/certificates/cert_record.h"
-#include "standin/messages/enveloped_parts.h"
 #include "standin/messages/signed_parts.h"
 
 namespace standin {
 namespace {
-
-/// Hostile messages may have any number of recipients.
-constexpr int kMostRecipients = 4096;
 
 /// Decrypts the content key with the own key; false if this entry is for another recipient.
 bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& own) {
@@ -57,12 +53,13 @@ Decryptor::Decryptor(const Session& session, const CertIdRecord* id, MessageRead
 
 void Decryptor::feed(ByteView bytes) {
   reader_.feed(bytes);
-  if (reader_.contentEnded()) endContent();
+  // The tag of an authenticated content stands behind it.
+  if (parts_.authenticated ? reader_.tryFinish() : reader_.contentEnded()) endContent();
 }
 
 void Decryptor::finish() {
   reader_.finish();
-  if (!ended_) Fail(kMessageDamaged);
+  endContent();
 }
 
 DecryptResultRecord Decryptor::result(uint32_t info, Buffers& buffers) const {
@@ -71,11 +68,10 @@ DecryptResultRecord Decryptor::result(uint32_t info, Buffers& buffers) const {
 }
 
 void Decryptor::open(const MessageReader::Head& head) {
-  const EnvelopedParts parts = EnvelopedParts::of(head);
+  parts_ = EnvelopedParts::of(head);
   if (!head.hasContent) Fail(kMessageDamaged);
-  message_ = MessageFromDer(parts.withoutContent());
+  message_ = MessageFromDer(parts_.withoutContent());
   STACK_OF(CMS_RecipientInfo)* entries = CMS_get0_RecipientInfos(message_.get());
-  if (sk_CMS_RecipientInfo_num(entries) > kMostRecipients) Fail(kTooLarge);
   bool opened = false;
   for (const OwnKey& own : session_.keys.own()) {
     if (NamesCertificate(id_) && !Matches(own.certificate.get(), *id_)) continue;
@@ -100,8 +96,13 @@ void Decryptor::decrypt(ByteView piece) {
 
 void Decryptor::endContent() {
   if (ended_) return;
-  ended_ = true;
+  if (parts_.authenticated) {
+    // Attributes are part of what the tag proves, and have to be known before the content.
+    if (reader_.tail().front()[0] != ber::kOctetString) Fail(kNotSupported);
+    if (!cipher_->expectTag(ber::ContentOf(reader_.tail().front()), parts_.contentCipher)) Fail(kDecryptionFailed);
+  }
   if (!cipher_->finish(plain_)) Fail(kDecryptionFailed);
+  ended_ = true;
   on_plain_(plain_.view());
   plain_.clear();
 }
@@ -136,7 +137,8 @@ DecryptStream::DecryptStream(Session& session, const CertIdRecord* id, ByteView 
 
 DataBlob_t DecryptStream::update(ByteView piece) {
   decryptor_.feed(piece);
-  return plain_.handOut(session_.buffers);
+  // What is not authenticated yet stays here.
+  return decryptor_.isProved() ? plain_.handOut(session_.buffers) : DataBlob_t{};
 }
 
 void DecryptStream::finish(uint32_t info, DecryptResultRecord& result) {

@@ -1,6 +1,7 @@
 // Elements of BER as trees, so that tests can change a message and encode it again.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string>

@@ -48,6 +48,10 @@ struct Decrypted {
 /// A blob that names bytes of the test's own.
 DataBlob_t BlobOf(const Bytes& bytes);
 Bytes BytesOf(const std::string& text);
+/// An identifier by the certificate's hash.
+CertIdRecord ByHash(const Bytes& hash);
+/// The hash of a certificate.
+Bytes HashOf(EngineSession session, const Bytes& certificate);
 
 /// Bytes of a file of the material.
 std::string MaterialPath(const std::string& name);

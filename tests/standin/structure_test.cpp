@@ -96,6 +96,32 @@ TEST_F(Structure, NothingButAttributesStandsBehindTheContentOfAnEnvelope) {
   EXPECT_CODE(kMessageDamaged, decrypted([](Element& data) { data.children.push_back(Set({})); }));
 }
 
+TEST_F(Structure, ArmourIsRead) {
+  const Bytes text = Material("messages/attached.pem");
+  const Verified verified = verify(open("bob"), text);
+  EXPECT_CODE(0, verified.code);
+  EXPECT_EQ(Material("data.bin"), verified.out);
+  EXPECT_CODE(0, verifyFile(open("bob"), MaterialPath("messages/attached.pem"), "").code);
+}
+
+TEST_F(Structure, DamagedArmourIsRefused) {
+  const std::string text = [] {
+    const Bytes bytes = Material("messages/attached.pem");
+    return std::string(bytes.begin(), bytes.end());
+  }();
+  const auto code = [&](const std::string& changed) { return verify(open("bob"), BytesOf(changed)).code; };
+  const size_t end = text.find("-----END");
+  std::string windows = text;
+  for (size_t at = 0; (at = windows.find('\n', at)) != std::string::npos; at += 2) windows.insert(at, "\r");
+  EXPECT_CODE(0, code(windows));
+  EXPECT_CODE(kMessageDamaged, code(text.substr(0, end)));
+  EXPECT_CODE(kMessageDamaged, code(text + "more"));
+  EXPECT_CODE(kMessageDamaged, code(text + text));
+  EXPECT_CODE(kMessageDamaged, code(text.substr(0, end) + "QUJD\n" + text.substr(end)));
+  EXPECT_CODE(kMessageDamaged, code(text.substr(0, 100) + "*" + text.substr(100)));
+  EXPECT_CODE(kMessageDamaged, code(std::string(1000, '-')));
+}
+
 TEST_F(Structure, NoMessageIsWrittenThatCouldNotBeRead) {
   Element message = whole;
   Element& signers = inside(message).at({4});
