@@ -3,11 +3,9 @@
 Option Explicit
 
 Const Flag_Encrypt_Pkcs7 = 1
-Const Flag_Find_My = 1
-Const Id_KeyId = 1
 Const Field_All = 524287
 
-Dim quivo, param, receivers, own, i
+Dim quivo, param, receivers, i
 
 On Error Resume Next
 Set quivo = CreateObject("TAVL.QUIVO")
@@ -27,15 +25,6 @@ Set param = CreateObject("TAVL.EncryptParam")
 param.flag = Flag_Encrypt_Pkcs7
 param.Receivers = receivers
 Check "Receivers"
-' Name the sender. Leave this out for receivers whose programs cannot read messages that name one.
-Set own = CreateObject("TAVL.FindParam")
-own.flag = Flag_Find_My
-own.info = Field_All
-own = quivo.FindCert(own)
-Set param.mycert = CreateObject("TAVL.CertId")
-param.mycert.type = Id_KeyId
-param.mycert.keyId = own(0).keyId
-Check "mycert"
 quivo.StrEncryptFile param, WScript.Arguments(1), WScript.Arguments(2)
 Check "StrEncryptFile"
 WScript.Echo "StrEncryptFile: encrypted to " & UBound(receivers) + 1
