@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "standin/base/codes.h"
-#include "standin/messages/ber.h"
 
 namespace standin {
 
@@ -52,13 +51,7 @@ Bytes ContentCipher::tag() const {
   return tag;
 }
 
-bool ContentCipher::expectTag(ByteView tag, ByteView algorithm) {
-  constexpr size_t kShortestTag = 12;
-  // Parameters of GCM: the nonce, and the length of the tag.
-  const std::vector<ByteView> members = ber::ChildrenOf(algorithm);
-  const std::vector<ByteView> parameters = members.size() == 2 ? ber::ChildrenOf(members[1]) : members;
-  const ByteView length = parameters.size() == 2 ? ber::ContentOf(parameters[1]) : ByteView();
-  if (length.size() != 1 || length[0] != tag.size() || tag.size() < kShortestTag) return false;
+bool ContentCipher::expectTag(ByteView tag) {
   return EVP_CIPHER_CTX_ctrl(context_, EVP_CTRL_AEAD_SET_TAG, static_cast<int>(tag.size()),
                              const_cast<uint8_t*>(tag.data())) == 1;
 }

@@ -18,9 +18,8 @@ class ContentCipher {
   bool finish(GrowingBuffer& out);
   /// The tag of an encrypted content; empty for a cipher that authenticates nothing.
   Bytes tag() const;
-  /// Sets the tag of a ciphertext before its end. False if it is not as long as `algorithm`, the AlgorithmIdentifier
-  /// of the message, states.
-  bool expectTag(ByteView tag, ByteView algorithm);
+  /// Sets the tag of a ciphertext before its end; false if it cannot be one.
+  bool expectTag(ByteView tag);
   uint64_t ciphertextLength(uint64_t plainLength) const;
 
  private:

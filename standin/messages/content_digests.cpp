@@ -7,17 +7,26 @@
 
 namespace standin {
 
+const EVP_MD* DigestOf(const X509_ALGOR* algorithm) {
+  const EVP_MD* known = EVP_get_digestbyobj(algorithm->algorithm);
+  if (known == nullptr || (EVP_MD_get_flags(known) & EVP_MD_FLAG_XOF) != 0) return nullptr;
+  return Owned<EVP_MD_free>(EVP_MD_fetch(nullptr, EVP_MD_get0_name(known), nullptr)) == nullptr ? nullptr : known;
+}
+
+const EVP_MD* DigestOf(ByteView algorithm) {
+  const unsigned char* cursor = algorithm.data();
+  const AlgorithmPtr decoded(d2i_X509_ALGOR(nullptr, &cursor, static_cast<long>(algorithm.size())));
+  if (decoded == nullptr) Fail(kMessageDamaged);
+  return DigestOf(decoded.get());
+}
+
 ContentDigests::ContentDigests(const std::vector<Bytes>& algorithms) : chain_(BIO_new(BIO_s_null())) {
-  std::set<const EVP_MD*> added;
-  for (const Bytes& der : algorithms) {
-    const unsigned char* cursor = der.data();
-    const AlgorithmPtr algorithm(d2i_X509_ALGOR(nullptr, &cursor, static_cast<long>(der.size())));
-    if (algorithm == nullptr) Fail(kMessageDamaged);
-    const EVP_MD* digest = EVP_get_digestbyobj(algorithm->algorithm);
+  std::set<const EVP_MD*> digests;
+  for (const Bytes& algorithm : algorithms) digests.insert(DigestOf(algorithm));
+  digests.erase(nullptr);
+  for (const EVP_MD* digest : digests) {
     BioPtr link(BIO_new(BIO_f_md()));
-    if (chain_ == nullptr || link == nullptr) Fail(kWinOutOfMemory);
-    // libcrypto knows some digests by name alone.
-    if (digest == nullptr || !added.insert(digest).second || BIO_set_md(link.get(), digest) != 1) continue;
+    if (chain_ == nullptr || link == nullptr || BIO_set_md(link.get(), digest) != 1) Fail(kWinOutOfMemory);
     chain_.reset(BIO_push(link.release(), chain_.release()));
   }
 }

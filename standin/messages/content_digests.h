@@ -8,10 +8,15 @@
 
 namespace standin {
 
+/// Null if libcrypto cannot compute the digest. The length of an extendable one would depend on the signature's
+/// algorithm.
+const EVP_MD* DigestOf(const X509_ALGOR* algorithm);
+/// The same of an encoded AlgorithmIdentifier. Fails with kMessageDamaged.
+const EVP_MD* DigestOf(ByteView algorithm);
+
 class ContentDigests {
  public:
-  /// `algorithms` are AlgorithmIdentifiers; those that libcrypto cannot compute are left out. Fails with
-  /// kMessageDamaged.
+  /// `algorithms` are AlgorithmIdentifiers; those that libcrypto cannot compute are left out.
   explicit ContentDigests(const std::vector<Bytes>& algorithms);
 
   void update(ByteView content);

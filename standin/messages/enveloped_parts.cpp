@@ -32,7 +32,21 @@ EnvelopedParts EnvelopedParts::of(const MessageReader::Head& head) {
   if (ber::ChildrenOf(parts.recipients).size() > kMostRecipients) Fail(kTooLarge);
   parts.contentType = head.contentType;
   parts.contentCipher = head.contentCipher;
+  if (parts.authenticated) parts.readTagLength();
   return parts;
+}
+
+void EnvelopedParts::readTagLength() {
+  constexpr uint8_t kDefaultLength[] = {ber::kInteger, 1, 12};
+  const std::vector<ByteView> members = ber::ChildrenOf(contentCipher);
+  std::vector<ByteView> parameters = members.size() == 2 ? ber::ChildrenOf(members[1]) : members;
+  if (members.size() != 2 || parameters.empty() || parameters.size() > 2) Fail(kAlgorithmUnknown);
+  if (parameters.size() == 1) parameters.emplace_back(kDefaultLength);
+  const ByteView length = ber::ContentOf(parameters[1]);
+  tagLength = length.size() == 1 ? length[0] : 0;
+  // libcrypto does not know that the length may be left out.
+  const Bytes complete = ber::Encode(ber::kSequence, ber::Join({parameters[0], parameters[1]}));
+  contentCipher = ber::Encode(ber::kSequence, ber::Join({members[0], complete}));
 }
 
 EnvelopedParts EnvelopedParts::of(CMS_ContentInfo* message) { return of(MessageReader::whole(DerOf(message)).head()); }

@@ -16,6 +16,7 @@ struct EnvelopedParts {
   Bytes recipients;            ///< the SET
   Bytes contentType;
   Bytes contentCipher;
+  size_t tagLength = 0;  ///< as the cipher states it
 
   /// Fails with kNotEncrypted, or kTooLarge for more recipients than any honest message has.
   static EnvelopedParts of(const MessageReader::Head& head);
@@ -35,6 +36,7 @@ struct EnvelopedParts {
   Bytes streamTrailer(ByteView tag) const;
 
  private:
+  void readTagLength();
   Bytes finishHeader(ByteView messageVersion, ByteView encryptedInfo, uint64_t behind) const;
   ByteView kindOid() const;
 };

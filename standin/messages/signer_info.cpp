@@ -2,19 +2,17 @@
 
 #include <openssl/asn1err.h>
 #include <openssl/err.h>
-#include <openssl/ess.h>
 #include <openssl/rsaerr.h>
 
 #include "standin/base/codes.h"
+#include "standin/base/digest.h"
 #include "standin/base/oids.h"
 #include "standin/base/times.h"
+#include "standin/certificates/der_objects.h"
 #include "standin/messages/ber.h"
 
 namespace standin {
 namespace {
-
-using SigningCertPtr = Owned<ESS_SIGNING_CERT_free>;
-using SigningCertV2Ptr = Owned<ESS_SIGNING_CERT_V2_free>;
 
 bool IsSigningKey(int type) {
   return type == EVP_PKEY_RSA || type == EVP_PKEY_RSA_PSS || type == EVP_PKEY_EC || type == EVP_PKEY_DSA;
@@ -31,25 +29,20 @@ bool StatesContentTypeOf(CMS_ContentInfo* message, const CMS_SignerInfo* signer)
   return stated != nullptr && OBJ_cmp(stated, CMS_get0_eContentType(message)) == 0;
 }
 
-/// The first of the listed certificates is the signer's; the others are those of its chain.
-Bytes WithoutChain(const ASN1_STRING* signingCertificate) {
-  const ByteView all(signingCertificate->data, static_cast<size_t>(signingCertificate->length));
-  const std::vector<ByteView> members = ber::ChildrenOf(all);
-  const std::vector<ByteView> listed = members.empty() ? members : ber::ChildrenOf(members[0]);
-  if (listed.empty()) Fail(kMessageDamaged);
-  return ber::Encode(ber::kSequence, ber::Encode(ber::kSequence, listed[0]));
-}
-
-/// Whether the attribute `nid`, if there is one, names the certificate. `decode` is of the attribute's type.
-template <typename Owner, typename Decode, typename Check>
-bool AttributeNames(const CMS_SignerInfo* signer, int nid, Decode decode, Check check) {
+/// Whether the attribute `nid`, if there is one, names the certificate by its hash. libcrypto's own check would need
+/// the whole chain.
+bool AttributeNames(const CMS_SignerInfo* signer, int nid, const EVP_MD* digest, const X509* certificate) {
   if (CMS_signed_get_attr_by_NID(signer, nid, -1) < 0) return true;
   const auto* value = static_cast<const ASN1_STRING*>(SignedValue(signer, nid, V_ASN1_SEQUENCE));
   if (value == nullptr) return false;
-  const Bytes der = WithoutChain(value);
-  const unsigned char* cursor = der.data();
-  const Owner named(decode(nullptr, &cursor, static_cast<long>(der.size())));
-  return named != nullptr && check(named.get()) == 1;
+  // The first of the listed certificates is the signer's.
+  std::vector<ByteView> members = {{value->data, static_cast<size_t>(value->length)}};
+  for (int depth = 0; depth < 3 && !members.empty(); ++depth) members = ber::ChildrenOf(members[0]);
+  if (members.size() > 1 && members[0][0] == ber::kSequence) {
+    digest = DigestOf(members[0]);
+    members.erase(members.begin());
+  }
+  return digest != nullptr && !members.empty() && Equal(ber::ContentOf(members[0]), HashOf(DerOf(certificate), digest));
 }
 
 /// A certificate keeps a key that libcrypto cannot decode as bytes: the key is then null.
@@ -66,13 +59,6 @@ int32_t CheckKey(X509* certificate) {
   if (OBJ_obj2nid(type) != EVP_PKEY_EC || parameterType != V_ASN1_OBJECT) return kCertificateDamaged;
   const int curve = OBJ_obj2nid(static_cast<const ASN1_OBJECT*>(parameter));
   return Owned<EC_GROUP_free>(EC_GROUP_new_by_curve_name(curve)) == nullptr ? kAlgorithmUnknown : kCertificateDamaged;
-}
-
-/// Null if libcrypto cannot compute it. The length of an extendable digest would depend on the signature's algorithm.
-const EVP_MD* DigestOf(const X509_ALGOR* algorithm) {
-  const EVP_MD* known = EVP_get_digestbyobj(algorithm->algorithm);
-  if (known == nullptr || (EVP_MD_get_flags(known) & EVP_MD_FLAG_XOF) != 0) return nullptr;
-  return Owned<EVP_MD_free>(EVP_MD_fetch(nullptr, EVP_MD_get0_name(known), nullptr)) == nullptr ? nullptr : known;
 }
 
 /// The stated algorithm must belong to the signer's key; libcrypto looks at the key alone.
@@ -117,15 +103,9 @@ time_t SigningTimeOf(const CMS_SignerInfo* signer) {
 }
 
 bool NamesSigner(CMS_SignerInfo* signer, X509* certificate) {
-  if (CMS_SignerInfo_cert_cmp(signer, certificate) != 0) return false;
-  const CertViewPtr chain(sk_X509_new_null());
-  if (chain == nullptr || sk_X509_push(chain.get(), certificate) == 0) Fail(kWinOutOfMemory);
-  return AttributeNames<SigningCertPtr>(
-             signer, NID_id_smime_aa_signingCertificate, d2i_ESS_SIGNING_CERT,
-             [&](const auto* named) { return OSSL_ESS_check_signing_certs(named, nullptr, chain.get(), 1); }) &&
-         AttributeNames<SigningCertV2Ptr>(
-             signer, NID_id_smime_aa_signingCertificateV2, d2i_ESS_SIGNING_CERT_V2,
-             [&](const auto* named) { return OSSL_ESS_check_signing_certs(nullptr, named, chain.get(), 1); });
+  return CMS_SignerInfo_cert_cmp(signer, certificate) == 0 &&
+         AttributeNames(signer, NID_id_smime_aa_signingCertificate, EVP_sha1(), certificate) &&
+         AttributeNames(signer, NID_id_smime_aa_signingCertificateV2, EVP_sha256(), certificate);
 }
 
 int32_t VerifySignature(CMS_ContentInfo* message, CMS_SignerInfo* signer, const ContentDigests& content) {

@@ -9,6 +9,8 @@
 namespace standin {
 namespace {
 
+constexpr size_t kShortestTag = 12;
+
 /// Decrypts the content key with the own key; false if this entry is for another recipient.
 bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& own) {
   EVP_PKEY* key = own.key.get();
@@ -16,10 +18,7 @@ bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& o
     case CMS_RECIPINFO_TRANS:
       if (CMS_RecipientInfo_ktri_cert_cmp(entry, own.certificate.get()) != 0) return false;
       EVP_PKEY_up_ref(key);
-      if (CMS_RecipientInfo_set0_pkey(entry, key) != 1) {
-        EVP_PKEY_free(key);
-        Fail(kDecryptionFailed);
-      }
+      CMS_RecipientInfo_set0_pkey(entry, key);
       if (CMS_RecipientInfo_decrypt(message, entry) != 1) Fail(kDecryptionFailed);
       return true;
     case CMS_RECIPINFO_AGREE: {
@@ -72,14 +71,14 @@ void Decryptor::open(const MessageReader::Head& head) {
   if (!head.hasContent) Fail(kMessageDamaged);
   message_ = MessageFromDer(parts_.withoutContent());
   STACK_OF(CMS_RecipientInfo)* entries = CMS_get0_RecipientInfos(message_.get());
-  bool opened = false;
-  for (const OwnKey& own : session_.keys.own()) {
-    if (NamesCertificate(id_) && !Matches(own.certificate.get(), *id_)) continue;
-    for (int i = 0; !opened && i < sk_CMS_RecipientInfo_num(entries); ++i) {
-      opened = OpenFor(message_.get(), sk_CMS_RecipientInfo_value(entries, i), own);
-    }
-    if (opened) break;
-  }
+  const bool opened = std::ranges::any_of(session_.keys.own(), [&](const OwnKey& own) {
+    if (NamesCertificate(id_) && !Matches(own.certificate.get(), *id_)) return false;
+    int i = 0;
+    while (i < sk_CMS_RecipientInfo_num(entries) &&
+           !OpenFor(message_.get(), sk_CMS_RecipientInfo_value(entries, i), own))
+      ++i;
+    return i < sk_CMS_RecipientInfo_num(entries);
+  });
   // The caller's identifier may be gone at the next call.
   id_ = nullptr;
   if (!opened) Fail(kNotARecipient);
@@ -99,7 +98,10 @@ void Decryptor::endContent() {
   if (parts_.authenticated) {
     // Attributes are part of what the tag proves, and have to be known before the content.
     if (reader_.tail().front()[0] != ber::kOctetString) Fail(kNotSupported);
-    if (!cipher_->expectTag(ber::ContentOf(reader_.tail().front()), parts_.contentCipher)) Fail(kDecryptionFailed);
+    const ByteView tag = ber::ContentOf(reader_.tail().front());
+    // A short tag is easy to guess.
+    const bool plausible = tag.size() == parts_.tagLength && tag.size() >= kShortestTag;
+    if (!plausible || !cipher_->expectTag(tag)) Fail(kDecryptionFailed);
   }
   if (!cipher_->finish(plain_)) Fail(kDecryptionFailed);
   ended_ = true;

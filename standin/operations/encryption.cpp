@@ -81,32 +81,20 @@ EncryptStream::EncryptStream(Session& session, const EncryptParamRecord& param)
 DataBlob_t EncryptStream::update(ByteView data) {
   GrowingBuffer ciphertext;
   envelope_.cipher().update(data, ciphertext);
-  GrowingBuffer out;
-  begin(out);
-  addPiece(ciphertext.view(), out);
-  return out.handOut(session_.buffers);
+  return next(ciphertext.view(), {});
 }
 
 DataBlob_t EncryptStream::finish() {
   GrowingBuffer ciphertext;
   envelope_.finish(ciphertext);
-  GrowingBuffer out;
-  begin(out);
-  addPiece(ciphertext.view(), out);
-  out.append(envelope_.parts().streamTrailer(envelope_.cipher().tag()));
-  return out.handOut(session_.buffers);
+  return next(ciphertext.view(), envelope_.parts().streamTrailer(envelope_.cipher().tag()));
 }
 
-void EncryptStream::begin(GrowingBuffer& out) {
-  if (begun_) return;
+DataBlob_t EncryptStream::next(ByteView ciphertext, ByteView end) {
+  const Bytes header = begun_ ? Bytes() : envelope_.parts().streamHeader();
   begun_ = true;
-  out.append(envelope_.parts().streamHeader());
-}
-
-void EncryptStream::addPiece(ByteView ciphertext, GrowingBuffer& out) {
-  if (ciphertext.empty()) return;
-  out.append(ber::EncodeHeader(ber::kOctetString, ciphertext.size()));
-  out.append(ciphertext);
+  const Bytes octets = ciphertext.empty() ? Bytes() : ber::EncodeHeader(ber::kOctetString, ciphertext.size());
+  return session_.buffers.join({header, octets, ciphertext, end});
 }
 
 }  // namespace standin

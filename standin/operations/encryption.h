@@ -41,8 +41,7 @@ class EncryptStream : public Stream {
   DataBlob_t finish();
 
  private:
-  void begin(GrowingBuffer& out);
-  static void addPiece(ByteView ciphertext, GrowingBuffer& out);
+  DataBlob_t next(ByteView ciphertext, ByteView end);
 
   Session& session_;
   Envelope envelope_;

@@ -71,18 +71,14 @@ void Verifier::finish(const VerifyParamRecord& param) {
   const CmsPtr message = MessageFromDer(parts_.withoutContent());
   const bool useAttached = (param_->flag & kVerifyNoAttachedCert) == 0;
   const CertStackPtr attached(useAttached ? CMS_get1_certs(message.get()) : nullptr);
-  std::vector<X509*> known;
-  for (const CertPtr& certificate : session_.store.certificates()) known.push_back(certificate.get());
-  for (const OwnKey& own : session_.keys.own()) known.push_back(own.certificate.get());
-  for (int i = 0; attached != nullptr && i < sk_X509_num(attached.get()); ++i) {
-    known.push_back(sk_X509_value(attached.get(), i));
-  }
+  std::vector<CertPtr> known = session_.knownCertificates();
+  for (int i = 0; i < sk_X509_num(attached.get()); ++i) known.push_back(Share(sk_X509_value(attached.get(), i)));
   const TrustChecker trust(session_, attached.get());
   STACK_OF(CMS_SignerInfo)* signers = CMS_get0_SignerInfos(message.get());
   for (int i = 0; i < sk_CMS_SignerInfo_num(signers); ++i) {
     CMS_SignerInfo* signer = sk_CMS_SignerInfo_value(signers, i);
-    const auto own = std::ranges::find_if(known, [&](X509* certificate) { return NamesSigner(signer, certificate); });
-    CMS_SignerInfo_set1_signer_cert(signer, own == known.end() ? nullptr : *own);
+    const auto own = std::ranges::find_if(known, [&](const CertPtr& one) { return NamesSigner(signer, one.get()); });
+    CMS_SignerInfo_set1_signer_cert(signer, own == known.end() ? nullptr : own->get());
     verdicts_.push_back(judge(message.get(), signer, trust));
   }
   if ((param_->flag & kVerifyDelSign) != 0) removeSignature();

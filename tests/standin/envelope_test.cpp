@@ -100,6 +100,14 @@ TEST_F(Envelopes, ChangedAuthenticatedMessageIsRefused) {
   EXPECT_CODE(kMessageDamaged, decrypt(session, message.encode()).code);
 }
 
+TEST_F(Envelopes, LengthOfTheTagMayBeLeftOutIfItIsTwelve) {
+  Element message = ParseElement(Material("messages/gcm.p7e"));
+  message.at({1, 0, 2, 1, 1}).children.pop_back();
+  EXPECT_CODE(kDecryptionFailed, decrypt(open("alice"), message.encode()).code);
+  message.at({1, 0, 3}).content.resize(12);
+  EXPECT_EQ(Material("data.bin"), decrypt(open("alice"), message.encode()).out);
+}
+
 TEST_F(Envelopes, AuthenticatedAttributesAreRefused) {
   Element message = ParseElement(Material("messages/gcm.p7e"));
   Element& data = message.at({1, 0});
