@@ -62,22 +62,14 @@ Bytes HashOf(ByteView bytes, const EVP_MD* algorithm) {
 
 const EVP_MD* DefaultDigest() { return EVP_sha256(); }
 
-const EVP_MD* SignatureDigest(const EVP_PKEY* key) {
+const EVP_MD* SignatureDigest(EVP_PKEY* key) {
   constexpr int kMandatory = 2;
-  switch (EVP_PKEY_get_base_id(key)) {
-    case EVP_PKEY_RSA:
-    case EVP_PKEY_DSA:
-      return DefaultDigest();
-    case EVP_PKEY_RSA_PSS: {
-      int demanded = NID_undef;
-      const bool demands = EVP_PKEY_get_default_digest_nid(const_cast<EVP_PKEY*>(key), &demanded) == kMandatory;
-      return demands ? EVP_get_digestbynid(demanded) : DefaultDigest();
-    }
-    case EVP_PKEY_EC:
-      return EVP_PKEY_get_bits(key) <= 256 ? EVP_sha256() : EVP_PKEY_get_bits(key) <= 384 ? EVP_sha384() : EVP_sha512();
-    default:
-      return nullptr;
-  }
+  const int type = EVP_PKEY_get_base_id(key);
+  const int bits = EVP_PKEY_get_bits(key);
+  if (type == EVP_PKEY_EC) return bits <= 256 ? EVP_sha256() : bits <= 384 ? EVP_sha384() : EVP_sha512();
+  if (type != EVP_PKEY_RSA && type != EVP_PKEY_RSA_PSS && type != EVP_PKEY_DSA) return nullptr;
+  int stated = NID_undef;
+  return EVP_PKEY_get_default_digest_nid(key, &stated) == kMandatory ? EVP_get_digestbynid(stated) : DefaultDigest();
 }
 
 const EVP_MD* DigestByName(const char* name) {

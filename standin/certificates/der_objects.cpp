@@ -31,12 +31,6 @@ Bytes Encode(Object* object, Encoder encodeObject) {
   return Bytes(raw, raw + length);
 }
 
-bool LooksLikePem(ByteView bytes) {
-  static constexpr char kMark[] = "-----BEGIN ";
-  const ByteView start = bytes.first(std::min<size_t>(bytes.size(), 64 * 1024));
-  return std::search(start.begin(), start.end(), kMark, kMark + sizeof kMark - 1) != start.end();
-}
-
 void AddFromMessage(ByteView der, FoundObjects& found) {
   const unsigned char* cursor = der.data();
   const CmsPtr message(d2i_CMS_ContentInfo(nullptr, &cursor, static_cast<long>(der.size())));
@@ -74,7 +68,7 @@ FoundObjects Find(ByteView bytes, bool bundlesToo) {
   FoundObjects found;
   if (bytes.empty() || bytes.size() > kLargestObject) return found;
   if (bytes[0] == 0x30) AddFromDer(bytes, bundlesToo, found);
-  if (found.empty() && LooksLikePem(bytes)) {
+  if (found.empty()) {
     ForEachPemBlock(bytes, [&](std::string_view label, ByteView der) {
       if (!label.ends_with("PRIVATE KEY")) AddFromDer(der, bundlesToo, found);
     });

@@ -1,7 +1,5 @@
 #include "standin/messages/armour.h"
 
-#include <cctype>
-
 #include "standin/base/codes.h"
 
 namespace standin {
@@ -16,8 +14,12 @@ ByteView Armour::remove(ByteView piece, Bytes& decoded) {
     const bool ended = end != piece.end();
     piece = piece.subspan(part.size() + (ended && stage_ != Stage::kText ? 1 : 0));
     if (stage_ == Stage::kText) {
-      decode(part, ended, decoded);
-      if (ended) stage_ = Stage::kLastLine;
+      decode(part, decoded);
+      if (!ended) continue;
+      stage_ = Stage::kLastLine;
+      uint8_t rest[64];
+      int length = 0;
+      if (EVP_DecodeFinal(base64_.get(), rest, &length) != 1) Fail(kMessageDamaged);
       continue;
     }
     // Nothing may follow the last line.
@@ -34,25 +36,17 @@ ByteView Armour::remove(ByteView piece, Bytes& decoded) {
   return decoded;
 }
 
-void Armour::decode(ByteView text, bool last, Bytes& decoded) {
-  constexpr size_t kLargestPiece = 1u << 26;
+void Armour::decode(ByteView text, Bytes& decoded) {
   constexpr size_t kBlock = 64;
-  while (!text.empty() || last) {
-    const ByteView part = text.first(std::min(text.size(), kLargestPiece));
-    text = text.subspan(part.size());
-    const size_t before = decoded.size();
-    decoded.resize(before + part.size() + kBlock);
-    uint8_t* place = decoded.data() + before;
-    int length = 0;
-    int more =
-        part.empty() ? 1 : EVP_DecodeUpdate(base64_.get(), place, &length, part.data(), static_cast<int>(part.size()));
-    if (more < 0 || (padded_ && length != 0)) Fail(kMessageDamaged);
-    padded_ = padded_ || more == 0;
-    decoded.resize(before + static_cast<size_t>(length));
-    if (!text.empty() || !last) continue;
-    if (EVP_DecodeFinal(base64_.get(), place, &length) != 1 || length != 0) Fail(kMessageDamaged);
-    return;
-  }
+  if (text.empty()) return;
+  const size_t before = decoded.size();
+  decoded.resize(before + text.size() + kBlock);
+  int length = 0;
+  const int more =
+      EVP_DecodeUpdate(base64_.get(), decoded.data() + before, &length, text.data(), static_cast<int>(text.size()));
+  if (more < 0 || (padded_ && length != 0)) Fail(kMessageDamaged);
+  padded_ = padded_ || more == 0;
+  decoded.resize(before + static_cast<size_t>(length));
 }
 
 }  // namespace standin

@@ -10,8 +10,8 @@ namespace standin {
 
 class Armour {
  public:
-  /// The bytes of the message in a piece of the file; those of a file without armour pass unchanged, others are put
-  /// into `decoded`. Fails with kMessageDamaged.
+  /// The bytes of the message in a piece of less than 1 GiB; those of a file without armour pass unchanged, others are
+  /// put into `decoded`. Fails with kMessageDamaged.
   ByteView remove(ByteView piece, Bytes& decoded);
   /// Whether the armour, if there is one, is complete.
   bool ended() const { return stage_ == Stage::kNone || lines_.starts_with("-----END "); }
@@ -19,7 +19,7 @@ class Armour {
  private:
   enum class Stage { kStart, kNone, kFirstLine, kText, kLastLine };
 
-  void decode(ByteView text, bool last, Bytes& decoded);
+  void decode(ByteView text, Bytes& decoded);
 
   Stage stage_ = Stage::kStart;
   Owned<EVP_ENCODE_CTX_free> base64_{EVP_ENCODE_CTX_new()};

@@ -6,17 +6,17 @@
 
 namespace standin {
 
-ContentCipher::ContentCipher(CMS_ContentInfo* message) {
+ContentCipher::ContentCipher(CMS_ContentInfo* message, int32_t failure) {
   BIO* sink = BIO_new(BIO_s_null());
   if (sink == nullptr) Fail(kWinOutOfMemory);
   BIO* chain = CMS_dataInit(message, sink);
   if (chain == nullptr) {
     BIO_free(sink);
-    Fail(kAlgorithmUnknown);
+    Fail(failure);
   }
   chain_.reset(chain);
   BIO* cipher = BIO_find_type(chain, BIO_TYPE_CIPHER);
-  if (cipher == nullptr || BIO_get_cipher_ctx(cipher, &context_) != 1 || context_ == nullptr) Fail(kAlgorithmUnknown);
+  if (cipher == nullptr || BIO_get_cipher_ctx(cipher, &context_) != 1 || context_ == nullptr) Fail(failure);
 }
 
 void ContentCipher::update(ByteView piece, GrowingBuffer& out) {

@@ -9,8 +9,9 @@ namespace standin {
 
 class ContentCipher {
  public:
-  /// `message` must have its content key, just made or just decrypted.
-  explicit ContentCipher(CMS_ContentInfo* message);
+  /// `message` must have its content key, just made or just decrypted. Fails with `failure` if libcrypto does not know
+  /// the cipher, or cannot encrypt the key for a recipient.
+  ContentCipher(CMS_ContentInfo* message, int32_t failure);
 
   /// Appends the output for the piece.
   void update(ByteView piece, GrowingBuffer& out);

@@ -1,7 +1,6 @@
 #include "standin/messages/message_reader.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "standin/base/codes.h"
 #include "standin/base/oids.h"
@@ -16,15 +15,6 @@ constexpr size_t kDeepestContent = 8;
 constexpr size_t kLongestHeader = 9;
 
 Bytes CopyOf(ByteView bytes) { return Bytes(bytes.begin(), bytes.end()); }
-
-/// The tags behind the content, each at most once and in this order.
-std::string_view TailOf(MessageKind kind) {
-  if (kind == MessageKind::kEnveloped) return "\xA1";
-  return kind == MessageKind::kSigned ? "\xA0\xA1\x31" : "\xA1\x04\xA2";
-}
-
-/// The tag among them that must not be missing.
-uint8_t RequiredOf(MessageKind kind) { return kind == MessageKind::kSigned ? ber::kSet : ber::kOctetString; }
 
 }  // namespace
 
@@ -51,8 +41,13 @@ auto MessageReader::unlessFailed(Work work) {
 }
 
 void MessageReader::feed(ByteView bytes) {
-  Bytes decoded;
-  unlessFailed([&] { feedMessage(armour_.remove(bytes, decoded)); });
+  constexpr size_t kLargestPiece = 1u << 26;
+  while (!bytes.empty()) {
+    Bytes decoded;
+    const ByteView piece = bytes.first(std::min(bytes.size(), kLargestPiece));
+    unlessFailed([&] { feedMessage(armour_.remove(piece, decoded)); });
+    bytes = bytes.subspan(piece.size());
+  }
 }
 
 bool MessageReader::tryFinish() {
@@ -92,7 +87,6 @@ bool MessageReader::endMessage() {
     tail_.clear();
     return false;
   }
-  checkTail();
   if (!armour_.ended()) return false;
   stage_ = Stage::kEnd;
   return true;
@@ -244,18 +238,6 @@ void MessageReader::parseTail() {
   }
   while (!levels_.empty()) closeLevel(cursor);
   if (!cursor.atEnd()) Fail(kMessageDamaged);
-}
-
-void MessageReader::checkTail() const {
-  std::string_view order = TailOf(head_.kind);
-  bool complete = head_.kind == MessageKind::kEnveloped;
-  for (const Bytes& element : tail_) {
-    const size_t place = order.find(static_cast<char>(element[0]));
-    if (place == std::string_view::npos) Fail(kMessageDamaged);
-    order.remove_prefix(place + 1);
-    complete = complete || element[0] == RequiredOf(head_.kind);
-  }
-  if (!complete) Fail(kMessageDamaged);
 }
 
 void MessageReader::closeLevel(ber::Cursor& cursor) {

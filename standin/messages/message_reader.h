@@ -73,7 +73,6 @@ class MessageReader {
   ByteView nextContentHeader(ByteView bytes);
   void closeEndedContent();
   void parseTail();
-  void checkTail() const;
   void closeLevel(ber::Cursor& cursor);
 
   Armour armour_;

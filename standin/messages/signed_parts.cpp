@@ -42,19 +42,16 @@ SignedParts SignedParts::of(const MessageReader& reader) {
   SignedParts parts;
   parts.digestAlgorithms = DigestAlgorithmsOf(head);
   parts.contentType = head.contentType;
-  for (const Bytes& element : reader.tail()) {
-    switch (element[0]) {
-      case ber::kContext0Constructed:
-        parts.certificates = CopiesOf(ber::ChildrenOf(element));
-        break;
-      case ber::kContext1Constructed:
-        parts.crls = CopiesOf(ber::ChildrenOf(element));
-        break;
-      default:
-        parts.signers = CopiesOf(ber::ChildrenOf(element));
-        ber::SortAsSet(parts.signers);
-    }
-  }
+  auto element = reader.tail().begin();
+  const auto end = reader.tail().end();
+  const auto take = [&](uint8_t tag) {
+    return element != end && (*element)[0] == tag ? CopiesOf(ber::ChildrenOf(*element++)) : std::vector<Bytes>();
+  };
+  parts.certificates = take(ber::kContext0Constructed);
+  parts.crls = take(ber::kContext1Constructed);
+  if (element == end || (*element)[0] != ber::kSet || element + 1 != end) Fail(kMessageDamaged);
+  parts.signers = take(ber::kSet);
+  ber::SortAsSet(parts.signers);
   for (const Bytes& signer : parts.signers) {
     if (ber::ChildrenOf(signer).size() < 2) Fail(kMessageDamaged);
   }

@@ -59,6 +59,11 @@ void Decryptor::feed(ByteView bytes) {
 void Decryptor::finish() {
   reader_.finish();
   endContent();
+  // Attributes that nothing proves may stand behind the content.
+  const size_t proofs = parts_.authenticated ? 1 : 0;
+  const uint8_t attributes = parts_.authenticated ? ber::kContext2Constructed : ber::kContext1Constructed;
+  const std::vector<Bytes>& tail = reader_.tail();
+  if (tail.size() > proofs + 1 || (tail.size() > proofs && tail[proofs][0] != attributes)) Fail(kMessageDamaged);
 }
 
 DecryptResultRecord Decryptor::result(uint32_t info, Buffers& buffers) const {
@@ -82,7 +87,7 @@ void Decryptor::open(const MessageReader::Head& head) {
   // The caller's identifier may be gone at the next call.
   id_ = nullptr;
   if (!opened) Fail(kNotARecipient);
-  cipher_ = std::make_unique<ContentCipher>(message_.get());
+  cipher_ = std::make_unique<ContentCipher>(message_.get(), kAlgorithmUnknown);
   const CertStackPtr stated(CMS_get1_certs(message_.get()));
   if (stated != nullptr && sk_X509_num(stated.get()) > 0) sender_ = Share(sk_X509_value(stated.get(), 0));
 }
@@ -96,9 +101,12 @@ void Decryptor::decrypt(ByteView piece) {
 void Decryptor::endContent() {
   if (ended_) return;
   if (parts_.authenticated) {
-    // Attributes are part of what the tag proves, and have to be known before the content.
-    if (reader_.tail().front()[0] != ber::kOctetString) Fail(kNotSupported);
-    const ByteView tag = ber::ContentOf(reader_.tail().front());
+    if (reader_.tail().empty()) Fail(kMessageDamaged);
+    const Bytes& mac = reader_.tail().front();
+    // Attributes that the tag proves too would have to be known before the content.
+    if (mac[0] == ber::kContext1Constructed) Fail(kNotSupported);
+    if (mac[0] != ber::kOctetString) Fail(kMessageDamaged);
+    const ByteView tag = ber::ContentOf(mac);
     // A short tag is easy to guess.
     const bool plausible = tag.size() == parts_.tagLength && tag.size() >= kShortestTag;
     if (!plausible || !cipher_->expectTag(tag)) Fail(kDecryptionFailed);

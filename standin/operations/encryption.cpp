@@ -28,7 +28,7 @@ Envelope::Envelope(const Session& session, const EncryptParamRecord& param) {
   for (const CertPtr& recipient : recipients) {
     if (CMS_add1_recipient_cert(message_.get(), recipient.get(), 0) == nullptr) Fail(kRecipientUnsuitable);
   }
-  cipher_ = std::make_unique<ContentCipher>(message_.get());
+  cipher_ = std::make_unique<ContentCipher>(message_.get(), kRecipientUnsuitable);
   parts_ = EnvelopedParts::of(message_.get());
   if (NamesCertificate(param.mycert)) {
     parts_.setSender(session.keys.pick(param.mycert, KeyPurpose::kAny).certificate.get());

@@ -59,21 +59,16 @@ void SignatureMaker::update(ByteView content) {
 }
 
 SignedParts SignatureMaker::finish() {
-  const Bytes digest = digest_->finish();
   if (existing_digests_) checkExisting();
-  SignedParts all = existing_;
-  all.merge(makeSignature(digest));
-  return all;
+  return withSignature(digest_->finish());
 }
 
 SignedParts SignatureMaker::estimate() const {
-  SignedParts all = existing_;
-  all.merge(makeSignature(Bytes(static_cast<size_t>(EVP_MD_get_size(algorithm_)))));
-  return all;
+  return withSignature(Bytes(static_cast<size_t>(EVP_MD_get_size(algorithm_))));
 }
 
 /// Needs only the hash of the content.
-SignedParts SignatureMaker::makeSignature(ByteView digest) const {
+SignedParts SignatureMaker::withSignature(ByteView digest) const {
   constexpr unsigned kFlags = CMS_PARTIAL | CMS_BINARY | CMS_DETACHED | CMS_NOSMIMECAP;
   const CmsPtr message(CMS_sign(nullptr, nullptr, nullptr, nullptr, kFlags));
   if (message == nullptr) Fail(kWinOutOfMemory);
@@ -90,7 +85,9 @@ SignedParts SignatureMaker::makeSignature(ByteView digest) const {
                                   static_cast<int>(digest.size())) == 1 &&
       CMS_SignerInfo_sign(signer) == 1;
   if (!made) Fail(kSigningFailed);
-  return SignedParts::of(message.get());
+  SignedParts all = existing_;
+  all.merge(SignedParts::of(message.get()));
+  return all;
 }
 
 void SignatureMaker::checkExisting() const {

@@ -29,7 +29,7 @@ class SignatureMaker {
   SignedParts estimate() const;
 
  private:
-  SignedParts makeSignature(ByteView digest) const;
+  SignedParts withSignature(ByteView digest) const;
   void checkExisting() const;
 
   CertPtr certificate_;

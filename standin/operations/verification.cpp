@@ -1,9 +1,9 @@
 #include "standin/operations/verification.h"
 
 #include "standin/base/codes.h"
-#include "standin/base/digest.h"
 #include "standin/base/files.h"
 #include "standin/base/times.h"
+#include "standin/operations/signing.h"
 
 namespace standin {
 namespace {
@@ -26,21 +26,6 @@ DataBlob_t OutputOf(const Verifier& verifier, GrowingBuffer& content, Buffers& b
 }
 
 void FeedFile(const char* path, const MessageReader::OnContent& take) { InputFile(path).forEachPiece(take); }
-
-/// Compares the content of a message with data that the caller gives as well.
-class ContentComparison {
- public:
-  ContentComparison() : in_message_(DefaultDigest()), in_data_(DefaultDigest()) {}
-  void message(ByteView piece) { in_message_.update(piece); }
-  void data(ByteView piece) { in_data_.update(piece); }
-  void require() {
-    if (in_message_.finish() != in_data_.finish()) Fail(kContentMismatch);
-  }
-
- private:
-  Digest in_message_;
-  Digest in_data_;
-};
 
 /// Reads the content of a message file once more.
 void CopyContent(const char* message, uint64_t expectedLength, OutputFile& file) {
@@ -114,13 +99,10 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
   const bool removesOne = (param.flag & kVerifyDelSign) != 0 && param.nSignToDelete != kDeleteAllSigns;
   std::optional<OutputFile> content;
   if (out != nullptr && !removesOne) content.emplace(out);
-  std::optional<ContentComparison> comparison;
-  if (data != nullptr) comparison.emplace();
   uint64_t contentLength = 0;
   Verifier verifier(session, [&](ByteView piece) {
     contentLength += piece.size();
     if (content) content->write(piece);
-    if (comparison) comparison->message(piece);
   });
   FeedFile(message, [&](ByteView piece) { verifier.feedMessage(piece); });
   if (!verifier.headKnown()) Fail(kMessageDamaged);
@@ -128,8 +110,7 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
     if (data == nullptr) Fail(kContentMissing);
     FeedFile(data, [&](ByteView piece) { verifier.feedData(piece); });
   } else if (data != nullptr) {
-    FeedFile(data, [&](ByteView piece) { comparison->data(piece); });
-    comparison->require();
+    RequireSameContent(data, message);
   }
   Verification result = ResultOf(verifier, param);
   if (!IsGood(result.code) || out == nullptr) return result;
