@@ -5,48 +5,47 @@
 namespace standin {
 
 ByteView Armour::remove(ByteView piece, Bytes& decoded) {
-  constexpr size_t kLongestLine = 100;
   if (stage_ == Stage::kStart && !piece.empty()) stage_ = piece[0] == '-' ? Stage::kFirstLine : Stage::kNone;
   if (stage_ == Stage::kNone) return piece;
-  while (!piece.empty()) {
-    const auto end = std::ranges::find(piece, stage_ == Stage::kText ? '-' : '\n');
-    const ByteView part = piece.first(static_cast<size_t>(end - piece.begin()));
-    const bool ended = end != piece.end();
-    piece = piece.subspan(part.size() + (ended && stage_ != Stage::kText ? 1 : 0));
-    if (stage_ == Stage::kText) {
-      decode(part, decoded);
-      if (!ended) continue;
-      stage_ = Stage::kLastLine;
-      uint8_t rest[64];
-      int length = 0;
-      if (EVP_DecodeFinal(base64_.get(), rest, &length) != 1) Fail(kMessageDamaged);
-      continue;
-    }
-    // Nothing may follow the last line.
-    if (lines_.size() + part.size() > kLongestLine || lines_.ends_with('\n')) Fail(kMessageDamaged);
-    lines_.append(part.begin(), part.end());
-    if (!ended) continue;
-    lines_ += '\n';
-    if (stage_ == Stage::kLastLine) continue;
+  while (!piece.empty()) piece = piece.subspan(stage_ == Stage::kText ? takeText(piece, decoded) : takeLine(piece));
+  return decoded;
+}
+
+size_t Armour::takeLine(ByteView piece) {
+  constexpr size_t kLongestLine = 100;
+  const auto end = std::ranges::find(piece, '\n');
+  // Nothing may follow the last line.
+  if (lines_.ends_with('\n')) Fail(kMessageDamaged);
+  lines_.append(piece.begin(), end == piece.end() ? end : end + 1);
+  if (lines_.size() > kLongestLine) Fail(kMessageDamaged);
+  if (end == piece.end()) return piece.size();
+  if (stage_ == Stage::kFirstLine) {
     if (!lines_.starts_with("-----BEGIN ") || base64_ == nullptr) Fail(kMessageDamaged);
     lines_.clear();
     EVP_DecodeInit(base64_.get());
     stage_ = Stage::kText;
   }
-  return decoded;
+  return static_cast<size_t>(end - piece.begin()) + 1;
 }
 
-void Armour::decode(ByteView text, Bytes& decoded) {
+size_t Armour::takeText(ByteView piece, Bytes& decoded) {
   constexpr size_t kBlock = 64;
-  if (text.empty()) return;
+  const ByteView text = piece.first(static_cast<size_t>(std::ranges::find(piece, '-') - piece.begin()));
   const size_t before = decoded.size();
   decoded.resize(before + text.size() + kBlock);
+  uint8_t* place = decoded.data() + before;
   int length = 0;
-  const int more =
-      EVP_DecodeUpdate(base64_.get(), decoded.data() + before, &length, text.data(), static_cast<int>(text.size()));
+  const int size = static_cast<int>(text.size());
+  const int more = size == 0 ? 1 : EVP_DecodeUpdate(base64_.get(), place, &length, text.data(), size);
   if (more < 0 || (padded_ && length != 0)) Fail(kMessageDamaged);
   padded_ = padded_ || more == 0;
   decoded.resize(before + static_cast<size_t>(length));
+  if (text.size() != piece.size()) {
+    uint8_t rest[kBlock];
+    if (EVP_DecodeFinal(base64_.get(), rest, &length) != 1) Fail(kMessageDamaged);
+    stage_ = Stage::kLastLine;
+  }
+  return text.size();
 }
 
 }  // namespace standin

@@ -19,7 +19,9 @@ class Armour {
  private:
   enum class Stage { kStart, kNone, kFirstLine, kText, kLastLine };
 
-  void decode(ByteView text, Bytes& decoded);
+  /// Both return how much of the piece they used.
+  size_t takeLine(ByteView piece);
+  size_t takeText(ByteView piece, Bytes& decoded);
 
   Stage stage_ = Stage::kStart;
   Owned<EVP_ENCODE_CTX_free> base64_{EVP_ENCODE_CTX_new()};

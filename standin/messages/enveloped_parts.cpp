@@ -16,9 +16,6 @@ Bytes WrapIndefinite(uint8_t tag, ByteView start) {
   return bytes;
 }
 
-/// The end-of-contents marks of so many elements.
-Bytes EndsOf(size_t elements) { return Bytes(elements * 2); }
-
 }  // namespace
 
 EnvelopedParts EnvelopedParts::of(const MessageReader::Head& head) {
@@ -93,8 +90,8 @@ Bytes EnvelopedParts::streamHeader() const {
 }
 
 Bytes EnvelopedParts::streamTrailer(ByteView tag) const {
-  // Of the five elements that streamHeader opens, the content and its sequence end before the tag.
-  return ber::Join({EndsOf(2), trailer(tag), EndsOf(3)});
+  // The end-of-contents marks of the five elements that streamHeader opens; two of them end before the tag.
+  return ber::Join({Bytes(2 * 2), trailer(tag), Bytes(3 * 2)});
 }
 
 }  // namespace standin

@@ -110,6 +110,12 @@ Bytes SignedParts::withoutContent() const {
   return ber::Join({FinishHeader(*this, ber::Encode(ber::kSequence, contentType), 0, end.size()), end});
 }
 
+DataBlob_t SignedParts::handOut(Buffers& buffers, std::optional<ByteView> content) const {
+  if (!content) return buffers.copyBytes(withoutContent());
+  const Bytes end = trailer();
+  return buffers.join({header(content->size(), end.size()), *content, end});
+}
+
 std::vector<Bytes> DigestAlgorithmsOf(const MessageReader::Head& head) {
   return CopiesOf(ber::ChildrenOf(head.elements[1]));
 }

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "standin/base/bytes.h"
+#include "standin/base/buffers.h"
 #include "standin/base/openssl_owners.h"
 #include "standin/messages/message_reader.h"
 
@@ -31,6 +31,8 @@ struct SignedParts {
   /// The bytes before a content of that length, in DER.
   Bytes header(uint64_t contentLength, size_t trailerLength) const;
   Bytes withoutContent() const;
+  /// The message in memory of the session.
+  DataBlob_t handOut(Buffers& buffers, std::optional<ByteView> content) const;
 
  private:
   void requireReadable() const;

@@ -97,10 +97,7 @@ void WriteAttached(SignatureMaker& maker, const ContentFile& content, const char
 }
 
 DataBlob_t OutputOf(Session& session, SignatureMaker& maker, ByteView content) {
-  const SignedParts parts = maker.finish();
-  if (maker.isDetached()) return session.buffers.copyBytes(parts.withoutContent());
-  const Bytes trailer = parts.trailer();
-  return session.buffers.join({parts.header(content.size(), trailer.size()), content, trailer});
+  return maker.finish().handOut(session.buffers, maker.isDetached() ? std::nullopt : std::optional(content));
 }
 
 }  // namespace

@@ -19,38 +19,28 @@ Verification ResultOf(Verifier& verifier, const VerifyParamRecord& param) {
 /// The content, or the message with the remaining signatures.
 DataBlob_t OutputOf(const Verifier& verifier, GrowingBuffer& content, Buffers& buffers) {
   if (!verifier.leavesSignatures()) return content.handOut(buffers);
-  const SignedParts& parts = verifier.remaining();
-  if (!verifier.hasContent()) return buffers.copyBytes(parts.withoutContent());
-  const Bytes trailer = parts.trailer();
-  return buffers.join({parts.header(content.view().size(), trailer.size()), content.view(), trailer});
+  return verifier.remaining().handOut(buffers, verifier.hasContent() ? std::optional(content.view()) : std::nullopt);
 }
 
 void FeedFile(const char* path, const MessageReader::OnContent& take) { InputFile(path).forEachPiece(take); }
 
-/// Reads the content of a message file once more.
-void CopyContent(const char* message, uint64_t expectedLength, OutputFile& file) {
+/// Writes the message with the remaining signatures, or the content if none remain. Reads the content once more.
+void WriteAfterwards(const Verifier& verifier, const char* message, uint64_t contentLength, const char* out) {
+  const bool leaves = verifier.leavesSignatures();
+  if (!verifier.hasContent()) {
+    if (leaves) WriteWholeFile(out, verifier.remaining().withoutContent());
+    return;
+  }
+  const Bytes trailer = leaves ? verifier.remaining().trailer() : Bytes();
+  OutputFile file(out);
+  if (leaves) file.write(verifier.remaining().header(contentLength, trailer.size()));
   uint64_t copied = 0;
   MessageReader reader([&](ByteView piece) {
     copied += piece.size();
     file.write(piece);
   });
   FeedFile(message, [&](ByteView piece) { reader.feed(piece); });
-  if (copied != expectedLength) Fail(kFileChanged);
-}
-
-/// Writes the message with the remaining signatures, or the content if none remain.
-void WriteAfterwards(const Verifier& verifier, const char* message, uint64_t contentLength, const char* out) {
-  if (!verifier.hasContent()) {
-    if (verifier.leavesSignatures()) WriteWholeFile(out, verifier.remaining().withoutContent());
-    return;
-  }
-  OutputFile file(out);
-  Bytes trailer;
-  if (verifier.leavesSignatures()) {
-    trailer = verifier.remaining().trailer();
-    file.write(verifier.remaining().header(contentLength, trailer.size()));
-  }
-  CopyContent(message, contentLength, file);
+  if (copied != contentLength) Fail(kFileChanged);
   file.write(trailer);
   file.commit();
 }
@@ -124,11 +114,7 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
 
 uint32_t CountSignatures(const char* message) {
   if (message == nullptr) Fail(kWinInvalidParameter);
-  MessageReader reader(
-      [](const MessageReader::Head& head) {
-        if (head.kind != MessageKind::kSigned) Fail(kNotSigned);
-      },
-      [](ByteView) {});
+  MessageReader reader([](ByteView) {});
   FeedFile(message, [&](ByteView piece) { reader.feed(piece); });
   reader.finish();
   const size_t count = SignedParts::of(reader).signers.size();
