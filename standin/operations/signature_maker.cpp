@@ -42,9 +42,10 @@ SignatureMaker::SignatureMaker(const KeyStore& keys, const SignParamRecord* para
   certificate_ = Share(own.certificate.get());
   EVP_PKEY_up_ref(own.key.get());
   key_.reset(own.key.get());
-  algorithm_ = SignatureDigest(key_.get());
-  if (algorithm_ == nullptr) Fail(kAlgorithmUnknown);
-  digest_.emplace(algorithm_);
+  const EVP_MD* fitting = SignatureDigest(own.key.get());
+  if (fitting == nullptr) Fail(kAlgorithmUnknown);
+  algorithm_ = fitting;
+  digest_.emplace(fitting);
   existing_.contentType.assign(kOidData.begin(), kOidData.end());
 }
 

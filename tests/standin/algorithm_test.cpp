@@ -1,6 +1,7 @@
 // Keys and algorithms of signers: those that cannot be read or are not known, and those that are right for a key.
 #include "element.h"
 #include "engine_test.h"
+#include "mutations.h"
 
 using namespace standin;
 
@@ -119,6 +120,40 @@ TEST_F(Algorithms, UnknownOneDoesNotSpoilAGoodSigner) {
     EXPECT_CODE(kAlgorithmUnknown, besideAGoodSigner(both, kSignature, Sequence({Oid(signature)}))) << signature;
   }
   EXPECT_CODE(kBadSignature, besideAGoodSigner(both, kSignature, Sequence({Oid("1.2.840.10045.4.3.3")})));
+}
+
+TEST_F(Algorithms, StrangeKeysInTheStoreHarmNobody) {
+  const std::string folder = CopyOfStore("store", "strange keys");
+  Element certificate = ParseElement(Material("alice.cer"));
+  const Bytes message = sign(open("alice"), 0, payload);
+  for (const Element& key : StrangeKeys()) {
+    certificate.at({0, 6}) = key;
+    const Bytes encoded = certificate.encode();
+    WriteBytes(folder + "/alice.cer", encoded);
+    const EngineSession session = openIn("bob", folder);
+    FindParamRecord find{};
+    find.info = 0x7FFFF;
+    for (const uint32_t flags : {0, 1, 2}) {
+      find.flag = flags;
+      FindResultRecord found{};
+      EXPECT_CODE(0, QUIVO_FindCert(session, &find, &found));
+      QUIVO_FreeFindResult(session, &found);
+    }
+    EXPECT_NE(0, verify(session, message).code);
+    const DataBlob_t blob = BlobOf(encoded);
+    const VerifyCertParamRecord param{1, nullptr, 0x7FFFF};
+    CertificateRecord record{};
+    EXPECT_NE(0, QUIVO_VerifyCert(session, &param, &blob, &record));
+    CertificateRecord receiver{};
+    receiver.certEncoded = blob;
+    const EncryptParamRecord encrypt{0x30, nullptr, 1, &receiver};
+    const DataBlob_t data = BlobOf(payload);
+    DataBlob_t out{};
+    const int32_t code = QUIVO_EncryptMem(session, &encrypt, &data, &out);
+    EXPECT_TRUE(code == 0 || code == kRecipientUnsuitable) << EngineCode{code}.value;
+    take(session, out);
+    close(session);
+  }
 }
 
 TEST_F(Algorithms, UnknownMaskOfPssIsUnknown) {

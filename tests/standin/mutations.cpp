@@ -24,36 +24,6 @@ Element Key(std::vector<Element> algorithm, const Bytes& bits) {
   return Sequence({Sequence(std::move(algorithm)), BitString(bits)});
 }
 
-const std::vector<Element>& StrangeKeys() {
-  static const std::vector<Element> kKeys = [] {
-    const Element ec = Oid("1.2.840.10045.2.1"), p256 = Oid("1.2.840.10045.3.1.7"), null = Primitive(5, {});
-    const Element gost = Sequence({Oid("1.2.643.7.1.2.1.1.1"), Oid("1.2.643.7.1.1.2.2")});
-    const Element zeros = Sequence({Primitive(2, {0}), Primitive(2, {0})});
-    Bytes point(65, 1);
-    point[0] = 4;
-    return std::vector<Element>{
-        Key({Oid("1.2.643.99.7"), null}, Bytes(64, 7)),
-        Key({Oid("1.2.643.7.1.1.1.1"), gost}, Bytes(66, 4)),
-        Key({Oid("2.16.840.1.101.3.4.3.18")}, Bytes(1952, 1)),
-        Key({ec, Oid("1.2.643.99.8")}, point),
-        Key({ec, p256}, point),
-        Key({ec, p256}, {}),
-        Key({ec, p256}, {0}),
-        Key({ec, Sequence({})}, point),
-        Key({ec}, point),
-        Key({Oid("1.2.840.113549.1.1.1"), null}, {}),
-        Key({Oid("1.2.840.113549.1.1.1"), null}, zeros.encode()),
-        Key({Oid("1.2.840.113549.1.1.10"), null}, zeros.encode()),
-        Key({Oid("1.2.840.10040.4.1")}, Primitive(2, Bytes(128, 0x33)).encode()),
-        Key({Oid("1.2.840.10046.2.1"), Sequence({})}, Primitive(2, {5}).encode()),
-        Key({Oid("1.3.101.110")}, Bytes(32, 9)),
-        Key({Oid("1.3.101.112")}, Bytes(32, 9)),
-        Key({Oid("1.3.101.113")}, Bytes(57, 9)),
-    };
-  }();
-  return kKeys;
-}
-
 const std::vector<Element>& Identifiers() {
   static const std::vector<Element> kIdentifiers = [] {
     std::vector<Element> identifiers;
@@ -90,6 +60,36 @@ bool IsKey(const Element* element) {
 bool IsIdentifier(const Element* element) { return element->tag == 6; }
 
 }  // namespace
+
+const std::vector<Element>& StrangeKeys() {
+  static const std::vector<Element> kKeys = [] {
+    const Element ec = Oid("1.2.840.10045.2.1"), p256 = Oid("1.2.840.10045.3.1.7"), null = Primitive(5, {});
+    const Element gost = Sequence({Oid("1.2.643.7.1.2.1.1.1"), Oid("1.2.643.7.1.1.2.2")});
+    const Element zeros = Sequence({Primitive(2, {0}), Primitive(2, {0})});
+    Bytes point(65, 1);
+    point[0] = 4;
+    return std::vector<Element>{
+        Key({Oid("1.2.643.99.7"), null}, Bytes(64, 7)),
+        Key({Oid("1.2.643.7.1.1.1.1"), gost}, Bytes(66, 4)),
+        Key({Oid("2.16.840.1.101.3.4.3.18")}, Bytes(1952, 1)),
+        Key({ec, Oid("1.2.643.99.8")}, point),
+        Key({ec, p256}, point),
+        Key({ec, p256}, {}),
+        Key({ec, p256}, {0}),
+        Key({ec, Sequence({})}, point),
+        Key({ec}, point),
+        Key({Oid("1.2.840.113549.1.1.1"), null}, {}),
+        Key({Oid("1.2.840.113549.1.1.1"), null}, zeros.encode()),
+        Key({Oid("1.2.840.113549.1.1.10"), null}, zeros.encode()),
+        Key({Oid("1.2.840.10040.4.1")}, Primitive(2, Bytes(128, 0x33)).encode()),
+        Key({Oid("1.2.840.10046.2.1"), Sequence({})}, Primitive(2, {5}).encode()),
+        Key({Oid("1.3.101.110")}, Bytes(32, 9)),
+        Key({Oid("1.3.101.112")}, Bytes(32, 9)),
+        Key({Oid("1.3.101.113")}, Bytes(57, 9)),
+    };
+  }();
+  return kKeys;
+}
 
 Mutations::Mutations(const std::vector<Bytes>& messages, unsigned seed) : random_(seed), messages_(messages) {
   for (const Bytes& message : messages) trees_.push_back(ParseElement(message));

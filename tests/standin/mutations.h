@@ -5,6 +5,9 @@
 
 #include "element.h"
 
+/// Keys, as certificates have them, that libcrypto cannot decode or that cannot sign.
+const std::vector<Element>& StrangeKeys();
+
 class Mutations {
  public:
   /// Of these messages; elements are spliced from one into another.
