@@ -41,7 +41,8 @@ auto MessageReader::unlessFailed(Work work) {
 }
 
 void MessageReader::feed(ByteView bytes) {
-  constexpr size_t kLargestPiece = 1u << 26;
+  // The head is sought in what has arrived; a whole message in memory may be larger than a head may be.
+  constexpr size_t kLargestPiece = 1u << 20;
   while (!bytes.empty()) {
     Bytes decoded;
     const ByteView piece = bytes.first(std::min(bytes.size(), kLargestPiece));
@@ -79,6 +80,7 @@ void MessageReader::feedMessage(ByteView bytes) {
 }
 
 bool MessageReader::endMessage() {
+  if (!armour_.ended()) return false;
   const std::vector<Level> open = levels_;
   try {
     parseTail();
@@ -87,7 +89,6 @@ bool MessageReader::endMessage() {
     tail_.clear();
     return false;
   }
-  if (!armour_.ended()) return false;
   stage_ = Stage::kEnd;
   return true;
 }

@@ -1,7 +1,5 @@
 // Ten thousand mutations of every kind of message, through memory, streams and files: none ends the process, takes
 // long, is answered with "internal error", or is verified with another content.
-#include <ctime>
-
 #include "engine_test.h"
 #include "mutations.h"
 
@@ -24,9 +22,9 @@ class Corpus : public EngineTest {
     Mutations mutations(messages, 20261121);
     for (int i = 0; i < count; ++i) {
       const Bytes message = mutations.next();
-      const std::clock_t start = std::clock();
+      const uint64_t start = WorkDone();
       const Answer answer = call(message, i % 20);
-      EXPECT_GT(2 * CLOCKS_PER_SEC, std::clock() - start) << i;
+      EXPECT_GT(2000u, WorkDone() - start) << i;
       EXPECT_NE(kInternal, answer.code) << i;
       if (answer.code == 0 && !content.empty()) {
         EXPECT_EQ(content, answer.out) << i;
@@ -159,7 +157,9 @@ TEST_F(EnvelopeCorpus, EnvelopesForRsaKeys) {
   decryptAll("alice", small({"alice.p7e", "both.p7e", "oaep.p7e", "keyid.p7e"}));
 }
 
-TEST_F(EnvelopeCorpus, AuthenticatedEnvelopes) { decryptAll("bob", small({"gcm.p7e", "stream.gcm.p7e"})); }
+TEST_F(EnvelopeCorpus, AuthenticatedEnvelopes) {
+  decryptAll("bob", small({"gcm.p7e", "stream.gcm.p7e", "armoured.gcm.p7e"}));
+}
 
 TEST_F(SignatureCorpus, AdditionsToSignedMessagesCanBeRead) {
   content.clear();

@@ -8,9 +8,13 @@
 #include <ostream>
 
 #ifdef _WIN32
+#include <windows.h>
+
 #include <process.h>
 #else
 #include <unistd.h>
+
+#include <ctime>
 #endif
 
 void PrintTo(const EngineCode& code, std::ostream* out) {
@@ -35,6 +39,19 @@ std::string FolderFrom(const char* variable) {
 }
 
 }  // namespace
+
+uint64_t WorkDone() {
+#ifdef _WIN32
+  FILETIME created, ended, kernel, user;
+  GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
+  const auto ticks = [](FILETIME time) {
+    return static_cast<uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+  };
+  return (ticks(kernel) + ticks(user)) / 10000;
+#else
+  return static_cast<uint64_t>(std::clock()) * 1000 / CLOCKS_PER_SEC;
+#endif
+}
 
 DataBlob_t BlobOf(const Bytes& bytes) {
   static uint8_t none;

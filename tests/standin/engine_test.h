@@ -45,6 +45,9 @@ struct Decrypted {
   std::string sender;
 };
 
+/// Milliseconds of work of this process: other than the clock on the wall, it does not count what other processes do.
+uint64_t WorkDone();
+
 /// A blob that names bytes of the test's own.
 DataBlob_t BlobOf(const Bytes& bytes);
 Bytes BytesOf(const std::string& text);

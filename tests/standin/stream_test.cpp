@@ -200,6 +200,7 @@ TEST_F(Streams, ArmourIsReadInPieces) {
   for (size_t size : {1, 7, 1000}) {
     EXPECT_EQ(Material("data.bin"), verifyInPieces(open("bob"), {}, Material("messages/attached.pem"), size).out);
     EXPECT_EQ(Material("data.bin"), decryptInPieces(open("bob"), Material("messages/two.pem"), size).out);
+    EXPECT_EQ(Material("small/data.bin"), decryptInPieces(open("bob"), Material("small/armoured.gcm.p7e"), size).out);
   }
 }
 

@@ -225,6 +225,14 @@ TEST_F(Verification, EveryFlippedBitIsRefused) {
   }
 }
 
+TEST_F(Verification, LargeMessageInMemoryIsVerified) {
+  const EngineSession session = open("alice");
+  const Bytes data(20 * 1024 * 1024, 'x');
+  const Verified verified = verify(session, sign(session, kSendCertificate, data));
+  EXPECT_CODE(0, verified.code);
+  EXPECT_EQ(data.size(), verified.out.size());
+}
+
 TEST_F(Verification, OpensslMessagesAreVerified) {
   const EngineSession session = open("bob");
   const Bytes data = Material("data.bin");
