@@ -1,4 +1,4 @@
-' Decrypts a file, and tells whose certificate its sender named.
+' Decrypts a file, and reports whose certificate its sender named, if any.
 '   cscript //nologo decrypt.vbs PROFILE ENCRYPTED RESULT
 Option Explicit
 
@@ -18,7 +18,11 @@ param.flag = Flag_Decrypt_Pkcs7
 param.info = Field_Subject
 Set sender = quivo.StrDecryptFile(param, WScript.Arguments(1), WScript.Arguments(2))
 Check "StrDecryptFile"
-WScript.Echo "StrDecryptFile: decrypted, sent by " & sender.subject
+If sender.subject = "" Then
+  WScript.Echo "StrDecryptFile: decrypted"
+Else
+  WScript.Echo "StrDecryptFile: decrypted, sent by " & sender.subject
+End If
 quivo.Uninitialize
 
 ' Ends the script with the engine's text when the statement before failed.

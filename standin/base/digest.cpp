@@ -62,6 +62,16 @@ Bytes HashOf(ByteView bytes, const EVP_MD* algorithm) {
 
 const EVP_MD* DefaultDigest() { return EVP_sha256(); }
 
+const EVP_MD* SignatureDigest(EVP_PKEY* key) {
+  constexpr int kMandatory = 2;
+  const int type = EVP_PKEY_get_base_id(key);
+  const int bits = EVP_PKEY_get_bits(key);
+  if (type == EVP_PKEY_EC) return bits <= 256 ? EVP_sha256() : bits <= 384 ? EVP_sha384() : EVP_sha512();
+  if (type != EVP_PKEY_RSA && type != EVP_PKEY_RSA_PSS && type != EVP_PKEY_DSA) return nullptr;
+  int stated = NID_undef;
+  return EVP_PKEY_get_default_digest_nid(key, &stated) == kMandatory ? EVP_get_digestbynid(stated) : DefaultDigest();
+}
+
 const EVP_MD* DigestByName(const char* name) {
   if (name == nullptr || *name == 0) return DefaultDigest();
   const std::string wanted = LettersAndDigits(name);

@@ -1,12 +1,11 @@
 #include "standin/certificates/der_objects.h"
 
 #include <openssl/err.h>
-#include <openssl/pem.h>
 
 #include <algorithm>
-#include <cstring>
 
 #include "standin/base/codes.h"
+#include "standin/base/pem.h"
 
 namespace standin {
 namespace {
@@ -30,12 +29,6 @@ Bytes Encode(Object* object, Encoder encodeObject) {
   if (length < 0) Fail(kInternal);
   const OctetsPtr owner(raw);
   return Bytes(raw, raw + length);
-}
-
-bool LooksLikePem(ByteView bytes) {
-  static constexpr char kMark[] = "-----BEGIN ";
-  const ByteView start = bytes.first(std::min<size_t>(bytes.size(), 64 * 1024));
-  return std::search(start.begin(), start.end(), kMark, kMark + sizeof kMark - 1) != start.end();
 }
 
 void AddFromMessage(ByteView der, FoundObjects& found) {
@@ -71,27 +64,15 @@ void AddFromDer(ByteView der, bool bundlesToo, FoundObjects& found) {
   }
 }
 
-void AddFromPem(ByteView text, bool bundlesToo, FoundObjects& found) {
-  const BioPtr source(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
-  char* name = nullptr;
-  char* header = nullptr;
-  unsigned char* data = nullptr;
-  long length = 0;
-  while (PEM_read_bio(source.get(), &name, &header, &data, &length) == 1) {
-    const TextPtr nameOwner(name);
-    const TextPtr headerOwner(header);
-    const OctetsPtr dataOwner(data);
-    const bool isSecret = std::strstr(name, "PRIVATE KEY") != nullptr;
-    if (!isSecret) AddFromDer({data, static_cast<size_t>(length)}, bundlesToo, found);
-  }
-  ERR_clear_error();
-}
-
 FoundObjects Find(ByteView bytes, bool bundlesToo) {
   FoundObjects found;
   if (bytes.empty() || bytes.size() > kLargestObject) return found;
   if (bytes[0] == 0x30) AddFromDer(bytes, bundlesToo, found);
-  if (found.empty() && LooksLikePem(bytes)) AddFromPem(bytes, bundlesToo, found);
+  if (found.empty()) {
+    ForEachPemBlock(bytes, [&](std::string_view label, ByteView der) {
+      if (!label.ends_with("PRIVATE KEY")) AddFromDer(der, bundlesToo, found);
+    });
+  }
   return found;
 }
 

@@ -1,7 +1,6 @@
 #include "standin/messages/ber.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "standin/base/codes.h"
 
@@ -120,9 +119,9 @@ Bytes Join(std::initializer_list<ByteView> parts) {
 }
 
 void SortAsSet(std::vector<Bytes>& elements) {
-  std::sort(elements.begin(), elements.end(), [](const Bytes& left, const Bytes& right) {
-    const int order = std::memcmp(left.data(), right.data(), std::min(left.size(), right.size()));
-    return order != 0 ? order < 0 : left.size() < right.size();
+  std::ranges::sort(elements, [](const Bytes& left, const Bytes& right) {
+    return std::lexicographical_compare(left.data(), left.data() + left.size(), right.data(),
+                                        right.data() + right.size());
   });
   elements.erase(std::unique(elements.begin(), elements.end()), elements.end());
 }

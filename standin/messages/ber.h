@@ -18,6 +18,8 @@ enum Tag : uint8_t {
   kContext1 = 0x81,
   kContext0Constructed = 0xA0,
   kContext1Constructed = 0xA1,
+  kContext2Constructed = 0xA2,
+  kContext3Constructed = 0xA3,
   kConstructedOctetString = 0x24,
 };
 

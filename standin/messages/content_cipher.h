@@ -9,13 +9,18 @@ namespace standin {
 
 class ContentCipher {
  public:
-  /// `message` must have its content key, just made or just decrypted.
-  explicit ContentCipher(CMS_ContentInfo* message);
+  /// `message` must have its content key, just made or just decrypted. Fails with `failure` if libcrypto does not know
+  /// the cipher, or cannot encrypt the key for a recipient.
+  ContentCipher(CMS_ContentInfo* message, int32_t failure);
 
   /// Appends the output for the piece.
   void update(ByteView piece, GrowingBuffer& out);
-  /// False if the padding of a ciphertext is wrong.
+  /// False if the padding or the tag of a ciphertext is wrong.
   bool finish(GrowingBuffer& out);
+  /// The tag of an encrypted content; empty for a cipher that authenticates nothing.
+  Bytes tag() const;
+  /// Sets the tag of a ciphertext before its end; false if it cannot be one.
+  bool expectTag(ByteView tag);
   uint64_t ciphertextLength(uint64_t plainLength) const;
 
  private:

@@ -7,63 +7,91 @@
 namespace standin {
 namespace {
 
+constexpr uint8_t kVersionWithOriginator[] = {2};
+constexpr uint8_t kNoTag[16] = {};
+
 Bytes WrapIndefinite(uint8_t tag, ByteView start) {
   Bytes bytes = {tag, 0x80};
   Append(bytes, start);
   return bytes;
 }
 
-Bytes FinishHeader(const Bytes& before, ByteView encryptedInfo, uint64_t behind) {
-  const Bytes message = ber::EncodeStart(ber::kSequence, ber::Join({before, encryptedInfo}), behind);
-  const Bytes explicitMessage = ber::EncodeStart(ber::kContext0Constructed, message, behind);
-  return ber::EncodeStart(ber::kSequence, ber::Join({kOidEnvelopedData, explicitMessage}), behind);
-}
-
 }  // namespace
 
 EnvelopedParts EnvelopedParts::of(const MessageReader::Head& head) {
-  if (head.kind != MessageKind::kEnveloped) Fail(kNotEncrypted);
+  constexpr size_t kMostRecipients = 4096;
+  if (!head.enveloped()) Fail(kNotEncrypted);
   EnvelopedParts parts;
+  parts.authenticated = head.kind == MessageKind::kAuthEnveloped;
   parts.version = head.elements.front();
   if (head.elements.size() == 3) parts.originator = head.elements[1];
   parts.recipients = head.elements.back();
+  if (ber::ChildrenOf(parts.recipients).size() > kMostRecipients) Fail(kTooLarge);
   parts.contentType = head.contentType;
   parts.contentCipher = head.contentCipher;
+  if (parts.authenticated) parts.readTagLength();
   return parts;
+}
+
+void EnvelopedParts::readTagLength() {
+  constexpr uint8_t kDefaultLength[] = {ber::kInteger, 1, 12};
+  const std::vector<ByteView> members = ber::ChildrenOf(contentCipher);
+  std::vector<ByteView> parameters = members.size() == 2 ? ber::ChildrenOf(members[1]) : members;
+  if (members.size() != 2 || parameters.empty() || parameters.size() > 2) Fail(kAlgorithmUnknown);
+  if (parameters.size() == 1) parameters.emplace_back(kDefaultLength);
+  const ByteView length = ber::ContentOf(parameters[1]);
+  tagLength = length.size() == 1 ? length[0] : 0;
+  // libcrypto does not know that the length may be left out.
+  const Bytes complete = ber::Encode(ber::kSequence, ber::Join({parameters[0], parameters[1]}));
+  contentCipher = ber::Encode(ber::kSequence, ber::Join({members[0], complete}));
 }
 
 EnvelopedParts EnvelopedParts::of(CMS_ContentInfo* message) { return of(MessageReader::whole(DerOf(message)).head()); }
 
 void EnvelopedParts::setSender(const X509* certificate) {
-  constexpr uint8_t kVersionWithOriginator[] = {2};
-  version = ber::Encode(ber::kInteger, kVersionWithOriginator);
+  if (!authenticated) version = ber::Encode(ber::kInteger, kVersionWithOriginator);
   originator = ber::Encode(ber::kContext0Constructed, ber::Encode(ber::kContext0Constructed, DerOf(certificate)));
 }
 
-Bytes EnvelopedParts::beforeContent() const { return ber::Join({version, originator, recipients}); }
+ByteView EnvelopedParts::kindOid() const {
+  return authenticated ? ByteView(kOidAuthEnvelopedData) : ByteView(kOidEnvelopedData);
+}
+
+Bytes EnvelopedParts::finishHeader(ByteView messageVersion, ByteView encryptedInfo, uint64_t behind) const {
+  const Bytes start = ber::Join({messageVersion, originator, recipients, encryptedInfo});
+  const Bytes message = ber::EncodeStart(ber::kSequence, start, behind);
+  const Bytes explicitMessage = ber::EncodeStart(ber::kContext0Constructed, message, behind);
+  return ber::EncodeStart(ber::kSequence, ber::Join({kindOid(), explicitMessage}), behind);
+}
 
 Bytes EnvelopedParts::withoutContent() const {
-  return FinishHeader(beforeContent(), ber::Encode(ber::kSequence, ber::Join({contentType, contentCipher})), 0);
+  const Bytes end = trailer({});
+  const Bytes info = ber::Encode(ber::kSequence, ber::Join({contentType, contentCipher}));
+  return ber::Join({finishHeader(ber::Encode(ber::kInteger, kVersionWithOriginator), info, end.size()), end});
 }
 
 Bytes EnvelopedParts::header(uint64_t ciphertextLength) const {
   const Bytes octets = ber::EncodeHeader(ber::kContext0, ciphertextLength);
   const Bytes info =
       ber::EncodeStart(ber::kSequence, ber::Join({contentType, contentCipher, octets}), ciphertextLength);
-  return FinishHeader(beforeContent(), info, ciphertextLength);
+  return finishHeader(version, info, ciphertextLength + trailer({}).size());
+}
+
+Bytes EnvelopedParts::trailer(ByteView tag) const {
+  if (!authenticated) return {};
+  return ber::Encode(ber::kOctetString, tag.empty() ? ByteView(kNoTag) : tag);
 }
 
 Bytes EnvelopedParts::streamHeader() const {
   const Bytes octets = WrapIndefinite(ber::kContext0Constructed, {});
   const Bytes info = WrapIndefinite(ber::kSequence, ber::Join({contentType, contentCipher, octets}));
-  const Bytes message = WrapIndefinite(ber::kSequence, ber::Join({beforeContent(), info}));
-  return WrapIndefinite(ber::kSequence,
-                        ber::Join({kOidEnvelopedData, WrapIndefinite(ber::kContext0Constructed, message)}));
+  const Bytes message = WrapIndefinite(ber::kSequence, ber::Join({version, originator, recipients, info}));
+  return WrapIndefinite(ber::kSequence, ber::Join({kindOid(), WrapIndefinite(ber::kContext0Constructed, message)}));
 }
 
-Bytes EnvelopedParts::streamTrailer() {
-  // End-of-contents marks of the five elements that streamHeader opens.
-  return Bytes(5 * 2);
+Bytes EnvelopedParts::streamTrailer(ByteView tag) const {
+  // The end-of-contents marks of the five elements that streamHeader opens; two of them end before the tag.
+  return ber::Join({Bytes(2 * 2), trailer(tag), Bytes(3 * 2)});
 }
 
 }  // namespace standin

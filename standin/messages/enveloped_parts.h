@@ -10,12 +10,15 @@
 namespace standin {
 
 struct EnvelopedParts {
-  Bytes version;     ///< the element
-  Bytes originator;  ///< the element; empty if there is none
-  Bytes recipients;  ///< the SET
+  bool authenticated = false;  ///< the content has a tag behind it (AuthEnvelopedData)
+  Bytes version;               ///< the element
+  Bytes originator;            ///< the element; empty if there is none
+  Bytes recipients;            ///< the SET
   Bytes contentType;
   Bytes contentCipher;
+  size_t tagLength = 0;  ///< as the cipher states it
 
+  /// Fails with kNotEncrypted, or kTooLarge for more recipients than any honest message has.
   static EnvelopedParts of(const MessageReader::Head& head);
   /// Of a message without content made by libcrypto.
   static EnvelopedParts of(CMS_ContentInfo* message);
@@ -23,15 +26,19 @@ struct EnvelopedParts {
   /// Names the sender.
   void setSender(const X509* certificate);
 
+  /// For libcrypto, with a tag of zeros and a version that it accepts.
   Bytes withoutContent() const;
-  /// The bytes before a ciphertext of that length, in DER. Nothing follows it.
+  /// The bytes before and after a ciphertext of that length, in DER.
   Bytes header(uint64_t ciphertextLength) const;
+  Bytes trailer(ByteView tag) const;
   /// The bytes before and after a ciphertext of unknown length, which is a series of octet strings, in BER.
   Bytes streamHeader() const;
-  static Bytes streamTrailer();
+  Bytes streamTrailer(ByteView tag) const;
 
  private:
-  Bytes beforeContent() const;
+  void readTagLength();
+  Bytes finishHeader(ByteView messageVersion, ByteView encryptedInfo, uint64_t behind) const;
+  ByteView kindOid() const;
 };
 
 }  // namespace standin

@@ -28,7 +28,38 @@ MessageReader MessageReader::whole(ByteView message, OnContent onContent) {
   return reader;
 }
 
+/// After a failure the reader is not whole: every further call fails alike.
+template <typename Work>
+auto MessageReader::unlessFailed(Work work) {
+  if (failure_ != kOk) Fail(failure_);
+  try {
+    return work();
+  } catch (const EngineError& error) {
+    failure_ = error.code;
+    throw;
+  }
+}
+
 void MessageReader::feed(ByteView bytes) {
+  // The head is sought in what has arrived; a whole message in memory may be larger than a head may be.
+  constexpr size_t kLargestPiece = 1u << 20;
+  while (!bytes.empty()) {
+    Bytes decoded;
+    const ByteView piece = bytes.first(std::min(bytes.size(), kLargestPiece));
+    unlessFailed([&] { feedMessage(armour_.remove(piece, decoded)); });
+    bytes = bytes.subspan(piece.size());
+  }
+}
+
+bool MessageReader::tryFinish() {
+  return stage_ == Stage::kEnd || unlessFailed([this] { return stage_ == Stage::kTail && endMessage(); });
+}
+
+void MessageReader::finish() {
+  if (!tryFinish()) Fail(kMessageDamaged);
+}
+
+void MessageReader::feedMessage(ByteView bytes) {
   Bytes behindHead;
   if (stage_ == Stage::kHead) {
     Append(pending_, bytes);
@@ -41,19 +72,25 @@ void MessageReader::feed(ByteView bytes) {
     on_head_(head_);
   }
   while (stage_ == Stage::kContent && !bytes.empty()) bytes = takeContent(bytes);
+  if (stage_ == Stage::kEnd && !bytes.empty()) Fail(kMessageDamaged);
   if (stage_ == Stage::kTail) {
     Append(pending_, bytes);
     if (pending_.size() > kLargestPending) Fail(kMessageDamaged);
   }
 }
 
-void MessageReader::finish() {
-  if (stage_ != Stage::kTail) Fail(kMessageDamaged);
+bool MessageReader::endMessage() {
+  if (!armour_.ended()) return false;
+  const std::vector<Level> open = levels_;
   try {
     parseTail();
   } catch (const ber::NeedMore&) {
-    Fail(kMessageDamaged);
+    levels_ = open;
+    tail_.clear();
+    return false;
   }
+  stage_ = Stage::kEnd;
+  return true;
 }
 
 bool MessageReader::tryHead() {
@@ -78,13 +115,15 @@ void MessageReader::parseHead(ber::Cursor& cursor) {
     head_.kind = MessageKind::kSigned;
   } else if (Equal(type, kOidEnvelopedData)) {
     head_.kind = MessageKind::kEnveloped;
+  } else if (Equal(type, kOidAuthEnvelopedData)) {
+    head_.kind = MessageKind::kAuthEnveloped;
   } else {
     Fail(kMessageDamaged);
   }
   levels_.push_back(openLevel(cursor, ber::kContext0Constructed));
   levels_.push_back(openLevel(cursor, ber::kSequence));
   head_.elements.push_back(CopyOf(cursor.element(ber::kInteger)));
-  if (head_.kind == MessageKind::kEnveloped && cursor.peekTag() == ber::kContext0Constructed) {
+  if (head_.enveloped() && cursor.peekTag() == ber::kContext0Constructed) {
     head_.elements.push_back(CopyOf(cursor.anyElement()));
   }
   head_.elements.push_back(CopyOf(cursor.element(ber::kSet)));
@@ -94,7 +133,7 @@ void MessageReader::parseHead(ber::Cursor& cursor) {
 
 void MessageReader::parseContentInfo(ber::Cursor& cursor) {
   head_.contentType = CopyOf(cursor.element(ber::kOid));
-  if (head_.kind == MessageKind::kEnveloped) head_.contentCipher = CopyOf(cursor.element(ber::kSequence));
+  if (head_.enveloped()) head_.contentCipher = CopyOf(cursor.element(ber::kSequence));
   if (!moreInside(cursor, levels_.back())) return;
   if (head_.kind == MessageKind::kSigned) levels_.push_back(openLevel(cursor, ber::kContext0Constructed));
   const ber::Header content = ber::ReadHeader(cursor.rest());

@@ -1,16 +1,17 @@
-// Parses signed and enveloped messages (CMS, BER or DER) as their bytes arrive: the elements before the content, the
-// content in pieces, the elements after it. Memory does not grow with the content.
+// Parses signed and enveloped messages (CMS; BER, DER or PEM) as their bytes arrive: the elements before the content,
+// the content in pieces, the elements after it. Memory does not grow with the content.
 #pragma once
 
 #include <functional>
 #include <vector>
 
 #include "standin/base/bytes.h"
+#include "standin/messages/armour.h"
 #include "standin/messages/ber.h"
 
 namespace standin {
 
-enum class MessageKind { kUnknown, kSigned, kEnveloped };
+enum class MessageKind { kUnknown, kSigned, kEnveloped, kAuthEnveloped };
 
 class MessageReader {
  public:
@@ -22,6 +23,8 @@ class MessageReader {
     Bytes contentType;    ///< the OID element
     Bytes contentCipher;  ///< enveloped only: the AlgorithmIdentifier element
     bool hasContent = false;
+
+    bool enveloped() const { return kind == MessageKind::kEnveloped || kind == MessageKind::kAuthEnveloped; }
   };
   using OnHead = std::function<void(const Head&)>;
   using OnContent = std::function<void(ByteView)>;
@@ -35,24 +38,30 @@ class MessageReader {
 
   /// Fails with kMessageDamaged.
   void feed(ByteView bytes);
+  /// Reads what stands behind the content, once it has arrived whole; false if bytes are missing.
+  bool tryFinish();
   /// Fails with kMessageDamaged if the message is incomplete or bytes follow it.
   void finish();
 
   bool headKnown() const { return stage_ != Stage::kHead; }
   /// The content is complete, or there is none.
-  bool contentEnded() const { return stage_ == Stage::kTail; }
+  bool contentEnded() const { return stage_ == Stage::kTail || stage_ == Stage::kEnd; }
   const Head& head() const { return head_; }
   /// After finish: the elements after the content, in order.
   const std::vector<Bytes>& tail() const { return tail_; }
 
  private:
-  enum class Stage { kHead, kContent, kTail };
+  enum class Stage { kHead, kContent, kTail, kEnd };
   /// An open constructed element, with the offset of its end in the message.
   struct Level {
     bool indefinite;
     uint64_t end;
   };
 
+  template <typename Work>
+  auto unlessFailed(Work work);
+  void feedMessage(ByteView bytes);
+  bool endMessage();
   bool tryHead();
   void parseHead(ber::Cursor& cursor);
   void parseContentInfo(ber::Cursor& cursor);
@@ -66,9 +75,11 @@ class MessageReader {
   void parseTail();
   void closeLevel(ber::Cursor& cursor);
 
+  Armour armour_;
   OnHead on_head_;
   OnContent on_content_;
   Stage stage_ = Stage::kHead;
+  int32_t failure_ = 0;
   Head head_;
   std::vector<Bytes> tail_;
   uint64_t offset_ = 0;  ///< of the first byte that is not parsed yet

@@ -22,10 +22,16 @@ void AddMissing(std::vector<Bytes>& elements, const std::vector<Bytes>& more) {
   }
 }
 
-int VersionOf(const Bytes& element) {
-  const ByteView content = ber::ContentOf(element);
-  if (content.size() != 1) Fail(kMessageDamaged);
-  return content[0];
+/// The version is that of the newest form among the elements.
+uint8_t VersionOf(const SignedParts& parts) {
+  const auto has = [](const std::vector<Bytes>& elements, uint8_t tag) {
+    return std::ranges::any_of(elements, [&](const Bytes& element) { return element[0] == tag; });
+  };
+  const auto namesKey = [](const Bytes& signer) { return ber::ChildrenOf(signer)[1][0] != ber::kSequence; };
+  if (has(parts.certificates, ber::kContext3Constructed) || has(parts.crls, ber::kContext1Constructed)) return 5;
+  if (has(parts.certificates, ber::kContext2Constructed)) return 4;
+  const bool plain = Equal(parts.contentType, kOidData) && !has(parts.certificates, ber::kContext1Constructed);
+  return plain && std::ranges::none_of(parts.signers, namesKey) ? 1 : 3;
 }
 
 }  // namespace
@@ -34,37 +40,41 @@ SignedParts SignedParts::of(const MessageReader& reader) {
   const MessageReader::Head& head = reader.head();
   if (head.kind != MessageKind::kSigned) Fail(kNotSigned);
   SignedParts parts;
-  parts.version = VersionOf(head.elements[0]);
   parts.digestAlgorithms = DigestAlgorithmsOf(head);
   parts.contentType = head.contentType;
-  for (const Bytes& element : reader.tail()) {
-    switch (element[0]) {
-      case ber::kContext0Constructed:
-        parts.certificates = CopiesOf(ber::ChildrenOf(element));
-        break;
-      case ber::kContext1Constructed:
-        parts.crls = CopiesOf(ber::ChildrenOf(element));
-        break;
-      case ber::kSet:
-        parts.signers = CopiesOf(ber::ChildrenOf(element));
-        ber::SortAsSet(parts.signers);
-        break;
-      default:
-        Fail(kMessageDamaged);
-    }
+  auto element = reader.tail().begin();
+  const auto end = reader.tail().end();
+  const auto take = [&](uint8_t tag) {
+    return element != end && (*element)[0] == tag ? CopiesOf(ber::ChildrenOf(*element++)) : std::vector<Bytes>();
+  };
+  parts.certificates = take(ber::kContext0Constructed);
+  parts.crls = take(ber::kContext1Constructed);
+  if (element == end || (*element)[0] != ber::kSet || element + 1 != end) Fail(kMessageDamaged);
+  parts.signers = take(ber::kSet);
+  ber::SortAsSet(parts.signers);
+  for (const Bytes& signer : parts.signers) {
+    if (ber::ChildrenOf(signer).size() < 2) Fail(kMessageDamaged);
   }
+  parts.requireReadable();
   return parts;
+}
+
+void SignedParts::requireReadable() const {
+  // Hostile messages may have any number of both.
+  constexpr size_t kMostSigners = 256;
+  constexpr size_t kMostCertificates = 512;
+  if (signers.size() > kMostSigners || certificates.size() > kMostCertificates) Fail(kTooLarge);
 }
 
 SignedParts SignedParts::of(CMS_ContentInfo* message) { return of(MessageReader::whole(DerOf(message))); }
 
 void SignedParts::merge(const SignedParts& other) {
-  version = std::max(version, other.version);
   AddMissing(digestAlgorithms, other.digestAlgorithms);
   AddMissing(certificates, other.certificates);
   AddMissing(crls, other.crls);
   AddMissing(signers, other.signers);
   ber::SortAsSet(signers);
+  requireReadable();
 }
 
 Bytes SignedParts::trailer() const {
@@ -78,7 +88,7 @@ Bytes SignedParts::trailer() const {
 namespace {
 
 Bytes FinishHeader(const SignedParts& parts, ByteView encapsulated, uint64_t behind, size_t trailerLength) {
-  const uint8_t version[] = {static_cast<uint8_t>(parts.version)};
+  const uint8_t version[] = {VersionOf(parts)};
   const Bytes start = ber::Join({ber::Encode(ber::kInteger, version),
                                  ber::Encode(ber::kSet, ber::JoinSorted(parts.digestAlgorithms)), encapsulated});
   const Bytes message = ber::EncodeStart(ber::kSequence, start, behind + trailerLength);
@@ -98,6 +108,12 @@ Bytes SignedParts::header(uint64_t contentLength, size_t trailerLength) const {
 Bytes SignedParts::withoutContent() const {
   const Bytes end = trailer();
   return ber::Join({FinishHeader(*this, ber::Encode(ber::kSequence, contentType), 0, end.size()), end});
+}
+
+DataBlob_t SignedParts::handOut(Buffers& buffers, std::optional<ByteView> content) const {
+  if (!content) return buffers.copyBytes(withoutContent());
+  const Bytes end = trailer();
+  return buffers.join({header(content->size(), end.size()), *content, end});
 }
 
 std::vector<Bytes> DigestAlgorithmsOf(const MessageReader::Head& head) {

@@ -4,14 +4,12 @@
 #include "standin/base/files.h"
 #include "standin/certificates/cert_id.h"
 #include "standin/certificates/cert_record.h"
-#include "standin/messages/enveloped_parts.h"
 #include "standin/messages/signed_parts.h"
 
 namespace standin {
 namespace {
 
-/// Hostile messages may have any number of recipients.
-constexpr int kMostRecipients = 4096;
+constexpr size_t kShortestTag = 12;
 
 /// Decrypts the content key with the own key; false if this entry is for another recipient.
 bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& own) {
@@ -20,10 +18,7 @@ bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& o
     case CMS_RECIPINFO_TRANS:
       if (CMS_RecipientInfo_ktri_cert_cmp(entry, own.certificate.get()) != 0) return false;
       EVP_PKEY_up_ref(key);
-      if (CMS_RecipientInfo_set0_pkey(entry, key) != 1) {
-        EVP_PKEY_free(key);
-        Fail(kDecryptionFailed);
-      }
+      CMS_RecipientInfo_set0_pkey(entry, key);
       if (CMS_RecipientInfo_decrypt(message, entry) != 1) Fail(kDecryptionFailed);
       return true;
     case CMS_RECIPINFO_AGREE: {
@@ -57,12 +52,18 @@ Decryptor::Decryptor(const Session& session, const CertIdRecord* id, MessageRead
 
 void Decryptor::feed(ByteView bytes) {
   reader_.feed(bytes);
-  if (reader_.contentEnded()) endContent();
+  // The tag of an authenticated content stands behind it.
+  if (parts_.authenticated ? reader_.tryFinish() : reader_.contentEnded()) endContent();
 }
 
 void Decryptor::finish() {
   reader_.finish();
-  if (!ended_) Fail(kMessageDamaged);
+  endContent();
+  // Attributes that nothing proves may stand behind the content.
+  const size_t proofs = parts_.authenticated ? 1 : 0;
+  const uint8_t attributes = parts_.authenticated ? ber::kContext2Constructed : ber::kContext1Constructed;
+  const std::vector<Bytes>& tail = reader_.tail();
+  if (tail.size() > proofs + 1 || (tail.size() > proofs && tail[proofs][0] != attributes)) Fail(kMessageDamaged);
 }
 
 DecryptResultRecord Decryptor::result(uint32_t info, Buffers& buffers) const {
@@ -71,23 +72,22 @@ DecryptResultRecord Decryptor::result(uint32_t info, Buffers& buffers) const {
 }
 
 void Decryptor::open(const MessageReader::Head& head) {
-  const EnvelopedParts parts = EnvelopedParts::of(head);
+  parts_ = EnvelopedParts::of(head);
   if (!head.hasContent) Fail(kMessageDamaged);
-  message_ = MessageFromDer(parts.withoutContent());
+  message_ = MessageFromDer(parts_.withoutContent());
   STACK_OF(CMS_RecipientInfo)* entries = CMS_get0_RecipientInfos(message_.get());
-  if (sk_CMS_RecipientInfo_num(entries) > kMostRecipients) Fail(kTooLarge);
-  bool opened = false;
-  for (const OwnKey& own : session_.keys.own()) {
-    if (NamesCertificate(id_) && !Matches(own.certificate.get(), *id_)) continue;
-    for (int i = 0; !opened && i < sk_CMS_RecipientInfo_num(entries); ++i) {
-      opened = OpenFor(message_.get(), sk_CMS_RecipientInfo_value(entries, i), own);
-    }
-    if (opened) break;
-  }
+  const bool opened = std::ranges::any_of(session_.keys.own(), [&](const OwnKey& own) {
+    if (NamesCertificate(id_) && !Matches(own.certificate.get(), *id_)) return false;
+    int i = 0;
+    while (i < sk_CMS_RecipientInfo_num(entries) &&
+           !OpenFor(message_.get(), sk_CMS_RecipientInfo_value(entries, i), own))
+      ++i;
+    return i < sk_CMS_RecipientInfo_num(entries);
+  });
   // The caller's identifier may be gone at the next call.
   id_ = nullptr;
   if (!opened) Fail(kNotARecipient);
-  cipher_ = std::make_unique<ContentCipher>(message_.get());
+  cipher_ = std::make_unique<ContentCipher>(message_.get(), kAlgorithmUnknown);
   const CertStackPtr stated(CMS_get1_certs(message_.get()));
   if (stated != nullptr && sk_X509_num(stated.get()) > 0) sender_ = Share(sk_X509_value(stated.get(), 0));
 }
@@ -100,8 +100,19 @@ void Decryptor::decrypt(ByteView piece) {
 
 void Decryptor::endContent() {
   if (ended_) return;
-  ended_ = true;
+  if (parts_.authenticated) {
+    if (reader_.tail().empty()) Fail(kMessageDamaged);
+    const Bytes& mac = reader_.tail().front();
+    // Attributes that the tag proves too would have to be known before the content.
+    if (mac[0] == ber::kContext1Constructed) Fail(kNotSupported);
+    if (mac[0] != ber::kOctetString) Fail(kMessageDamaged);
+    const ByteView tag = ber::ContentOf(mac);
+    // A short tag is easy to guess.
+    const bool plausible = tag.size() == parts_.tagLength && tag.size() >= kShortestTag;
+    if (!plausible || !cipher_->expectTag(tag)) Fail(kDecryptionFailed);
+  }
   if (!cipher_->finish(plain_)) Fail(kDecryptionFailed);
+  ended_ = true;
   on_plain_(plain_.view());
   plain_.clear();
 }
@@ -136,7 +147,8 @@ DecryptStream::DecryptStream(Session& session, const CertIdRecord* id, ByteView 
 
 DataBlob_t DecryptStream::update(ByteView piece) {
   decryptor_.feed(piece);
-  return plain_.handOut(session_.buffers);
+  // What is not authenticated yet stays here.
+  return decryptor_.isProved() ? plain_.handOut(session_.buffers) : DataBlob_t{};
 }
 
 void DecryptStream::finish(uint32_t info, DecryptResultRecord& result) {

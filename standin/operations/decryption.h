@@ -2,7 +2,7 @@
 #pragma once
 
 #include "standin/messages/content_cipher.h"
-#include "standin/messages/message_reader.h"
+#include "standin/messages/enveloped_parts.h"
 #include "standin/sessions/session.h"
 
 namespace standin {
@@ -17,6 +17,8 @@ class Decryptor {
   void feed(ByteView bytes);
   void finish();
 
+  /// False while the content's tag is awaited.
+  bool isProved() const { return ended_ || !parts_.authenticated; }
   /// The certificate that the message states as its sender's, with the fields of `info`. It is not proved.
   DecryptResultRecord result(uint32_t info, Buffers& buffers) const;
 
@@ -29,6 +31,7 @@ class Decryptor {
   const CertIdRecord* id_;
   MessageReader::OnContent on_plain_;
   MessageReader reader_;
+  EnvelopedParts parts_;
   CmsPtr message_;
   std::unique_ptr<ContentCipher> cipher_;
   GrowingBuffer plain_;
@@ -42,7 +45,8 @@ DataBlob_t DecryptMemory(Session& session, const DecryptParamRecord& param, Byte
 void DecryptFiles(Session& session, const DecryptParamRecord& param, const char* in, const char* out,
                   DecryptResultRecord& result);
 
-/// Decryption of a message in pieces. Each update returns the content of its piece; finish returns none.
+/// Decryption of a message in pieces. Each update returns the content of its piece; finish returns none. Authenticated
+/// content is returned by the update that completes the message.
 class DecryptStream : public Stream {
  public:
   DecryptStream(Session& session, const CertIdRecord* id, ByteView start);

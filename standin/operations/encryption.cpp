@@ -2,15 +2,19 @@
 
 #include "standin/base/codes.h"
 #include "standin/base/files.h"
+#include "standin/certificates/cert_id.h"
 #include "standin/operations/recipients.h"
 
 namespace standin {
 namespace {
 
-/// The sender's certificate; null if the session has none and the caller names none.
-const X509* SenderOf(const Session& session, const EncryptParamRecord& param) {
-  if (session.keys.own().empty() && param.mycert == nullptr) return nullptr;
-  return session.keys.pick(param.mycert, KeyPurpose::kAny).certificate.get();
+/// Whether the store's policy asks for messages that prove their content.
+bool AsksForAuthentication(const Store& store) {
+  constexpr uint64_t kLargestPolicy = 65536;
+  const std::string policy = JoinPath(store.folder(), "policy.txt");
+  if (!store.isOpen() || FilesIn(store.folder(), "policy.txt").empty()) return false;
+  const Bytes bytes = ReadWholeFile(policy.c_str(), kLargestPolicy);
+  return std::string(bytes.begin(), bytes.end()).find("encrypt authenticated") != std::string::npos;
 }
 
 }  // namespace
@@ -18,14 +22,21 @@ const X509* SenderOf(const Session& session, const EncryptParamRecord& param) {
 Envelope::Envelope(const Session& session, const EncryptParamRecord& param) {
   const std::vector<CertPtr> recipients = ResolveRecipients(session, param);
   constexpr unsigned kFlags = CMS_PARTIAL | CMS_BINARY | CMS_DETACHED;
-  message_.reset(CMS_encrypt(nullptr, nullptr, EVP_aes_256_cbc(), kFlags));
+  const EVP_CIPHER* cipher = AsksForAuthentication(session.store) ? EVP_aes_256_gcm() : EVP_aes_256_cbc();
+  message_.reset(CMS_encrypt(nullptr, nullptr, cipher, kFlags));
   if (message_ == nullptr) Fail(kEncryptionFailed);
   for (const CertPtr& recipient : recipients) {
     if (CMS_add1_recipient_cert(message_.get(), recipient.get(), 0) == nullptr) Fail(kRecipientUnsuitable);
   }
-  cipher_ = std::make_unique<ContentCipher>(message_.get());
+  cipher_ = std::make_unique<ContentCipher>(message_.get(), kRecipientUnsuitable);
   parts_ = EnvelopedParts::of(message_.get());
-  if (const X509* sender = SenderOf(session, param)) parts_.setSender(sender);
+  if (NamesCertificate(param.mycert)) {
+    parts_.setSender(session.keys.pick(param.mycert, KeyPurpose::kAny).certificate.get());
+  }
+}
+
+void Envelope::finish(GrowingBuffer& out) {
+  if (!cipher_->finish(out)) Fail(kEncryptionFailed);
 }
 
 DataBlob_t EncryptMemory(Session& session, const EncryptParamRecord& param, ByteView data) {
@@ -35,7 +46,8 @@ DataBlob_t EncryptMemory(Session& session, const EncryptParamRecord& param, Byte
   out.reserve(header.size() + data.size() + 4 * EVP_MAX_BLOCK_LENGTH);
   out.append(header);
   envelope.cipher().update(data, out);
-  if (!envelope.cipher().finish(out)) Fail(kEncryptionFailed);
+  envelope.finish(out);
+  out.append(envelope.trailer());
   return out.handOut(session.buffers);
 }
 
@@ -56,9 +68,10 @@ void EncryptFiles(Session& session, const EncryptParamRecord& param, const char*
     envelope.cipher().update(data, piece);
     flush();
   });
-  if (!envelope.cipher().finish(piece)) Fail(kEncryptionFailed);
+  envelope.finish(piece);
   flush();
   if (written != expected) Fail(kFileChanged);
+  output.write(envelope.trailer());
   output.commit();
 }
 
@@ -68,32 +81,20 @@ EncryptStream::EncryptStream(Session& session, const EncryptParamRecord& param)
 DataBlob_t EncryptStream::update(ByteView data) {
   GrowingBuffer ciphertext;
   envelope_.cipher().update(data, ciphertext);
-  GrowingBuffer out;
-  begin(out);
-  addPiece(ciphertext.view(), out);
-  return out.handOut(session_.buffers);
+  return next(ciphertext.view(), {});
 }
 
 DataBlob_t EncryptStream::finish() {
   GrowingBuffer ciphertext;
-  if (!envelope_.cipher().finish(ciphertext)) Fail(kEncryptionFailed);
-  GrowingBuffer out;
-  begin(out);
-  addPiece(ciphertext.view(), out);
-  out.append(EnvelopedParts::streamTrailer());
-  return out.handOut(session_.buffers);
+  envelope_.finish(ciphertext);
+  return next(ciphertext.view(), envelope_.parts().streamTrailer(envelope_.cipher().tag()));
 }
 
-void EncryptStream::begin(GrowingBuffer& out) {
-  if (begun_) return;
+DataBlob_t EncryptStream::next(ByteView ciphertext, ByteView end) {
+  const Bytes header = begun_ ? Bytes() : envelope_.parts().streamHeader();
   begun_ = true;
-  out.append(envelope_.parts().streamHeader());
-}
-
-void EncryptStream::addPiece(ByteView ciphertext, GrowingBuffer& out) {
-  if (ciphertext.empty()) return;
-  out.append(ber::EncodeHeader(ber::kOctetString, ciphertext.size()));
-  out.append(ciphertext);
+  const Bytes octets = ciphertext.empty() ? Bytes() : ber::EncodeHeader(ber::kOctetString, ciphertext.size());
+  return session_.buffers.join({header, octets, ciphertext, end});
 }
 
 }  // namespace standin

@@ -1,4 +1,5 @@
-// Encryption to recipients: in memory, of files and of streams. The cipher of the content is AES-256 in CBC mode.
+// Encryption to recipients: in memory, of files and of streams. The cipher of the content is AES-256, in
+// CBC mode, or in GCM mode if the store asks for authenticated messages.
 #pragma once
 
 #include "standin/messages/content_cipher.h"
@@ -10,12 +11,17 @@ namespace standin {
 /// An envelope with its content key, encrypted for every recipient.
 class Envelope {
  public:
-  /// Fails as ResolveRecipients does, or with kRecipientUnsuitable if a recipient's key cannot encrypt. The session's
-  /// own certificate, if there is one, is the sender's.
+  /// Fails as ResolveRecipients does, or with kRecipientUnsuitable if a recipient's key cannot encrypt. The own
+  /// certificate that `param` names is the sender's; without one the message names no sender, because some programs
+  /// cannot read messages that do.
   Envelope(const Session& session, const EncryptParamRecord& param);
 
   const EnvelopedParts& parts() const { return parts_; }
   ContentCipher& cipher() { return *cipher_; }
+  /// Adds the end of the ciphertext.
+  void finish(GrowingBuffer& out);
+  /// The bytes behind the ciphertext.
+  Bytes trailer() const { return parts_.trailer(cipher_->tag()); }
 
  private:
   CmsPtr message_;
@@ -35,8 +41,7 @@ class EncryptStream : public Stream {
   DataBlob_t finish();
 
  private:
-  void begin(GrowingBuffer& out);
-  static void addPiece(ByteView ciphertext, GrowingBuffer& out);
+  DataBlob_t next(ByteView ciphertext, ByteView end);
 
   Session& session_;
   Envelope envelope_;

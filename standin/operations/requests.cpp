@@ -4,6 +4,7 @@
 
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
+#include "standin/base/digest.h"
 #include "standin/base/files.h"
 #include "standin/certificates/alt_name.h"
 #include "standin/certificates/cert_record.h"
@@ -86,20 +87,17 @@ RequestPtr MakeRequest(const X509_NAME* subject, EVP_PKEY* key, const RequestedE
       request != nullptr && X509_REQ_set_version(request.get(), 0) == 1 &&
       X509_REQ_set_subject_name(request.get(), subject) == 1 && X509_REQ_set_pubkey(request.get(), key) == 1 &&
       (sk_X509_EXTENSION_num(extensions.get()) == 0 || X509_REQ_add_extensions(request.get(), extensions.get()) == 1) &&
-      X509_REQ_sign(request.get(), key, EVP_sha256()) > 0;
+      X509_REQ_sign(request.get(), key, SignatureDigest(key)) > 0;
   if (!made) Fail(kRequestFailed);
   return request;
 }
 
-std::string KeyIdText(EVP_PKEY* key) {
-  X509_PUBKEY* encoded = nullptr;
-  if (X509_PUBKEY_set(&encoded, key) != 1) Fail(kRequestFailed);
-  const unsigned char* bits = nullptr;
-  int length = 0;
-  X509_PUBKEY_get0_param(nullptr, &bits, &length, nullptr, encoded);
-  std::string text = ThumbprintText({bits, static_cast<size_t>(length)});
-  X509_PUBKEY_free(encoded);
-  return text;
+std::string KeyIdText(const EVP_PKEY* key) {
+  unsigned char* raw = nullptr;
+  const int length = i2d_PublicKey(key, &raw);
+  const OctetsPtr bits(raw);
+  if (length <= 0) Fail(kRequestFailed);
+  return ThumbprintText({raw, static_cast<size_t>(length)});
 }
 
 std::string Escaped(const std::string& text) {

@@ -52,14 +52,6 @@ struct ContentFile {
   }
 };
 
-void RequireSameContent(const char* data, const char* message) {
-  Digest inFile(DefaultDigest());
-  Digest inMessage(DefaultDigest());
-  InputFile(data).forEachPiece([&](ByteView piece) { inFile.update(piece); });
-  ReadSignedFile(message, [&](ByteView piece) { inMessage.update(piece); });
-  if (inFile.finish() != inMessage.finish()) Fail(kContentMismatch);
-}
-
 ContentFile ContentOf(SignatureMaker& maker, const char* data, const char* existing) {
   if (data == nullptr && existing == nullptr) Fail(kContentMissing);
   ContentFile content{data, false, data == nullptr ? 0 : InputFile(data).size()};
@@ -105,13 +97,18 @@ void WriteAttached(SignatureMaker& maker, const ContentFile& content, const char
 }
 
 DataBlob_t OutputOf(Session& session, SignatureMaker& maker, ByteView content) {
-  const SignedParts parts = maker.finish();
-  if (maker.isDetached()) return session.buffers.copyBytes(parts.withoutContent());
-  const Bytes trailer = parts.trailer();
-  return session.buffers.join({parts.header(content.size(), trailer.size()), content, trailer});
+  return maker.finish().handOut(session.buffers, maker.isDetached() ? std::nullopt : std::optional(content));
 }
 
 }  // namespace
+
+void RequireSameContent(const char* data, const char* message) {
+  Digest inFile(DefaultDigest());
+  Digest inMessage(DefaultDigest());
+  InputFile(data).forEachPiece([&](ByteView piece) { inFile.update(piece); });
+  ReadSignedFile(message, [&](ByteView piece) { inMessage.update(piece); });
+  if (inFile.finish() != inMessage.finish()) Fail(kContentMismatch);
+}
 
 DataBlob_t SignMemory(Session& session, const SignParamRecord* param, std::optional<ByteView> data,
                       std::optional<ByteView> existing) {

@@ -1,9 +1,9 @@
 #include "standin/operations/verification.h"
 
 #include "standin/base/codes.h"
-#include "standin/base/digest.h"
 #include "standin/base/files.h"
 #include "standin/base/times.h"
+#include "standin/operations/signing.h"
 
 namespace standin {
 namespace {
@@ -19,53 +19,28 @@ Verification ResultOf(Verifier& verifier, const VerifyParamRecord& param) {
 /// The content, or the message with the remaining signatures.
 DataBlob_t OutputOf(const Verifier& verifier, GrowingBuffer& content, Buffers& buffers) {
   if (!verifier.leavesSignatures()) return content.handOut(buffers);
-  const SignedParts& parts = verifier.remaining();
-  if (!verifier.hasContent()) return buffers.copyBytes(parts.withoutContent());
-  const Bytes trailer = parts.trailer();
-  return buffers.join({parts.header(content.view().size(), trailer.size()), content.view(), trailer});
+  return verifier.remaining().handOut(buffers, verifier.hasContent() ? std::optional(content.view()) : std::nullopt);
 }
 
 void FeedFile(const char* path, const MessageReader::OnContent& take) { InputFile(path).forEachPiece(take); }
 
-/// Compares the content of a message with data that the caller gives as well.
-class ContentComparison {
- public:
-  ContentComparison() : in_message_(DefaultDigest()), in_data_(DefaultDigest()) {}
-  void message(ByteView piece) { in_message_.update(piece); }
-  void data(ByteView piece) { in_data_.update(piece); }
-  void require() {
-    if (in_message_.finish() != in_data_.finish()) Fail(kContentMismatch);
+/// Writes the message with the remaining signatures, or the content if none remain. Reads the content once more.
+void WriteAfterwards(const Verifier& verifier, const char* message, uint64_t contentLength, const char* out) {
+  const bool leaves = verifier.leavesSignatures();
+  if (!verifier.hasContent()) {
+    if (leaves) WriteWholeFile(out, verifier.remaining().withoutContent());
+    return;
   }
-
- private:
-  Digest in_message_;
-  Digest in_data_;
-};
-
-/// Reads the content of a message file once more.
-void CopyContent(const char* message, uint64_t expectedLength, OutputFile& file) {
+  const Bytes trailer = leaves ? verifier.remaining().trailer() : Bytes();
+  OutputFile file(out);
+  if (leaves) file.write(verifier.remaining().header(contentLength, trailer.size()));
   uint64_t copied = 0;
   MessageReader reader([&](ByteView piece) {
     copied += piece.size();
     file.write(piece);
   });
   FeedFile(message, [&](ByteView piece) { reader.feed(piece); });
-  if (copied != expectedLength) Fail(kFileChanged);
-}
-
-/// Writes the message with the remaining signatures, or the content if none remain.
-void WriteAfterwards(const Verifier& verifier, const char* message, uint64_t contentLength, const char* out) {
-  if (!verifier.hasContent()) {
-    if (verifier.leavesSignatures()) WriteWholeFile(out, verifier.remaining().withoutContent());
-    return;
-  }
-  OutputFile file(out);
-  Bytes trailer;
-  if (verifier.leavesSignatures()) {
-    trailer = verifier.remaining().trailer();
-    file.write(verifier.remaining().header(contentLength, trailer.size()));
-  }
-  CopyContent(message, contentLength, file);
+  if (copied != contentLength) Fail(kFileChanged);
   file.write(trailer);
   file.commit();
 }
@@ -114,13 +89,10 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
   const bool removesOne = (param.flag & kVerifyDelSign) != 0 && param.nSignToDelete != kDeleteAllSigns;
   std::optional<OutputFile> content;
   if (out != nullptr && !removesOne) content.emplace(out);
-  std::optional<ContentComparison> comparison;
-  if (data != nullptr) comparison.emplace();
   uint64_t contentLength = 0;
   Verifier verifier(session, [&](ByteView piece) {
     contentLength += piece.size();
     if (content) content->write(piece);
-    if (comparison) comparison->message(piece);
   });
   FeedFile(message, [&](ByteView piece) { verifier.feedMessage(piece); });
   if (!verifier.headKnown()) Fail(kMessageDamaged);
@@ -128,8 +100,7 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
     if (data == nullptr) Fail(kContentMissing);
     FeedFile(data, [&](ByteView piece) { verifier.feedData(piece); });
   } else if (data != nullptr) {
-    FeedFile(data, [&](ByteView piece) { comparison->data(piece); });
-    comparison->require();
+    RequireSameContent(data, message);
   }
   Verification result = ResultOf(verifier, param);
   if (!IsGood(result.code) || out == nullptr) return result;
@@ -143,11 +114,7 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
 
 uint32_t CountSignatures(const char* message) {
   if (message == nullptr) Fail(kWinInvalidParameter);
-  MessageReader reader(
-      [](const MessageReader::Head& head) {
-        if (head.kind != MessageKind::kSigned) Fail(kNotSigned);
-      },
-      [](ByteView) {});
+  MessageReader reader([](ByteView) {});
   FeedFile(message, [&](ByteView piece) { reader.feed(piece); });
   reader.finish();
   const size_t count = SignedParts::of(reader).signers.size();

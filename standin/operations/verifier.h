@@ -1,7 +1,10 @@
 // Verifies one signed message in pieces, and the data of a detached signature.
 #pragma once
 
+#include <optional>
+
 #include "standin/certificates/cert_record.h"
+#include "standin/messages/content_digests.h"
 #include "standin/messages/signed_parts.h"
 #include "standin/sessions/session.h"
 #include "standin/sessions/trust_checker.h"
@@ -24,15 +27,15 @@ class Verifier {
   /// Whether the message has its content; valid once the head is known.
   bool hasContent() const { return reader_.head().hasContent; }
   /// The data of a detached signature.
-  void feedData(ByteView bytes) { hash(bytes); }
+  void feedData(ByteView bytes) { digests_->update(bytes); }
 
   /// Verifies all signatures. `param` must outlive this object. Fails with kMessageDamaged, kNotSigned or
   /// kNoSuchSignature; a failed signature is a verdict instead.
   void finish(const VerifyParamRecord& param);
 
   std::vector<SignerVerdict> takeVerdicts() { return std::move(verdicts_); }
-  /// The verdicts in one code: kOk, kVerifiedWithRemarks, or the first failure. With kVerifyMinSigns, enough good
-  /// signatures turn failures of others into remarks.
+  /// The verdicts in one code: kOk, kVerifiedWithRemarks, or the first failure. With kVerifyMinSigns, enough signers
+  /// with good signatures turn failures of others into remarks.
   int32_t overall() const;
 
   /// Whether one signature was removed and others remain.
@@ -42,16 +45,14 @@ class Verifier {
 
  private:
   void begin(const MessageReader::Head& head);
-  void hash(ByteView bytes);
   SignerVerdict judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, const TrustChecker& trust);
-  bool isGenuine(CMS_ContentInfo* message, CMS_SignerInfo* signer);
   int32_t checkDemands(X509* certificate) const;
   void removeSignature();
 
   const Session& session_;
   const VerifyParamRecord* param_ = nullptr;
   MessageReader reader_;
-  BioPtr digests_;
+  std::optional<ContentDigests> digests_;
   SignedParts parts_;
   std::vector<SignerVerdict> verdicts_;
   bool removes_one_ = false;

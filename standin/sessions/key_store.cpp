@@ -40,7 +40,7 @@ KeyStore::~KeyStore() { OPENSSL_cleanse(pin_.data(), pin_.size()); }
 void KeyStore::setPin(const std::string& pin) { pin_ = Utf8FromAnsi(pin); }
 
 void KeyStore::open(const std::string& path) {
-  Pkcs12Content content = ReadPkcs12(ReadKeyFile(path), pin_);
+  KeyFileContent content = ReadKeys(ReadKeyFile(path), pin_);
   for (KeyPtr& key : content.keys) keys_.push_back(std::move(key));
   for (CertPtr& certificate : content.certificates) {
     if (hasKeyOf(certificate.get())) {
@@ -54,7 +54,7 @@ void KeyStore::open(const std::string& path) {
 void KeyStore::openFolder(const std::string& folder) {
   for (const std::string& name : FilesIn(folder, "*.key")) {
     try {
-      if (KeyPtr key = ReadSealedKey(ReadKeyFile(JoinPath(folder, name)), pin_)) keys_.push_back(std::move(key));
+      for (KeyPtr& key : ReadKeys(ReadKeyFile(JoinPath(folder, name)), pin_).keys) keys_.push_back(std::move(key));
     } catch (const EngineError&) {
       // The folder is shared: the file may belong to somebody else.
     }

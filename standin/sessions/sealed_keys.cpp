@@ -5,6 +5,8 @@
 #include <string>
 
 #include "standin/base/codes.h"
+#include "standin/base/pem.h"
+#include "standin/certificates/der_objects.h"
 
 namespace standin {
 namespace {
@@ -48,15 +50,47 @@ class Reader {
  public:
   explicit Reader(const std::string& pin) : pin_(pin) {}
 
-  Pkcs12Content read(PKCS12* file) {
-    checkPin(file);
-    const SafesPtr safes(PKCS12_unpack_authsafes(file));
-    if (safes == nullptr) Fail(kKeyFileDamaged);
-    for (int i = 0; i < sk_PKCS7_num(safes.get()); ++i) readSafe(sk_PKCS7_value(safes.get(), i));
+  KeyFileContent read(ByteView bytes) {
+    if (!bytes.empty() && bytes[0] == 0x30) {
+      readDer(bytes);
+    } else {
+      ForEachPemBlock(bytes, [this](std::string_view label, ByteView der) {
+        CertPtr certificate = CertificateFromDer(der);
+        if (label == "PKCS12" || label == PEM_STRING_PKCS8) readDer(der);
+        if (certificate != nullptr) content_.certificates.push_back(std::move(certificate));
+      });
+    }
+    if (content_.keys.empty()) Fail(kKeyFileDamaged);
     return std::move(content_);
   }
 
  private:
+  /// A PKCS#12 file, or one key of PKCS#8.
+  void readDer(ByteView der) {
+    const unsigned char* cursor = der.data();
+    const Owned<PKCS12_free> file(d2i_PKCS12(nullptr, &cursor, static_cast<long>(der.size())));
+    if (file == nullptr) {
+      readSealedKey(der);
+      return;
+    }
+    checkPin(file.get());
+    const SafesPtr safes(PKCS12_unpack_authsafes(file.get()));
+    if (safes == nullptr) Fail(kKeyFileDamaged);
+    for (int i = 0; i < sk_PKCS7_num(safes.get()); ++i) readSafe(sk_PKCS7_value(safes.get(), i));
+  }
+
+  void readSealedKey(ByteView der) {
+    const unsigned char* cursor = der.data();
+    const Owned<X509_SIG_free> sealed(d2i_X509_SIG(nullptr, &cursor, static_cast<long>(der.size())));
+    if (sealed == nullptr) Fail(kKeyFileDamaged);
+    const X509_ALGOR* algorithm = nullptr;
+    X509_SIG_get0(sealed.get(), &algorithm, nullptr);
+    spend(RoundsOf(algorithm));
+    const KeyInfoPtr info(PKCS8_decrypt(sealed.get(), pin_.c_str(), static_cast<int>(pin_.size())));
+    if (info == nullptr) Fail(kWrongPin);
+    addKey(info.get());
+  }
+
   void spend(long rounds) {
     // -1: the number does not fit into a long.
     if (rounds < 0 || rounds > kMostRounds - rounds_) Fail(kKeyFileDamaged);
@@ -137,29 +171,12 @@ class Reader {
   const std::string& pin_;
   const char* password_ = nullptr;
   long rounds_ = 0;
-  Pkcs12Content content_;
+  KeyFileContent content_;
 };
 
 }  // namespace
 
-Pkcs12Content ReadPkcs12(ByteView der, const std::string& pin) {
-  const unsigned char* cursor = der.data();
-  const Owned<PKCS12_free> file(d2i_PKCS12(nullptr, &cursor, static_cast<long>(der.size())));
-  if (file == nullptr) Fail(kKeyFileDamaged);
-  return Reader(pin).read(file.get());
-}
-
-KeyPtr ReadSealedKey(ByteView der, const std::string& pin) {
-  const unsigned char* cursor = der.data();
-  const Owned<X509_SIG_free> sealed(d2i_X509_SIG(nullptr, &cursor, static_cast<long>(der.size())));
-  if (sealed == nullptr) return nullptr;
-  const X509_ALGOR* algorithm = nullptr;
-  X509_SIG_get0(sealed.get(), &algorithm, nullptr);
-  const long rounds = RoundsOf(algorithm);
-  if (rounds < 0 || rounds > kMostRounds) return nullptr;
-  const KeyInfoPtr info(PKCS8_decrypt(sealed.get(), pin.c_str(), static_cast<int>(pin.size())));
-  return KeyPtr(info == nullptr ? nullptr : EVP_PKCS82PKEY(info.get()));
-}
+KeyFileContent ReadKeys(ByteView bytes, const std::string& pin) { return Reader(pin).read(bytes); }
 
 Bytes SealKey(EVP_PKEY* key, const std::string& pin) {
   const BioPtr out(BIO_new(BIO_s_mem()));

@@ -1,4 +1,5 @@
-// Keys that are encrypted with a PIN: PKCS#12 files with any number of keys, PKCS#8 files with one.
+// Files of keys under a PIN: PKCS#12 with any number of keys, PKCS#8 with one, and PEM texts of these and of
+// certificates.
 #pragma once
 
 #include <vector>
@@ -8,16 +9,13 @@
 
 namespace standin {
 
-struct Pkcs12Content {
+struct KeyFileContent {
   std::vector<KeyPtr> keys;
   std::vector<CertPtr> certificates;
 };
 
-/// Fails with kWrongPin or kKeyFileDamaged. The PIN is UTF-8.
-Pkcs12Content ReadPkcs12(ByteView der, const std::string& pin);
-
-/// The key of a PKCS#8 file; null if the bytes are no key or the PIN is wrong.
-KeyPtr ReadSealedKey(ByteView der, const std::string& pin);
+/// At least one key. Fails with kWrongPin or kKeyFileDamaged. The PIN is UTF-8.
+KeyFileContent ReadKeys(ByteView bytes, const std::string& pin);
 Bytes SealKey(EVP_PKEY* key, const std::string& pin);
 
 }  // namespace standin

@@ -7,6 +7,7 @@ set(portable_pieces
   ${root}/src/legacy/subject_name.cpp
   ${root}/src/module/registrar_script.cpp
   ${root}/standin/base/bytes.cpp
+  ${root}/standin/messages/armour.cpp
   ${root}/standin/messages/ber.cpp
   ${root}/standin/messages/message_reader.cpp)
 set(portable_tests
@@ -17,3 +18,5 @@ set(portable_tests
   ${root}/tests/unit/message_reader_test.cpp
   ${root}/tests/unit/registrar_script_test.cpp
   ${root}/tests/unit/subject_name_test.cpp)
+# Tests of the stand-in engine that also run against its native build.
+set(engine_tests algorithm_test.cpp binding_test.cpp corpus_test.cpp structure_test.cpp)

@@ -7,7 +7,7 @@ Const ArrayOfVariants = 8204
 Const ArrayOfBytes = 8209
 Const NotARecipient = &hE0697034
 
-Dim arrays, anna, boris, vera, encrypt, decrypt, find, template, folder, messages, data, found, receivers(1), out, opened, sender
+Dim arrays, anna, boris, vera, encrypt, decrypt, find, template, folder, messages, data, found, receivers(1), out, opened, sender, own
 
 Set arrays = CreateObject("TavlTests.Arrays")
 Set anna = session(WScript.Arguments(1))
@@ -24,6 +24,11 @@ Set receivers(1) = certificate_of("boris@")
 Set encrypt = CreateObject("TAVL.EncryptParam")
 encrypt.flag = 1
 encrypt.Receivers = receivers
+' Only who is named is stated as the sender.
+Set own = CreateObject("TAVL.CertId")
+own.type = 1
+own.keyId = receivers(0).keyId
+Set encrypt.mycert = own
 Set decrypt = CreateObject("TAVL.DecryptParam")
 decrypt.flag = 1
 decrypt.info = &h7FFFF

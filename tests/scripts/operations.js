@@ -158,6 +158,7 @@ equal(holder.value.indexOf("OID 1.2.3 "), 0, "its text");
 // Encryption.
 var encrypt = create("EncryptParam", { flag: 1 });
 encrypt.Receivers = found;
+encrypt.mycert = create("CertId", { type: 1, keyId: arrays.item(anna.FindCert(create("FindParam", { flag: 1, info: 0x7FFFF })), 0).keyId });
 var decrypt = create("DecryptParam", { flag: 1, info: 4 });
 both("EncryptMem",
      function (h) { return h ? anna.EncryptMem(encrypt, arrays.variants(data), h) : anna.EncryptMem(encrypt, arrays.variants(data)); },

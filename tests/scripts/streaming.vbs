@@ -8,7 +8,7 @@ Const ArrayOfBytes = 8209
 Const InvalidArgument = &hE0690057
 Const Sha256 = "BA7816BF8F01CFEA414140DE5DAE2223B00361A396177A9CB410FF61F20015AD"
 
-Dim arrays, quivo, other, stream, sign, verify, encrypt, decrypt, find, found, data, piece, out, results, whole, left_over, sender, i
+Dim arrays, quivo, other, stream, sign, verify, encrypt, decrypt, find, found, data, piece, out, results, whole, left_over, sender, own, i
 
 Set arrays = CreateObject("TavlTests.Arrays")
 Set quivo = CreateObject("TAVL.QUIVO")
@@ -105,6 +105,10 @@ find.info = &h7FFFF
 quivo.FindCert find, found
 encrypt.flag = 1
 encrypt.Receivers = Array(receiver("anna@"), receiver("boris@"))
+Set own = CreateObject("TAVL.CertId")
+own.type = 1
+own.keyId = receiver("anna@").keyId
+Set encrypt.mycert = own
 Set stream = CreateObject("TAVL.StreamCtx")
 quivo.StrEncryptInitMem encrypt, stream
 whole = ""

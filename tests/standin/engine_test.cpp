@@ -1,12 +1,21 @@
 // The fixture.
 #include "engine_test.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <ostream>
+
+#ifdef _WIN32
+#include <windows.h>
+
+#include <process.h>
+#else
+#include <unistd.h>
+
+#include <ctime>
+#endif
 
 void PrintTo(const EngineCode& code, std::ostream* out) {
   char text[512];
@@ -22,12 +31,27 @@ std::string FolderFrom(const char* variable) {
     ADD_FAILURE() << variable << " is not set";
     return {};
   }
-  std::string path = value;
-  std::replace(path.begin(), path.end(), '/', '\\');
-  return path[0] == '\\' ? "Z:" + path : path;
+#ifdef _WIN32
+  return value[0] == '/' ? std::string("Z:") + value : value;
+#else
+  return value;
+#endif
 }
 
 }  // namespace
+
+uint64_t WorkDone() {
+#ifdef _WIN32
+  FILETIME created, ended, kernel, user;
+  GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
+  const auto ticks = [](FILETIME time) {
+    return static_cast<uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+  };
+  return (ticks(kernel) + ticks(user)) / 10000;
+#else
+  return static_cast<uint64_t>(std::clock()) * 1000 / CLOCKS_PER_SEC;
+#endif
+}
 
 DataBlob_t BlobOf(const Bytes& bytes) {
   static uint8_t none;
@@ -36,10 +60,25 @@ DataBlob_t BlobOf(const Bytes& bytes) {
 
 Bytes BytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
+CertIdRecord ByHash(const Bytes& hash) {
+  CertIdRecord id{};
+  id.type = 2;
+  id.certHash = BlobOf(hash);
+  return id;
+}
+
+Bytes HashOf(EngineSession session, const Bytes& certificate) {
+  const DataBlob_t blob = BlobOf(certificate);
+  CertificateRecord record{};
+  constexpr uint32_t kFieldHash = 1u << 17;
+  EXPECT_CODE(0, QUIVO_ParseCert(session, &blob, kFieldHash, &record));
+  const Bytes hash(record.certHash.data, record.certHash.data + record.certHash.len);
+  QUIVO_FreeCert(session, &record);
+  return hash;
+}
+
 std::string MaterialPath(const std::string& name) {
-  std::string path = FolderFrom("TAVL_STANDIN_MATERIAL") + "\\" + name;
-  std::replace(path.begin(), path.end(), '/', '\\');
-  return path;
+  return (std::filesystem::path(FolderFrom("TAVL_STANDIN_MATERIAL")) / name).make_preferred().string();
 }
 
 Bytes Material(const std::string& name) {
@@ -49,11 +88,10 @@ Bytes Material(const std::string& name) {
 }
 
 std::string ScratchPath(const std::string& name) {
-  const std::string root = FolderFrom("TAVL_STANDIN_SCRATCH");
-  CreateDirectoryA(root.c_str(), nullptr);
-  const std::string folder = root + "\\" + std::to_string(GetCurrentProcessId());
-  CreateDirectoryA(folder.c_str(), nullptr);
-  return folder + "\\" + name;
+  const std::filesystem::path root = FolderFrom("TAVL_STANDIN_SCRATCH");
+  const std::filesystem::path folder = root / std::to_string(getpid());
+  std::filesystem::create_directories(folder);
+  return (folder / name).make_preferred().string();
 }
 
 Bytes ReadBytes(const std::string& path) {
@@ -76,20 +114,12 @@ void WriteBytes(const std::string& path, const Bytes& bytes) {
   std::fclose(file);
 }
 
-bool FileExists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+bool FileExists(const std::string& path) { return std::filesystem::exists(path); }
 
 std::string CopyOfStore(const std::string& store, const std::string& name) {
-  const std::string source = MaterialPath(store);
   const std::string target = ScratchPath(name);
-  CreateDirectoryA(target.c_str(), nullptr);
-  WIN32_FIND_DATAA entry;
-  const HANDLE search = FindFirstFileA((source + "\\*").c_str(), &entry);
-  do {
-    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
-    const std::string leaf = std::string("\\") + entry.cFileName;
-    CopyFileA((source + leaf).c_str(), (target + leaf).c_str(), FALSE);
-  } while (FindNextFileA(search, &entry));
-  FindClose(search);
+  using std::filesystem::copy_options;
+  std::filesystem::copy(MaterialPath(store), target, copy_options::recursive | copy_options::overwrite_existing);
   return target;
 }
 

@@ -45,9 +45,16 @@ struct Decrypted {
   std::string sender;
 };
 
+/// Milliseconds of work of this process: other than the clock on the wall, it does not count what other processes do.
+uint64_t WorkDone();
+
 /// A blob that names bytes of the test's own.
 DataBlob_t BlobOf(const Bytes& bytes);
 Bytes BytesOf(const std::string& text);
+/// An identifier by the certificate's hash.
+CertIdRecord ByHash(const Bytes& hash);
+/// The hash of a certificate.
+Bytes HashOf(EngineSession session, const Bytes& certificate);
 
 /// Bytes of a file of the material.
 std::string MaterialPath(const std::string& name);

@@ -1,4 +1,5 @@
 // Encryption and decryption: recipients, keys, refusals, and the operations that also sign or verify.
+#include "element.h"
 #include "engine_test.h"
 
 using namespace standin;
@@ -42,11 +43,83 @@ TEST_F(Envelopes, LengthsAroundABlockComeBack) {
   }
 }
 
-TEST_F(Envelopes, SenderIsReported) {
-  const Decrypted opened = decrypt(open("alice"), encrypt(open("carol"), payload, {"alice"}));
-  EXPECT_EQ("CN=Carol, C=RU", opened.sender);
-  EngineSession keyless = open("", "store");
-  EXPECT_EQ("", decrypt(open("alice"), encrypt(keyless, payload, {"alice"})).sender);
+TEST_F(Envelopes, SenderIsNamedOnlyWhenTheCallerNamesIt) {
+  const EngineSession carol = open("carol");
+  EXPECT_EQ("", decrypt(open("alice"), encrypt(carol, payload, {"alice"})).sender);
+  const Bytes hash = HashOf(carol, Material("carol.cer"));
+  const CertIdRecord id = ByHash(hash);
+  Receivers receivers({"alice"});
+  EncryptParamRecord param = receivers.param();
+  param.mycert = &id;
+  const DataBlob_t in = BlobOf(payload);
+  DataBlob_t out{};
+  ASSERT_CODE(0, QUIVO_EncryptMem(carol, &param, &in, &out));
+  EXPECT_EQ("CN=Carol, C=RU", decrypt(open("alice"), take(carol, out)).sender);
+}
+
+TEST_F(Envelopes, AuthenticatedMessagesAreOpened) {
+  const Bytes data = Material("data.bin");
+  for (const char* name : {"gcm", "stream.gcm"}) {
+    const Decrypted opened = decrypt(open("alice"), Material(std::string("messages/") + name + ".p7e"));
+    EXPECT_CODE(0, opened.code) << name;
+    EXPECT_EQ(data, opened.out) << name;
+  }
+  EXPECT_EQ(data, decrypt(open("bob"), Material("messages/gcm.p7e")).out);
+}
+
+TEST_F(Envelopes, AuthenticatedMessagesAreWrittenWhenThePolicyOfTheStoreAsks) {
+  const std::string folder = CopyOfStore("store", "authenticated");
+  WriteBytes(folder + "\\policy.txt", BytesOf("encrypt authenticated\n"));
+  const EngineSession session = openIn("alice", folder);
+  const Bytes message = encrypt(session, payload, {"alice", "bob"});
+  // AuthEnvelopedData, AES-256 in GCM mode.
+  EXPECT_EQ(Oid("1.2.840.113549.1.9.16.1.23").encode(), ParseElement(message).at({0}).encode());
+  EXPECT_EQ(Oid("2.16.840.1.101.3.4.1.46").encode(), ParseElement(message).at({1, 0, 2, 1, 0}).encode());
+  EXPECT_EQ(payload, decrypt(open("bob"), message).out);
+}
+
+TEST_F(Envelopes, ChangedAuthenticatedMessageIsRefused) {
+  const std::string folder = CopyOfStore("store", "changed");
+  WriteBytes(folder + "\\policy.txt", BytesOf("encrypt authenticated"));
+  const EngineSession session = openIn("alice", folder);
+  Element message = ParseElement(encrypt(session, payload, {"alice"}));
+  const auto changed = [&](std::initializer_list<size_t> path, size_t length) {
+    Element copy = message;
+    Bytes& content = copy.at(path).content;
+    content.resize(length);
+    content[0] ^= 1;
+    return decrypt(session, copy.encode()).code;
+  };
+  EXPECT_CODE(kDecryptionFailed, changed({1, 0, 2, 2}, payload.size()));
+  EXPECT_CODE(kDecryptionFailed, changed({1, 0, 2, 2}, payload.size() - 1));
+  EXPECT_CODE(kDecryptionFailed, changed({1, 0, 3}, 16));
+  // A short tag is easy to guess.
+  EXPECT_CODE(kDecryptionFailed, changed({1, 0, 3}, 12));
+  EXPECT_CODE(kDecryptionFailed, changed({1, 0, 3}, 1));
+  message.at({1, 0}).children.pop_back();
+  EXPECT_CODE(kMessageDamaged, decrypt(session, message.encode()).code);
+}
+
+TEST_F(Envelopes, LengthOfTheTagMayBeLeftOutIfItIsTwelve) {
+  Element message = ParseElement(Material("messages/gcm.p7e"));
+  message.at({1, 0, 2, 1, 1}).children.pop_back();
+  EXPECT_CODE(kDecryptionFailed, decrypt(open("alice"), message.encode()).code);
+  message.at({1, 0, 3}).content.resize(12);
+  EXPECT_EQ(Material("data.bin"), decrypt(open("alice"), message.encode()).out);
+}
+
+TEST_F(Envelopes, AuthenticatedAttributesAreRefused) {
+  Element message = ParseElement(Material("messages/gcm.p7e"));
+  Element& data = message.at({1, 0});
+  const Element attributes = Constructed(0xA1, {Sequence({Oid("1.2.643.99.6"), Set({Primitive(0x05, {})})})});
+  data.children.insert(data.children.begin() + 3, attributes);
+  EXPECT_CODE(kNotSupported, decrypt(open("alice"), message.encode()).code);
+}
+
+TEST_F(Envelopes, ArmouredMessagesAreOpened) {
+  const Decrypted opened = decrypt(open("alice"), Material("messages/two.pem"));
+  EXPECT_CODE(0, opened.code);
+  EXPECT_EQ(Material("data.bin"), opened.out);
 }
 
 TEST_F(Envelopes, OwnKeyIsChosenByIdentifier) {
@@ -66,7 +139,9 @@ TEST_F(Envelopes, RecipientsAreChecked) {
   EXPECT_CODE(kExpired, tryEncrypt(session, 0, payload, {"alice", "dave"}, out));
   EXPECT_CODE(kNotYetValid, tryEncrypt(session, 0, payload, {"erin"}, out));
   EXPECT_CODE(kIssuerUnknown, tryEncrypt(session, 0, payload, {"mallory"}, out));
-  EXPECT_CODE(kRecipientUnsuitable, tryEncrypt(session, 0, payload, {"root"}, out));
+  for (const char* person : {"root", "grace", "judy"}) {
+    EXPECT_CODE(kRecipientUnsuitable, tryEncrypt(session, 0, payload, {person}, out)) << person;
+  }
   EXPECT_TRUE(out.empty());
 }
 
@@ -170,7 +245,10 @@ TEST_F(Envelopes, SignedAndEncryptedFileIsDecryptedAndVerified) {
   WriteBytes(plain, payload);
   Receivers receivers({"bob"});
   const SignParamRecord signParam{1 | kSendCertificate, nullptr};
-  const EncryptParamRecord encryptParam = receivers.param(1);
+  EncryptParamRecord encryptParam = receivers.param(1);
+  const Bytes hash = HashOf(alice, Material("alice.cer"));
+  const CertIdRecord id = ByHash(hash);
+  encryptParam.mycert = &id;
   ASSERT_CODE(0, QUIVO_SignAndEncryptFile(alice, &signParam, &encryptParam, plain.c_str(), sealed.c_str()));
 
   const EngineSession bob = open("bob");

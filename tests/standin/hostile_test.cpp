@@ -15,16 +15,6 @@ namespace {
 
 using Attempt = std::function<int32_t(const Bytes&)>;
 
-/// Milliseconds of work of this process: other than the clock on the wall, it does not count what other processes do.
-ULONGLONG WorkDone() {
-  FILETIME created, ended, kernel, user;
-  GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
-  const auto ticks = [](FILETIME time) {
-    return static_cast<ULONGLONG>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
-  };
-  return (ticks(kernel) + ticks(user)) / 10000;
-}
-
 size_t PrivateMemory() {
   PROCESS_MEMORY_COUNTERS counters{};
   GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
@@ -35,7 +25,7 @@ class Hostile : public EngineTest {
  protected:
   /// One call on such input: what it returns does not matter here, only that it does, with a text, and soon.
   static void survive(const Attempt& attempt, const Bytes& input) {
-    const ULONGLONG start = WorkDone();
+    const uint64_t start = WorkDone();
     const int32_t code = attempt(input);
     EXPECT_GT(2000u, WorkDone() - start);
     char text[512] = {};
@@ -98,7 +88,7 @@ class Hostile : public EngineTest {
       largeLengths(attempt, whole);
       noise(attempt);
     };
-    const ULONGLONG start = WorkDone();
+    const uint64_t start = WorkDone();
     round();
     EXPECT_LT(start, WorkDone()) << "the measure of work does not move";
     const size_t before = PrivateMemory();
@@ -206,7 +196,7 @@ TEST_F(Hostile, KeyFileThatAsksForEndlessWork) {
   const std::string path = ScratchPath("endless.p12");
   WriteBytes(path, keys);
   EngineSession session = nullptr;
-  const ULONGLONG start = WorkDone();
+  const uint64_t start = WorkDone();
   EXPECT_CODE(kKeyFileDamaged, tryOpen(path, "12345678", MaterialPath("roots"), session));
   EXPECT_GT(2000u, WorkDone() - start);
 }

@@ -59,6 +59,18 @@ TEST_F(Session, WhatCannotBeOpenedHasItsOwnCode) {
   EXPECT_EQ(nullptr, session);
 }
 
+TEST_F(Session, KeysAreReadFromTexts) {
+  const Bytes data = BytesOf("signed");
+  for (const char* name : {"alice.keys.pem", "alice.p12.pem"}) {
+    EngineSession session = nullptr;
+    EXPECT_CODE(0, tryOpen(MaterialPath(name), "12345678", MaterialPath("roots"), session)) << name;
+    EXPECT_CODE(0, verify(session, sign(session, kSendCertificate, data)).code) << name;
+    EXPECT_CODE(kWrongPin, tryOpen(MaterialPath(name), "other", MaterialPath("roots"), session)) << name;
+  }
+  EngineSession session = nullptr;
+  EXPECT_CODE(kKeyFileDamaged, tryOpen(MaterialPath("alice.pem"), "12345678", "", session));
+}
+
 TEST_F(Session, ExpiredOwnCertificateIsNoticedWhenAsked) {
   EngineSession session = nullptr;
   EXPECT_CODE(kOwnCertificateExpired, tryOpen(MaterialPath("dave.p12"), "12345678", MaterialPath("store"), session, 2));

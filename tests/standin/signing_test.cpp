@@ -10,14 +10,6 @@ class Signing : public EngineTest {
   const Bytes payload = BytesOf("some text to sign");
 };
 
-/// An identifier by key, of the first own certificate of a session.
-CertIdRecord ByHash(const Bytes& hash) {
-  CertIdRecord id{};
-  id.type = 2;
-  id.certHash = BlobOf(hash);
-  return id;
-}
-
 }  // namespace
 
 TEST_F(Signing, AttachedMessageGivesItsContentBack) {

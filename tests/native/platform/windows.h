@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <mutex>
 #include <string>
 
 // NOLINTBEGIN(readability-identifier-naming): the platform's names
@@ -13,6 +15,9 @@ using HRESULT = int32_t;
 #define S_OK static_cast<HRESULT>(0)
 #define E_OUTOFMEMORY static_cast<HRESULT>(0x8007000E)
 #define E_INVALIDARG static_cast<HRESULT>(0x80070057)
+#define ERROR_FILE_NOT_FOUND 2
+#define ERROR_PATH_NOT_FOUND 3
+#define ERROR_ACCESS_DENIED 5
 #define ERROR_INVALID_DATA 13
 #define FAILED(hr) ((hr) < 0)
 #define HRESULT_FROM_WIN32(error) static_cast<HRESULT>(0x80070000u | (error))
@@ -33,5 +38,30 @@ inline int _putenv(const std::string& assignment) {
   const std::string name = assignment.substr(0, equals), value = assignment.substr(equals + 1);
   return value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
 }
+
+using DWORD = uint32_t;
+using HANDLE = void*;
+using LONG64 = int64_t;
+inline LONG64 InterlockedAdd64(volatile LONG64* value, LONG64 more) {
+  return __atomic_add_fetch(value, more, __ATOMIC_SEQ_CST);
+}
+inline int CloseHandle(HANDLE file) { return std::fclose(static_cast<FILE*>(file)); }
+inline int DeleteFileA(const char* path) { return std::remove(path); }
+
+#define INVALID_FILE_ATTRIBUTES 0xFFFFFFFFu
+#define FILE_ATTRIBUTE_DIRECTORY 0x10
+/// Only asked of folders here.
+inline DWORD GetFileAttributesA(const char* path) {
+  FILE* found = std::fopen(path, "r");
+  if (found == nullptr) return INVALID_FILE_ATTRIBUTES;
+  std::fclose(found);
+  return FILE_ATTRIBUTE_DIRECTORY;
+}
+
+using CRITICAL_SECTION = std::recursive_mutex;
+inline void InitializeCriticalSection(CRITICAL_SECTION*) {}
+inline void DeleteCriticalSection(CRITICAL_SECTION*) {}
+inline void EnterCriticalSection(CRITICAL_SECTION* section) { section->lock(); }
+inline void LeaveCriticalSection(CRITICAL_SECTION* section) { section->unlock(); }
 
 // NOLINTEND(readability-identifier-naming)
