@@ -1,28 +1,14 @@
 #include "standin/operations/encryption.h"
 
 #include "standin/base/codes.h"
-#include "standin/base/files.h"
 #include "standin/certificates/cert_id.h"
 #include "standin/operations/recipients.h"
 
 namespace standin {
-namespace {
-
-/// Whether the store's policy asks for messages that prove their content.
-bool AsksForAuthentication(const Store& store) {
-  constexpr uint64_t kLargestPolicy = 65536;
-  const std::string policy = JoinPath(store.folder(), "policy.txt");
-  if (!store.isOpen() || FilesIn(store.folder(), "policy.txt").empty()) return false;
-  const Bytes bytes = ReadWholeFile(policy.c_str(), kLargestPolicy);
-  return std::string(bytes.begin(), bytes.end()).find("encrypt authenticated") != std::string::npos;
-}
-
-}  // namespace
-
 Envelope::Envelope(const Session& session, const EncryptParamRecord& param) {
   const std::vector<CertPtr> recipients = ResolveRecipients(session, param);
   constexpr unsigned kFlags = CMS_PARTIAL | CMS_BINARY | CMS_DETACHED;
-  const EVP_CIPHER* cipher = AsksForAuthentication(session.store) ? EVP_aes_256_gcm() : EVP_aes_256_cbc();
+  const EVP_CIPHER* cipher = session.store.hasPolicy("encrypt authenticated") ? EVP_aes_256_gcm() : EVP_aes_256_cbc();
   message_.reset(CMS_encrypt(nullptr, nullptr, cipher, kFlags));
   if (message_ == nullptr) Fail(kEncryptionFailed);
   for (const CertPtr& recipient : recipients) {

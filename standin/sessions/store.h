@@ -1,5 +1,5 @@
 // The certificate store of a session: a folder with one certificate or revocation list (DER or PEM) per file.
-// A self-signed certificate in the folder is a trusted root; policy.txt may admit weak algorithms.
+// A self-signed certificate in the folder is a trusted root; policy.txt may change what is admitted and written.
 #pragma once
 
 #include <string>
@@ -24,8 +24,8 @@ class Store {
   const std::vector<CrlPtr>& crls() const { return crls_; }
   /// The newest list of the same kind, or null.
   X509_CRL* newestLike(const X509_CRL* wanted) const;
-  /// Whether a line of policy.txt begins with "admit" and this word.
-  bool admits(const std::string& what) const { return policy_.find("\nadmit " + what) != std::string::npos; }
+  /// Whether policy.txt has the line.
+  bool hasPolicy(const std::string& line) const { return policy_.find('\n' + line) != std::string::npos; }
 
   struct CrlReload {
     size_t lists = 0;

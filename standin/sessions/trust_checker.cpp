@@ -137,9 +137,9 @@ class Findings {
         return kNotYetValid;
       case X509_V_ERR_EE_KEY_TOO_SMALL:
       case X509_V_ERR_CA_KEY_TOO_SMALL:
-        return store_.admits("short-keys") ? kOk : kWeakAlgorithm;
+        return store_.hasPolicy("admit short-keys") ? kOk : kWeakAlgorithm;
       case X509_V_ERR_CA_MD_TOO_WEAK:
-        return store_.admits("weak-digests") ? kOk : kWeakAlgorithm;
+        return store_.hasPolicy("admit weak-digests") ? kOk : kWeakAlgorithm;
       default:
         return kChainBroken;
     }
@@ -236,7 +236,7 @@ int32_t TrustChecker::check(X509* certificate, const TrustOptions& options) cons
   }
   if (options.signedWith == nullptr) return findings.worst();
   const bool isWeak = EVP_MD_get_size(options.signedWith) < kLeastDigestSize;
-  if (isWeak && !known_.admits("weak-digests")) findings.add(kWeakAlgorithm);
+  if (isWeak && !known_.hasPolicy("admit weak-digests")) findings.add(kWeakAlgorithm);
   const time_t signedAt = options.signedAt != 0 ? options.signedAt : CurrentTime();
   if (options.checkTime && !IsWithinKeyPeriod(certificate, signedAt)) findings.add(kKeyPeriodOver);
   return findings.worst();

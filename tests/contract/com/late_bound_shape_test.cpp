@@ -63,6 +63,11 @@ class LateBoundShapeTest : public ContractTest {
     const HRESULT raw = info->Invoke(object, id, flags, &params, result.out(), &exception, nullptr);
     return {raw, exception.scode, result.type()};
   }
+  /// Wine 8 knows no such member; Wine 10 looks for a default member of the object.
+  static bool isAssignedByValue(const Member& member, WORD flags) {
+    return member.name.starts_with("object property") && (flags & DISPATCH_PROPERTYPUT) != 0 &&
+           (flags & DISPATCH_PROPERTYPUTREF) == 0;
+  }
   HRESULT refusal(DISPID id, std::vector<VARIANT> arguments, std::vector<DISPID> names = {}) {
     return call(objects.quivo, id, DISPATCH_METHOD, std::move(arguments), std::move(names)).raw;
   }
@@ -79,6 +84,7 @@ TEST_F(LateBoundShapeTest, EveryCombinationOfFlagsDoesWhatThePlatformsInvokeDoes
     for (WORD flags = 0; flags < 16; ++flags) {
       // A property that is read with arguments has tests of its own.
       if ((flags & DISPATCH_PROPERTYGET) != 0 && !member.arguments.empty()) continue;
+      if (isAssignedByValue(member, flags)) continue;
       for (const std::vector<DISPID>& names : {std::vector<DISPID>{}, std::vector<DISPID>{DISPID_PROPERTYPUT}}) {
         if (names.size() > member.arguments.size()) continue;
         const bool assigns = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
@@ -89,6 +95,14 @@ TEST_F(LateBoundShapeTest, EveryCombinationOfFlagsDoesWhatThePlatformsInvokeDoes
             << member.name << ", flags " << flags << ", " << names.size() << " named";
       }
     }
+  }
+}
+
+TEST_F(LateBoundShapeTest, ObjectIsNotAssignedByValue) {
+  for (const Member& member : members()) {
+    if (!isAssignedByValue(member, DISPATCH_PROPERTYPUT)) continue;
+    EXPECT_HR(DISP_E_MEMBERNOTFOUND,
+              call(member.object, member.id, DISPATCH_PROPERTYPUT, {identifier}, {DISPID_PROPERTYPUT}).raw);
   }
 }
 
