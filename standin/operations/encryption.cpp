@@ -1,6 +1,7 @@
 #include "standin/operations/encryption.h"
 
 #include "standin/base/codes.h"
+#include "standin/base/files.h"
 #include "standin/certificates/cert_id.h"
 #include "standin/operations/recipients.h"
 

@@ -65,7 +65,7 @@ class LateBoundShapeTest : public ContractTest {
   }
   /// Wine 8 knows no such member; Wine 10 looks for a default member of the object.
   static bool isAssignedByValue(const Member& member, WORD flags) {
-    return member.name.starts_with("object property") && (flags & DISPATCH_PROPERTYPUT) != 0 &&
+    return std::string_view(member.name).starts_with("object property") && (flags & DISPATCH_PROPERTYPUT) != 0 &&
            (flags & DISPATCH_PROPERTYPUTREF) == 0;
   }
   HRESULT refusal(DISPID id, std::vector<VARIANT> arguments, std::vector<DISPID> names = {}) {
