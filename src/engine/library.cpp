@@ -48,7 +48,7 @@ class Search {
     if (length == 0) folders_[0] = 0;
     for (const wchar_t* folder = folders_; hr == S_FALSE && *folder; folder += *folder == L';') {
       const size_t size = std::wcscspn(folder, L";");
-      if (IsAbsolute(folder)) hr = loadFrom(folder, size, found);
+      if (isAbsolute(folder)) hr = loadFrom(folder, size, found);
       folder += size;
     }
     return hr;
@@ -56,7 +56,7 @@ class Search {
 
  private:
   /// Neither relative to the current folder nor to the current drive.
-  static bool IsAbsolute(const wchar_t* folder) {
+  static bool isAbsolute(const wchar_t* folder) {
     auto isSeparator = [](wchar_t letter) { return letter == L'\\' || letter == L'/'; };
     if (isSeparator(folder[0])) return isSeparator(folder[1]);
     return folder[0] != 0 && folder[1] == L':' && isSeparator(folder[2]);
@@ -88,7 +88,7 @@ HRESULT Find(HMODULE* found) {
 
 /// All functions or none.
 HRESULT Bind(HMODULE found) {
-  auto* names = At<const IMAGE_THUNK_DATA>(kImport.rvaINT);
+  const auto* names = At<const IMAGE_THUNK_DATA>(kImport.rvaINT);
   auto* functions = At<FARPROC>(kImport.rvaIAT);
   for (bool binds : {false, true}) {
     for (size_t i = 0; names[i].u1.AddressOfData != 0; ++i) {

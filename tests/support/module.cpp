@@ -45,6 +45,9 @@ std::wstring FolderOf(const std::wstring& path) { return path.substr(0, path.rfi
 ModuleCopy::ModuleCopy(const std::wstring& name, const Change& change, DWORD flags)
     : path_(ProgramFolder() + L"\\" + name) {
   CreateDirectoryW(FolderOf(path_).c_str(), nullptr);
+  if (FolderOf(path_) != ProgramFolder()) {
+    CopyFileW((ProgramFolder() + L"\\tavl1.dll").c_str(), (FolderOf(path_) + L"\\tavl1.dll").c_str(), FALSE);
+  }
   CopyFileW(Module::get().path().c_str(), path_.c_str(), FALSE);
   if (change) change(path_);
   handle_ = LoadLibraryExW(path_.c_str(), nullptr, flags);
@@ -53,5 +56,7 @@ ModuleCopy::ModuleCopy(const std::wstring& name, const Change& change, DWORD fla
 ModuleCopy::~ModuleCopy() {
   FreeLibrary(handle_);
   DeleteFileW(path_.c_str());
-  if (FolderOf(path_) != ProgramFolder()) RemoveDirectoryW(FolderOf(path_).c_str());
+  if (FolderOf(path_) == ProgramFolder()) return;
+  DeleteFileW((FolderOf(path_) + L"\\tavl1.dll").c_str());
+  RemoveDirectoryW(FolderOf(path_).c_str());
 }

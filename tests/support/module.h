@@ -54,7 +54,8 @@ class ModuleCopy {
   /// What is done to the file before it is loaded.
   using Change = std::function<void(const std::wstring& path)>;
 
-  /// `name` is relative to the folder of the test program; a folder in it is made. `flags` are LoadLibraryEx's.
+  /// `name` is relative to the folder of the test program; a folder in it is made, with an engine. `flags` are
+  /// LoadLibraryEx's.
   explicit ModuleCopy(const std::wstring& name, const Change& change = {}, DWORD flags = 0);
   ModuleCopy(const ModuleCopy&) = delete;
   ModuleCopy& operator=(const ModuleCopy&) = delete;
