@@ -90,15 +90,20 @@ HRESULT Find(HMODULE* found) {
 HRESULT Bind(HMODULE found) {
   const auto* names = At<const IMAGE_THUNK_DATA>(kImport.rvaINT);
   auto* functions = At<FARPROC>(kImport.rvaIAT);
-  for (bool binds : {false, true}) {
-    for (size_t i = 0; names[i].u1.AddressOfData != 0; ++i) {
-      const char* name = At<IMAGE_IMPORT_BY_NAME>(static_cast<DWORD>(names[i].u1.AddressOfData))->Name;
-      FARPROC function = GetProcAddress(found, name);
-      if (!function) missing = name;
-      if (!function) return LastFailure();
-      if (binds) functions[i] = function;
-    }
-  }
+  auto functionAt = [&](size_t i) {
+    const char* name = At<IMAGE_IMPORT_BY_NAME>(static_cast<DWORD>(names[i].u1.AddressOfData))->Name;
+    FARPROC function = GetProcAddress(found, name);
+    if (!function) missing = name;
+    return function;
+  };
+  size_t count = 0;
+  for (; names[count].u1.AddressOfData != 0; ++count)
+    if (!functionAt(count)) return LastFailure();
+  // Newer linkers write-protect the table.
+  DWORD protection = 0;
+  if (!VirtualProtect(functions, count * sizeof(*functions), PAGE_READWRITE, &protection)) return LastFailure();
+  for (size_t i = 0; i < count; ++i) functions[i] = functionAt(i);
+  VirtualProtect(functions, count * sizeof(*functions), protection, &protection);
   return S_OK;
 }
 
