@@ -31,6 +31,6 @@ std::span<Element> ListOf(Element* elements, int32_t count) {
 }
 
 inline bool Equal(ByteView left, ByteView right) { return std::ranges::equal(left, right); }
-void Append(Bytes& bytes, ByteView more);
+inline void Append(Bytes& bytes, ByteView more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
 
 }  // namespace standin

@@ -3,12 +3,16 @@
 
 #include <openssl/bio.h>
 #include <openssl/cms.h>
+#include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/pkcs12.h>
 #include <openssl/x509.h>
 #include <openssl/x509_vfy.h>
 #include <openssl/x509v3.h>
 
+#include <utility>
+
+#include "standin/base/bytes.h"
 #include "standin/base/owned.h"
 
 namespace standin {
@@ -52,6 +56,17 @@ using RequestPtr = Owned<X509_REQ_free>;
 using TextPtr = std::unique_ptr<char, FreeMemory>;
 using TrustContextPtr = Owned<X509_STORE_CTX_free>;
 using TrustStorePtr = Owned<X509_STORE_free>;
+
+/// The object that the bytes begin with; null if there is none, or if other bytes follow and `alone` is set.
+template <typename Owner, typename Decoder>
+Owner Decode(Decoder decodeObject, ByteView der, bool alone = false) {
+  const unsigned char* cursor = der.data();
+  Owner object(std::in_range<long>(der.size()) ? decodeObject(nullptr, &cursor, static_cast<long>(der.size()))
+                                               : nullptr);
+  if (object != nullptr && (!alone || cursor == der.data() + der.size())) return object;
+  ERR_clear_error();
+  return nullptr;
+}
 
 /// Another owner of the same certificate.
 inline CertPtr Share(X509* certificate) {

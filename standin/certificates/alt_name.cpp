@@ -65,51 +65,25 @@ std::string OtherNameText(const OTHERNAME* name) {
   }
 }
 
-class AltNameFiller {
- public:
-  AltNameFiller(AltNameRecord& record, Buffers& buffers) : record_(record), buffers_(buffers) {}
-
-  void add(const GENERAL_NAME* name) {
-    switch (name->type) {
-      case GEN_EMAIL:
-      case GEN_DNS:
-      case GEN_URI:
-        put(name->type, {}, TextOf(name->d.ia5));
-        break;
-      case GEN_IPADD:
-        put(GEN_IPADD, {}, AddressText(name->d.iPAddress));
-        break;
-      case GEN_OTHERNAME:
-        put(GEN_OTHERNAME, ObjectText(name->d.otherName->type_id, true), OtherNameText(name->d.otherName));
-        break;
-      case GEN_DIRNAME:
-        addDirectoryName(name->d.directoryName);
-        break;
-      default:
-        break;
-    }
+/// Calls `put` with the object identifier, if the name has one, and the text of every part of the name.
+template <typename Put>
+void ForEachText(const GENERAL_NAME* name, Put put) {
+  switch (name->type) {
+    case GEN_EMAIL:
+    case GEN_DNS:
+    case GEN_URI:
+      return put({}, TextOf(name->d.ia5));
+    case GEN_IPADD:
+      return put({}, AddressText(name->d.iPAddress));
+    case GEN_OTHERNAME:
+      return put(ObjectText(name->d.otherName->type_id, true), OtherNameText(name->d.otherName));
+    case GEN_DIRNAME:
+      for (int i = 0; i < X509_NAME_entry_count(name->d.directoryName); ++i) {
+        const X509_NAME_ENTRY* entry = X509_NAME_get_entry(name->d.directoryName, i);
+        put(ObjectText(X509_NAME_ENTRY_get_object(entry), true), TextOf(X509_NAME_ENTRY_get_data(entry)));
+      }
   }
-
- private:
-  void addDirectoryName(const X509_NAME* name) {
-    for (int i = 0; i < X509_NAME_entry_count(name); ++i) {
-      const X509_NAME_ENTRY* entry = X509_NAME_get_entry(name, i);
-      put(GEN_DIRNAME, ObjectText(X509_NAME_ENTRY_get_object(entry), true), TextOf(X509_NAME_ENTRY_get_data(entry)));
-    }
-  }
-
-  void put(int kind, const std::string& oid, const std::string& utf8) {
-    for (const AltNameField& field : kFields) {
-      if (field.kind != kind || (!oid.empty() && oid != field.oid)) continue;
-      char*& text = record_.*field.text;
-      if (text == nullptr && !utf8.empty()) text = buffers_.copyText(AnsiFromUtf8(utf8));
-      return;
-    }
-  }
-
-  AltNameRecord& record_;
-  Buffers& buffers_;
-};
+}
 
 GeneralNamePtr OtherName(const char* oid, const std::string& utf8) {
   GeneralNamePtr name(GENERAL_NAME_new());
@@ -139,8 +113,15 @@ bool FillAltName(AltNameRecord& record, const X509* certificate, int extensionNi
   const GeneralNamesPtr names(
       static_cast<GENERAL_NAMES*>(X509_get_ext_d2i(certificate, extensionNid, nullptr, nullptr)));
   if (names == nullptr) return false;
-  AltNameFiller filler(record, buffers);
-  for (int i = 0; i < sk_GENERAL_NAME_num(names.get()); ++i) filler.add(sk_GENERAL_NAME_value(names.get(), i));
+  for (int i = 0; i < sk_GENERAL_NAME_num(names.get()); ++i) {
+    const GENERAL_NAME* name = sk_GENERAL_NAME_value(names.get(), i);
+    ForEachText(name, [&](const std::string& oid, const std::string& utf8) {
+      const auto field = std::ranges::find_if(
+          kFields, [&](const AltNameField& one) { return one.kind == name->type && (oid.empty() || oid == one.oid); });
+      if (field == std::end(kFields) || record.*field->text != nullptr || utf8.empty()) return;
+      record.*field->text = buffers.copyText(AnsiFromUtf8(utf8));
+    });
+  }
   return true;
 }
 

@@ -147,23 +147,6 @@ class RecordFiller {
   Buffers& buffers_;
 };
 
-struct UsageBit {
-  uint32_t record;
-  uint32_t certificate;
-};
-
-constexpr UsageBit kUsageBits[] = {
-    {kKeyUsageDigitalSignature, KU_DIGITAL_SIGNATURE},
-    {kKeyUsageNonRepudation, KU_NON_REPUDIATION},
-    {kKeyUsageKeyEncipherment, KU_KEY_ENCIPHERMENT},
-    {kKeyUsageDataEncipherment, KU_DATA_ENCIPHERMENT},
-    {kKeyUsageKeyAgreement, KU_KEY_AGREEMENT},
-    {kKeyUsageKeyCertSign, KU_KEY_CERT_SIGN},
-    {kKeyUsageCrlSign, KU_CRL_SIGN},
-    {kKeyUsageEncipherOnly, KU_ENCIPHER_ONLY},
-    {kKeyUsageDecipherOnly, KU_DECIPHER_ONLY},
-};
-
 }  // namespace
 
 CertificateRecord RecordOf(X509* certificate, uint32_t mask, Buffers& buffers) {
@@ -173,10 +156,9 @@ CertificateRecord RecordOf(X509* certificate, uint32_t mask, Buffers& buffers) {
 uint32_t KeyUsageOf(X509* certificate) {
   if ((X509_get_extension_flags(certificate) & EXFLAG_KUSAGE) == 0) return 0;
   const uint32_t stated = X509_get_key_usage(certificate);
-  uint32_t bits = 0;
-  for (const UsageBit& bit : kUsageBits) {
-    if ((stated & bit.certificate) != 0) bits |= bit.record;
-  }
+  uint32_t bits = (stated & KU_DECIPHER_ONLY) != 0 ? +kKeyUsageDecipherOnly : 0;
+  // Both number the uses in the order of the extension: the record from the lowest bit, libcrypto from the highest.
+  for (int bit = 0; bit < 8; ++bit) bits |= (stated >> (7 - bit) & 1) << bit;
   return bits;
 }
 

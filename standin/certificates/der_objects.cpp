@@ -1,7 +1,5 @@
 #include "standin/certificates/der_objects.h"
 
-#include <openssl/err.h>
-
 #include <algorithm>
 
 #include "standin/base/codes.h"
@@ -9,18 +7,6 @@
 
 namespace standin {
 namespace {
-
-template <typename Owner, typename Decode>
-Owner DecodeWhole(ByteView der, Decode decode) {
-  if (der.empty() || der.size() > kLargestObject) return nullptr;
-  const unsigned char* cursor = der.data();
-  Owner object(decode(nullptr, &cursor, static_cast<long>(der.size())));
-  if (object == nullptr || cursor != der.data() + der.size()) {
-    ERR_clear_error();
-    return nullptr;
-  }
-  return object;
-}
 
 template <typename Object, typename Encoder>
 Bytes Encode(Object* object, Encoder encodeObject) {
@@ -32,23 +18,16 @@ Bytes Encode(Object* object, Encoder encodeObject) {
 }
 
 void AddFromMessage(ByteView der, FoundObjects& found) {
-  const unsigned char* cursor = der.data();
-  const CmsPtr message(d2i_CMS_ContentInfo(nullptr, &cursor, static_cast<long>(der.size())));
-  if (message == nullptr) {
-    ERR_clear_error();
-    return;
-  }
-  if (OBJ_obj2nid(CMS_get0_type(message.get())) != NID_pkcs7_signed) return;
+  const CmsPtr message = Decode<CmsPtr>(d2i_CMS_ContentInfo, der);
+  if (message == nullptr || OBJ_obj2nid(CMS_get0_type(message.get())) != NID_pkcs7_signed) return;
   // A message with signers is a document, not a bundle.
   if (sk_CMS_SignerInfo_num(CMS_get0_SignerInfos(message.get())) > 0) return;
   const CertStackPtr certificates(CMS_get1_certs(message.get()));
-  for (int i = 0; certificates != nullptr && i < sk_X509_num(certificates.get()); ++i) {
+  for (int i = 0; i < sk_X509_num(certificates.get()); ++i) {
     found.certificates.push_back(Share(sk_X509_value(certificates.get(), i)));
   }
   STACK_OF(X509_CRL)* crls = CMS_get1_crls(message.get());
-  for (int i = 0; crls != nullptr && i < sk_X509_CRL_num(crls); ++i) {
-    found.crls.emplace_back(sk_X509_CRL_value(crls, i));
-  }
+  for (int i = 0; i < sk_X509_CRL_num(crls); ++i) found.crls.emplace_back(sk_X509_CRL_value(crls, i));
   sk_X509_CRL_free(crls);
 }
 
@@ -78,9 +57,9 @@ FoundObjects Find(ByteView bytes, bool bundlesToo) {
 
 }  // namespace
 
-CertPtr CertificateFromDer(ByteView der) { return DecodeWhole<CertPtr>(der, d2i_X509); }
-CrlPtr CrlFromDer(ByteView der) { return DecodeWhole<CrlPtr>(der, d2i_X509_CRL); }
-RequestPtr RequestFromDer(ByteView der) { return DecodeWhole<RequestPtr>(der, d2i_X509_REQ); }
+CertPtr CertificateFromDer(ByteView der) { return Decode<CertPtr>(d2i_X509, der, true); }
+CrlPtr CrlFromDer(ByteView der) { return Decode<CrlPtr>(d2i_X509_CRL, der, true); }
+RequestPtr RequestFromDer(ByteView der) { return Decode<RequestPtr>(d2i_X509_REQ, der, true); }
 
 Bytes DerOf(const X509* certificate) { return Encode(certificate, i2d_X509); }
 Bytes DerOf(const X509_CRL* crl) { return Encode(crl, i2d_X509_CRL); }

@@ -32,10 +32,7 @@ int32_t QUIVO_EncryptFile(EngineSession session, const EncryptParamRecord* param
   return InSession(session, [&](Session& s) { EncryptFiles(s, Required(param), file_in, file_out); });
 }
 
-int32_t QUIVO_StrEncryptFile(EngineSession session, const EncryptParamRecord* param, const char* file_in,
-                             const char* file_out) {
-  return QUIVO_EncryptFile(session, param, file_in, file_out);
-}
+decltype(QUIVO_EncryptFile) QUIVO_StrEncryptFile [[gnu::alias("QUIVO_EncryptFile")]];
 
 int32_t QUIVO_DecryptMem(EngineSession session, const DecryptParamRecord* param, const DataBlob_t* in, DataBlob_t* out,
                          DecryptResultRecord* result) {
@@ -51,10 +48,7 @@ int32_t QUIVO_DecryptFile(EngineSession session, const DecryptParamRecord* param
                     [&](Session& s, const DecryptParamRecord& p) { DecryptFiles(s, p, file_in, file_out, *result); });
 }
 
-int32_t QUIVO_StrDecryptFile(EngineSession session, const DecryptParamRecord* param, const char* file_in,
-                             const char* file_out, DecryptResultRecord* result) {
-  return QUIVO_DecryptFile(session, param, file_in, file_out, result);
-}
+decltype(QUIVO_DecryptFile) QUIVO_StrDecryptFile [[gnu::alias("QUIVO_DecryptFile")]];
 
 int32_t QUIVO_FreeDecryptResult(EngineSession session, DecryptResultRecord* result) {
   return InSession(session, [&](Session& s) { FreeRecord(Required(result), s.buffers); });

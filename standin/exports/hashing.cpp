@@ -11,14 +11,8 @@ namespace {
 
 constexpr int32_t kMostRandomBytes = 64 * 1024 * 1024;
 
-class HashStream : public Stream {
- public:
-  explicit HashStream(const EVP_MD* algorithm) : digest_(algorithm) {}
-  void update(ByteView data) { digest_.update(data); }
-  Bytes finish() { return digest_.finish(); }
-
- private:
-  Digest digest_;
+struct HashStream : Stream, Digest {
+  using Digest::Digest;
 };
 
 Bytes HashFile(const char* algorithm, const char* path) {

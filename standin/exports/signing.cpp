@@ -16,10 +16,7 @@ int32_t QUIVO_SignFile(EngineSession session, const SignParamRecord* param, cons
   return InSession(session, [&](Session& s) { SignFiles(s, param, data, sign_in, sign_out); });
 }
 
-int32_t QUIVO_StrSignFile(EngineSession session, const SignParamRecord* param, const char* data, const char* sign_in,
-                          const char* sign_out) {
-  return QUIVO_SignFile(session, param, data, sign_in, sign_out);
-}
+decltype(QUIVO_SignFile) QUIVO_StrSignFile [[gnu::alias("QUIVO_SignFile")]];
 
 int32_t QUIVO_StrSignInitMem(EngineSession session, const SignParamRecord* param, const DataBlob_t* sign_in,
                              EngineStream* stream) {

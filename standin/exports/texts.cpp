@@ -159,14 +159,10 @@ void WriteRussian(const std::wstring& text, char* buffer, uint32_t size) {
 void WriteErrorText(int32_t code, char* buffer, uint32_t size) {
   const wchar_t* text = Find(code);
   if (text == nullptr) text = Find(WithoutFacility(code));
-  if (text != nullptr) {
-    WriteRussian(text, buffer, size);
-    return;
-  }
   wchar_t general[64];
   std::swprintf(general, sizeof general / sizeof *general, L"Неизвестная ошибка (код 0x%08X).",
                 static_cast<unsigned>(code));
-  WriteRussian(general, buffer, size);
+  WriteRussian(text != nullptr ? text : general, buffer, size);
 }
 
 void WriteCrlReport(const Store::CrlReload& reload, char* buffer, uint32_t size) {

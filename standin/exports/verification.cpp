@@ -35,10 +35,7 @@ int32_t QUIVO_VerifyFile(EngineSession session, const VerifyParamRecord* param, 
                    [&](Session& s, const VerifyParamRecord& p) { return VerifyFiles(s, p, data, sign_in, sign_out); });
 }
 
-int32_t QUIVO_StrVerifyFile(EngineSession session, const VerifyParamRecord* param, const char* data,
-                            const char* sign_in, const char* sign_out, VerifyResultRecord* result) {
-  return QUIVO_VerifyFile(session, param, data, sign_in, sign_out, result);
-}
+decltype(QUIVO_VerifyFile) QUIVO_StrVerifyFile [[gnu::alias("QUIVO_VerifyFile")]];
 
 int32_t QUIVO_FreeVerifyResult(EngineSession session, VerifyResultRecord* result) {
   return InSession(session, [&](Session& s) { FreeRecord(Required(result), s.buffers); });

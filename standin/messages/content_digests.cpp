@@ -14,8 +14,7 @@ const EVP_MD* DigestOf(const X509_ALGOR* algorithm) {
 }
 
 const EVP_MD* DigestOf(ByteView algorithm) {
-  const unsigned char* cursor = algorithm.data();
-  const AlgorithmPtr decoded(d2i_X509_ALGOR(nullptr, &cursor, static_cast<long>(algorithm.size())));
+  const AlgorithmPtr decoded = Decode<AlgorithmPtr>(d2i_X509_ALGOR, algorithm);
   if (decoded == nullptr) Fail(kMessageDamaged);
   return DigestOf(decoded.get());
 }

@@ -11,9 +11,8 @@ constexpr uint8_t kVersionWithOriginator[] = {2};
 constexpr uint8_t kNoTag[16] = {};
 
 Bytes WrapIndefinite(uint8_t tag, ByteView start) {
-  Bytes bytes = {tag, 0x80};
-  Append(bytes, start);
-  return bytes;
+  const uint8_t header[] = {tag, 0x80};
+  return ber::Join({header, start});
 }
 
 }  // namespace

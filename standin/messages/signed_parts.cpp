@@ -121,9 +121,8 @@ std::vector<Bytes> DigestAlgorithmsOf(const MessageReader::Head& head) {
 }
 
 CmsPtr MessageFromDer(ByteView der) {
-  const unsigned char* cursor = der.data();
-  CmsPtr message(d2i_CMS_ContentInfo(nullptr, &cursor, static_cast<long>(der.size())));
-  if (message == nullptr || cursor != der.data() + der.size()) Fail(kMessageDamaged);
+  CmsPtr message = Decode<CmsPtr>(d2i_CMS_ContentInfo, der, true);
+  if (message == nullptr) Fail(kMessageDamaged);
   return message;
 }
 

@@ -1,7 +1,6 @@
 #include "standin/operations/signature_maker.h"
 
 #include <openssl/core_names.h>
-#include <openssl/err.h>
 #include <openssl/rsa.h>
 
 #include "standin/base/codes.h"
@@ -9,13 +8,6 @@
 
 namespace standin {
 namespace {
-
-ObjectPtr ObjectFromDer(ByteView der) {
-  const unsigned char* cursor = der.data();
-  ObjectPtr object(d2i_ASN1_OBJECT(nullptr, &cursor, static_cast<long>(der.size())));
-  if (object == nullptr) Fail(kMessageDamaged);
-  return object;
-}
 
 /// Signs with RSASSA-PSS, which libcrypto does of itself only for whole messages. The salt is as long as the digest,
 /// unless the key demands a longer one.
@@ -78,7 +70,8 @@ SignedParts SignatureMaker::withSignature(ByteView digest) const {
   CMS_SignerInfo* signer = CMS_add1_signer(message.get(), certificate_.get(), key_.get(), algorithm_,
                                            kFlags | certificateFlag | (pss ? CMS_KEY_PARAM : 0));
   if (signer == nullptr || (pss && !PreparePss(signer))) Fail(kSigningFailed);
-  const ObjectPtr contentType = ObjectFromDer(existing_.contentType);
+  const ObjectPtr contentType = Decode<ObjectPtr>(d2i_ASN1_OBJECT, existing_.contentType);
+  if (contentType == nullptr) Fail(kMessageDamaged);
   const bool made =
       CMS_set1_eContentType(message.get(), contentType.get()) == 1 &&
       CMS_signed_add1_attr_by_NID(signer, NID_pkcs9_contentType, V_ASN1_OBJECT, contentType.get(), -1) == 1 &&

@@ -118,9 +118,7 @@ DataBlob_t SignMemory(Session& session, const SignParamRecord* param, std::optio
   if (existing) {
     ReadMessage message(MessageReader::whole(*existing, [&](ByteView piece) { Append(kept, piece); }));
     if (!data && !message.hasContent) Fail(kContentMissing);
-    if (data && message.hasContent && !Equal(content, kept)) {
-      Fail(kContentMismatch);
-    }
+    if (data && message.hasContent && !Equal(content, kept)) Fail(kContentMismatch);
     if (!data) content = kept;
     maker.addTo(std::move(message.parts));
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "standin/base/ansi.h"
 #include "standin/base/codes.h"
 #include "standin/certificates/cert_extensions.h"
 #include "standin/messages/content_digests.h"
@@ -37,11 +38,6 @@ int32_t CountSigners(const std::vector<SignerVerdict>& verdicts) {
   return count;
 }
 
-bool Contains(const std::vector<std::string>& list, const char* wanted, const char* any) {
-  return std::any_of(list.begin(), list.end(),
-                     [&](const std::string& one) { return one == any || (wanted != nullptr && one == wanted); });
-}
-
 /// Whether a critical extension reserves the key for services.
 bool IsReserved(const X509* certificate) {
   X509_EXTENSION* extension = X509_get_ext(certificate, X509_get_ext_by_NID(certificate, NID_ext_key_usage, -1));
@@ -52,11 +48,9 @@ bool IsReserved(const X509* certificate) {
 }
 
 bool HasExtension(const X509* certificate, const ExtensionRecord& wanted) {
-  const std::vector<CertExtension> extensions = ExtensionsOf(certificate);
-  return std::any_of(extensions.begin(), extensions.end(), [&](const CertExtension& one) {
-    if (wanted.oid == nullptr || one.oid != wanted.oid) return false;
-    const ByteView data = ViewOf(&wanted.data);
-    return data.empty() || Equal(data, one.value);
+  const ByteView data = ViewOf(&wanted.data);
+  return std::ranges::any_of(ExtensionsOf(certificate), [&](const CertExtension& one) {
+    return one.oid == TextOrEmpty(wanted.oid) && (data.empty() || Equal(data, one.value));
   });
 }
 
@@ -127,8 +121,9 @@ int32_t Verifier::checkDemands(X509* certificate) const {
   if (IsReserved(certificate)) return kExtKeyUsageMissing;
   if ((param_->flag & kVerifyExtKeyUsage) != 0) {
     const std::vector<std::string> stated = ExtKeyUsageOf(certificate);
+    const auto states = [&](const std::string& use) { return std::ranges::find(stated, use) != stated.end(); };
     for (const char* use : ListOf(param_->extKeyUsage, param_->extKeyUsageCount)) {
-      if (!Contains(stated, use, kAnyExtKeyUsage)) return kExtKeyUsageMissing;
+      if (!states(TextOrEmpty(use)) && !states(kAnyExtKeyUsage)) return kExtKeyUsageMissing;
     }
   }
   for (const ExtensionRecord& extension : ListOf(param_->extensions, param_->extensionCount)) {

@@ -67,8 +67,7 @@ class Reader {
  private:
   /// A PKCS#12 file, or one key of PKCS#8.
   void readDer(ByteView der) {
-    const unsigned char* cursor = der.data();
-    const Owned<PKCS12_free> file(d2i_PKCS12(nullptr, &cursor, static_cast<long>(der.size())));
+    const auto file = Decode<Owned<PKCS12_free>>(d2i_PKCS12, der);
     if (file == nullptr) {
       readSealedKey(der);
       return;
@@ -80,12 +79,9 @@ class Reader {
   }
 
   void readSealedKey(ByteView der) {
-    const unsigned char* cursor = der.data();
-    const Owned<X509_SIG_free> sealed(d2i_X509_SIG(nullptr, &cursor, static_cast<long>(der.size())));
+    const auto sealed = Decode<Owned<X509_SIG_free>>(d2i_X509_SIG, der);
     if (sealed == nullptr) Fail(kKeyFileDamaged);
-    const X509_ALGOR* algorithm = nullptr;
-    X509_SIG_get0(sealed.get(), &algorithm, nullptr);
-    spend(RoundsOf(algorithm));
+    spendOn(sealed.get());
     const KeyInfoPtr info(PKCS8_decrypt(sealed.get(), pin_.c_str(), static_cast<int>(pin_.size())));
     if (info == nullptr) Fail(kWrongPin);
     addKey(info.get());
@@ -95,6 +91,12 @@ class Reader {
     // -1: the number does not fit into a long.
     if (rounds < 0 || rounds > kMostRounds - rounds_) Fail(kKeyFileDamaged);
     rounds_ += rounds;
+  }
+
+  void spendOn(const X509_SIG* sealed) {
+    const X509_ALGOR* algorithm = nullptr;
+    X509_SIG_get0(sealed, &algorithm, nullptr);
+    spend(RoundsOf(algorithm));
   }
 
   void checkPin(PKCS12* file) {
@@ -139,10 +141,7 @@ class Reader {
         addKey(PKCS12_SAFEBAG_get0_p8inf(bag));
         break;
       case NID_pkcs8ShroudedKeyBag: {
-        const X509_SIG* sealed = PKCS12_SAFEBAG_get0_pkcs8(bag);
-        const X509_ALGOR* algorithm = nullptr;
-        X509_SIG_get0(sealed, &algorithm, nullptr);
-        spend(RoundsOf(algorithm));
+        spendOn(PKCS12_SAFEBAG_get0_pkcs8(bag));
         const KeyInfoPtr key(PKCS12_decrypt_skey(bag, password_, -1));
         if (key == nullptr) Fail(kKeyFileDamaged);
         addKey(key.get());

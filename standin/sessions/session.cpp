@@ -1,6 +1,5 @@
 #include "standin/sessions/session.h"
 
-#include "standin/base/codes.h"
 #include "standin/base/times.h"
 
 namespace standin {
@@ -62,8 +61,6 @@ EngineStream Session::addStream(std::unique_ptr<Stream> stream) {
   return handle;
 }
 
-void Session::failStream() { Fail(kBadStream); }
-
 Stream* Session::findStream(const EngineStream* handle) {
   if (handle == nullptr) Fail(kWinInvalidParameter);
   const auto found = streams_.find(*handle);
@@ -71,9 +68,7 @@ Stream* Session::findStream(const EngineStream* handle) {
 }
 
 std::unique_ptr<Stream> Session::takeStream(EngineStream* handle) {
-  const auto found = streams_.find(*handle);
-  std::unique_ptr<Stream> stream = std::move(found->second);
-  streams_.erase(found);
+  std::unique_ptr<Stream> stream = std::move(streams_.extract(*handle).mapped());
   *handle = nullptr;
   return stream;
 }
@@ -94,10 +89,8 @@ std::shared_ptr<Session> FindSession(EngineSession handle) {
 
 std::shared_ptr<Session> RemoveSession(EngineSession handle) {
   const std::lock_guard scope(Table().lock);
-  const auto found = Table().sessions.find(handle);
-  if (found == Table().sessions.end()) Fail(kBadSession);
-  std::shared_ptr<Session> session = std::move(found->second);
-  Table().sessions.erase(found);
+  std::shared_ptr<Session> session = FindSession(handle);
+  Table().sessions.erase(handle);
   return session;
 }
 

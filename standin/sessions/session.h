@@ -7,6 +7,7 @@
 
 #include "engine/functions.h"
 #include "standin/base/buffers.h"
+#include "standin/base/codes.h"
 #include "standin/base/lock.h"
 #include "standin/sessions/key_store.h"
 #include "standin/sessions/store.h"
@@ -48,7 +49,7 @@ class Session {
   template <typename Kind>
   Kind& stream(const EngineStream* handle) {
     Kind* found = dynamic_cast<Kind*>(findStream(handle));
-    if (found == nullptr) failStream();
+    if (found == nullptr) Fail(kBadStream);
     return *found;
   }
   /// Removes the stream from the session.
@@ -60,7 +61,6 @@ class Session {
 
  private:
   void openKeys(const SessionSource& source);
-  [[noreturn]] static void failStream();
   Stream* findStream(const EngineStream* handle);
   std::unique_ptr<Stream> takeStream(EngineStream* handle);
 

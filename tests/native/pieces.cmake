@@ -6,7 +6,6 @@ set(portable_pieces
   ${root}/src/legacy/addresses.cpp
   ${root}/src/legacy/subject_name.cpp
   ${root}/src/module/registrar_script.cpp
-  ${root}/standin/base/bytes.cpp
   ${root}/standin/messages/armour.cpp
   ${root}/standin/messages/ber.cpp
   ${root}/standin/messages/message_reader.cpp)
