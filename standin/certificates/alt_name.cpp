@@ -116,7 +116,7 @@ bool FillAltName(AltNameRecord& record, const X509* certificate, int extensionNi
   for (int i = 0; i < sk_GENERAL_NAME_num(names.get()); ++i) {
     const GENERAL_NAME* name = sk_GENERAL_NAME_value(names.get(), i);
     ForEachText(name, [&](const std::string& oid, const std::string& utf8) {
-      const auto field = std::ranges::find_if(
+      const auto* field = std::ranges::find_if(
           kFields, [&](const AltNameField& one) { return one.kind == name->type && (oid.empty() || oid == one.oid); });
       if (field == std::end(kFields) || record.*field->text != nullptr || utf8.empty()) return;
       record.*field->text = buffers.copyText(AnsiFromUtf8(utf8));
