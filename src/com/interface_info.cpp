@@ -49,6 +49,14 @@ HRESULT ReadParameter(ITypeInfo* info, const ELEMDESC& declared, Parameter& out)
   return hr;
 }
 
+wchar_t SmallLetter(wchar_t letter) { return letter >= L'A' && letter <= L'Z' ? letter | 0x20 : letter; }
+
+/// Compares names without regard to the case of their letters, which are ASCII.
+int Compare(const wchar_t* left, const wchar_t* right) {
+  while (*left && SmallLetter(*left) == SmallLetter(*right)) ++left, ++right;
+  return SmallLetter(*left) - SmallLetter(*right);
+}
+
 /// The half of a dual interface in which every output is a parameter and every member has its slot.
 Ref<ITypeInfo> VirtualTableHalf(ITypeInfo* info) {
   HREFTYPE half = 0;
@@ -90,8 +98,9 @@ HRESULT InterfaceInfo::readMembers(ITypeInfo* described) {
     parameterCount += static_cast<UINT>(function->cParams);
   }
   members_.reset(new (std::nothrow) Member[attributes.cFuncs]);
+  names_.reset(new (std::nothrow) Name[attributes.cFuncs]);
   parameters_.reset(new (std::nothrow) Parameter[parameterCount]);
-  if (!members_ || !parameters_) return E_OUTOFMEMORY;
+  if (!members_ || !names_ || !parameters_) return E_OUTOFMEMORY;
 
   Parameter* next = parameters_.get();
   for (UINT i = 0; i < attributes.cFuncs; ++i) {
@@ -101,6 +110,8 @@ HRESULT InterfaceInfo::readMembers(ITypeInfo* described) {
     UINT count = static_cast<UINT>(function->cParams);
     members_[i] = {function->memid, static_cast<WORD>(function->invkind), static_cast<ULONG_PTR>(function->oVft), count,
                    next};
+    hr = addName(described, function->memid);
+    if (FAILED(hr)) return hr;
     for (UINT k = 0; k < count; ++k) {
       hr = ReadParameter(described, function->lprgelemdescParam[k], *next++);
       if (FAILED(hr)) return hr;
@@ -108,6 +119,46 @@ HRESULT InterfaceInfo::readMembers(ITypeInfo* described) {
   }
   memberCount_ = attributes.cFuncs;
   return S_OK;
+}
+
+HRESULT InterfaceInfo::addName(ITypeInfo* described, DISPID id) {
+  Bstr name;
+  UINT count = 0;
+  HRESULT hr = described->GetNames(id, name.receive(), 1, &count);
+  if (FAILED(hr)) return hr;
+  if (count == 0) return E_UNEXPECTED;
+  UINT place = placeOf(name.get());
+  // The accessors of a property share its name.
+  if (place < nameCount_ && Compare(names_[place].text.get(), name.get()) == 0) return S_OK;
+  for (UINT i = nameCount_++; i > place; --i) std::swap(names_[i], names_[i - 1]);
+  names_[place] = {std::move(name), id};
+  return S_OK;
+}
+
+UINT InterfaceInfo::placeOf(const wchar_t* name) const {
+  UINT low = 0;
+  UINT high = nameCount_;
+  while (low < high) {
+    UINT middle = (low + high) / 2;
+    if (Compare(names_[middle].text.get(), name) < 0) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  return low;
+}
+
+HRESULT InterfaceInfo::idsOfNames(LPOLESTR* names, UINT count, DISPID* ids) const {
+  // The platform reads all names of the interface in turn; it knows those of arguments and of IDispatch too.
+  if (count == 1 && names && ids && *names) {
+    UINT place = placeOf(*names);
+    if (place < nameCount_ && Compare(names_[place].text.get(), *names) == 0) {
+      *ids = names_[place].id;
+      return S_OK;
+    }
+  }
+  return info_->GetIDsOfNames(names, count, ids);
 }
 
 const Member* InterfaceInfo::find(DISPID id, WORD flags) const {

@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "com/module.h"
+#include "com/owner.h"
 #include "com/ref.h"
 
 namespace com {
@@ -47,13 +48,25 @@ class InterfaceInfo {
   ITypeInfo* typeInfo() const { return info_.get(); }
   /// The member with `id` that `flags` of IDispatch::Invoke ask for; null if there is none.
   const Member* find(DISPID id, WORD flags) const;
+  /// As IDispatch::GetIDsOfNames.
+  HRESULT idsOfNames(LPOLESTR* names, UINT count, DISPID* ids) const;
 
  private:
+  struct Name {
+    Bstr text;
+    DISPID id;
+  };
+
   HRESULT readMembers(ITypeInfo* described);
+  HRESULT addName(ITypeInfo* described, DISPID id);
+  /// The place of the name in the order of names.
+  UINT placeOf(const wchar_t* name) const;
 
   Ref<ITypeInfo> info_;
   UINT memberCount_ = 0;
+  UINT nameCount_ = 0;
   std::unique_ptr<Member[]> members_;
+  std::unique_ptr<Name[]> names_;
   std::unique_ptr<Parameter[]> parameters_;
 };
 

@@ -39,7 +39,7 @@ class Object : public PrimaryInterface, public More... {
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) final {
     const InterfaceInfo* known = nullptr;
     HRESULT hr = InfoOf<Primary>(&known);
-    return FAILED(hr) ? hr : known->typeInfo()->GetIDsOfNames(names, count, ids);
+    return FAILED(hr) ? hr : known->idsOfNames(names, count, ids);
   }
   STDMETHODIMP Invoke(DISPID member, REFIID iid, LCID, WORD flags, DISPPARAMS* params, VARIANT* result,
                       EXCEPINFO* exception, UINT* badArgument) final {
