@@ -19,13 +19,17 @@ HRESULT ByteInput::copyVariants(SAFEARRAY* array) {
   com::ArrayView<const VARIANT> elements;
   HRESULT hr = elements.lock(array);
   if (FAILED(hr)) return hr;
-  std::unique_ptr<uint8_t[]> copy(new (std::nothrow) uint8_t[elements.size()]);
+  ULONG count = elements.size();
+  std::unique_ptr<uint8_t[]> copy(new (std::nothrow) uint8_t[count]);
   if (!copy) return E_OUTOFMEMORY;
-  for (ULONG i = 0; i < elements.size(); ++i) {
-    if (V_VT(&elements[i]) != VT_UI1) return E_INVALIDARG;
+  // One look at all types in the end costs less than one at each.
+  VARTYPE otherTypes = 0;
+  for (ULONG i = 0; i < count; ++i) {
+    otherTypes |= V_VT(&elements[i]) ^ VT_UI1;
     copy[i] = V_UI1(&elements[i]);
   }
-  blob_ = {elements.size(), copy.get()};
+  if (otherTypes != 0) return E_INVALIDARG;
+  blob_ = {count, copy.get()};
   copy_ = std::move(copy);
   isVbsForm_ = true;
   return elements.unlock();
