@@ -136,9 +136,8 @@ class Call {
       object = V_UNKNOWN(&argument.converted.get());
     }
     if (object) {
-      HRESULT hr = object->QueryInterface(parameter(i).iid, argument.object.receiveVoid());
+      HRESULT hr = argument.object.query(object, parameter(i).iid);
       if (FAILED(hr)) return hr;
-      if (!argument.object) return E_NOINTERFACE;
     }
     V_VT(&argument.passed) = VT_UNKNOWN;
     V_UNKNOWN(&argument.passed) = argument.object.get();
