@@ -124,7 +124,10 @@ void CallsAttack::runRound(uint64_t round, size_t calls) {
 
 void CallsAttack::prepare(const Actors& actors, Random& random) {
   // The engine refuses some.
-  for (int i = 0; i < 3; ++i) actors.own("IQUIVO").as<IQUIVO>()->InitMinimal();
+  for (int i = 0; i < 3; ++i) {
+    actors.own("IQUIVO").as<IQUIVO>()->InitMinimal();
+    actors.own("Ipkiobj").as<Ipkiobj>()->Init(Bstr(L"Anna"));
+  }
   actors.own("ICertId").as<ICertId>()->put_type(static_cast<IdChoice_t>(random.below(3)));
 }
 

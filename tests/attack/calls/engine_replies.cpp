@@ -5,6 +5,10 @@ namespace {
 constexpr uint32_t kCodes[]{1,          2,          5,          14,         87,         0x7FFFFFFF,
                             0xFFFFFFFF, 0xE0700019, 0xE0690100, 0xE0680001, 0x80070005, 0x80004005};
 
+constexpr int32_t kNoSession = 6;
+const std::set<std::string> kWithoutSession{"QUIVO_Initialize", "QUIVO_InitializeEx", "QUIVO_InitMinimal",
+                                            "QUIVO_GetErrorText", "QUIVO_EncodeMem"};
+
 }  // namespace
 
 int32_t EngineReplies::code() {
@@ -55,6 +59,12 @@ fake::Certificate EngineReplies::certificate() {
 fake::Reply EngineReplies::replyTo(const fake::Call& call) {
   fake::Reply reply;
   reply.result = code();
+  if (!kWithoutSession.contains(call.function) && call.null(0)) {
+    reply.result = kNoSession;
+    codes_.insert(kNoSession);
+    reply.writesNothing = true;
+    return reply;
+  }
   // A failing engine may have written its outputs or not; a succeeding one has.
   reply.writesNothing = reply.result != 0 && random_.chance(50);
   reply.output = bytes();
