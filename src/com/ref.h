@@ -33,8 +33,8 @@ class Ref {
     return &pointer_;
   }
   void** receiveVoid() { return reinterpret_cast<void**>(receive()); }
-  /// Takes the result of the call that `receive` was for. What comes with a failure is not a reference and is forgotten;
-  /// a success without a reference becomes `none`.
+  /// Takes the result of the call that `receive` was for. What comes with a failure is not a reference and is
+  /// forgotten; a success without a reference becomes `none`.
   HRESULT received(HRESULT hr, HRESULT none) {
     if (FAILED(hr)) pointer_ = nullptr;
     return SUCCEEDED(hr) && !pointer_ ? none : hr;

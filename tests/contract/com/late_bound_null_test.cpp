@@ -172,6 +172,16 @@ TEST_F(LateBoundObjectTest, ObjectWithoutTheTypeInformationThatItPromisesOpensNo
   EXPECT_EQ(0u, engine().count("QUIVO_InitializeEx"));
 }
 
+TEST_F(LateBoundObjectTest, NullReferenceBehindTwoReferencesIsRefused) {
+  for (VARTYPE type : {kByteArray, VARTYPE{VT_BSTR}, VARTYPE{VT_DISPATCH}, VARTYPE{VT_VARIANT}}) {
+    Variant null = NullRef(type), reference = ByRef(null), hash;
+    EXPECT_HR(E_INVALIDARG, sign(ByRef(reference)));
+    EXPECT_HR(E_INVALIDARG, add(ByRef(reference)));
+    const LateCall call{L"HashFile", DISPATCH_METHOD, {ByRef(reference), ByRef(hash)}, {}, false};
+    EXPECT_HR(E_INVALIDARG, Invoke(objects.quivo, call).raw);
+  }
+}
+
 /// Refuses every question, and leaves a pointer that nobody has a reference for.
 class Careless final : public LookAlike {
  public:
