@@ -72,7 +72,7 @@ class Work {
   void sign();
   void verify();
   void stream();
-  void create();
+  void makeRandom();
   void expect(HRESULT expected, HRESULT hr, const char* what);
 
   Exchange& exchange_;
