@@ -309,7 +309,9 @@ bool CallValues::release(Kept& kept, std::string& problem) {
   if (isArray && V_ARRAY(&value) != nullptr && V_ARRAY(&value)->cLocks != 0) problem = "an array is left locked";
   const bool isUnclearable = !IsKnown(kept.madeAs) || kept.madeAs == VT_RECORD || (kept.madeAs & VT_BYREF) != 0;
   if (V_VT(&value) == kept.madeAs && isUnclearable) return problem.empty();
-  if (FAILED(VariantClear(&value))) problem = "VariantClear refuses the type " + std::to_string(V_VT(&value));
+  const VARTYPE type = V_VT(&value);
+  if (FAILED(VariantClear(&value)) && problem.empty())
+    problem = "VariantClear refuses the type " + std::to_string(type);
   return problem.empty();
 }
 
