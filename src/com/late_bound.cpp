@@ -112,7 +112,7 @@ class Call {
     VARTYPE declared = parameter(i).type;
     if (declared == VT_VARIANT) return S_OK;
     VARIANT* source = const_cast<VARIANT*>(Dereference(*argument.given));
-    if (!source || (V_ISBYREF(source) && !V_BYREF(source))) return E_INVALIDARG;
+    if (!source || IsNullReference(*source)) return E_INVALIDARG;
     if (declared == VT_DISPATCH) return convertObject(i, *source);
     // A value of the declared type is passed as it is: a conversion would make an empty string of a null one.
     if (source == argument.given && V_VT(source) == declared) {
@@ -136,9 +136,8 @@ class Call {
       object = V_UNKNOWN(&argument.converted.get());
     }
     if (object) {
-      HRESULT hr = object->QueryInterface(parameter(i).iid, argument.object.receiveVoid());
+      HRESULT hr = argument.object.query(object, parameter(i).iid);
       if (FAILED(hr)) return hr;
-      if (!argument.object) return E_NOINTERFACE;
     }
     V_VT(&argument.passed) = VT_UNKNOWN;
     V_UNKNOWN(&argument.passed) = argument.object.get();

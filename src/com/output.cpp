@@ -72,7 +72,7 @@ HRESULT StoreInHolder(IDispatch* holder, const Variant& value) {
   HRESULT hr = holder->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id);
   if (FAILED(hr)) {
     Ref<IDispatchEx> expandable;
-    if (FAILED(holder->QueryInterface(__uuidof(IDispatchEx), expandable.receiveVoid())) || !expandable) return hr;
+    if (FAILED(expandable.query(holder, __uuidof(IDispatchEx)))) return hr;
     Bstr ensured(SysAllocString(name));
     if (!ensured) return E_OUTOFMEMORY;
     hr = expandable->GetDispID(ensured.get(), fdexNameEnsure | fdexNameCaseSensitive, &id);

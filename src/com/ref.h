@@ -33,6 +33,17 @@ class Ref {
     return &pointer_;
   }
   void** receiveVoid() { return reinterpret_cast<void**>(receive()); }
+  /// Takes the result of the call that `receive` was for. What comes with a failure is not a reference and is
+  /// forgotten; a success without a reference becomes `none`.
+  HRESULT received(HRESULT hr, HRESULT none) {
+    if (FAILED(hr)) pointer_ = nullptr;
+    return SUCCEEDED(hr) && !pointer_ ? none : hr;
+  }
+  /// Asks an object of any maker for an interface.
+  HRESULT query(IUnknown* object, REFIID iid) {
+    HRESULT hr = object->QueryInterface(iid, receiveVoid());
+    return received(hr, E_NOINTERFACE);
+  }
   /// Gives the reference up to the caller.
   [[nodiscard]] Interface* detach() { return std::exchange(pointer_, nullptr); }
   void reset() {

@@ -46,6 +46,13 @@ inline const VARIANT* Dereference(const VARIANT& value) {
   return V_VT(&value) == (VT_BYREF | VT_VARIANT) ? V_VARIANTREF(&value) : &value;
 }
 
+/// True if `value` refers to nothing, itself or through the VARIANT that it points to: the platform's conversions read
+/// through both references.
+inline bool IsNullReference(const VARIANT& value) {
+  const VARIANT* target = Dereference(value);
+  return !target || (V_ISBYREF(&value) && !V_BYREF(&value)) || (V_ISBYREF(target) && !V_BYREF(target));
+}
+
 /// The array of a VARIANT whose type is VT_ARRAY|`element`, by value or by reference. E_INVALIDARG for any
 /// other type, a null reference or a null array.
 HRESULT ArrayOf(const VARIANT& value, VARTYPE element, SAFEARRAY** array);

@@ -34,13 +34,13 @@ namespace {
 HRESULT InterfaceName(IDispatch* object, com::Bstr& name) {
   com::Ref<ITypeInfo> info;
   HRESULT hr = object->GetTypeInfo(0, 0, info.receive());
+  hr = info.received(hr, E_UNEXPECTED);
   if (FAILED(hr)) return hr;
-  if (!info) return E_UNEXPECTED;
   com::Ref<ITypeLib> library;
   UINT index = 0;
   hr = info->GetContainingTypeLib(library.receive(), &index);
+  hr = library.received(hr, E_UNEXPECTED);
   if (FAILED(hr)) return hr;
-  if (!library) return E_UNEXPECTED;
   return library->GetDocumentation(static_cast<INT>(index), name.receive(), nullptr, nullptr, nullptr);
 }
 

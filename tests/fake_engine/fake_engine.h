@@ -105,6 +105,9 @@ class FakeEngine {
   /// An answer for one call; several are used in order, then the standing one.
   Reply& once(const std::string& function) { return queuedReplies[known(function)].emplace_back(); }
 
+  /// Makes up the answers of functions that a test gave none.
+  std::function<Reply(const Call&)> improvise;
+
   const std::vector<Call>& calls() const { return madeCalls; }
   std::vector<std::string> names() const {
     std::vector<std::string> all;

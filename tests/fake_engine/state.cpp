@@ -24,6 +24,7 @@ void State::reset() {
   madeCalls.clear();
   standingReplies.clear();
   queuedReplies.clear();
+  improvise = nullptr;
   blocks_.clear();
   retired_.clear();
   sessions_.clear();
@@ -47,6 +48,8 @@ Reply State::enter(Call call) {
     queue.pop_front();
   } else if (auto found = standingReplies.find(function); found != standingReplies.end()) {
     reply = found->second;
+  } else if (improvise) {
+    reply = improvise(madeCalls.back());
   }
   if (reply.during) reply.during();
   function_ = function;

@@ -32,7 +32,7 @@ class ForeignObject {
 };
 
 /// A proper IDispatch whose type information, if it has one, is that of an interface of the module.
-class LookAlike final : public IDispatch {
+class LookAlike : public IDispatch {
  public:
   explicit LookAlike(ITypeInfo* info, HRESULT failure = E_NOTIMPL) : info_(info), failure_(failure) {}
 

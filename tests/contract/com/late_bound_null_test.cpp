@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "contract/com/late_methods.h"
+#include "support/foreign_object.h"
 
 namespace {
 
@@ -169,6 +170,46 @@ TEST_F(LateBoundObjectTest, ObjectWithoutTheTypeInformationThatItPromisesOpensNo
   Ptr<IQUIVO> quivo = Make<IQUIVO>();
   EXPECT_TRUE(FAILED(quivo->InitializeEx(&param)));
   EXPECT_EQ(0u, engine().count("QUIVO_InitializeEx"));
+}
+
+TEST_F(LateBoundObjectTest, NullReferenceBehindTwoReferencesIsRefused) {
+  for (VARTYPE type : {kByteArray, VARTYPE{VT_BSTR}, VARTYPE{VT_DISPATCH}, VARTYPE{VT_VARIANT}}) {
+    Variant null = NullRef(type), reference = ByRef(null), hash;
+    EXPECT_HR(E_INVALIDARG, sign(ByRef(reference)));
+    EXPECT_HR(E_INVALIDARG, add(ByRef(reference)));
+    const LateCall call{L"HashFile", DISPATCH_METHOD, {ByRef(reference), ByRef(hash)}, {}, false};
+    EXPECT_HR(E_INVALIDARG, Invoke(objects.quivo, call).raw);
+  }
+}
+
+/// Refuses every question, and leaves a pointer that nobody has a reference for.
+class Careless final : public LookAlike {
+ public:
+  Careless() : LookAlike(nullptr) {}
+  STDMETHODIMP QueryInterface(REFIID, void** out) override {
+    *out = static_cast<IDispatch*>(this);
+    return E_NOINTERFACE;
+  }
+  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
+    *info = static_cast<ITypeInfo*>(static_cast<void*>(static_cast<IDispatch*>(this)));
+    return E_FAIL;
+  }
+};
+
+TEST_F(LateBoundObjectTest, PointerThatComesWithARefusalIsNotReleased) {
+  Careless careless;
+  {
+    Variant argument = Variant::object(&careless);
+    EXPECT_HR(E_NOINTERFACE, sign(argument));
+    EXPECT_TRUE(FAILED(Invoke(objects.quivo, {L"HashMem", DISPATCH_METHOD, {Variant(), argument}, {}, false}).raw));
+  }
+  EXPECT_EQ(1u, careless.references());
+}
+
+TEST_F(LateBoundObjectTest, TypeInformationThatComesWithAFailureIsNotReleased) {
+  Careless careless;
+  EXPECT_TRUE(FAILED(Make<IQUIVO>()->InitializeEx(&careless)));
+  EXPECT_EQ(1u, careless.references());
 }
 
 }  // namespace
