@@ -1,5 +1,5 @@
-// COM calls a spy with its lock held, so the members need none. Wine allocates what was asked for, whatever size the spy
-// answers: callers get blocks of the spy's own, each in the place of one of COM's.
+// COM calls a spy with its lock held, so the members need none. Wine allocates what was asked for, whatever size the
+// spy answers: callers get blocks of the spy's own, each in the place of one of COM's.
 #include "support/malloc_spy.h"
 
 #include <objbase.h>

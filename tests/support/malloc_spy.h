@@ -1,5 +1,5 @@
-// Watches the task memory of COM: every BSTR and SAFEARRAY of the process, once oleaut32 keeps no cache. A block has some
-// bytes behind its end that nobody may write, and stays in place for a while after it was freed.
+// Watches the task memory of COM: every BSTR and SAFEARRAY of the process, once oleaut32 keeps no cache. A block has
+// some bytes behind its end that nobody may write, and stays in place for a while after it was freed.
 #pragma once
 
 #include <windows.h>

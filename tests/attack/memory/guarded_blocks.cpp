@@ -52,8 +52,8 @@ Chunk* ChunkWith(size_t pages) {
   if (chunkCount == kMostChunks) return nullptr;
   const size_t all = std::max(kChunkPages, pages + 2);
   const auto start = static_cast<uint8_t*>(VirtualAlloc(nullptr, all * kPage, MEM_RESERVE, PAGE_NOACCESS));
-  const auto sizes = static_cast<uint32_t*>(
-      VirtualAlloc(nullptr, all * sizeof(uint32_t), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+  const auto sizes =
+      static_cast<uint32_t*>(VirtualAlloc(nullptr, all * sizeof(uint32_t), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
   if (start == nullptr || sizes == nullptr) return nullptr;
   chunks[chunkCount] = {start, 1, sizes};
   return &chunks[chunkCount++];
