@@ -3,7 +3,9 @@
 #include <set>
 
 #include "callers.h"
+#include "contract/properties/properties.h"
 #include "support/import_patch.h"
+#include "support/invoke.h"
 
 namespace {
 
@@ -64,6 +66,8 @@ const Row kRows[] = {FAILING(SysAllocString, nullptr),
                      FAILING(SysAllocStringLen, nullptr),
                      FAILING(SysReAllocString, 0),
                      FAILING(SysReAllocStringLen, 0),
+                     FAILING(VariantChangeType, E_OUTOFMEMORY),
+                     FAILING(DispCallFunc, E_OUTOFMEMORY),
                      FAILING(SafeArrayCreateVector, nullptr),
                      FAILING(SafeArrayPutElement, E_OUTOFMEMORY),
                      FAILING(SafeArrayAccessData, E_OUTOFMEMORY),
@@ -99,6 +103,27 @@ class PlatformFailureTest : public FaultTest, public ::testing::WithParamInterfa
     FAIL() << caller << " never succeeded";
   }
 
+  /// The same for a late-bound property: read as it is created, set, and read again.
+  void sweep(const Property& property) {
+    const std::wstring name = Widen(property.getter.name);
+    for (long succeeding = 0; succeeding < 500; ++succeeding) {
+      const Ptr<IDispatch> object = property.make();
+      const Variant value = isNumber(property) ? Variant::text(L"5") : property.sample();
+      const std::unique_ptr<Import> import = GetParam().make();
+      import->fail(succeeding);
+      HRESULT result = GetProperty(object, name.c_str()).result;
+      if (!import->failed())
+        result = (property.isObject() ? PutRefProperty : PutProperty)(object, name.c_str(), value).result;
+      if (!import->failed()) result = GetProperty(object, name.c_str()).result;
+      const bool happened = import->failed();
+      import->fail(-1);
+      if (!happened) return;
+      ++failures_;
+      EXPECT_TRUE(FAILED(result)) << property << " after " << succeeding;
+    }
+    FAIL() << property << " never succeeded";
+  }
+
   int failures() const { return failures_; }
 
  private:
@@ -108,6 +133,8 @@ class PlatformFailureTest : public FaultTest, public ::testing::WithParamInterfa
     return caller.method.ends_with("IsSigned") ||
            (GetParam().name == "GetFileAttributesA" && kUnreadable.contains(caller.method));
   }
+
+  static bool isNumber(const Property& property) { return property.type() == "long"; }
 
   /// Answers with everything that an engine can hand out.
   void answerRichly() {
@@ -125,11 +152,12 @@ class PlatformFailureTest : public FaultTest, public ::testing::WithParamInterfa
   int failures_ = 0;
 };
 
-TEST_P(PlatformFailureTest, IsReportedByEveryMethod) {
+TEST_P(PlatformFailureTest, IsReportedByEveryMethodAndProperty) {
   for (const Caller& caller : Callers()) {
     // Freeing what could not be added is a success.
     if (caller.method != "pkiobjFreeRecipCerts") sweep(caller);
   }
+  for (const Property& property : AllProperties()) sweep(property);
   EXPECT_LT(0, failures());
 }
 
