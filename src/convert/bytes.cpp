@@ -72,7 +72,7 @@ HRESULT NewArray(const DataBlob_t& bytes, VARTYPE type, com::Array& array) {
 }  // namespace
 
 HRESULT WriteByteVariant(engine::Buffer& bytes, bool vbsForm, VARIANT* out) {
-  if (bytes.get().len == 0) {
+  if (bytes.get().len == 0 || !bytes.get().data) {
     // The engine hands out no buffer for zero bytes.
     bytes.leave();
     return VariantClear(out);
@@ -86,7 +86,7 @@ HRESULT WriteByteVariant(engine::Buffer& bytes, bool vbsForm, VARIANT* out) {
 }
 
 HRESULT CopyToByteArray(const DataBlob_t& bytes, VARIANT* out) {
-  if (bytes.len == 0) return VariantClear(out);
+  if (bytes.len == 0 || !bytes.data) return VariantClear(out);
   com::Array array;
   HRESULT hr = NewArray<uint8_t>(bytes, VT_UI1, array);
   return FAILED(hr) ? hr : com::SetArray(out, VT_UI1, std::move(array));

@@ -22,7 +22,7 @@ HRESULT NewAltName(const AltNameRecord& record, com::Ref<IAltName>& out) {
 /// The value to assign for `count` parts: VT_EMPTY for none, else an array of new objects.
 template <class Part>
 HRESULT NewParts(const typename Part::Record* records, int32_t count, com::Variant& out) {
-  if (count <= 0) return S_OK;
+  if (!records || count <= 0) return S_OK;
   com::Array array(SafeArrayCreateVector(VT_DISPATCH, 0, static_cast<ULONG>(count)));
   if (!array) return E_OUTOFMEMORY;
   for (LONG i = 0; i < count; ++i) {

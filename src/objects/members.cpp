@@ -34,7 +34,7 @@ HRESULT Copy(const char* from, char*& to) {
 
 HRESULT Copy(const DataBlob_t& from, DataBlob_t& to) {
   Reset(to);
-  if (from.len == 0) return S_OK;
+  if (from.len == 0 || !from.data) return S_OK;
   to.data = new (std::nothrow) uint8_t[from.len];
   if (!to.data) return E_OUTOFMEMORY;
   std::memcpy(to.data, from.data, from.len);
@@ -44,7 +44,7 @@ HRESULT Copy(const DataBlob_t& from, DataBlob_t& to) {
 
 HRESULT Copy(char* const* from, int32_t fromCount, char**& to, int32_t& count) {
   Reset(to, count);
-  if (fromCount <= 0) return S_OK;
+  if (!from || fromCount <= 0) return S_OK;
   to = new (std::nothrow) char*[fromCount]();
   if (!to) return E_OUTOFMEMORY;
   count = fromCount;

@@ -19,7 +19,7 @@ HRESULT NewStatus(const SignStatusEntry& entry, com::Ref<ISignStatus>& out) {
 }
 
 HRESULT NewStatusArray(const VerifyResultRecord& result, com::Array& array) {
-  LONG count = result.count > 0 ? result.count : 0;
+  LONG count = result.entries && result.count > 0 ? result.count : 0;
   array.reset(SafeArrayCreateVector(VT_DISPATCH, 0, static_cast<ULONG>(count)));
   if (!array) return E_OUTOFMEMORY;
   for (LONG i = 0; i < count; ++i) {

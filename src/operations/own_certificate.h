@@ -21,7 +21,8 @@ class OwnCertificateSearch {
     if (code != 0) result_.leave();
     return code;
   }
-  int32_t count() const { return result_.get().count; }
+  /// Without an array there is none, whatever the engine has counted.
+  int32_t count() const { return result_.get().certificates ? result_.get().count : 0; }
   const CertificateRecord& first() const { return result_.get().certificates[0]; }
 
  private:

@@ -21,7 +21,8 @@ STDMETHODIMP QUIVO::CreateXmlRequest(XmlRequest_Flag_t flag, ICertificate* pICer
 namespace {
 
 bool CarriesUsage(const CertificateRecord& certificate, const char* oid) {
-  for (int32_t i = 0; i < certificate.extKeyUsageCount; ++i)
+  int32_t count = certificate.extKeyUsage ? certificate.extKeyUsageCount : 0;
+  for (int32_t i = 0; i < count; ++i)
     if (certificate.extKeyUsage[i] && std::strcmp(certificate.extKeyUsage[i], oid) == 0) return true;
   return false;
 }

@@ -12,7 +12,7 @@ namespace {
 
 /// An array of new Certificate objects, one per record. On failure nothing is left behind.
 HRESULT NewCertificateArray(const FindResultRecord& found, com::Array& array) {
-  LONG count = found.count > 0 ? found.count : 0;
+  LONG count = found.certificates && found.count > 0 ? found.count : 0;
   array.reset(SafeArrayCreateVector(VT_DISPATCH, 0, static_cast<ULONG>(count)));
   if (!array) return E_OUTOFMEMORY;
   for (LONG i = 0; i < count; ++i) {

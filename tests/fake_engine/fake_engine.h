@@ -62,6 +62,9 @@ struct Reply {
   std::vector<Signature> signatures;       ///< of a verification
   std::vector<Certificate> certificates;   ///< of a search
   std::optional<int32_t> findCount;        ///< of a search, where it differs from the number of certificates
+  std::optional<int32_t> entryCount;       ///< of a verification, where it differs from the number of signatures
+  std::optional<int32_t> usageCount;       ///< of the extended key usages of what a search finds, as above
+  std::optional<uint32_t> outputLength;    ///< of the output blob, where it differs from that of the output
   std::optional<Certificate> certificate;  ///< of a parse, a decryption or a certificate verification
   std::optional<Snapshot> record;          ///< of a parse: a certificate's record with everything behind it
   int32_t status = 0;                      ///< of a decryption

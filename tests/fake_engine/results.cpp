@@ -66,7 +66,9 @@ void PutExtensions(void* record, const std::vector<Extension>& extensions) {
 
 void WriteBlob(void* blob, const Reply& reply) {
   if (blob == nullptr) return Engine().violate("a null output blob");
-  if (!reply.writesNothing) PutBytes(blob, 0, reply.output);
+  if (reply.writesNothing) return;
+  PutBytes(blob, 0, reply.output);
+  if (reply.outputLength) Put(blob, 0, *reply.outputLength);
 }
 
 void WriteRecord(void* record, const Snapshot& from) {
@@ -106,6 +108,7 @@ void WriteVerifyResult(void* record, const Reply& reply) {
   if (record == nullptr) return Engine().violate("a null verification result");
   if (reply.writesNothing) return;
   void* entries = PutArray(record, 0, 8, reply.signatures.size(), 16);
+  if (reply.entryCount) Put(record, 0, *reply.entryCount);
   for (size_t i = 0; i < reply.signatures.size(); ++i) {
     const Signature& signature = reply.signatures[i];
     Put(entries, 16 * i, signature.status);
@@ -123,6 +126,7 @@ void WriteFindResult(void* record, const Reply& reply) {
   void* array = PutArray(record, 0, 8, reply.certificates.size(), kCertificate.size);
   for (size_t i = 0; i < reply.certificates.size(); ++i) {
     WriteCertificate(At(array, kCertificate.size * i), reply.certificates[i]);
+    if (reply.usageCount) Put(At(array, kCertificate.size * i), 344, *reply.usageCount);
   }
   if (reply.findCount) Put(record, 0, *reply.findCount);
 }

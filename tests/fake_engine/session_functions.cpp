@@ -74,7 +74,12 @@ int32_t QUIVO_FreeMem(void* session, void* buffer) {
 
 int32_t QUIVO_EncodeMem(char* text, const uint8_t* bytes, uint32_t length) {
   const Reply reply = Recorder("QUIVO_EncodeMem").bytes(text, 0).bytes(bytes, length).number(length).reply();
-  if (!reply.writesNothing) std::memcpy(text, reply.text.c_str(), reply.text.size() + 1);
+  const uint64_t room = (uint64_t{4} * length + 4) / 3 + 4;
+  if (reply.text.size() >= room) {
+    Engine().violate("a text that is too long for the bytes");
+  } else if (!reply.writesNothing) {
+    std::memcpy(text, reply.text.c_str(), reply.text.size() + 1);
+  }
   return reply.result;
 }
 

@@ -35,6 +35,7 @@ ContractTest::~ContractTest() {
   if (countsComMemory_) {
     EXPECT_EQ(0u, spy.outstandingSince(comMark_)) << "BSTRs, SAFEARRAYs and other COM memory\n" << spy.since(comMark_);
   }
+  EXPECT_EQ(std::vector<std::string>{}, spy.violations()) << "COM memory";
   engine().reset();
 }
 

@@ -2,14 +2,12 @@
 // to the tests, and lets them call the entry point.
 #include <windows.h>
 
-#include <malloc.h>
-
 #include <atomic>
 #include <cstdlib>
-#include <cstring>
 #include <new>
 
 #include "com/module.h"
+#include "support/module_blocks.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEnds);
 
@@ -24,7 +22,7 @@ void* Allocate(size_t size) noexcept {
     untilFailure = kFailed;
     return nullptr;
   }
-  void* block = std::malloc(size == 0 ? 1 : size);
+  void* block = TakeBlock(size);
   if (block != nullptr) ++live;
   return block;
 }
@@ -38,9 +36,7 @@ void* AllocateOrEnd(size_t size) {
 void Release(void* block) noexcept {
   if (block == nullptr) return;
   --live;
-  // A late reader shall not find what was there.
-  std::memset(block, 0xDD, _msize(block));
-  std::free(block);
+  GiveBlock(block);
 }
 
 }  // namespace

@@ -276,7 +276,7 @@ TEST_F(SignatureConversionTest, FailureIsExplainedByTheEngine) {
   Objects objects(openQuivo());
   TempFile file({1});
   Variant signature, text;
-  engine().on("QUIVO_SignMem").output = {1};
+  engine().on("QUIVO_SignMem").output = Bytes(9);
   engine().on("QUIVO_EncodeMem").text = "signature";
   engine().on("QUIVO_GetErrorText").text = "why";
   ConversionFailure failure;
