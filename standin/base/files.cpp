@@ -14,6 +14,11 @@ FileHandle Open(const char* path, DWORD access, DWORD share, DWORD creation, DWO
   return FileHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
+/// Whether a file has a name of CreateBeside: it is being written, or who wrote it was ended.
+bool IsTemporary(const std::string& name) {
+  return name.size() == std::strlen("~t00000000.tmp") && name.starts_with("~t") && name.ends_with(".tmp");
+}
+
 /// Fails for the name of a stream in a file: the temporary file beside it would be a stream too, and could not become
 /// it.
 void RequireNoStream(const std::string& path) {
@@ -157,7 +162,8 @@ std::vector<std::string> FilesIn(const std::string& folder, const char* pattern)
     Fail(kStoreUnreadable);
   }
   do {
-    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.emplace_back(entry.cFileName);
+    const bool isFile = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    if (isFile && !IsTemporary(entry.cFileName)) names.emplace_back(entry.cFileName);
   } while (FindNextFileA(search, &entry));
   FindClose(search);
   return names;

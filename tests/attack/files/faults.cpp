@@ -91,7 +91,7 @@ void FailEachInStore(Cases& cases, const Folders& folders, unsigned which, FileC
 
 /// Data of some pieces, signed and sealed, so that files are read and written by more than one call.
 void MakeBigInputs(const Caller& caller, const Folders& folders) {
-  Bytes big(2500000);
+  Bytes big(1200000);
   unsigned value = 1;
   for (uint8_t& byte : big) byte = static_cast<uint8_t>((value = value * 1103515245 + 12345) >> 16);
   const std::wstring data = folders.file(L"data.bin");

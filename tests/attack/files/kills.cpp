@@ -158,8 +158,9 @@ void AttackKills(Cases& cases, const Folders& folders, unsigned seed, unsigned p
   std::vector<Point> all = PointsOf(static_cast<unsigned>(writing.size()));
   for (Point& point : all) point.which = writing[point.which];
   std::ranges::shuffle(all, random);
-  // The first calls are made by every operation.
-  std::ranges::stable_sort(all, {}, [](const Point& point) { return point.at; });
+  // The first calls are made by every operation, and a store has more to lose than an output.
+  std::ranges::stable_sort(all, {},
+                           [&](const Point& point) { return std::pair(point.at, !attack.isOfStore(point.which)); });
   for (size_t i = 0; i < all.size() && i < points; ++i) attack.dieAt(all[i]);
   for (unsigned i = 0; i < kills; ++i) {
     const unsigned which = writing[random() % writing.size()];
