@@ -19,10 +19,10 @@ int main(int count, char** values) {
   const auto seed = static_cast<unsigned>(std::strtoul(values[4], nullptr, 0));
   const auto times = static_cast<unsigned>(std::strtoul(values[5], nullptr, 0));
   Cases cases(attack, seed, count > 6 ? values[6] : "");
-  if (attack == "paths") AttackPaths(cases, folders);
+  if (attack == "paths") AttackPaths(cases, folders, times > 1);
   if (attack == "denied") AttackDenied(cases, folders);
   if (attack == "faults") AttackFaults(cases, folders);
-  if (attack == "changes") AttackChanges(cases, folders);
+  if (attack == "changes") AttackChanges(cases, folders, times > 1);
   // Of the processes that end, two of three do so by themselves at a chosen point.
   if (attack == "kills") AttackKills(cases, folders, seed, times * 2 / 3, times - times * 2 / 3);
   for (unsigned i = 0; attack == "crowd" && i < times; ++i) AttackCrowd(cases, folders);
