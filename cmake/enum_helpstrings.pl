@@ -1,5 +1,6 @@
 #!/usr/bin/perl
-# Gives the enumeration members of a type library their help strings: widl refuses the attribute there.
+# Gives the enumeration members of a type library their help strings: widl refuses the attribute there. Takes out the time
+# at which widl ran, so that what is built from the same sources is the same.
 #   enum_helpstrings.pl strip IN.idl OUT.idl        leaves the attribute out, line by line, for widl
 #   enum_helpstrings.pl patch IN.idl IN.tlb OUT.tlb writes the strings into the library that widl made
 use strict;
@@ -21,7 +22,7 @@ sub strip {
 # behind them the members of each type. Only the strings' segment and the members of enumerations grow.
 use constant {
   HEADER_SIZE => 0x54, VARFLAGS => 0x14, TYPE_COUNT => 0x20,
-  SEGMENTS => 15, TYPES => 0, NAMES => 7, STRINGS => 8,
+  SEGMENTS => 15, TYPES => 0, NAMES => 7, STRINGS => 8, CUSTOM => 11,
   TYPE_SIZE => 0x64, MEMBERS_OFFSET => 4, MEMBER_COUNTS => 0x18,
   KIND_ENUM => 0, PLAIN_MEMBER => 0x14, HELPED_MEMBER => 0x1C,
 };
@@ -61,6 +62,14 @@ sub with_help {
   return ($old, pack('l<', length $records) . $records . substr($$data, $ids, 8 * $count) . pack('l<*', @offsets));
 }
 
+# widl states its time twice in the custom data: as a text, and as a number behind it.
+sub without_time {
+  my ($custom) = @_;
+  $custom =~ s/(Created by WIDL version \S+ at )[^\n]{24}(\nW*\x13\0).{4}/$1Thu Jan  1 00:00:00 1970$2\0\0\0\0/s
+    or die "the type library does not state its time where it should\n";
+  return $custom;
+}
+
 sub patch {
   my ($idl, $in, $out) = @_;
   my %help = map { /$member/ ? ($2, $1) : () } split /\n/, slurp($idl);
@@ -80,6 +89,9 @@ sub patch {
     $used++;
     return $at;
   };
+
+  substr($data, $segment->(CUSTOM), $_) = without_time(substr $data, $segment->(CUSTOM), $_)
+    for int32(\$data, $directory + 16 * CUSTOM + 4);
 
   # The blocks of members in the order of the file, each kept or replaced.
   my @types = map { $segment->(TYPES) + $_ * TYPE_SIZE } 0 .. $types - 1;

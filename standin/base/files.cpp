@@ -14,8 +14,23 @@ FileHandle Open(const char* path, DWORD access, DWORD share, DWORD creation, DWO
   return FileHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
+/// Whether a file has a name of CreateBeside: it is being written, or who wrote it was ended.
+bool IsTemporary(const std::string& name) {
+  return name.size() == std::strlen("~t00000000.tmp") && name.starts_with("~t") && name.ends_with(".tmp");
+}
+
+/// Fails for the name of a stream in a file: the temporary file beside it would be a stream too, and could not become
+/// it.
+void RequireNoStream(const std::string& path) {
+  const bool isPrefixed = path.starts_with("\\\\?\\") || path.starts_with("\\\\.\\");
+  const size_t drive = isPrefixed ? 4 : 0;
+  const size_t rest = path.size() > drive + 1 && path[drive + 1] == ':' ? drive + 2 : drive;
+  if (path.find(':', rest) != std::string::npos) Fail(ERROR_INVALID_NAME);
+}
+
 /// A new file with a free name in the folder of `path`.
 FileHandle CreateBeside(const std::string& path, std::string& name) {
+  RequireNoStream(path);
   const size_t folderLength = path.find_last_of("\\/:") + 1;
   for (unsigned attempt = 0; attempt < 100; ++attempt) {
     char leaf[32];
@@ -35,6 +50,8 @@ InputFile::InputFile(const char* path) {
   if (path == nullptr) Fail(kWinInvalidParameter);
   handle_ = Open(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
   if (handle_ == nullptr) FailWithLastError();
+  // A device or a pipe may never come to an end, or never begin.
+  if (GetFileType(handle_.get()) != FILE_TYPE_DISK) Fail(ERROR_BAD_PATHNAME);
   LARGE_INTEGER size;
   if (!GetFileSizeEx(handle_.get(), &size)) FailWithLastError();
   size_ = static_cast<uint64_t>(size.QuadPart);
@@ -145,7 +162,8 @@ std::vector<std::string> FilesIn(const std::string& folder, const char* pattern)
     Fail(kStoreUnreadable);
   }
   do {
-    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.emplace_back(entry.cFileName);
+    const bool isFile = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    if (isFile && !IsTemporary(entry.cFileName)) names.emplace_back(entry.cFileName);
   } while (FindNextFileA(search, &entry));
   FindClose(search);
   return names;

@@ -76,7 +76,8 @@ std::string FreeNameBeside(const std::string& path);
 /// "folder\name", with one separator.
 std::string JoinPath(const std::string& folder, const std::string& name);
 
-/// The names of the files in a folder that fit the pattern. Fails with kStoreUnreadable if the folder cannot be read.
+/// The names of the files in a folder that fit the pattern, without temporary ones of OutputFile. Fails with
+/// kStoreUnreadable if the folder cannot be read.
 std::vector<std::string> FilesIn(const std::string& folder, const char* pattern);
 
 }  // namespace standin

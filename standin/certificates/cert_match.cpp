@@ -23,6 +23,13 @@ bool IsSet(const AltNameRecord& name) {
   return any;
 }
 
+/// True for a name whose stated texts are all empty.
+bool IsEmptied(const AltNameRecord& name) {
+  bool any = false;
+  ForEachMember([&](const char* text) { any = any || text != nullptr; }, name);
+  return any && !IsSet(name);
+}
+
 bool Counts(const CertificateRecord& wanted, uint32_t field) {
   return wanted.fields == 0 || (wanted.fields & field) != 0;
 }
@@ -90,6 +97,8 @@ class Comparison {
 
   bool hasAltName(uint32_t field, const AltNameRecord& wanted, int extensionNid) const {
     if (!Counts(wanted_, field)) return true;
+    // Otherwise an address that was left empty would fit everybody.
+    if ((wanted_.fields & field) != 0 && IsEmptied(wanted)) return false;
     Buffers buffers;
     AltNameRecord stated{};
     FillAltName(stated, certificate_, extensionNid, buffers);

@@ -52,6 +52,14 @@ struct ContentFile {
   }
 };
 
+void RequireSameContent(const char* data, const char* message) {
+  Digest inFile(DefaultDigest());
+  Digest inMessage(DefaultDigest());
+  InputFile(data).forEachPiece([&](ByteView piece) { inFile.update(piece); });
+  ReadSignedFile(message, [&](ByteView piece) { inMessage.update(piece); });
+  if (inFile.finish() != inMessage.finish()) Fail(kContentMismatch);
+}
+
 ContentFile ContentOf(SignatureMaker& maker, const char* data, const char* existing) {
   if (data == nullptr && existing == nullptr) Fail(kContentMissing);
   ContentFile content{data, false, data == nullptr ? 0 : InputFile(data).size()};
@@ -101,14 +109,6 @@ DataBlob_t OutputOf(Session& session, SignatureMaker& maker, ByteView content) {
 }
 
 }  // namespace
-
-void RequireSameContent(const char* data, const char* message) {
-  Digest inFile(DefaultDigest());
-  Digest inMessage(DefaultDigest());
-  InputFile(data).forEachPiece([&](ByteView piece) { inFile.update(piece); });
-  ReadSignedFile(message, [&](ByteView piece) { inMessage.update(piece); });
-  if (inFile.finish() != inMessage.finish()) Fail(kContentMismatch);
-}
 
 DataBlob_t SignMemory(Session& session, const SignParamRecord* param, std::optional<ByteView> data,
                       std::optional<ByteView> existing) {

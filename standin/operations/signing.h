@@ -16,9 +16,6 @@ DataBlob_t SignMemory(Session& session, const SignParamRecord* param, std::optio
 /// The same with files; a null path and the device NUL are absent files. Memory does not grow with the files.
 void SignFiles(Session& session, const SignParamRecord* param, const char* data, const char* existing, const char* out);
 
-/// Fails with kContentMismatch unless the file is the content of the message.
-void RequireSameContent(const char* data, const char* message);
-
 /// Signing of data in pieces. Keeps the data only if it becomes part of the message.
 class SignStream : public Stream {
  public:

@@ -1,9 +1,9 @@
 #include "standin/operations/verification.h"
 
 #include "standin/base/codes.h"
+#include "standin/base/digest.h"
 #include "standin/base/files.h"
 #include "standin/base/times.h"
-#include "standin/operations/signing.h"
 
 namespace standin {
 namespace {
@@ -24,8 +24,15 @@ DataBlob_t OutputOf(const Verifier& verifier, GrowingBuffer& content, Buffers& b
 
 void FeedFile(const char* path, const MessageReader::OnContent& take) { InputFile(path).forEachPiece(take); }
 
-/// Writes the message with the remaining signatures, or the content if none remain. Reads the content once more.
-void WriteAfterwards(const Verifier& verifier, const char* message, uint64_t contentLength, const char* out) {
+/// The content of a message as it was verified.
+struct VerifiedContent {
+  uint64_t length = 0;
+  Bytes hash;
+};
+
+/// Writes the message with the remaining signatures, or the content if none remain. Reads the content once more, and
+/// fails with kFileChanged if it is not what was verified.
+void WriteAfterwards(const Verifier& verifier, const char* message, const VerifiedContent& content, const char* out) {
   const bool leaves = verifier.leavesSignatures();
   if (!verifier.hasContent()) {
     if (leaves) WriteWholeFile(out, verifier.remaining().withoutContent());
@@ -33,14 +40,14 @@ void WriteAfterwards(const Verifier& verifier, const char* message, uint64_t con
   }
   const Bytes trailer = leaves ? verifier.remaining().trailer() : Bytes();
   OutputFile file(out);
-  if (leaves) file.write(verifier.remaining().header(contentLength, trailer.size()));
-  uint64_t copied = 0;
+  if (leaves) file.write(verifier.remaining().header(content.length, trailer.size()));
+  Digest copied(DefaultDigest());
   MessageReader reader([&](ByteView piece) {
-    copied += piece.size();
+    copied.update(piece);
     file.write(piece);
   });
   FeedFile(message, [&](ByteView piece) { reader.feed(piece); });
-  if (copied != contentLength) Fail(kFileChanged);
+  if (copied.finish() != content.hash) Fail(kFileChanged);
   file.write(trailer);
   file.commit();
 }
@@ -89,23 +96,30 @@ Verification VerifyFiles(Session& session, const VerifyParamRecord& param, const
   const bool removesOne = (param.flag & kVerifyDelSign) != 0 && param.nSignToDelete != kDeleteAllSigns;
   std::optional<OutputFile> content;
   if (out != nullptr && !removesOne) content.emplace(out);
-  uint64_t contentLength = 0;
+  VerifiedContent verified;
+  // Read more than once, or compared with another file.
+  std::optional<Digest> digest;
+  if (removesOne || data != nullptr) digest.emplace(DefaultDigest());
   Verifier verifier(session, [&](ByteView piece) {
-    contentLength += piece.size();
+    verified.length += piece.size();
+    if (digest) digest->update(piece);
     if (content) content->write(piece);
   });
   FeedFile(message, [&](ByteView piece) { verifier.feedMessage(piece); });
   if (!verifier.headKnown()) Fail(kMessageDamaged);
+  if (digest) verified.hash = digest->finish();
   if (!verifier.hasContent()) {
     if (data == nullptr) Fail(kContentMissing);
     FeedFile(data, [&](ByteView piece) { verifier.feedData(piece); });
   } else if (data != nullptr) {
-    RequireSameContent(data, message);
+    Digest given(DefaultDigest());
+    FeedFile(data, [&](ByteView piece) { given.update(piece); });
+    if (given.finish() != verified.hash) Fail(kContentMismatch);
   }
   Verification result = ResultOf(verifier, param);
   if (!IsGood(result.code) || out == nullptr) return result;
   if (removesOne) {
-    WriteAfterwards(verifier, message, contentLength, out);
+    WriteAfterwards(verifier, message, verified, out);
   } else if (verifier.hasContent()) {
     content->commit();
   }

@@ -24,6 +24,15 @@ Bytes BytesInFile(const std::string& path) {
   }
 }
 
+/// Writes the file of an object, unless another process has written it: its readers keep it from being replaced.
+void WriteObject(const std::string& path, ByteView der) {
+  try {
+    WriteWholeFile(path.c_str(), der);
+  } catch (const EngineError&) {
+    if (!Equal(BytesInFile(path), der)) throw;
+  }
+}
+
 time_t IssuedAt(const X509_CRL* crl) { return SecondsOf(X509_CRL_get0_lastUpdate(crl)); }
 
 bool Contains(const std::vector<CrlPtr>& crls, const X509_CRL* wanted) {
@@ -83,7 +92,7 @@ Store::CrlReload Store::reloadCrls() {
 void Store::add(X509* certificate) {
   if (!isOpen()) Fail(kNoStore);
   const Bytes der = DerOf(certificate);
-  if (!knows(certificate)) WriteWholeFile(JoinPath(folder_, ThumbprintText(der) + ".cer").c_str(), der);
+  if (!knows(certificate)) WriteObject(JoinPath(folder_, ThumbprintText(der) + ".cer"), der);
   remember(Share(certificate));
 }
 
@@ -94,7 +103,7 @@ void Store::add(X509_CRL* crl) {
   if (known != nullptr && X509_CRL_match(known, crl) == 0) return;
   if (known != nullptr && IssuedAt(crl) < IssuedAt(known)) Fail(kCrlOlder);
   const Bytes der = DerOf(crl);
-  WriteWholeFile(JoinPath(folder_, ThumbprintText(der) + ".crl").c_str(), der);
+  WriteObject(JoinPath(folder_, ThumbprintText(der) + ".crl"), der);
   X509_CRL_up_ref(crl);
   remember(CrlPtr(crl));
 }

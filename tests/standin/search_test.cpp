@@ -81,6 +81,26 @@ TEST_F(Searching, TemplatesAreMatched) {
   EXPECT_EQ(1u, find(session, param).size());
 }
 
+TEST_F(Searching, DemandedNameWithAnEmptyTextFindsNobody) {
+  char nothing[] = "";
+  FindParamRecord param{};
+  param.certTemplate.fields = 0x280;
+  param.certTemplate.keyUsage = 5;
+  for (char* AltNameRecord::*text :
+       {&AltNameRecord::emailAddress, &AltNameRecord::exchange_address, &AltNameRecord::extraName}) {
+    param.certTemplate.subjectAltName = {};
+    param.certTemplate.subjectAltName.*text = nothing;
+    EXPECT_TRUE(find(open("alice"), param).empty());
+  }
+}
+
+TEST_F(Searching, EmptyTextsWithoutAMaskAreNotSet) {
+  char nothing[] = "";
+  FindParamRecord param{};
+  param.certTemplate.subjectAltName.emailAddress = nothing;
+  EXPECT_EQ(5u, find(open("alice"), param).size());
+}
+
 TEST_F(Searching, NumbersAndHashesAreMatched) {
   const EngineSession session = open("alice");
   const Bytes encoded = Material("bob.cer");

@@ -11,6 +11,20 @@ class Store : public StoreTest {};
 
 }  // namespace
 
+TEST_F(Store, ObjectIsAddedWhileAnotherProcessReadsItsFile) {
+  const std::string folder = CopyOfStore("roots", "read-while-added");
+  const EngineSession first = openIn("alice", folder);
+  const EngineSession second = openIn("alice", folder);
+  ASSERT_CODE(0, add(first, Material("heidi.cer")));
+  WIN32_FIND_DATAA entry{};
+  FindClose(FindFirstFileA((folder + "\\*.cer").c_str(), &entry));
+  const HANDLE reader = CreateFileA((folder + "\\" + entry.cFileName).c_str(), GENERIC_READ,
+                                    FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(INVALID_HANDLE_VALUE, reader);
+  EXPECT_CODE(0, add(second, Material("heidi.cer")));
+  CloseHandle(reader);
+}
+
 TEST_F(Store, AddedCertificateIsKnownAndKept) {
   const std::string folder = CopyOfStore("roots", "add");
   const EngineSession session = openIn("alice", folder);
