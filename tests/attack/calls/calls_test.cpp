@@ -117,7 +117,8 @@ void CallsAttack::runRound(uint64_t round, size_t calls) {
   if (after.objects != before.objects) complain(name, std::to_string(after.objects - before.objects) + " objects left");
   if (after.allocations != before.allocations)
     complain(name, std::to_string(after.allocations - before.allocations) + " allocations left");
-  const MallocSpy& spy = MallocSpy::get();
+  MallocSpy& spy = MallocSpy::get();
+  for (const std::string& violation : spy.violations()) complain(name, "COM memory " + violation);
   if (!usedProxy && spy.outstandingSince(before.comMark) != 0)
     complain(name, "COM memory left\n" + spy.since(before.comMark));
 }
