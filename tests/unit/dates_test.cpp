@@ -36,6 +36,16 @@ TEST(UnixTimeToDate, CountsLeapDays) {
   EXPECT_EQ(DateOf(4107542400), 73110.0);  // 2100-03-01, no leap year
 }
 
+TEST(UnixTimeToDate, KnowsTheLengthOfEveryMonth) {
+  const int firstDays[] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
+  for (int days : firstDays) EXPECT_EQ(DateOf(1672531200u + 86400u * static_cast<uint32_t>(days)), 44927 + days);
+  // In a leap year, from March on.
+  for (int days : firstDays) {
+    const int day = days + (days > 31 ? 1 : 0);
+    EXPECT_EQ(DateOf(1704067200u + 86400u * static_cast<uint32_t>(day)), 45292 + day);
+  }
+}
+
 TEST(UnixTimeToDate, ReachesTheLastSecondOfThirtyTwoBits) {
   EXPECT_DOUBLE_EQ(DateOf(0xFFFFFFFF), kDay1970 + 4294967295.0 / 86400);
 }

@@ -68,6 +68,17 @@ TEST(RegistrarScript, ReadsIdentifiersInBraces) {
   EXPECT_EQ(key->name, "{236C9B37-B991-48C2-B14A-340A28638282}");
 }
 
+TEST(RegistrarScript, ReadsSixteenLevelsAndNoMore) {
+  const auto nested = [](int levels) {
+    std::string script = "HKCR {";
+    for (int i = 0; i < levels; ++i) script += " A {";
+    for (int i = 0; i < levels; ++i) script += " }";
+    return script + " }";
+  };
+  Parsed(nested(16));
+  EXPECT_EQ(Failure(nested(17)), kBadScript);
+}
+
 TEST(RegistrarScript, KeepsTheModuleMarkForLater) {
   EXPECT_EQ(Parsed("HKCR { A = s '%MODULE%' }")->defaultText, "%MODULE%");
 }

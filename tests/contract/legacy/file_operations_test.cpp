@@ -105,6 +105,13 @@ TEST_F(LegacyFiles, AMessageOfALongNameIsCutAndKeepsItsReason) {
   EXPECT_EQ(std::wstring(255, L'x'), text.substr(end + 1));
 }
 
+TEST_F(LegacyFiles, AReasonThatTheEngineDoesNotWriteIsEmpty) {
+  engine().on("QUIVO_EncryptFile").result = 2;
+  engine().on("QUIVO_GetErrorText").writesNothing = true;
+  EXPECT_HR(kForced | 2u, object->Encrypt(Bstr(L"C:\\a.txt"), Bstr(kOut)));
+  EXPECT_EQ(L"Ошибка выполнения шифрования файла C:\\a.txt.\n", desktop.onlyMessage().text);
+}
+
 TEST_F(LegacyFiles, AFormatInANameIsNotRead) {
   engine().on("QUIVO_EncryptFile").result = 2;
   engine().on("QUIVO_GetErrorText").text = "%s%n";
