@@ -20,9 +20,8 @@ Apartment apartment;
 DWORD WINAPI Serve(void*) {
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   {
-    const CoClass& coclass = ClassOf("ISignParam");
     Ptr<IDispatch> object;
-    FactoryOf(coclass.clsid)->CreateInstance(nullptr, IID_IDispatch, object.voidOut());
+    FactoryOf(ClassOf("ISignParam").clsid)->CreateInstance(nullptr, IID_IDispatch, object.voidOut());
     CoMarshalInterThreadInterfaceInStream(IID_IDispatch, object, &apartment.stream);
     SetEvent(apartment.ready);
     MSG message;
