@@ -10,7 +10,7 @@
 // What the delayed import of the engine consists of: made by the linker, as is the start of the module.
 // NOLINTNEXTLINE(readability-identifier-naming,bugprone-reserved-identifier)
 extern "C" const ImgDelayDescr __DELAY_IMPORT_DESCRIPTOR_libtavl1_delayed_a;
-extern "C" IMAGE_DOS_HEADER __ImageBase;  // NOLINT(readability-identifier-naming,bugprone-reserved-identifier)
+extern "C" BYTE __ImageBase[];  // NOLINT(readability-identifier-naming,bugprone-reserved-identifier)
 
 namespace engine {
 namespace {
@@ -25,7 +25,7 @@ const char* missing;
 
 template <class Type>
 Type* At(DWORD offset) {
-  return reinterpret_cast<Type*>(reinterpret_cast<BYTE*>(&__ImageBase) + offset);
+  return reinterpret_cast<Type*>(__ImageBase + offset);
 }
 
 /// The result of the platform function that has just failed.
@@ -36,7 +36,7 @@ class Search {
  public:
   /// S_FALSE if none of the folders has an engine.
   HRESULT run(HMODULE* found) {
-    DWORD length = GetModuleFileNameW(reinterpret_cast<HMODULE>(&__ImageBase), path_, kLongestPath);
+    DWORD length = GetModuleFileNameW(reinterpret_cast<HMODULE>(__ImageBase), path_, kLongestPath);
     const wchar_t* name = length < kLongestPath ? std::wcsrchr(path_, L'\\') : nullptr;
     HRESULT hr = name ? loadFrom(path_, static_cast<size_t>(name - path_), found) : S_FALSE;
     if (hr != S_FALSE) return hr;

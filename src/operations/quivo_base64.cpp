@@ -30,6 +30,8 @@ DWORD ReadWholeFile(const wchar_t* path, std::unique_ptr<uint8_t[]>& bytes, DWOR
       CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   if (handle == INVALID_HANDLE_VALUE) return GetLastError();
   com::File file(handle);
+  // A device or a pipe has no size; some platforms report one, and the reading would wait.
+  if (GetFileType(handle) != FILE_TYPE_DISK) return ERROR_INVALID_FUNCTION;
   SetLastError(NO_ERROR);
   *size = GetFileSize(handle, nullptr);
   if (*size == INVALID_FILE_SIZE && GetLastError() != NO_ERROR) return GetLastError();

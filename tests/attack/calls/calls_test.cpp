@@ -55,6 +55,7 @@ class CallsAttack : public ::testing::Test {
   Coverage coverage_;
   std::set<std::string> functions_;
   size_t problems_ = 0;
+  bool isWarmUp_ = false;
 };
 
 /// The counts that a round has to leave as they were.
@@ -119,7 +120,8 @@ void CallsAttack::runRound(uint64_t round, size_t calls) {
     complain(name, std::to_string(after.allocations - before.allocations) + " allocations left");
   MallocSpy& spy = MallocSpy::get();
   for (const std::string& violation : spy.violations()) complain(name, "COM memory " + violation);
-  if (!usedProxy && spy.outstandingSince(before.comMark) != 0)
+  // What the platform keeps from its first calls is no loss.
+  if (!isWarmUp_ && !usedProxy && spy.outstandingSince(before.comMark) != 0)
     complain(name, "COM memory left\n" + spy.since(before.comMark));
 }
 
@@ -151,6 +153,9 @@ TEST_F(CallsAttack, EveryCallEndsInAResult) {
     return;
   }
   const size_t rounds = Option("calls", 50000) / kCallsOfARound + 1;
+  isWarmUp_ = true;
+  runRound(0, kCallsOfARound);
+  isWarmUp_ = false;
   Usage warm{};
   for (size_t round = 0; round < rounds && problems_ == 0; ++round) {
     if (round == rounds / 5) warm = UsageOfProcess();

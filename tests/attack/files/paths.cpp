@@ -179,9 +179,7 @@ void AttackPaths(Cases& cases, const Folders& folders, bool all) {
       if (!takes && !all) continue;
       const SilentPipe pipe;
       if (!operation.input.empty()) {
-        // The module reads this file itself: of devices it reads as many bytes as they state, which is none.
-        const bool readsDevices = std::string(operation.name) == "SignFile2B64Mem";
-        attack.refused("input " + Narrow(place.path), operation, place.path, old, place.mayWork || readsDevices);
+        attack.refused("input " + Narrow(place.path), operation, place.path, old, place.mayWork);
       }
       // A verification without an output is none that is refused.
       const bool absent = _wcsicmp(place.path.c_str(), L"NUL") == 0;
