@@ -27,8 +27,6 @@ add_executable(legacy_tests
 target_link_libraries(legacy_tests PRIVATE contract_support legacy_units)
 set_target_properties(legacy_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${contract_dir})
 add_dependencies(legacy_tests tavlcom_contract)
-tavl_test_suites(legacy_tests contract ENVIRONMENT oanocache=1)
-# All write the name that the entry asks for into the classes of the whole prefix.
-set_tests_properties(contract.FileOpenTest contract.FileOpenKeepTest contract.FileOpenApartmentTest
-  contract.FileOpenPathTest contract.FileOpenRegistryTest contract.FileOpenMissingFunctionTest
-  PROPERTIES RESOURCE_LOCK file_open_name)
+tavl_test_rooms(legacy_tests contract TIMEOUT 120 ENVIRONMENT oanocache=1)
+# They write the name that the file-open entry asks for into the classes of the whole prefix; the checked ones have their own.
+set_tests_properties(contract.legacy PROPERTIES RESOURCE_LOCK file_open_name)
