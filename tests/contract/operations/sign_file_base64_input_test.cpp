@@ -63,6 +63,17 @@ TEST_F(SignFileBase64InputTest, FileIsOpenedForSequentialReadingBesideOtherReade
   EXPECT_FALSE(opened[0].hasTemplate);
 }
 
+TEST_F(SignFileBase64InputTest, PipeIsNoFileToSign) {
+  const std::wstring name = L"\\\\.\\pipe\\tavlcom-" + std::to_wstring(GetCurrentProcessId());
+  const HANDLE pipe = CreateNamedPipeW(name.c_str(), PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE, 1, 16, 16, 0, nullptr);
+  ASSERT_NE(INVALID_HANDLE_VALUE, pipe);
+  EXPECT_HR(kFailed, quivo->SignFile2B64Mem(param, Bstr(name), signature.out(), text.out()));
+  EXPECT_EQ(L"Не удалось прочитать файл " + name + L". Ошибка 1.", TextOf(text));
+  EXPECT_EQ(std::vector<std::string>{}, engine().names());
+  EXPECT_EQ(VT_EMPTY, signature.type());
+  EXPECT_TRUE(CloseHandle(pipe));
+}
+
 TEST_F(SignFileBase64InputTest, NullParametersAreRefusedAndExplained) {
   expectRefused(quivo->SignFile2B64Mem(nullptr, path, signature.out(), text.out()));
 }
