@@ -74,7 +74,7 @@ TEST_F(ResultsSheetWindows, OfAVerification) {
   EXPECT_EQ(L"Подпись верна", seen.window.control(1007).text);
   EXPECT_EQ(icon(1101), seen.header);
   const std::vector<Column> columns = {
-      {L"Результат", 80, LVCFMT_LEFT}, {L"Подписавшие", 120, LVCFMT_LEFT}, {L"Время", 110, LVCFMT_LEFT}};
+      {L"Результат", 80, LVCFMT_LEFT, 0}, {L"Подписавшие", 120, LVCFMT_LEFT, 1}, {L"Время", 110, LVCFMT_LEFT, 2}};
   EXPECT_EQ(columns, seen.list.columns);
   EXPECT_EQ(0x4020u, seen.list.extendedStyle);
   EXPECT_EQ(1, seen.list.imageCount);

@@ -12,11 +12,11 @@ SeenList LookAtList(HWND list) {
   wchar_t text[1024];
   for (int i = 0;; ++i) {
     LVCOLUMNW column{};
-    column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
+    column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT | LVCF_SUBITEM;
     column.pszText = text;
     column.cchTextMax = 1024;
     if (!SendMessageW(list, LVM_GETCOLUMNW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&column))) break;
-    seen.columns.push_back({text, column.cx, column.fmt & LVCFMT_JUSTIFYMASK});
+    seen.columns.push_back({text, column.cx, column.fmt & LVCFMT_JUSTIFYMASK, column.iSubItem});
   }
   const int rows = static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
   for (int row = 0; row < rows; ++row) {

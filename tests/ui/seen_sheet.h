@@ -22,6 +22,7 @@ struct Column {
   std::wstring heading;
   int width;
   int format;
+  int index;
   bool operator==(const Column&) const = default;
 };
 

@@ -18,6 +18,8 @@ TEST(SubjectName, IsCommonNameThenOrganisation) {
   EXPECT_EQ(NameOf("/C=RU/O=Example/CN=Anna"), "Anna, Example");
 }
 
+TEST(SubjectName, AttributeWithoutAKeyEndsWithItsQuotes) { EXPECT_EQ(NameOf("=\"a,CN=Eve\",CN=Bob"), "Bob"); }
+
 TEST(SubjectName, EndsWithItsBuffer) {
   const std::string longName(legacy::kNameSize, 'x');
   EXPECT_EQ(NameOf("CN=" + longName), longName.substr(1));

@@ -231,6 +231,27 @@ TEST_F(ClassObjectTest, UnloadingReleasesTheFactories) {
   EXPECT_TRUE(module.dllMain(DLL_PROCESS_ATTACH, nullptr));
 }
 
+TEST_F(ClassObjectTest, FirstNameNeedsMemoryForTheDescriptionsOfAllMembers) {
+  const ModuleWithFactory module;
+  const auto failAllocation = module.copy.entry<void (*)(long)>("TavlcomFailAllocation");
+  const auto allocationFailed = module.copy.entry<bool (*)()>("TavlcomAllocationFailed");
+  Ptr<IClassFactory> factory;
+  ASSERT_OK(module.getClassObject(__uuidof(CertId), IID_IClassFactory, factory.voidOut()));
+  Ptr<IDispatch> object;
+  ASSERT_OK(factory->CreateInstance(nullptr, IID_IDispatch, object.voidOut()));
+  LPOLESTR name = const_cast<LPOLESTR>(L"issuer");
+  DISPID id = 0;
+  long failures = 0;
+  for (bool failed = true; failed; failures += failed) {
+    failAllocation(failures);
+    const HRESULT result = object->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id);
+    failed = allocationFailed();
+    EXPECT_HR(failed ? E_OUTOFMEMORY : S_OK, result);
+  }
+  failAllocation(-1);
+  EXPECT_GT(failures, 3);
+}
+
 TEST_F(ClassObjectTest, EndOfTheProcessReleasesNothing) {
   const ModuleWithFactory module;
   ASSERT_OK(module.asked);
