@@ -7,7 +7,7 @@
 
 #include "attack/calls/other_apartment.h"
 #include "support/class_objects.h"
-#include "support/type_library.h"
+#include "support/object_safety.h"
 
 namespace {
 
@@ -91,8 +91,33 @@ STDMETHODIMP Stranger::InvokeEx(DISPID id, LCID locale, WORD flags, DISPPARAMS* 
 
 Actors::Actors(Random& random, const TempFile& file, std::function<void()> reenter)
     : random_(random), reenter_(std::move(reenter)), file_(file) {
-  for (const CoClass& coclass : Classes()) own_[coclass.interfaceName] = MakeOf(coclass);
+  for (const CoClass& coclass : Classes()) own_[coclass.interfaceName] = make(coclass);
   for (const Manner manner : kManners) strangers_.push_back(std::make_unique<Stranger>(manner, random_, reenter_));
+}
+
+Actors::~Actors() {
+  own_.clear();
+  // An outer object ends once nothing refers to it: not before the objects whose property it is.
+  const auto isAlone = [](const auto& outer) { return outer->references == 1; };
+  while (std::erase_if(outers_, isAlone) != 0) continue;
+  // Objects of the module refer to what is left; their count shows it.
+  for (std::unique_ptr<OuterObject>& outer : outers_) outer.release();
+}
+
+Ptr<IDispatch> Actors::make(const CoClass& coclass) {
+  Ptr<IDispatch> made;
+  if (random_.chance(15)) {
+    outers_.push_back(std::make_unique<OuterObject>(FactoryOf(coclass.clsid).get()));
+    made = outers_.back()->inner.as<IDispatch>();
+  } else {
+    made = MakeOf(coclass);
+  }
+  if (random_.chance(15)) {
+    constexpr DWORD kAll = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
+    const Ptr<IObjectSafety> safety = made.as<IObjectSafety>();
+    if (safety.get() != nullptr) safety->SetInterfaceSafetyOptions(IID_IDispatch, kAll, kAll);
+  }
+  return made;
 }
 
 Ptr<IDispatch> Actors::own(const std::string& interfaceName) const {
@@ -112,7 +137,7 @@ Ptr<IDispatch> Actors::any() {
 
 void Actors::replaceOne() {
   const CoClass& coclass = random_.pick(Classes());
-  own_[coclass.interfaceName] = MakeOf(coclass);
+  own_[coclass.interfaceName] = make(coclass);
 }
 
 std::string Actors::complaint() const {

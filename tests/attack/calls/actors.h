@@ -14,8 +14,10 @@
 #include <vector>
 
 #include "attack/shared/random.h"
+#include "support/outer_object.h"
 #include "support/ptr.h"
 #include "support/temp_file.h"
+#include "support/type_library.h"
 
 /// Codes of foreign objects, which late-bound calls pass on.
 inline const std::set<HRESULT> kForeignCodes{S_OK, S_FALSE, E_FAIL, E_NOINTERFACE, E_UNEXPECTED, DISP_E_MEMBERNOTFOUND};
@@ -65,6 +67,9 @@ class Actors {
  public:
   /// `reenter` runs while a stranger is asked something.
   Actors(Random& random, const TempFile& file, std::function<void()> reenter);
+  Actors(const Actors&) = delete;
+  Actors& operator=(const Actors&) = delete;
+  ~Actors();
 
   /// The object of a class by its default interface; null for an interface that is no class's.
   Ptr<IDispatch> own(const std::string& interfaceName) const;
@@ -80,9 +85,13 @@ class Actors {
   std::string complaint() const;
 
  private:
+  /// Some objects are parts of an outer one, and some have hosts that trust neither their data nor their callers.
+  Ptr<IDispatch> make(const CoClass& coclass);
+
   Random& random_;
   std::function<void()> reenter_;
   const TempFile& file_;
+  std::vector<std::unique_ptr<OuterObject>> outers_;
   std::map<std::string, Ptr<IDispatch>> own_;
   std::vector<std::unique_ptr<Stranger>> strangers_;
   bool usedProxy_ = false;

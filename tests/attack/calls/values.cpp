@@ -226,10 +226,15 @@ VARIANT CallValues::unknownType() {
 VARIANT CallValues::hostileReference(int depth) {
   const VARTYPE type = kKnown[random_.below(std::size(kKnown))];
   VARIANT made = Typed(VT_BYREF | type);
-  switch (random_.below(5)) {
+  switch (random_.below(6)) {
     case 0:
       V_VT(&made) = random_.of<VARTYPE>({V_VT(&made), VT_BYREF | VT_VARIANT, VT_BYREF | VT_ARRAY | VT_UI1});
       return made;
+    case 3: {
+      VARIANT* itself = keep(Typed(VT_BYREF | VT_VARIANT));
+      V_VARIANTREF(itself) = itself;
+      return *itself;
+    }
     case 1:
       V_BYREF(&made) = variable(type);
       return made;
