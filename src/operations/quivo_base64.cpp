@@ -33,8 +33,11 @@ DWORD ReadWholeFile(const wchar_t* path, std::unique_ptr<uint8_t[]>& bytes, DWOR
   // A device or a pipe has no size; some platforms report one, and the reading would wait.
   if (GetFileType(handle) != FILE_TYPE_DISK) return ERROR_INVALID_FUNCTION;
   SetLastError(NO_ERROR);
-  *size = GetFileSize(handle, nullptr);
+  DWORD high = 0;
+  *size = GetFileSize(handle, &high);
   if (*size == INVALID_FILE_SIZE && GetLastError() != NO_ERROR) return GetLastError();
+  // The engine counts with 32 bits: what they leave out would not be signed.
+  if (high != 0) return ERROR_FILE_TOO_LARGE;
   bytes.reset(new (std::nothrow) uint8_t[uint64_t{*size} + 1]);
   if (!bytes) return ERROR_NOT_ENOUGH_MEMORY;
   DWORD read = 0;

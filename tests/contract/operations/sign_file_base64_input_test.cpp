@@ -74,6 +74,18 @@ TEST_F(SignFileBase64InputTest, PipeIsNoFileToSign) {
   EXPECT_TRUE(CloseHandle(pipe));
 }
 
+TEST_F(SignFileBase64InputTest, NoFileIsSignedWhoseSizeExceeds32Bits) {
+  const HANDLE large = CreateFileW(file.path().c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  LARGE_INTEGER size{};
+  size.QuadPart = (int64_t{1} << 32) + 2;
+  ASSERT_TRUE(SetFilePointerEx(large, size, nullptr, FILE_BEGIN));
+  ASSERT_TRUE(SetEndOfFile(large));
+  ASSERT_TRUE(CloseHandle(large));
+  EXPECT_HR(kFailed, quivo->SignFile2B64Mem(param, path, signature.out(), text.out()));
+  EXPECT_EQ(L"Не удалось прочитать файл " + file.path() + L". Ошибка 223.", TextOf(text));
+  EXPECT_EQ(std::vector<std::string>{}, engine().names());
+}
+
 TEST_F(SignFileBase64InputTest, NullParametersAreRefusedAndExplained) {
   expectRefused(quivo->SignFile2B64Mem(nullptr, path, signature.out(), text.out()));
 }
