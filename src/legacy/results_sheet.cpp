@@ -164,14 +164,29 @@ void AnswerNoImage(NMHDR* notification) {
   if (item.mask & LVIF_IMAGE) item.iImage = -1;
 }
 
+/// A page receives it once the sheet has given the focus to its first field.
+constexpr UINT kShown = WM_APP;
+
+/// The sheet has selected the text of the field, which scrolled it to its end.
+void FocusOk(HWND sheet) {
+  const HWND field = GetFocus();
+  SendMessageA(sheet, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(sheet, IDOK)), TRUE);
+  SendMessageA(field, EM_SETSEL, 0, 0);
+  SendMessageA(field, EM_SCROLLCARET, 0, 0);
+}
+
 INT_PTR CALLBACK PageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_INITDIALOG: {
       auto* shown = reinterpret_cast<ResultsPage*>(reinterpret_cast<PROPSHEETPAGEA*>(lParam)->lParam);
       SetWindowLongPtrA(page, DWLP_USER, reinterpret_cast<LONG_PTR>(shown));
       shown->fill(page);
+      PostMessageA(page, kShown, 0, 0);
       return TRUE;
     }
+    case kShown:
+      FocusOk(GetParent(page));
+      return TRUE;
     case WM_COMMAND: {
       const auto* shown = reinterpret_cast<const ResultsPage*>(GetWindowLongPtrA(page, DWLP_USER));
       if (shown && HIWORD(wParam) == BN_CLICKED) shown->command(LOWORD(wParam));

@@ -73,6 +73,7 @@ TEST_F(ResultsSheetWindows, OfAVerification) {
   expectVisible(seen, kVerificationControls, true);
   EXPECT_EQ(L"Подпись верна", seen.window.control(1007).text);
   EXPECT_EQ(icon(1101), seen.header);
+  EXPECT_EQ(IDOK, seen.focus);
   const std::vector<Column> columns = {
       {L"Результат", 80, LVCFMT_LEFT, 0}, {L"Подписавшие", 120, LVCFMT_LEFT, 1}, {L"Время", 110, LVCFMT_LEFT, 2}};
   EXPECT_EQ(columns, seen.list.columns);
@@ -155,6 +156,13 @@ TEST_F(ResultsSheetWindows, OfAFailedSigner) {
   // The icon of failing rows does not exist.
   EXPECT_EQ((std::vector<int>{-1, 0}), seen.list.images);
   EXPECT_EQ(1, seen.list.imageCount);
+}
+
+TEST_F(ResultsSheetWindows, ShowTheBeginningOfALongVerdict) {
+  nextText(L"Подпись сделана сертификатом, которому нет доверия, потому что его издатель неизвестен");
+  engine().on("QUIVO_VerifyFile").result = static_cast<int32_t>(0xE0700019);
+  const SeenSheet seen = sheetOf([&] { return verify(); }, "sheet-long-verdict", static_cast<HRESULT>(0xE0700019));
+  EXPECT_EQ(0, seen.verdictFrom);
 }
 
 TEST_F(ResultsSheetWindows, EveryAnswerButOkIsARefusal) {

@@ -72,5 +72,9 @@ SeenSheet LookAtSheet(HWND sheet) {
   const auto tabs = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETTABCONTROL, 0, 0));
   SendMessageW(tabs, TCM_GETITEMW, 0, reinterpret_cast<LPARAM>(&tab));
   seen.tab = text;
+  seen.verdictFrom = SendDlgItemMessageW(page, 1007, EM_GETFIRSTVISIBLELINE, 0, 0);
+  GUITHREADINFO thread{};
+  thread.cbSize = sizeof thread;
+  if (GetGUIThreadInfo(GetWindowThreadProcessId(sheet, nullptr), &thread)) seen.focus = GetDlgCtrlID(thread.hwndFocus);
   return seen;
 }

@@ -44,6 +44,10 @@ struct SeenSheet {
   std::vector<RECT> expectedPlaces;
   HICON header = nullptr, decryption = nullptr, verification = nullptr;
   std::wstring tab;
+  /// The control that has the focus.
+  int focus = 0;
+  /// The first visible character of the verdict on the signatures.
+  LRESULT verdictFrom = 0;
 };
 
 SeenSheet LookAtSheet(HWND sheet);
