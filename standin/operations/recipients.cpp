@@ -21,7 +21,7 @@ CertPtr FindOne(const Session& session, const CertificateRecord& wanted, uint32_
   CertPtr found;
   if ((flags & kEncryptIgnoreLocal) != 0 || !StatesAnything(wanted)) return found;
   const bool partial = (flags & kEncryptPartialSubject) != 0;
-  for (const CertPtr& candidate : session.knownCertificates()) {
+  for (const CertPtr& candidate : session.knownCertificates(TermOf(wanted))) {
     if (!Fits(candidate.get(), wanted, partial) || !CanReceive(candidate.get())) continue;
     if (found != nullptr) Fail(kRecipientAmbiguous);
     found = Share(candidate.get());
