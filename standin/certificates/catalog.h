@@ -10,7 +10,7 @@ namespace standin {
 template <typename Object>
 class Catalog {
  public:
-  using Ptr = StoredObject<Object>::Ptr;
+  using Ptr = typename StoredObject<Object>::Ptr;
   using Places = std::vector<size_t>;
 
   Catalog() = default;
