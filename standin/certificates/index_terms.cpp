@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <string_view>
 
 #include "standin/base/ansi.h"
+#include "standin/base/asn1_text.h"
 #include "standin/base/digest.h"
 #include "standin/certificates/names.h"
 
@@ -12,25 +14,22 @@ namespace standin {
 namespace {
 
 constexpr uint8_t kInteger = 0x02, kBitString = 0x03, kOctetString = 0x04, kOid = 0x06, kUtcTime = 0x17,
-                  kGeneralizedTime = 0x18, kSequence = 0x30, kVersion = 0xA0, kExtensions = 0xA3;
+                  kGeneralizedTime = 0x18, kSequence = 0x30, kSet = 0x31, kVersion = 0xA0, kExtensions = 0xA3;
 constexpr uint8_t kOidEcPublicKey[] = {0x2A, 0x86, 0x48, 0xCE, 0x3D, 0x02, 0x01};
 constexpr uint8_t kOidSubjectKeyId[] = {0x55, 0x1D, 0x0E};
 
 enum class TermKind : uint64_t { kName, kSerial, kKeyId, kPublicKey, kHash };
 
+uint64_t Hash(std::string_view text) { return std::hash<std::string_view>()(text); }
+Term TermOf(TermKind kind, uint64_t hash) { return hash * 8 + static_cast<uint64_t>(kind); }
 Term TermOf(TermKind kind, ByteView bytes) {
-  const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-  return std::hash<std::string_view>()(text) * 8 + static_cast<uint64_t>(kind);
-}
-
-Term TermOf(TermKind kind, const std::string& text) {
-  return TermOf(kind, ByteView(reinterpret_cast<const uint8_t*>(text.data()), text.size()));
+  return TermOf(kind, Hash({reinterpret_cast<const char*>(bytes.data()), bytes.size()}));
 }
 
 struct Element {
-  uint8_t tag;
-  ByteView whole;
-  ByteView content;
+  uint8_t tag = 0;
+  ByteView whole = {};
+  ByteView content = {};
 
   bool hasShortestLength() const {
     size_t lengthBytes = 1;
@@ -39,84 +38,134 @@ struct Element {
   }
 };
 
-using Elements = std::vector<Element>;
-
-/// None if the bytes are not a series of elements of definite length.
-Elements ElementsIn(ByteView bytes) {
-  Elements elements;
-  while (!bytes.empty()) {
-    const unsigned char* inside = bytes.data();
-    long length = 0;
-    int tag = 0, tagClass = 0;
-    constexpr int kConstructed = 0x20;
-    const int form = ASN1_get_object(&inside, &length, &tag, &tagClass, static_cast<long>(bytes.size()));
-    if ((form & ~kConstructed) != 0) {
-      ERR_clear_error();
-      return {};
-    }
-    const size_t size = static_cast<size_t>(inside - bytes.data() + length);
-    elements.push_back({bytes[0], bytes.first(size), {inside, static_cast<size_t>(length)}});
-    bytes = bytes.subspan(size);
+/// Takes the next element of definite length away from the bytes. If there is none, its tag is 0.
+Element Take(ByteView& bytes) {
+  const unsigned char* inside = bytes.data();
+  long length = 0;
+  int tag = 0, tagClass = 0;
+  constexpr int kConstructed = 0x20;
+  const int form =
+      bytes.empty() ? -1 : ASN1_get_object(&inside, &length, &tag, &tagClass, static_cast<long>(bytes.size()));
+  if ((form & ~kConstructed) != 0) {
+    ERR_clear_error();
+    bytes = {};
+    return {};
   }
-  return elements;
+  const ByteView whole = bytes.first(static_cast<size_t>(inside - bytes.data() + length));
+  bytes = bytes.subspan(whole.size());
+  return {whole[0], whole, {inside, static_cast<size_t>(length)}};
 }
 
-bool HaveTags(const Elements& elements, size_t start, std::initializer_list<uint8_t> tags) {
-  return elements.size() >= start + tags.size() &&
-         std::equal(tags.begin(), tags.end(), elements.begin() + static_cast<ptrdiff_t>(start),
-                    [](uint8_t tag, const Element& element) { return element.tag == tag; });
+/// The content of the next element; empty if it has another tag.
+ByteView Enter(ByteView bytes, uint8_t tag) {
+  const Element element = Take(bytes);
+  return element.tag == tag ? element.content : ByteView();
 }
 
-/// The elements that are signed. libcrypto keeps them as they are, but encodes what stands around them again.
-Elements SignedElements(ByteView der) {
-  const Elements object = ElementsIn(der);
-  if (object.size() != 1 || object[0].tag != kSequence) return {};
-  const Elements parts = ElementsIn(object[0].content);
-  if (parts.size() != 3 || !HaveTags(parts, 0, {kSequence, kSequence, kBitString})) return {};
-  const bool hasWholeBytes = !parts[2].content.empty() && parts[2].content[0] == 0;
-  const bool isPlain = object[0].hasShortestLength() && std::ranges::all_of(parts, &Element::hasShortestLength) &&
-                       std::ranges::all_of(ElementsIn(parts[1].content), &Element::hasShortestLength);
-  return hasWholeBytes && isPlain ? ElementsIn(parts[0].content) : Elements();
+/// The part that is signed. libcrypto keeps it as it is, but encodes what stands around it again.
+ByteView SignedPart(ByteView der) {
+  const Element object = Take(der);
+  ByteView rest = object.content;
+  const Element part = Take(rest), algorithm = Take(rest), signature = Take(rest);
+  const bool isSigned = der.empty() && rest.empty() && object.tag == kSequence && part.tag == kSequence &&
+                        algorithm.tag == kSequence && signature.tag == kBitString;
+  if (!isSigned || signature.content.empty() || signature.content[0] != 0) return {};
+  bool isPlain = object.hasShortestLength() && part.hasShortestLength() && algorithm.hasShortestLength() &&
+                 signature.hasShortestLength();
+  for (ByteView members = algorithm.content; !members.empty();) {
+    const Element member = Take(members);
+    isPlain = isPlain && member.tag != 0 && member.hasShortestLength();
+  }
+  return isPlain ? part.content : ByteView();
 }
 
-NamePtr NameIn(const Element& element) { return Decode<NamePtr>(d2i_X509_NAME, element.whole, true); }
+constexpr unsigned long kTexts = B_ASN1_UTF8STRING | B_ASN1_BMPSTRING | B_ASN1_UNIVERSALSTRING |
+                                 B_ASN1_PRINTABLESTRING | B_ASN1_T61STRING | B_ASN1_IA5STRING | B_ASN1_VISIBLESTRING;
 
-/// The bytes of the key, without its algorithm; none if it cannot be read.
-ByteView KeyBits(const Elements& key) {
-  if (key.size() != 2 || !HaveTags(key, 0, {kSequence, kBitString}) || key[1].content.empty()) return {};
-  return key[1].content.subspan(1);
+/// Equal for attributes of names that libcrypto takes for equal: it converts texts, and looks neither at the case of
+/// Latin letters nor at the number of spaces.
+uint64_t HashOfAttribute(ByteView type, int valueType, ByteView value) {
+  std::string text(value.begin(), value.end());
+  if ((ASN1_tag2bit(valueType) & kTexts) != 0) {
+    const bool isAscii = std::ranges::all_of(value, [](uint8_t byte) { return byte < 0x80; });
+    const bool isWide = valueType == V_ASN1_BMPSTRING || valueType == V_ASN1_UNIVERSALSTRING;
+    if (isWide || (!isAscii && valueType != V_ASN1_UTF8STRING)) {
+      const Owned<ASN1_STRING_free> string(ASN1_STRING_type_new(valueType));
+      ASN1_STRING_set(string.get(), value.data(), static_cast<int>(value.size()));
+      text = TextOf(string.get());
+    }
+    text.erase(std::min(text.find('\0'), text.size()));
+    std::erase_if(text, [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); });
+    for (char& c : text) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  }
+  return Hash(std::string(type.begin(), type.end()) + text);
+}
+
+/// The term of an encoded name, if it is encoded in the usual way.
+std::optional<Term> EncodedNameTerm(ByteView name) {
+  uint64_t sum = 0;
+  const Element attributeSets = Take(name);
+  if (attributeSets.tag != kSequence) return std::nullopt;
+  for (ByteView sets = attributeSets.content; !sets.empty();) {
+    const Element set = Take(sets);
+    if (set.tag != kSet) return std::nullopt;
+    for (ByteView attributes = set.content; !attributes.empty();) {
+      const Element attribute = Take(attributes);
+      ByteView parts = attribute.content;
+      const Element type = Take(parts), value = Take(parts);
+      const bool isUsual =
+          attribute.tag == kSequence && type.tag == kOid && value.tag < 0x20 && (ASN1_tag2bit(value.tag) & kTexts) != 0;
+      if (!isUsual) return std::nullopt;
+      sum += HashOfAttribute(type.content, value.tag, value.content);
+    }
+  }
+  return TermOf(TermKind::kName, sum);
+}
+
+/// The bytes of a SubjectPublicKeyInfo's key, without its algorithm.
+ByteView KeyBits(ByteView encodedKey) {
+  ByteView members = Enter(encodedKey, kSequence);
+  Take(members);
+  const ByteView bits = Enter(members, kBitString);
+  return bits.empty() ? bits : bits.subspan(1);
 }
 
 /// The content of the extension, if there is one.
 std::optional<ByteView> StatedKeyId(ByteView extensions) {
-  const Elements list = ElementsIn(extensions);
-  if (list.size() != 1) return std::nullopt;
-  for (const Element& extension : ElementsIn(list[0].content)) {
-    const Elements parts = ElementsIn(extension.content);
-    if (parts.size() < 2 || parts[0].tag != kOid || !Equal(parts[0].content, kOidSubjectKeyId)) continue;
-    const Elements value = ElementsIn(parts.back().content);
-    if (HaveTags(value, 0, {kOctetString})) return value[0].content;
+  for (ByteView list = Enter(extensions, kSequence); !list.empty();) {
+    ByteView parts = Take(list).content;
+    const Element type = Take(parts);
+    if (type.tag != kOid || !Equal(type.content, kOidSubjectKeyId)) continue;
+    Element value = Take(parts);
+    if (!parts.empty()) value = Take(parts);  // before it stands whether the extension is critical
+    return Enter(value.content, kOctetString);
   }
   return std::nullopt;
 }
 
 }  // namespace
 
+/// The order of attributes does not count.
 Term NameTerm(const X509_NAME* name) {
-  const unsigned long hash = X509_NAME_hash_ex(name, nullptr, nullptr, nullptr);
-  return TermOf(TermKind::kName, ByteView(reinterpret_cast<const uint8_t*>(&hash), sizeof hash));
+  uint64_t sum = 0;
+  for (int i = 0; i < X509_NAME_entry_count(name); ++i) {
+    const X509_NAME_ENTRY* attribute = X509_NAME_get_entry(name, i);
+    const ASN1_OBJECT* type = X509_NAME_ENTRY_get_object(attribute);
+    const ASN1_STRING* value = X509_NAME_ENTRY_get_data(attribute);
+    sum += HashOfAttribute({OBJ_get0_data(type), OBJ_length(type)}, value->type,
+                           {value->data, static_cast<size_t>(value->length)});
+  }
+  return TermOf(TermKind::kName, sum);
 }
 
-Term SerialTerm(const std::string& hex) { return TermOf(TermKind::kSerial, HexDigits(hex)); }
-Term KeyIdTerm(const std::string& hex) { return TermOf(TermKind::kKeyId, HexDigits(hex)); }
+Term SerialTerm(const std::string& hex) { return TermOf(TermKind::kSerial, Hash(HexDigits(hex))); }
+Term KeyIdTerm(const std::string& hex) { return TermOf(TermKind::kKeyId, Hash(HexDigits(hex))); }
 Term HashTerm(ByteView hash) { return TermOf(TermKind::kHash, hash); }
 
 Term PublicKeyTerm(ByteView encodedKey) {
-  const Elements whole = ElementsIn(encodedKey);
-  const Elements key = whole.size() == 1 ? ElementsIn(whole[0].content) : Elements();
-  ByteView bits = KeyBits(key);
-  const Elements algorithm = bits.empty() ? Elements() : ElementsIn(key[0].content);
-  if (!algorithm.empty() && Equal(algorithm[0].content, kOidEcPublicKey)) {
+  ByteView bits = KeyBits(encodedKey);
+  const ByteView algorithm = Enter(Enter(encodedKey, kSequence), kSequence);
+  if (!bits.empty() && Equal(Enter(algorithm, kOid), kOidEcPublicKey)) {
     // A point has one or both coordinates: the first is in every form.
     const bool isCompressed = bits[0] == 2 || bits[0] == 3;
     bits = bits.subspan(1, isCompressed ? bits.size() - 1 : (bits.size() - 1) / 2);
@@ -125,29 +174,37 @@ Term PublicKeyTerm(ByteView encodedKey) {
 }
 
 std::vector<Term> TermsOfCertificate(ByteView der) {
-  const Elements parts = SignedElements(der);
-  const size_t serial = !parts.empty() && parts[0].tag == kVersion ? 1 : 0;
-  if (!HaveTags(parts, serial, {kInteger, kSequence, kSequence, kSequence, kSequence, kSequence})) return {};
-  const Element& key = parts[serial + 5];
-  const auto number = Decode<Owned<ASN1_INTEGER_free>>(d2i_ASN1_INTEGER, parts[serial].whole, true);
-  const NamePtr subject = NameIn(parts[serial + 4]);
-  if (number == nullptr || subject == nullptr) return {};
-  std::vector<Term> terms = {NameTerm(subject.get()), SerialTerm(SerialText(number.get())), PublicKeyTerm(key.whole),
-                             KeyIdTerm(HexOf(HashOf(KeyBits(ElementsIn(key.content)), EVP_sha1())))};
-  // libcrypto reads no identifier where another extension is damaged.
-  const auto stated = parts.back().tag == kExtensions ? StatedKeyId(parts.back().content) : std::nullopt;
-  if (stated) terms.push_back(KeyIdTerm(HexOf(*stated)));
+  ByteView rest = SignedPart(der);
+  Element serial = Take(rest);
+  if (serial.tag == kVersion) serial = Take(rest);
+  const Element algorithm = Take(rest), issuer = Take(rest), validity = Take(rest), subject = Take(rest),
+                key = Take(rest);
+  const bool isCertificate = serial.tag == kInteger && algorithm.tag == kSequence && issuer.tag == kSequence &&
+                             validity.tag == kSequence && subject.tag == kSequence && key.tag == kSequence;
+  if (!isCertificate) return {};
+  const auto number = Decode<Owned<ASN1_INTEGER_free>>(d2i_ASN1_INTEGER, serial.whole, true);
+  const std::optional<Term> name = EncodedNameTerm(subject.whole);
+  if (number == nullptr || !name) return {};
+  std::vector<Term> terms = {*name, SerialTerm(SerialText(number.get())), PublicKeyTerm(key.whole),
+                             KeyIdTerm(HexOf(HashOf(KeyBits(key.whole), EVP_sha1())))};
+  // Besides the identifier that the certificate states: libcrypto reads none where another extension is damaged.
+  while (!rest.empty()) {
+    const Element element = Take(rest);
+    const auto stated = element.tag == kExtensions ? StatedKeyId(element.content) : std::nullopt;
+    if (stated) terms.push_back(KeyIdTerm(HexOf(*stated)));
+  }
   return terms;
 }
 
 std::vector<Term> TermsOfCrl(ByteView der) {
-  const Elements parts = SignedElements(der);
-  const size_t algorithm = !parts.empty() && parts[0].tag == kInteger ? 1 : 0;
-  const bool isCrl = HaveTags(parts, algorithm, {kSequence, kSequence, kUtcTime}) ||
-                     HaveTags(parts, algorithm, {kSequence, kSequence, kGeneralizedTime});
-  const NamePtr issuer = isCrl ? NameIn(parts[algorithm + 1]) : nullptr;
-  if (issuer == nullptr) return {};
-  return {NameTerm(issuer.get())};
+  ByteView rest = SignedPart(der);
+  Element algorithm = Take(rest);
+  if (algorithm.tag == kInteger) algorithm = Take(rest);  // the version
+  const Element issuer = Take(rest), time = Take(rest);
+  const bool isCrl =
+      algorithm.tag == kSequence && issuer.tag == kSequence && (time.tag == kUtcTime || time.tag == kGeneralizedTime);
+  const std::optional<Term> name = isCrl ? EncodedNameTerm(issuer.whole) : std::nullopt;
+  return name ? std::vector<Term>{*name} : std::vector<Term>();
 }
 
 }  // namespace standin

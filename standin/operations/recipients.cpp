@@ -4,7 +4,6 @@
 #include "standin/base/times.h"
 #include "standin/certificates/cert_match.h"
 #include "standin/certificates/cert_record.h"
-#include "standin/certificates/der_objects.h"
 #include "standin/sessions/trust_checker.h"
 
 namespace standin {
@@ -31,7 +30,7 @@ CertPtr FindOne(const Session& session, const CertificateRecord& wanted, uint32_
 
 CertPtr Resolve(const Session& session, const CertificateRecord& wanted, uint32_t flags) {
   if (wanted.certEncoded.data != nullptr && wanted.certEncoded.len != 0) {
-    CertPtr given = CertificateFromDer(ViewOf(&wanted.certEncoded));
+    CertPtr given = session.store.decoded(ViewOf(&wanted.certEncoded));
     if (given == nullptr) Fail(kCertificateDamaged);
     return given;
   }

@@ -98,6 +98,14 @@ void Store::add(X509_CRL* crl) {
   Add(content_.crls, std::move(stored));
 }
 
+CertPtr Store::decoded(ByteView certificate) const {
+  for (const size_t place : certificates().find(HashTerm(HashOf(certificate, EVP_sha256())))) {
+    const StoredCertificate& known = *certificates().all()[place];
+    if (known.get() != nullptr && Equal(known.der(), certificate)) return Share(known.get());
+  }
+  return CertificateFromDer(certificate);
+}
+
 std::vector<X509_CRL*> Store::crlsOf(const std::vector<const X509_NAME*>& issuers) const {
   std::set<size_t> places;
   for (const X509_NAME* issuer : issuers) {

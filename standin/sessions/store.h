@@ -23,6 +23,8 @@ class Store {
 
   const CertCatalog& certificates() const { return *content_.certificates; }
   const CrlCatalog& crls() const { return *content_.crls; }
+  /// The encoded certificate, decoded if the store has not done so; null if the bytes are none.
+  CertPtr decoded(ByteView certificate) const;
   /// The lists of any of these issuers, in order.
   std::vector<X509_CRL*> crlsOf(const std::vector<const X509_NAME*>& issuers) const;
   /// The newest list of the same kind, or null.
