@@ -42,7 +42,8 @@ struct Element {
 Element Take(ByteView& bytes) {
   const unsigned char* inside = bytes.data();
   long length = 0;
-  int tag = 0, tagClass = 0;
+  int tag = 0;
+  int tagClass = 0;
   constexpr int kConstructed = 0x20;
   const int form =
       bytes.empty() ? -1 : ASN1_get_object(&inside, &length, &tag, &tagClass, static_cast<long>(bytes.size()));
@@ -66,7 +67,9 @@ ByteView Enter(ByteView bytes, uint8_t tag) {
 ByteView SignedPart(ByteView der) {
   const Element object = Take(der);
   ByteView rest = object.content;
-  const Element part = Take(rest), algorithm = Take(rest), signature = Take(rest);
+  const Element part = Take(rest);
+  const Element algorithm = Take(rest);
+  const Element signature = Take(rest);
   const bool isSigned = der.empty() && rest.empty() && object.tag == kSequence && part.tag == kSequence &&
                         algorithm.tag == kSequence && signature.tag == kBitString;
   if (!isSigned || signature.content.empty() || signature.content[0] != 0) return {};
@@ -112,7 +115,8 @@ std::optional<Term> EncodedNameTerm(ByteView name) {
     for (ByteView attributes = set.content; !attributes.empty();) {
       const Element attribute = Take(attributes);
       ByteView parts = attribute.content;
-      const Element type = Take(parts), value = Take(parts);
+      const Element type = Take(parts);
+      const Element value = Take(parts);
       const bool isUsual =
           attribute.tag == kSequence && type.tag == kOid && value.tag < 0x20 && (ASN1_tag2bit(value.tag) & kTexts) != 0;
       if (!isUsual) return std::nullopt;
@@ -130,17 +134,24 @@ ByteView KeyBits(ByteView encodedKey) {
   return bits.empty() ? bits : bits.subspan(1);
 }
 
-/// The content of the extension, if there is one.
-std::optional<ByteView> StatedKeyId(ByteView extensions) {
-  for (ByteView list = Enter(extensions, kSequence); !list.empty();) {
-    ByteView parts = Take(list).content;
+/// Adds the term of the key identifier that the extensions state, if they do. False if they are encoded in another way
+/// than the usual one.
+bool AddStatedKeyId(ByteView extensions, std::vector<Term>& terms) {
+  const Element whole = Take(extensions);
+  if (whole.tag != kSequence) return false;
+  for (ByteView list = whole.content; !list.empty();) {
+    const Element extension = Take(list);
+    ByteView parts = extension.content;
     const Element type = Take(parts);
-    if (type.tag != kOid || !Equal(type.content, kOidSubjectKeyId)) continue;
+    if (extension.tag != kSequence || type.tag != kOid) return false;
+    if (!Equal(type.content, kOidSubjectKeyId)) continue;
     Element value = Take(parts);
     if (!parts.empty()) value = Take(parts);  // before it stands whether the extension is critical
-    return Enter(value.content, kOctetString);
+    const Element keyId = Take(value.content);
+    if (value.tag != kOctetString || keyId.tag != kOctetString) return false;
+    terms.push_back(KeyIdTerm(HexOf(keyId.content)));
   }
-  return std::nullopt;
+  return true;
 }
 
 }  // namespace
@@ -177,21 +188,24 @@ std::vector<Term> TermsOfCertificate(ByteView der) {
   ByteView rest = SignedPart(der);
   Element serial = Take(rest);
   if (serial.tag == kVersion) serial = Take(rest);
-  const Element algorithm = Take(rest), issuer = Take(rest), validity = Take(rest), subject = Take(rest),
-                key = Take(rest);
-  const bool isCertificate = serial.tag == kInteger && algorithm.tag == kSequence && issuer.tag == kSequence &&
-                             validity.tag == kSequence && subject.tag == kSequence && key.tag == kSequence;
-  if (!isCertificate) return {};
+  for (int i = 0; i < 3; ++i) {
+    if (Take(rest).tag != kSequence) return {};  // the algorithm, the issuer, the validity
+  }
+  const Element subject = Take(rest);
+  const Element key = Take(rest);
+  if (serial.tag != kInteger || subject.tag != kSequence || key.tag != kSequence) return {};
   const auto number = Decode<Owned<ASN1_INTEGER_free>>(d2i_ASN1_INTEGER, serial.whole, true);
   const std::optional<Term> name = EncodedNameTerm(subject.whole);
-  if (number == nullptr || !name) return {};
+  const ByteView keyBits = KeyBits(key.whole);
+  if (number == nullptr || !name || keyBits.empty()) return {};
+  // The identifier made of the key also counts where one is stated: libcrypto reads none if another extension is
+  // damaged.
   std::vector<Term> terms = {*name, SerialTerm(SerialText(number.get())), PublicKeyTerm(key.whole),
-                             KeyIdTerm(HexOf(HashOf(KeyBits(key.whole), EVP_sha1())))};
-  // Besides the identifier that the certificate states: libcrypto reads none where another extension is damaged.
+                             KeyIdTerm(HexOf(HashOf(keyBits, EVP_sha1())))};
   while (!rest.empty()) {
     const Element element = Take(rest);
-    const auto stated = element.tag == kExtensions ? StatedKeyId(element.content) : std::nullopt;
-    if (stated) terms.push_back(KeyIdTerm(HexOf(*stated)));
+    const bool isUsual = element.tag != 0 && (element.tag != kExtensions || AddStatedKeyId(element.content, terms));
+    if (!isUsual) return {};
   }
   return terms;
 }
@@ -200,7 +214,8 @@ std::vector<Term> TermsOfCrl(ByteView der) {
   ByteView rest = SignedPart(der);
   Element algorithm = Take(rest);
   if (algorithm.tag == kInteger) algorithm = Take(rest);  // the version
-  const Element issuer = Take(rest), time = Take(rest);
+  const Element issuer = Take(rest);
+  const Element time = Take(rest);
   const bool isCrl =
       algorithm.tag == kSequence && issuer.tag == kSequence && (time.tag == kUtcTime || time.tag == kGeneralizedTime);
   const std::optional<Term> name = isCrl ? EncodedNameTerm(issuer.whole) : std::nullopt;
