@@ -7,6 +7,7 @@
 
 #include "standin/base/ansi.h"
 #include "standin/base/asn1_text.h"
+#include "standin/base/codes.h"
 #include "standin/base/digest.h"
 #include "standin/certificates/names.h"
 
@@ -94,7 +95,8 @@ uint64_t HashOfAttribute(ByteView type, int valueType, ByteView value) {
     const bool isWide = valueType == V_ASN1_BMPSTRING || valueType == V_ASN1_UNIVERSALSTRING;
     if (isWide || (!isAscii && valueType != V_ASN1_UTF8STRING)) {
       const Owned<ASN1_STRING_free> string(ASN1_STRING_type_new(valueType));
-      ASN1_STRING_set(string.get(), value.data(), static_cast<int>(value.size()));
+      if (string == nullptr) Fail(kWinOutOfMemory);
+      if (ASN1_STRING_set(string.get(), value.data(), static_cast<int>(value.size())) != 1) Fail(kWinOutOfMemory);
       text = TextOf(string.get());
     }
     text.erase(std::min(text.find('\0'), text.size()));
@@ -193,14 +195,14 @@ std::vector<Term> TermsOfCertificate(ByteView der) {
   }
   const Element subject = Take(rest);
   const Element key = Take(rest);
-  if (serial.tag != kInteger || subject.tag != kSequence || key.tag != kSequence) return {};
-  const auto number = Decode<Owned<ASN1_INTEGER_free>>(d2i_ASN1_INTEGER, serial.whole, true);
+  const bool isPositive = serial.tag == kInteger && !serial.content.empty() && serial.content[0] < 0x80;
+  if (!isPositive || subject.tag != kSequence || key.tag != kSequence) return {};
   const std::optional<Term> name = EncodedNameTerm(subject.whole);
   const ByteView keyBits = KeyBits(key.whole);
-  if (number == nullptr || !name || keyBits.empty()) return {};
+  if (!name || keyBits.empty()) return {};
   // The identifier made of the key also counts where one is stated: libcrypto reads none if another extension is
   // damaged.
-  std::vector<Term> terms = {*name, SerialTerm(SerialText(number.get())), PublicKeyTerm(key.whole),
+  std::vector<Term> terms = {*name, SerialTerm(HexOf(serial.content)), PublicKeyTerm(key.whole),
                              KeyIdTerm(HexOf(HashOf(keyBits, EVP_sha1())))};
   while (!rest.empty()) {
     const Element element = Take(rest);

@@ -43,9 +43,9 @@ class StoredObject {
   /// Null if the bytes turn out to be damaged.
   Object* get() const {
     Object* object = object_.load();
-    if (object != nullptr || damaged_) return object;
+    if (object != nullptr) return object;
     Owner made = decoded(der_);
-    if (made == nullptr) damaged_ = true;
+    if (made == nullptr) return nullptr;  // or memory is short: the next call tries again
     // Another thread may have been faster.
     return object_.compare_exchange_strong(object, made.get()) ? made.release() : object;
   }
@@ -59,13 +59,12 @@ class StoredObject {
 
   /// Whether a certificate is self-signed with a good signature.
   bool isRoot() const requires kIsCertificate {
-    if (is_root_ == kUnknown) is_root_ = get() != nullptr && X509_self_signed(get(), 1) == 1;
-    return is_root_ == 1;
+    // A refusal is not kept: memory may have been short.
+    if (!is_root_ && get() != nullptr) is_root_ = X509_self_signed(get(), 1) == 1;
+    return is_root_;
   }
 
  private:
-  static constexpr int kUnknown = -1;
-
   static std::vector<Term> termsOf(ByteView der) {
     if constexpr (kIsCertificate)
       return TermsOfCertificate(der);
@@ -83,8 +82,7 @@ class StoredObject {
   std::vector<Term> terms_;
   const bool indexed_;
   mutable std::atomic<Object*> object_;
-  mutable std::atomic<bool> damaged_ = false;
-  mutable std::atomic<int> is_root_ = kUnknown;
+  mutable std::atomic<bool> is_root_ = false;
 };
 
 using StoredCertificate = StoredObject<X509>;
