@@ -14,6 +14,8 @@ FileHandle Open(const char* path, DWORD access, DWORD share, DWORD creation, DWO
   return FileHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
+uint64_t Ticks(FILETIME time) { return static_cast<uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime; }
+
 /// Whether a file has a name of CreateBeside: it is being written, or who wrote it was ended.
 bool IsTemporary(const std::string& name) {
   return name.size() == std::strlen("~t00000000.tmp") && name.starts_with("~t") && name.ends_with(".tmp");
@@ -153,20 +155,40 @@ std::string JoinPath(const std::string& folder, const std::string& name) {
   return last == '\\' || last == '/' ? folder + name : folder + '\\' + name;
 }
 
-std::vector<std::string> FilesIn(const std::string& folder, const char* pattern) {
-  WIN32_FIND_DATAA entry{};
-  const HANDLE search = FindFirstFileA(JoinPath(folder, pattern).c_str(), &entry);
-  std::vector<std::string> names;
+std::string FullPath(const std::string& path) {
+  std::string full(MAX_PATH, '\0');
+  DWORD length = GetFullPathNameA(path.c_str(), MAX_PATH, full.data(), nullptr);
+  if (length > full.size()) {
+    full.resize(length);
+    length = GetFullPathNameA(path.c_str(), length, full.data(), nullptr);
+  }
+  full.resize(length);
+  return full;
+}
+
+bool FileEntry::wasWrittenJustNow() const {
+  constexpr uint64_t kThreeSeconds = 30'000'000;
+  FILETIME time;
+  GetSystemTimeAsFileTime(&time);
+  const uint64_t now = Ticks(time);
+  return (now > written ? now - written : written - now) < kThreeSeconds;
+}
+
+std::vector<FileEntry> FilesIn(const std::string& folder, const char* pattern) {
+  WIN32_FIND_DATAA found{};
+  const HANDLE search = FindFirstFileA(JoinPath(folder, pattern).c_str(), &found);
+  std::vector<FileEntry> files;
   if (search == INVALID_HANDLE_VALUE) {
-    if (GetLastError() == ERROR_FILE_NOT_FOUND) return names;
+    if (GetLastError() == ERROR_FILE_NOT_FOUND) return files;
     Fail(kStoreUnreadable);
   }
   do {
-    const bool isFile = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-    if (isFile && !IsTemporary(entry.cFileName)) names.emplace_back(entry.cFileName);
-  } while (FindNextFileA(search, &entry));
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 || IsTemporary(found.cFileName)) continue;
+    const uint64_t size = static_cast<uint64_t>(found.nFileSizeHigh) << 32 | found.nFileSizeLow;
+    files.push_back({found.cFileName, size, Ticks(found.ftCreationTime), Ticks(found.ftLastWriteTime)});
+  } while (FindNextFileA(search, &found));
   FindClose(search);
-  return names;
+  return files;
 }
 
 }  // namespace standin

@@ -76,8 +76,23 @@ std::string FreeNameBeside(const std::string& path);
 /// "folder\name", with one separator.
 std::string JoinPath(const std::string& folder, const std::string& name);
 
-/// The names of the files in a folder that fit the pattern, without temporary ones of OutputFile. Fails with
-/// kStoreUnreadable if the folder cannot be read.
-std::vector<std::string> FilesIn(const std::string& folder, const char* pattern);
+/// The absolute form of a path.
+std::string FullPath(const std::string& path);
+
+/// A file as its folder lists it. Times are in units of 100 nanoseconds.
+struct FileEntry {
+  std::string name;
+  uint64_t size = 0;
+  uint64_t created = 0;
+  uint64_t written = 0;
+
+  bool operator==(const FileEntry&) const = default;
+  /// Whether the file may be written once more without another time: file systems keep times by two seconds.
+  bool wasWrittenJustNow() const;
+};
+
+/// The files in a folder that fit the pattern, without temporary ones of OutputFile. Fails with kStoreUnreadable if the
+/// folder cannot be read.
+std::vector<FileEntry> FilesIn(const std::string& folder, const char* pattern);
 
 }  // namespace standin

@@ -68,10 +68,18 @@ Owner Decode(Decoder decodeObject, ByteView der, bool alone = false) {
   return nullptr;
 }
 
-/// Another owner of the same certificate.
+/// Another owner of the same object.
 inline CertPtr Share(X509* certificate) {
   X509_up_ref(certificate);
   return CertPtr(certificate);
+}
+inline CrlPtr Share(X509_CRL* crl) {
+  X509_CRL_up_ref(crl);
+  return CrlPtr(crl);
+}
+inline KeyPtr Share(EVP_PKEY* key) {
+  EVP_PKEY_up_ref(key);
+  return KeyPtr(key);
 }
 
 }  // namespace standin

@@ -50,4 +50,22 @@ bool Matches(const X509* certificate, const CertIdRecord& id) {
   }
 }
 
+std::optional<Term> TermOfHash(const DataBlob_t& hash) {
+  constexpr uint32_t kSha1 = 20;
+  constexpr uint32_t kSha256 = 32;
+  if (hash.len != kSha1 && hash.len != kSha256) return std::nullopt;
+  return HashTerm(ViewOf(&hash));
+}
+
+std::optional<Term> TermOf(const CertIdRecord& id) {
+  switch (id.type) {
+    case kIdIssuerAndSerial:
+      return SerialTerm(id.issuerAndSerial.serialNumber);
+    case kIdKeyId:
+      return KeyIdTerm(id.keyId);
+    default:
+      return TermOfHash(id.certHash);
+  }
+}
+
 }  // namespace standin

@@ -123,6 +123,14 @@ bool Fits(X509* certificate, const CertificateRecord& wanted, bool partialSubjec
   return Comparison(certificate, wanted).holds(partialSubject);
 }
 
+std::optional<Term> TermOf(const CertificateRecord& wanted) {
+  const auto states = [&](uint32_t field, const auto& member) { return Counts(wanted, field) && IsSet(member); };
+  if (states(kFieldSerial, wanted.serialNumber)) return SerialTerm(wanted.serialNumber);
+  if (states(kFieldKeyID, wanted.keyId)) return KeyIdTerm(wanted.keyId);
+  if (states(kFieldCertHash, wanted.certHash)) return TermOfHash(wanted.certHash);
+  return std::nullopt;
+}
+
 bool StatesAnything(const CertificateRecord& wanted) {
   const auto states = [&](uint32_t field, const auto& member) { return Counts(wanted, field) && IsSet(member); };
   return states(kFieldSubjectAltName, wanted.subjectAltName) || states(kFieldSubject, wanted.subject) ||

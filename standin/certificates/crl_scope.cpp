@@ -26,14 +26,6 @@ bool HaveSameScope(const X509_CRL* left, const X509_CRL* right) {
          HaveSame(left, right, NID_authority_key_identifier) && HaveSame(left, right, NID_issuing_distribution_point);
 }
 
-bool IsNamed(const X509_NAME* name, const GENERAL_NAMES* names) {
-  for (int i = 0; i < sk_GENERAL_NAME_num(names); ++i) {
-    const GENERAL_NAME* one = sk_GENERAL_NAME_value(names, i);
-    if (one->type == GEN_DIRNAME && X509_NAME_cmp(one->d.directoryName, name) == 0) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 bool IsComplete(const X509_CRL* crl) {
@@ -41,15 +33,25 @@ bool IsComplete(const X509_CRL* crl) {
                                       Extension<Scope>(crl, NID_issuing_distribution_point) != nullptr);
 }
 
-bool BearsOn(const X509_CRL* crl, const X509* certificate) {
-  const X509_NAME* issuer = X509_CRL_get_issuer(crl);
-  if (X509_NAME_cmp(X509_get_issuer_name(certificate), issuer) == 0) return true;
+void ForEachListIssuer(const X509* certificate, const std::function<void(const X509_NAME*)>& take) {
+  take(X509_get_issuer_name(certificate));
   const Owned<CRL_DIST_POINTS_free> points(
       static_cast<CRL_DIST_POINTS*>(X509_get_ext_d2i(certificate, NID_crl_distribution_points, nullptr, nullptr)));
   for (int i = 0; i < sk_DIST_POINT_num(points.get()); ++i) {
-    if (IsNamed(issuer, sk_DIST_POINT_value(points.get(), i)->CRLissuer)) return true;
+    const GENERAL_NAMES* issuers = sk_DIST_POINT_value(points.get(), i)->CRLissuer;
+    for (int j = 0; j < sk_GENERAL_NAME_num(issuers); ++j) {
+      const GENERAL_NAME* issuer = sk_GENERAL_NAME_value(issuers, j);
+      if (issuer->type == GEN_DIRNAME) take(issuer->d.directoryName);
+    }
   }
-  return false;
+}
+
+bool BearsOn(const X509_CRL* crl, const X509* certificate) {
+  bool bears = false;
+  ForEachListIssuer(certificate, [&](const X509_NAME* issuer) {
+    bears = bears || X509_NAME_cmp(issuer, X509_CRL_get_issuer(crl)) == 0;
+  });
+  return bears;
 }
 
 bool ConcernsKindOf(const X509_CRL* crl, X509* certificate) {

@@ -1,12 +1,16 @@
 // What a revocation list is about, where libcrypto gives no answer.
 #pragma once
 
+#include <functional>
+
 #include "standin/base/openssl_owners.h"
 
 namespace standin {
 
 /// False for a delta list, and for one whose scope cannot be decoded: libcrypto takes that for complete.
 bool IsComplete(const X509_CRL* crl);
+/// Calls `take` with the issuer of the certificate, and with other issuers of lists that the certificate names.
+void ForEachListIssuer(const X509* certificate, const std::function<void(const X509_NAME*)>& take);
 /// Whether the issuer of the certificate has issued the list, or the certificate names the list's issuer.
 bool BearsOn(const X509_CRL* crl, const X509* certificate);
 /// Whether the list is about the certificate's kind: users or authorities.

@@ -45,13 +45,10 @@ void AddFromDer(ByteView der, bool bundlesToo, FoundObjects& found) {
 
 FoundObjects Find(ByteView bytes, bool bundlesToo) {
   FoundObjects found;
-  if (bytes.empty() || bytes.size() > kLargestObject) return found;
-  if (bytes[0] == 0x30) AddFromDer(bytes, bundlesToo, found);
-  if (found.empty()) {
-    ForEachPemBlock(bytes, [&](std::string_view label, ByteView der) {
-      if (!label.ends_with("PRIVATE KEY")) AddFromDer(der, bundlesToo, found);
-    });
-  }
+  ForEachEncoding(bytes, [&](ByteView der) {
+    AddFromDer(der, bundlesToo, found);
+    return !found.empty();
+  });
   return found;
 }
 
@@ -65,6 +62,14 @@ Bytes DerOf(const X509* certificate) { return Encode(certificate, i2d_X509); }
 Bytes DerOf(const X509_CRL* crl) { return Encode(crl, i2d_X509_CRL); }
 Bytes DerOf(const X509_REQ* request) { return Encode(request, i2d_X509_REQ); }
 Bytes DerOf(const CMS_ContentInfo* message) { return Encode(message, i2d_CMS_ContentInfo); }
+
+void ForEachEncoding(ByteView bytes, const std::function<bool(ByteView)>& take) {
+  if (bytes.empty() || bytes.size() > kLargestObject) return;
+  if (bytes[0] == 0x30 && take(bytes)) return;
+  ForEachPemBlock(bytes, [&](std::string_view label, ByteView der) {
+    if (!label.ends_with("PRIVATE KEY")) take(der);
+  });
+}
 
 FoundObjects ObjectsIn(ByteView bytes) { return Find(bytes, false); }
 FoundObjects ObjectsInBundle(ByteView bytes) { return Find(bytes, true); }

@@ -1,6 +1,7 @@
 // Certificates, revocation lists and requests: decoded from DER or PEM, encoded to DER.
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "standin/base/bytes.h"
@@ -29,6 +30,9 @@ struct FoundObjects {
   bool empty() const { return certificates.empty() && crls.empty() && requests.empty(); }
 };
 
+/// Calls `take` with the bytes, if they may be DER; unless it returns true, with the blocks of a PEM text that are not
+/// private keys.
+void ForEachEncoding(ByteView bytes, const std::function<bool(ByteView)>& take);
 /// One DER object, or the blocks of a PEM text.
 FoundObjects ObjectsIn(ByteView bytes);
 /// The same, or the objects in a signed message without signers, the usual form of a set of certificates.

@@ -55,17 +55,6 @@ bool AnyForm(const X509_NAME* name, Compare compare) {
   return false;
 }
 
-std::string HexDigits(const std::string& text) {
-  std::string digits;
-  size_t start = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0 ? 2 : 0;
-  for (; start < text.size(); ++start) {
-    const unsigned char c = static_cast<unsigned char>(text[start]);
-    if (c == ' ' || c == ':') continue;
-    digits += static_cast<char>(std::toupper(c));
-  }
-  return digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
-}
-
 }  // namespace
 
 std::string NameText(const X509_NAME* name, NameForm form) {
@@ -82,11 +71,23 @@ bool NameContains(const X509_NAME* name, const std::string& part) {
   return AnyForm(name, [&](const std::string& form) { return form.find(wanted) != std::string::npos; });
 }
 
-std::string SerialText(const X509* certificate) {
-  const ASN1_INTEGER* serial = X509_get0_serialNumber(certificate);
+std::string SerialText(const ASN1_INTEGER* serial) {
   const std::string digits = HexOf({serial->data, static_cast<size_t>(serial->length)});
   const bool negative = (serial->type & V_ASN1_NEG) != 0;
   return (negative ? "-" : "") + (digits.empty() ? "00" : digits);
+}
+
+std::string SerialText(const X509* certificate) { return SerialText(X509_get0_serialNumber(certificate)); }
+
+std::string HexDigits(const std::string& text) {
+  std::string digits;
+  size_t start = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0 ? 2 : 0;
+  for (; start < text.size(); ++start) {
+    const unsigned char c = static_cast<unsigned char>(text[start]);
+    if (c == ' ' || c == ':') continue;
+    digits += static_cast<char>(std::toupper(c));
+  }
+  return digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
 }
 
 bool IsSameHex(const std::string& left, const std::string& right) { return HexDigits(left) == HexDigits(right); }

@@ -20,7 +20,10 @@ bool IsNameText(const X509_NAME* name, const std::string& text);
 bool NameContains(const X509_NAME* name, const std::string& part);
 
 /// Capital hexadecimal digits, two per byte.
+std::string SerialText(const ASN1_INTEGER* serial);
 std::string SerialText(const X509* certificate);
+/// The digits of a hexadecimal number in capitals, without separators and leading zeros.
+std::string HexDigits(const std::string& text);
 /// Whether both texts are the same hexadecimal number; separators and leading zeros do not count.
 bool IsSameHex(const std::string& left, const std::string& right);
 

@@ -22,6 +22,7 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
       // At the end of the process other threads may have stopped anywhere, with locks held.
       if (processEnds != nullptr) break;
       standin::RemoveAllSessions();
+      standin::ForgetFolders();
       OPENSSL_cleanup();
       __gnu_cxx::__freeres();
       break;

@@ -4,11 +4,13 @@
 #include <openssl/err.h>
 #include <openssl/rsaerr.h>
 
+#include "standin/base/ansi.h"
 #include "standin/base/codes.h"
 #include "standin/base/digest.h"
 #include "standin/base/oids.h"
 #include "standin/base/times.h"
 #include "standin/certificates/der_objects.h"
+#include "standin/certificates/names.h"
 #include "standin/messages/ber.h"
 
 namespace standin {
@@ -100,6 +102,15 @@ time_t SigningTimeOf(const CMS_SignerInfo* signer) {
     if (time != nullptr) return SecondsOf(static_cast<const ASN1_TIME*>(time));
   }
   return 0;
+}
+
+Term TermOfSigner(CMS_SignerInfo* signer) {
+  ASN1_OCTET_STRING* keyId = nullptr;
+  X509_NAME* issuer = nullptr;
+  ASN1_INTEGER* serial = nullptr;
+  CMS_SignerInfo_get0_signer_id(signer, &keyId, &issuer, &serial);
+  if (keyId != nullptr) return KeyIdTerm(HexOf({keyId->data, static_cast<size_t>(keyId->length)}));
+  return SerialTerm(SerialText(serial));
 }
 
 bool NamesSigner(CMS_SignerInfo* signer, X509* certificate) {

@@ -3,6 +3,7 @@
 
 #include <ctime>
 
+#include "standin/certificates/index_terms.h"
 #include "standin/messages/content_digests.h"
 
 namespace standin {
@@ -10,6 +11,8 @@ namespace standin {
 /// 0 if the signature states no time.
 time_t SigningTimeOf(const CMS_SignerInfo* signer);
 
+/// The term of the certificate that the SignerInfo names.
+Term TermOfSigner(CMS_SignerInfo* signer);
 /// Whether the SignerInfo names this certificate; if a signed attribute names the signer's certificate, it decides too.
 bool NamesSigner(CMS_SignerInfo* signer, X509* certificate);
 

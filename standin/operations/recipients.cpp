@@ -4,7 +4,6 @@
 #include "standin/base/times.h"
 #include "standin/certificates/cert_match.h"
 #include "standin/certificates/cert_record.h"
-#include "standin/certificates/der_objects.h"
 #include "standin/sessions/trust_checker.h"
 
 namespace standin {
@@ -21,7 +20,7 @@ CertPtr FindOne(const Session& session, const CertificateRecord& wanted, uint32_
   CertPtr found;
   if ((flags & kEncryptIgnoreLocal) != 0 || !StatesAnything(wanted)) return found;
   const bool partial = (flags & kEncryptPartialSubject) != 0;
-  for (const CertPtr& candidate : session.knownCertificates()) {
+  for (const CertPtr& candidate : session.knownCertificates(TermOf(wanted))) {
     if (!Fits(candidate.get(), wanted, partial) || !CanReceive(candidate.get())) continue;
     if (found != nullptr) Fail(kRecipientAmbiguous);
     found = Share(candidate.get());
@@ -31,7 +30,7 @@ CertPtr FindOne(const Session& session, const CertificateRecord& wanted, uint32_
 
 CertPtr Resolve(const Session& session, const CertificateRecord& wanted, uint32_t flags) {
   if (wanted.certEncoded.data != nullptr && wanted.certEncoded.len != 0) {
-    CertPtr given = CertificateFromDer(ViewOf(&wanted.certEncoded));
+    CertPtr given = session.store.decoded(ViewOf(&wanted.certEncoded));
     if (given == nullptr) Fail(kCertificateDamaged);
     return given;
   }

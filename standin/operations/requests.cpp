@@ -164,19 +164,10 @@ Bytes MakeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& 
 
 Bytes NewestRequest(const Store& store) {
   if (!store.isOpen()) Fail(kNoStore);
-  std::string newest;
-  FILETIME newestTime{};
-  for (const std::string& name : FilesIn(store.folder(), "*.req")) {
-    WIN32_FILE_ATTRIBUTE_DATA data{};
-    const std::string path = JoinPath(store.folder(), name);
-    if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data)) continue;
-    if (newest.empty() || CompareFileTime(&data.ftLastWriteTime, &newestTime) > 0) {
-      newest = path;
-      newestTime = data.ftLastWriteTime;
-    }
-  }
-  if (newest.empty()) Fail(kNothingToExport);
-  Bytes der = ReadWholeFile(newest.c_str(), kLargestObject);
+  const std::vector<FileEntry> requests = FilesIn(store.folder(), "*.req");
+  const auto newest = std::ranges::max_element(requests, {}, &FileEntry::written);
+  if (newest == requests.end()) Fail(kNothingToExport);
+  Bytes der = ReadWholeFile(JoinPath(store.folder(), newest->name).c_str(), kLargestObject);
   if (RequestFromDer(der) == nullptr) Fail(kRequestDamaged);
   return der;
 }

@@ -9,12 +9,11 @@
 namespace standin {
 namespace {
 
-std::vector<CertPtr> CandidatesOf(const Session& session, uint32_t flags) {
+std::vector<CertPtr> CandidatesOf(const Session& session, const FindParamRecord& param, bool byId) {
+  const bool onlyOwn = (param.flag & (kFindMy | kFindIgnoreLocal)) != 0;
+  if (!onlyOwn) return session.knownCertificates(byId ? TermOf(*param.mycert) : TermOf(param.certTemplate));
   std::vector<CertPtr> candidates;
-  const bool onlyOwn = (flags & (kFindMy | kFindIgnoreLocal)) != 0;
-  for (CertPtr& certificate : session.knownCertificates()) {
-    if (!onlyOwn || session.keys.owns(certificate.get())) candidates.push_back(std::move(certificate));
-  }
+  for (const OwnKey& own : session.keys.own()) candidates.push_back(Share(own.certificate.get()));
   return candidates;
 }
 
@@ -36,7 +35,7 @@ std::vector<CertPtr> FindCertificates(Session& session, const FindParamRecord& p
   const bool partialSubject = (param.flag & kFindPartialSubject) != 0;
   const TrustChecker trust(session);
   std::vector<CertPtr> found;
-  for (CertPtr& candidate : CandidatesOf(session, param.flag)) {
+  for (CertPtr& candidate : CandidatesOf(session, param, byId)) {
     if (byId && !Matches(candidate.get(), *param.mycert)) continue;
     if (!Fits(candidate.get(), param.certTemplate, partialSubject)) continue;
     if (IsUsable(trust, candidate.get(), param.flag)) found.push_back(std::move(candidate));

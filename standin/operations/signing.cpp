@@ -74,6 +74,19 @@ ContentFile ContentOf(SignatureMaker& maker, const char* data, const char* exist
   return content;
 }
 
+void WriteSmallAttached(SignatureMaker& maker, const ContentFile& content, const char* out) {
+  OutputFile file(out);
+  Bytes kept;
+  content.pump([&](ByteView piece) { Append(kept, piece); });
+  maker.update(kept);
+  const SignedParts signedParts = maker.finish();
+  const Bytes trailer = signedParts.trailer();
+  file.write(signedParts.header(kept.size(), trailer.size()));
+  file.write(kept);
+  file.write(trailer);
+  file.commit();
+}
+
 void WriteAttached(SignatureMaker& maker, const ContentFile& content, const char* out) {
   // The header has lengths that are known only after the signature: leave room, and overwrite it in the end.
   const SignedParts estimate = maker.estimate();
@@ -132,7 +145,8 @@ void SignFiles(Session& session, const SignParamRecord* param, const char* data,
   SignatureMaker maker(session.keys, param);
   const ContentFile content = ContentOf(maker, Given(data), Given(existing));
   if (!maker.isDetached()) {
-    WriteAttached(maker, content, out);
+    // To estimate the length of a signature is to make one.
+    content.length <= kFilePiece ? WriteSmallAttached(maker, content, out) : WriteAttached(maker, content, out);
     return;
   }
   content.pump([&](ByteView piece) { maker.update(piece); });

@@ -33,7 +33,7 @@ Bytes PemOf(const char* label, ByteView der) {
 }
 
 CertPtr NamedCertificate(const Session& session, const CertIdRecord& id) {
-  for (CertPtr& certificate : session.knownCertificates()) {
+  for (CertPtr& certificate : session.knownCertificates(TermOf(id))) {
     if (Matches(certificate.get(), id)) return std::move(certificate);
   }
   return nullptr;
@@ -42,11 +42,13 @@ CertPtr NamedCertificate(const Session& session, const CertIdRecord& id) {
 /// The whole store in a signed message without signers.
 Bytes StoreAsMessage(const Session& session) {
   const std::vector<CertPtr> certificates = session.knownCertificates();
-  if (certificates.empty() && session.store.crls().empty()) Fail(kNothingToExport);
+  if (certificates.empty() && session.store.crls().all().empty()) Fail(kNothingToExport);
   const CmsPtr message(CMS_sign(nullptr, nullptr, nullptr, nullptr, CMS_PARTIAL | CMS_DETACHED));
   if (message == nullptr) Fail(kWinOutOfMemory);
   for (const CertPtr& certificate : certificates) CMS_add1_cert(message.get(), certificate.get());
-  for (const CrlPtr& crl : session.store.crls()) CMS_add1_crl(message.get(), crl.get());
+  for (const auto& crl : session.store.crls().all()) {
+    if (crl->get() != nullptr) CMS_add1_crl(message.get(), crl->get());
+  }
   return DerOf(message.get());
 }
 

@@ -77,17 +77,24 @@ void Verifier::finish(const VerifyParamRecord& param) {
   const CmsPtr message = MessageFromDer(parts_.withoutContent());
   const bool useAttached = (param_->flag & kVerifyNoAttachedCert) == 0;
   const CertStackPtr attached(useAttached ? CMS_get1_certs(message.get()) : nullptr);
-  std::vector<CertPtr> known = session_.knownCertificates();
-  for (int i = 0; i < sk_X509_num(attached.get()); ++i) known.push_back(Share(sk_X509_value(attached.get(), i)));
   const TrustChecker trust(session_, attached.get());
   STACK_OF(CMS_SignerInfo)* signers = CMS_get0_SignerInfos(message.get());
   for (int i = 0; i < sk_CMS_SignerInfo_num(signers); ++i) {
     CMS_SignerInfo* signer = sk_CMS_SignerInfo_value(signers, i);
-    const auto own = std::ranges::find_if(known, [&](const CertPtr& one) { return NamesSigner(signer, one.get()); });
-    CMS_SignerInfo_set1_signer_cert(signer, own == known.end() ? nullptr : own->get());
+    CMS_SignerInfo_set1_signer_cert(signer, certificateOf(signer, attached.get()).get());
     verdicts_.push_back(judge(message.get(), signer, trust));
   }
   if ((param_->flag & kVerifyDelSign) != 0) removeSignature();
+}
+
+CertPtr Verifier::certificateOf(CMS_SignerInfo* signer, STACK_OF(X509) * attached) const {
+  for (CertPtr& known : session_.knownCertificates(TermOfSigner(signer))) {
+    if (NamesSigner(signer, known.get())) return std::move(known);
+  }
+  for (int i = 0; i < sk_X509_num(attached); ++i) {
+    if (NamesSigner(signer, sk_X509_value(attached, i))) return Share(sk_X509_value(attached, i));
+  }
+  return nullptr;
 }
 
 SignerVerdict Verifier::judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, const TrustChecker& trust) {

@@ -45,6 +45,8 @@ class Verifier {
 
  private:
   void begin(const MessageReader::Head& head);
+  /// Null if it is not known.
+  CertPtr certificateOf(CMS_SignerInfo* signer, STACK_OF(X509) * attached) const;
   SignerVerdict judge(CMS_ContentInfo* message, CMS_SignerInfo* signer, const TrustChecker& trust);
   int32_t checkDemands(X509* certificate) const;
   void removeSignature();

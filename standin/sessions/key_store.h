@@ -33,6 +33,7 @@ class KeyStore {
   /// Writes a new key into the folder, encrypted with the PIN.
   void keep(EVP_PKEY* key, const std::string& folder, const std::string& name);
 
+  const std::vector<KeyPtr>& keys() const { return keys_; }
   bool hasKeyOf(X509* certificate) const { return keyOf(certificate) != nullptr; }
   /// Makes the certificate an own one if there is a key for it.
   void adopt(X509* certificate);

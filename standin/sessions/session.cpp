@@ -1,5 +1,7 @@
 #include "standin/sessions/session.h"
 
+#include <set>
+
 #include "standin/base/times.h"
 
 namespace standin {
@@ -9,6 +11,13 @@ namespace {
 void* NextHandle() {
   static volatile LONG64 last = 0x1000;
   return reinterpret_cast<void*>(static_cast<uintptr_t>(InterlockedAdd64(&last, 16)));
+}
+
+Bytes EncodedPublicKey(const EVP_PKEY* key) {
+  unsigned char* raw = nullptr;
+  const int length = i2d_PUBKEY(key, &raw);
+  const OctetsPtr owner(raw);
+  return length <= 0 ? Bytes() : Bytes(raw, raw + length);
 }
 
 struct SessionTable {
@@ -37,7 +46,15 @@ void Session::openKeys(const SessionSource& source) {
   keys.setPin(source.pin);
   if (!source.keyFile.empty()) keys.open(source.keyFile);
   if (store.isOpen()) keys.openFolder(store.folder());
-  for (const CertPtr& certificate : store.certificates()) keys.adopt(certificate.get());
+  std::set<size_t> places;
+  for (const KeyPtr& key : keys.keys()) {
+    for (const size_t place : store.certificates().find(PublicKeyTerm(EncodedPublicKey(key.get()))))
+      places.insert(place);
+  }
+  for (const size_t place : places) {
+    X509* certificate = store.certificates().all()[place]->get();
+    if (certificate != nullptr) keys.adopt(certificate);
+  }
   store.addTrusted(keys.chainCertificates());
 }
 
@@ -46,11 +63,18 @@ void Session::addCertificate(X509* certificate) {
   keys.adopt(certificate);
 }
 
-std::vector<CertPtr> Session::knownCertificates() const {
+std::vector<CertPtr> Session::knownCertificates(std::optional<Term> term) const {
   std::vector<CertPtr> known;
   for (const OwnKey& own : keys.own()) known.push_back(Share(own.certificate.get()));
-  for (const CertPtr& certificate : store.certificates()) {
-    if (!keys.owns(certificate.get())) known.push_back(Share(certificate.get()));
+  const auto addOther = [&](const StoredCertificate& stored) {
+    X509* certificate = stored.get();
+    if (certificate != nullptr && !keys.owns(certificate)) known.push_back(Share(certificate));
+  };
+  const auto& stored = store.certificates().all();
+  if (term) {
+    for (const size_t place : store.certificates().find(*term)) addOther(*stored[place]);
+  } else {
+    for (const auto& one : stored) addOther(*one);
   }
   return known;
 }

@@ -41,8 +41,8 @@ class Session {
 
   /// Adds to the store. A certificate of an own key becomes an own certificate.
   void addCertificate(X509* certificate);
-  /// The own certificates, then the others of the store.
-  std::vector<CertPtr> knownCertificates() const;
+  /// The own certificates, then the others of the store: those under the term, if there is one, and perhaps more.
+  std::vector<CertPtr> knownCertificates(std::optional<Term> term = {}) const;
 
   EngineStream addStream(std::unique_ptr<Stream> stream);
   /// The open stream of this kind; fails with kBadStream.

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include <algorithm>
+#include <set>
 
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
@@ -10,7 +10,6 @@
 #include "standin/base/files.h"
 #include "standin/base/times.h"
 #include "standin/certificates/crl_scope.h"
-#include "standin/certificates/der_objects.h"
 
 namespace standin {
 namespace {
@@ -35,8 +34,11 @@ void WriteObject(const std::string& path, ByteView der) {
 
 time_t IssuedAt(const X509_CRL* crl) { return SecondsOf(X509_CRL_get0_lastUpdate(crl)); }
 
-bool Contains(const std::vector<CrlPtr>& crls, const X509_CRL* wanted) {
-  return std::ranges::any_of(crls, [&](const CrlPtr& crl) { return X509_CRL_match(crl.get(), wanted) == 0; });
+/// Adds the object to a catalog that other sessions may share.
+template <typename Object>
+void Add(std::shared_ptr<Catalog<Object>>& catalog, typename Catalog<Object>::Ptr object) {
+  if (catalog.use_count() > 1) catalog = std::make_shared<Catalog<Object>>(*catalog);
+  catalog->add(std::move(object));
 }
 
 bool IsOutdated(const X509_CRL* crl) {
@@ -52,48 +54,37 @@ void Store::open(const std::string& folder) {
   const DWORD attributes = GetFileAttributesA(folder.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) Fail(kStoreUnreadable);
   folder_ = folder;
-  readFolder(true);
+  content_ = ContentOfFolder(folder);
   const Bytes policy = BytesInFile(JoinPath(folder, "policy.txt"));
   policy_.assign(1, '\n').append(policy.begin(), policy.end());
 }
 
-void Store::readFolder(bool certificatesToo) {
-  for (const std::string& name : FilesIn(folder_, "*")) {
-    FoundObjects found = ObjectsIn(BytesInFile(JoinPath(folder_, name)));
-    for (CrlPtr& crl : found.crls) remember(std::move(crl));
-    if (!certificatesToo) continue;
-    for (CertPtr& certificate : found.certificates) remember(std::move(certificate));
-  }
-}
-
 void Store::addTrusted(const std::vector<CertPtr>& certificates) {
-  for (const CertPtr& certificate : certificates) remember(Share(certificate.get()));
+  for (const CertPtr& certificate : certificates) {
+    Add(content_.certificates, StoredCertificate::fromObject(Share(certificate.get())));
+  }
 }
 
 Store::CrlReload Store::reloadCrls() {
   if (!isOpen()) Fail(kNoStore);
-  std::vector<CrlPtr> before = std::move(crls_);
-  crls_.clear();
-  try {
-    readFolder(false);
-  } catch (...) {
-    crls_ = std::move(before);
-    throw;
-  }
+  const std::shared_ptr<CrlCatalog> before = std::exchange(content_.crls, ContentOfFolder(folder_).crls);
   CrlReload result;
-  result.lists = crls_.size();
-  for (const CrlPtr& crl : crls_) {
-    if (!Contains(before, crl.get())) ++result.added;
-    if (IsOutdated(crl.get())) ++result.outdated;
+  for (const auto& crl : crls().all()) {
+    if (crl->get() == nullptr) continue;
+    ++result.lists;
+    if (!before->knows(*crl)) ++result.added;
+    if (IsOutdated(crl->get())) ++result.outdated;
   }
   return result;
 }
 
 void Store::add(X509* certificate) {
   if (!isOpen()) Fail(kNoStore);
-  const Bytes der = DerOf(certificate);
-  if (!knows(certificate)) WriteObject(JoinPath(folder_, ThumbprintText(der) + ".cer"), der);
-  remember(Share(certificate));
+  auto stored = StoredCertificate::fromObject(Share(certificate));
+  if (!certificates().knows(*stored)) {
+    WriteObject(JoinPath(folder_, ThumbprintText(stored->der()) + ".cer"), stored->der());
+  }
+  Add(content_.certificates, std::move(stored));
 }
 
 void Store::add(X509_CRL* crl) {
@@ -102,43 +93,52 @@ void Store::add(X509_CRL* crl) {
   const X509_CRL* known = newestLike(crl);
   if (known != nullptr && X509_CRL_match(known, crl) == 0) return;
   if (known != nullptr && IssuedAt(crl) < IssuedAt(known)) Fail(kCrlOlder);
-  const Bytes der = DerOf(crl);
-  WriteObject(JoinPath(folder_, ThumbprintText(der) + ".crl"), der);
-  X509_CRL_up_ref(crl);
-  remember(CrlPtr(crl));
+  auto stored = StoredCrl::fromObject(Share(crl));
+  WriteObject(JoinPath(folder_, ThumbprintText(stored->der()) + ".crl"), stored->der());
+  Add(content_.crls, std::move(stored));
+}
+
+CertPtr Store::decoded(ByteView certificate) const {
+  for (const size_t place : certificates().find(HashTerm(HashOf(certificate, EVP_sha256())))) {
+    const StoredCertificate& known = *certificates().all()[place];
+    if (known.get() != nullptr && Equal(known.der(), certificate)) return Share(known.get());
+  }
+  return CertificateFromDer(certificate);
+}
+
+std::vector<X509_CRL*> Store::crlsOf(const std::vector<const X509_NAME*>& issuers) const {
+  std::set<size_t> places;
+  for (const X509_NAME* issuer : issuers) {
+    for (const size_t place : crls().find(NameTerm(issuer))) places.insert(place);
+  }
+  std::vector<X509_CRL*> found;
+  for (const size_t place : places) {
+    X509_CRL* crl = crls().all()[place]->get();
+    if (crl != nullptr) found.push_back(crl);
+  }
+  return found;
 }
 
 X509_CRL* Store::newestLike(const X509_CRL* wanted) const {
   X509_CRL* newest = nullptr;
-  for (const CrlPtr& crl : crls_) {
-    if (!AreOfOneKind(crl.get(), wanted)) continue;
-    if (newest == nullptr || IssuedAt(crl.get()) > IssuedAt(newest)) newest = crl.get();
+  for (X509_CRL* crl : crlsOf({X509_CRL_get_issuer(wanted)})) {
+    if (!AreOfOneKind(crl, wanted)) continue;
+    if (newest == nullptr || IssuedAt(crl) > IssuedAt(newest)) newest = crl;
   }
   return newest;
 }
 
 bool Store::isForged(X509_CRL* crl) const {
   bool issuerKnown = false;
-  for (const CertPtr& certificate : certificates_) {
-    if (X509_NAME_cmp(X509_get_subject_name(certificate.get()), X509_CRL_get_issuer(crl)) != 0) continue;
-    EVP_PKEY* key = X509_get0_pubkey(certificate.get());
+  const X509_NAME* issuer = X509_CRL_get_issuer(crl);
+  for (const size_t place : certificates().find(NameTerm(issuer))) {
+    const X509* certificate = certificates().all()[place]->get();
+    if (certificate == nullptr || X509_NAME_cmp(X509_get_subject_name(certificate), issuer) != 0) continue;
+    EVP_PKEY* key = X509_get0_pubkey(certificate);
     if (key != nullptr && X509_CRL_verify(crl, key) == 1) return false;
     issuerKnown = true;
   }
   return issuerKnown;
-}
-
-bool Store::knows(const X509* certificate) const {
-  return std::ranges::any_of(certificates_,
-                             [&](const CertPtr& known) { return X509_cmp(known.get(), certificate) == 0; });
-}
-
-void Store::remember(CertPtr certificate) {
-  if (!knows(certificate.get())) certificates_.push_back(std::move(certificate));
-}
-
-void Store::remember(CrlPtr crl) {
-  if (!Contains(crls_, crl.get())) crls_.push_back(std::move(crl));
 }
 
 }  // namespace standin

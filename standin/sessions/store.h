@@ -7,6 +7,7 @@
 
 #include "standin/base/bytes.h"
 #include "standin/base/openssl_owners.h"
+#include "standin/sessions/folder_cache.h"
 
 namespace standin {
 
@@ -20,8 +21,12 @@ class Store {
   /// Adds certificates as if they were in the folder.
   void addTrusted(const std::vector<CertPtr>& certificates);
 
-  const std::vector<CertPtr>& certificates() const { return certificates_; }
-  const std::vector<CrlPtr>& crls() const { return crls_; }
+  const CertCatalog& certificates() const { return *content_.certificates; }
+  const CrlCatalog& crls() const { return *content_.crls; }
+  /// The encoded certificate, decoded if the store has not done so; null if the bytes are none.
+  CertPtr decoded(ByteView certificate) const;
+  /// The lists of any of these issuers, in order.
+  std::vector<X509_CRL*> crlsOf(const std::vector<const X509_NAME*>& issuers) const;
   /// The newest list of the same kind, or null.
   X509_CRL* newestLike(const X509_CRL* wanted) const;
   /// Whether policy.txt has the line.
@@ -41,16 +46,11 @@ class Store {
   void add(X509_CRL* crl);
 
  private:
-  bool knows(const X509* certificate) const;
   /// True if the store knows the issuer, and the list verifies with none of its certificates.
   bool isForged(X509_CRL* crl) const;
-  void remember(CertPtr certificate);
-  void remember(CrlPtr crl);
-  void readFolder(bool certificatesToo);
 
   std::string folder_;
-  std::vector<CertPtr> certificates_;
-  std::vector<CrlPtr> crls_;
+  FolderContent content_;
   std::string policy_;
 };
 

@@ -1,6 +1,7 @@
 #include "standin/sessions/trust_checker.h"
 
 #include <algorithm>
+#include <set>
 
 #include "standin/base/ansi.h"
 #include "standin/base/times.h"
@@ -39,7 +40,8 @@ X509_STORE_CTX_cert_crl_fn DefaultEntryCheck() {
 /// What the check of one chain finds. The static functions are called by libcrypto.
 class Findings {
  public:
-  Findings(const Store& store, const TrustOptions& options) : store_(store), options_(options) {}
+  Findings(const Store& store, const std::vector<X509_CRL*>& crls, const TrustOptions& options)
+      : store_(store), crls_(crls), options_(options) {}
 
   void add(int32_t code) {
     if (std::ranges::find(kFailures, code) < worstFailure_) worstFailure_ = std::ranges::find(kFailures, code);
@@ -57,11 +59,10 @@ class Findings {
     X509* certificate = X509_STORE_CTX_get_current_cert(context);
     STACK_OF(X509_CRL)* found = sk_X509_CRL_new_null();
     Findings& findings = of(context);
-    for (const CrlPtr& crl : findings.store_.crls()) {
-      if (findings.options_.onlyList != nullptr && findings.options_.onlyList != crl.get()) continue;
-      const bool isFit =
-          IsComplete(crl.get()) && BearsOn(crl.get(), certificate) && ConcernsKindOf(crl.get(), certificate);
-      if (isFit && sk_X509_CRL_push(found, crl.get()) > 0) X509_CRL_up_ref(crl.get());
+    for (X509_CRL* crl : findings.crls_) {
+      if (findings.options_.onlyList != nullptr && findings.options_.onlyList != crl) continue;
+      const bool isFit = IsComplete(crl) && BearsOn(crl, certificate) && ConcernsKindOf(crl, certificate);
+      if (isFit && sk_X509_CRL_push(found, crl) > 0) X509_CRL_up_ref(crl);
     }
     findings.hadChoice = findings.hadChoice || sk_X509_CRL_num(found) > 1;
     return found;
@@ -147,17 +148,17 @@ class Findings {
   /// Certificates of an issuer without a list are good; authorities above the signer need no list of their kind.
   int32_t codeWithoutList(const X509_STORE_CTX* context, X509* certificate) const {
     bool isOtherKind = false;
-    for (const CrlPtr& crl : store_.crls()) {
-      if (!BearsOn(crl.get(), certificate)) continue;
-      if (ConcernsKindOf(crl.get(), certificate)) return lookedUp_ == certificate ? kRevocationUnclear : kCrlUnusable;
+    for (const X509_CRL* crl : crls_) {
+      if (!BearsOn(crl, certificate)) continue;
+      if (ConcernsKindOf(crl, certificate)) return lookedUp_ == certificate ? kRevocationUnclear : kCrlUnusable;
       isOtherKind = true;
     }
     return isOtherKind && X509_STORE_CTX_get_error_depth(context) == 0 ? kRevocationUnclear : kOk;
   }
   X509_CRL* deltaOf(const X509_CRL* crl) const {
     X509_CRL* newest = nullptr;
-    for (const CrlPtr& candidate : store_.crls()) {
-      if (IsDeltaAfter(candidate.get(), newest == nullptr ? crl : newest)) newest = candidate.get();
+    for (X509_CRL* candidate : crls_) {
+      if (IsDeltaAfter(candidate, newest == nullptr ? crl : newest)) newest = candidate;
     }
     return newest;
   }
@@ -168,6 +169,7 @@ class Findings {
   }
 
   const Store& store_;
+  const std::vector<X509_CRL*>& crls_;
   const TrustOptions& options_;
   const X509* lookedUp_ = nullptr;  ///< the last certificate that was looked up in a list
   X509_STORE_CTX_cert_crl_fn checkEntry_ = DefaultEntryCheck();
@@ -189,25 +191,66 @@ bool HasPolicy(const X509_STORE_CTX* context, const std::string& wanted) {
 
 bool IsGood(int32_t code) { return std::ranges::find(kRemarks, code) != std::end(kRemarks); }
 
+/// Of the store's certificates and lists, those whose names lead to the certificate's chain and to its lists.
+struct TrustChecker::Surroundings {
+  TrustStorePtr roots;
+  CertViewPtr helpers;
+  std::vector<X509_CRL*> crls;
+};
+
 TrustChecker::TrustChecker(const Session& session, STACK_OF(X509) * helpers)
-    : known_(session.store), store_(X509_STORE_new()), helpers_(sk_X509_new_null()) {
-  if (store_ == nullptr || helpers_ == nullptr) Fail(kWinOutOfMemory);
-  X509_STORE_set_verify_cb(store_.get(), Findings::noteError);
-  X509_STORE_set_lookup_crls(store_.get(), Findings::listsFor);
-  X509_STORE_set_cert_crl(store_.get(), Findings::checkEntry);
-  for (const CertPtr& certificate : known_.certificates()) {
-    if (X509_self_signed(certificate.get(), 1) == 1) {
-      X509_STORE_add_cert(store_.get(), certificate.get());
+    : known_(session.store), helpers_(helpers) {}
+
+TrustChecker::Surroundings TrustChecker::surroundingsOf(X509* certificate) const {
+  Surroundings around{TrustStorePtr(X509_STORE_new()), CertViewPtr(sk_X509_new_null()), {}};
+  if (around.roots == nullptr || around.helpers == nullptr) Fail(kWinOutOfMemory);
+  X509_STORE_set_verify_cb(around.roots.get(), Findings::noteError);
+  X509_STORE_set_lookup_crls(around.roots.get(), Findings::listsFor);
+  X509_STORE_set_cert_crl(around.roots.get(), Findings::checkEntry);
+  const CertCatalog& known = known_.certificates();
+  std::vector<const X509*> waiting = {certificate};
+  for (int i = 0; i < sk_X509_num(helpers_); ++i) waiting.push_back(sk_X509_value(helpers_, i));
+  std::set<Term> names;
+  std::set<size_t> places;
+  std::set<size_t> crlPlaces;
+  const auto follow = [&](const X509_NAME* issuer) {
+    const Term name = NameTerm(issuer);
+    if (!names.insert(name).second) return;
+    for (const size_t place : known.find(name)) {
+      const X509* found = known.all()[place]->get();
+      if (found != nullptr && places.insert(place).second) waiting.push_back(found);
+    }
+    for (const size_t place : known_.crls().find(name)) crlPlaces.insert(place);
+  };
+  while (!waiting.empty()) {
+    const X509* next = waiting.back();
+    waiting.pop_back();
+    ForEachListIssuer(next, follow);
+  }
+  for (const size_t place : places) {
+    const StoredCertificate& found = *known.all()[place];
+    if (found.isRoot()) {
+      X509_STORE_add_cert(around.roots.get(), found.get());
     } else {
-      X509_add_cert(helpers_.get(), certificate.get(), X509_ADD_FLAG_DEFAULT);
+      X509_add_cert(around.helpers.get(), found.get(), X509_ADD_FLAG_DEFAULT);
     }
   }
-  X509_add_certs(helpers_.get(), helpers, X509_ADD_FLAG_DEFAULT);
+  X509_add_certs(around.helpers.get(), helpers_, X509_ADD_FLAG_DEFAULT);
+  for (const size_t place : crlPlaces) {
+    X509_CRL* crl = known_.crls().all()[place]->get();
+    if (crl != nullptr) around.crls.push_back(crl);
+  }
+  return around;
 }
 
 int32_t TrustChecker::check(X509* certificate, const TrustOptions& options) const {
+  return check(certificate, options, surroundingsOf(certificate));
+}
+
+int32_t TrustChecker::check(X509* certificate, const TrustOptions& options, const Surroundings& around) const {
   const TrustContextPtr context(X509_STORE_CTX_new());
-  if (context == nullptr || X509_STORE_CTX_init(context.get(), store_.get(), certificate, helpers_.get()) != 1) {
+  if (context == nullptr ||
+      X509_STORE_CTX_init(context.get(), around.roots.get(), certificate, around.helpers.get()) != 1) {
     Fail(kWinOutOfMemory);
   }
   X509_VERIFY_PARAM* param = X509_STORE_CTX_get0_param(context.get());
@@ -218,7 +261,7 @@ int32_t TrustChecker::check(X509* certificate, const TrustOptions& options) cons
   X509_VERIFY_PARAM_add0_policy(param, OBJ_nid2obj(NID_any_policy));
   X509_VERIFY_PARAM_set_auth_level(param, kLeastLevel);
   if (options.at != 0) X509_VERIFY_PARAM_set_time(param, options.at);
-  Findings findings(known_, options);
+  Findings findings(known_, around.crls, options);
   X509_STORE_CTX_set_app_data(context.get(), &findings);
   if (X509_verify_cert(context.get()) != 1) {
     // The errors are accepted: only what cannot be read ends the check early.
@@ -228,11 +271,11 @@ int32_t TrustChecker::check(X509* certificate, const TrustOptions& options) cons
     if (!HasPolicy(context.get(), TextOrEmpty(policy.oid))) findings.add(kPolicyMissing);
   }
   // libcrypto is content with one list for all reasons, but another may revoke.
-  for (const CrlPtr& crl : known_.crls()) {
-    if (!findings.hadChoice || known_.newestLike(crl.get()) != crl.get()) continue;
+  for (const X509_CRL* crl : around.crls) {
+    if (!findings.hadChoice || known_.newestLike(crl) != crl) continue;
     TrustOptions alone = options;
-    alone.onlyList = crl.get();
-    if (check(certificate, alone) == kRevoked) findings.add(kRevoked);
+    alone.onlyList = crl;
+    if (check(certificate, alone, around) == kRevoked) findings.add(kRevoked);
   }
   if (options.signedWith == nullptr) return findings.worst();
   const bool isWeak = EVP_MD_get_size(options.signedWith) < kLeastDigestSize;

@@ -24,16 +24,21 @@ bool IsGood(int32_t code);
 
 class TrustChecker {
  public:
-  /// Builds chains of the certificates of the session, which must outlive this object, and of the untrusted `helpers`.
+  /// Builds chains of the certificates of the session, which and of the untrusted `helpers`, which must outlive this
+  /// object.
   explicit TrustChecker(const Session& session, STACK_OF(X509) * helpers = nullptr);
 
   /// kOk, a remark, or the code of the failure; kVerifiedWithRemarks if a revocation list is out of date.
   int32_t check(X509* certificate, const TrustOptions& options) const;
 
  private:
+  struct Surroundings;
+  /// What may be needed to check the certificate.
+  Surroundings surroundingsOf(X509* certificate) const;
+  int32_t check(X509* certificate, const TrustOptions& options, const Surroundings& around) const;
+
   const Store& known_;
-  TrustStorePtr store_;
-  CertViewPtr helpers_;
+  STACK_OF(X509) * helpers_;
 };
 
 }  // namespace standin

@@ -89,14 +89,18 @@ void WriteWholeFile(const char* path, ByteView bytes) {
 std::string FreeNameBeside(const std::string& path) { return path + ".between"; }
 std::string JoinPath(const std::string& folder, const std::string& name) { return folder + "/" + name; }
 
-std::vector<std::string> FilesIn(const std::string& folder, const char* pattern) {
-  std::vector<std::string> names;
+std::string FullPath(const std::string& path) { return std::filesystem::absolute(path).string(); }
+
+bool FileEntry::wasWrittenJustNow() const { return true; }
+
+std::vector<FileEntry> FilesIn(const std::string& folder, const char* pattern) {
+  std::vector<FileEntry> files;
   const std::string ending = std::string(pattern).substr(1);
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
     const std::string name = entry.path().filename().string();
-    if (entry.is_regular_file() && name.ends_with(ending)) names.push_back(name);
+    if (entry.is_regular_file() && name.ends_with(ending)) files.push_back({name, entry.file_size(), 0, 0});
   }
-  return names;
+  return files;
 }
 
 SessionSource ReadProfile(const std::string&) { Fail(kProfileNotFound); }
