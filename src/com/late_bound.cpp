@@ -3,6 +3,7 @@
 #include <oleauto.h>
 
 #include <cstring>
+#include <memory>
 
 #include "com/output.h"
 #include "com/variant.h"
@@ -29,7 +30,10 @@ struct Argument {
 /// One call of a member.
 class Call {
  public:
-  explicit Call(const Member& member) : member_(member) {}
+  explicit Call(const Member& member) : member_(member) { std::uninitialized_value_construct_n(arguments_, count()); }
+  Call(const Call&) = delete;
+  Call& operator=(const Call&) = delete;
+  ~Call() { std::destroy_n(arguments_, count()); }
 
   /// Assigns the caller's arguments, named and positional, to the declared parameters.
   HRESULT assign(DISPPARAMS* params, UINT* badArgument) {
@@ -182,7 +186,10 @@ class Call {
   }
 
   const Member& member_;
-  Argument arguments_[kMaxArguments];
+  // As many as the member has parameters are made: most have one or two.
+  union {
+    Argument arguments_[kMaxArguments];
+  };
   DISPPARAMS* params_ = nullptr;
 };
 
