@@ -2,7 +2,6 @@
 
 #include <delayimp.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cwchar>
 #include <memory>
@@ -91,22 +90,19 @@ HRESULT Find(HMODULE* found) {
 HRESULT Bind(HMODULE found) {
   const auto* names = At<const IMAGE_THUNK_DATA>(kImport.rvaINT);
   auto* functions = At<FARPROC>(kImport.rvaIAT);
-  size_t count = 0;
-  while (names[count].u1.AddressOfData != 0) ++count;
-  std::unique_ptr<FARPROC[]> bound(new (std::nothrow) FARPROC[count]);
-  if (!bound) return E_OUTOFMEMORY;
-  for (size_t i = 0; i < count; ++i) {
+  auto functionAt = [&](size_t i) {
     const char* name = At<IMAGE_IMPORT_BY_NAME>(static_cast<DWORD>(names[i].u1.AddressOfData))->Name;
-    bound[i] = GetProcAddress(found, name);
-    if (!bound[i]) {
-      missing = name;
-      return LastFailure();
-    }
-  }
+    FARPROC function = GetProcAddress(found, name);
+    if (!function) missing = name;
+    return function;
+  };
+  size_t count = 0;
+  for (; names[count].u1.AddressOfData != 0; ++count)
+    if (!functionAt(count)) return LastFailure();
   // Newer linkers write-protect the table.
   DWORD protection = 0;
   if (!VirtualProtect(functions, count * sizeof(*functions), PAGE_READWRITE, &protection)) return LastFailure();
-  std::copy_n(bound.get(), count, functions);
+  for (size_t i = 0; i < count; ++i) functions[i] = functionAt(i);
   VirtualProtect(functions, count * sizeof(*functions), protection, &protection);
   return S_OK;
 }

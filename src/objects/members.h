@@ -17,8 +17,8 @@ HRESULT Copy(const char* from, char*& to);
 HRESULT Copy(const DataBlob_t& from, DataBlob_t& to);
 HRESULT Copy(char* const* from, int32_t fromCount, char**& to, int32_t& count);
 
-/// Frees the texts, bytes and lists of texts of a record. What a record holds of other objects is theirs. Most members of
-/// most records are empty.
+/// Frees the texts, bytes and lists of texts of a record. What a record holds of other objects is theirs. Most members
+/// of most records are empty.
 struct FreeMember {
   void operator()(char*& text) const {
     if (text) Reset(text);
