@@ -111,10 +111,10 @@ void Search(const std::string& pki, const std::string& folder, const bench::Effo
   Store smallest(pki, MakeStoreOf(pki, folder, 10, effort));
   for (int count : {100, 1000, kLargest}) {
     Store store(pki, MakeStoreOf(pki, folder, effort.pick(count, 11), effort));
-    for (const auto& [name, operation] : kOperations)
+    for (const auto& entry : kOperations)
       bench::PrintCalls(
-          "store of " + std::to_string(count) + ", " + name, effort, [&] { (store.*operation)(); },
-          [&] { (smallest.*operation)(); });
+          "store of " + std::to_string(count) + ", " + entry.first, effort, [&] { (store.*entry.second)(); },
+          [&] { (smallest.*entry.second)(); });
   }
 }
 
