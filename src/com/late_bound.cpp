@@ -115,6 +115,7 @@ class Call {
     Argument& argument = arguments_[i];
     VARTYPE declared = parameter(i).type;
     if (declared == VT_VARIANT) return S_OK;
+    // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): only an output can have been left out.
     VARIANT* source = const_cast<VARIANT*>(Dereference(*argument.given));
     if (!source || IsNullReference(*source)) return E_INVALIDARG;
     if (declared == VT_DISPATCH) return convertObject(i, *source);
