@@ -4,45 +4,22 @@
 // the detached signature of verify-detached. The stream operations read IN in pieces of 64 KiB.
 #include <windows.h>
 
-#include <objbase.h>
 #include <psapi.h>
-#include <quivocom.h>
 
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <map>
-#include <string>
-#include <vector>
 
-#include "support/ptr.h"
+#include "session.h"
 
 namespace {
 
 constexpr ULONG kPiece = 64 * 1024;
 
-void Check(HRESULT hr, const char* what) {
-  if (hr == S_OK) return;
-  std::printf("%s: 0x%08lX\n", what, hr);
-  std::exit(1);
-}
-
-template <class Class, class Interface>
-Ptr<Interface> New() {
-  Ptr<Interface> made;
-  Check(
-      CoCreateInstance(__uuidof(Class), nullptr, CLSCTX_ALL, __uuidof(Interface), reinterpret_cast<void**>(made.out())),
-      "CoCreateInstance");
-  return made;
-}
-
-BSTR Text(const char* text) {
-  int size = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-  BSTR made = SysAllocStringLen(nullptr, static_cast<UINT>(size - 1));
-  MultiByteToWideChar(CP_ACP, 0, text, -1, made, size);
-  return made;
-}
+using bench::Check;
+using bench::Decryption;
+using bench::New;
+using bench::Text;
+using bench::Verification;
 
 double MemoryMiB(bool peak) {
   PROCESS_MEMORY_COUNTERS counters{};
@@ -61,10 +38,7 @@ struct Job {
 void EachPiece(const Job& job, const std::function<void(VARIANT&)>& piece) {
   std::vector<uint8_t> buffer(kPiece);
   while (size_t read = std::fread(buffer.data(), 1, kPiece, job.source)) {
-    VARIANT bytes{};
-    V_VT(&bytes) = VT_ARRAY | VT_UI1;
-    V_ARRAY(&bytes) = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(read));
-    memcpy(V_ARRAY(&bytes)->pvData, buffer.data(), read);
+    VARIANT bytes = bench::Bytes(buffer.data(), read);
     piece(bytes);
     VariantClear(&bytes);
   }
@@ -77,37 +51,8 @@ void Write(const Job& job, VARIANT& bytes) {
   VariantClear(&bytes);
 }
 
-Ptr<ISignParam> Signing(int flags) {
-  auto param = New<SignParam, ISignParam>();
-  param->put_flag(static_cast<SignParamFlag_t>(Flag_Sign_Pkcs7 | Flag_Sign_SendSert | flags));
-  return param;
-}
-
-Ptr<IVerifyParam> Verification(int flags) {
-  auto param = New<VerifyParam, IVerifyParam>();
-  param->put_flag(static_cast<VerifyParamFlag_t>(Flag_Verify_Pkcs7 | flags));
-  return param;
-}
-
-/// Encryption to the own certificate, so that the same profile can decrypt.
-Ptr<IEncryptParam> Encryption(const Job& job) {
-  auto search = New<FindParam, IFindParam>();
-  search->put_flag(Flag_Find_My);
-  search->put_info(static_cast<Certinfo_t>(Field_All));
-  VARIANT found{};
-  Check(job.quivo->FindCert(search.get(), &found), "FindCert");
-  auto param = New<EncryptParam, IEncryptParam>();
-  param->put_flag(Flag_Encrypt_Pkcs7);
-  Check(param->put_Receivers(found), "Receivers");
-  VariantClear(&found);
-  return param;
-}
-
-Ptr<IDecryptParam> Decryption() {
-  auto param = New<DecryptParam, IDecryptParam>();
-  param->put_flag(Flag_Decrypt_Pkcs7);
-  return param;
-}
+Ptr<ISignParam> Signing(int flags) { return bench::Signing(Flag_Sign_SendSert | flags); }
+Ptr<IEncryptParam> Encryption(const Job& job) { return bench::EncryptionToOwn(job.quivo); }
 
 void SignFile(const Job& job, int flags) {
   Check(job.quivo->StrSignFile(Signing(flags).get(), job.in, nullptr, job.out), "StrSignFile");
@@ -149,10 +94,8 @@ void StreamVerify(const Job& job) {
   std::vector<uint8_t> buffer(1 << 20);
   size_t read = file ? std::fread(buffer.data(), 1, buffer.size(), file) : 0;
   if (file) std::fclose(file);
-  VARIANT signature{}, content{}, results{};
-  V_VT(&signature) = VT_ARRAY | VT_UI1;
-  V_ARRAY(&signature) = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(read));
-  memcpy(V_ARRAY(&signature)->pvData, buffer.data(), read);
+  VARIANT signature = bench::Bytes(buffer.data(), read);
+  VARIANT content{}, results{};
   Check(job.quivo->StrVerifyInitMem(param.get(), signature, stream.get()), "StrVerifyInitMem");
   VariantClear(&signature);
   EachPiece(job, [&](VARIANT& piece) {
@@ -243,9 +186,7 @@ int main(int count, char** arguments) {
   Check(job.quivo->Initialize(profile, static_cast<Init_Flag_t>(Flag_Init_Nocrlupdate | Flag_Init_Noldap)),
         "Initialize");
   double before = MemoryMiB(false);
-  auto start = std::chrono::steady_clock::now();
-  kOperations.at(operation)(job);
-  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  double seconds = bench::Seconds([&] { kOperations.at(operation)(job); });
   std::printf("%.3f %.1f\n", seconds, MemoryMiB(true) - before);
   job.quivo->Uninitialize();
   std::fflush(nullptr);

@@ -3,6 +3,7 @@
 #include <oleauto.h>
 
 #include <cstring>
+#include <memory>
 
 #include "com/output.h"
 #include "com/variant.h"
@@ -29,7 +30,10 @@ struct Argument {
 /// One call of a member.
 class Call {
  public:
-  explicit Call(const Member& member) : member_(member) {}
+  explicit Call(const Member& member) : member_(member) { std::uninitialized_value_construct_n(arguments_, count()); }
+  Call(const Call&) = delete;
+  Call& operator=(const Call&) = delete;
+  ~Call() { std::destroy_n(arguments_, count()); }
 
   /// Assigns the caller's arguments, named and positional, to the declared parameters.
   HRESULT assign(DISPPARAMS* params, UINT* badArgument) {
@@ -111,6 +115,7 @@ class Call {
     Argument& argument = arguments_[i];
     VARTYPE declared = parameter(i).type;
     if (declared == VT_VARIANT) return S_OK;
+    // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): only an output can have been left out.
     VARIANT* source = const_cast<VARIANT*>(Dereference(*argument.given));
     if (!source || IsNullReference(*source)) return E_INVALIDARG;
     if (declared == VT_DISPATCH) return convertObject(i, *source);
@@ -182,7 +187,10 @@ class Call {
   }
 
   const Member& member_;
-  Argument arguments_[kMaxArguments];
+  // As many as the member has parameters are made: most have one or two.
+  union {
+    Argument arguments_[kMaxArguments];
+  };
   DISPPARAMS* params_ = nullptr;
 };
 

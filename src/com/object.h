@@ -68,13 +68,18 @@ class Object : public PrimaryInterface, public More... {
 /// The vtable pointer of an object: the identity of its implementing class.
 inline const void* VtableOf(const IUnknown* object) { return *reinterpret_cast<const void* const*>(object); }
 
+/// Stores what is nearly always there already: a store would stop the other processors, a look does not.
+inline void Remember(std::atomic<const void*>& known, const void* vtable) {
+  if (known.load(std::memory_order_relaxed) != vtable) known = vtable;
+}
+
 /// A class with its own IUnknown.
 template <class Class>
 class Plain final : public Class {
  public:
   template <class... Arguments>
   explicit Plain(Arguments... arguments) : Class(arguments...) {
-    vtable = VtableOf(static_cast<typename Class::Primary*>(this));
+    Remember(vtable, VtableOf(static_cast<typename Class::Primary*>(this)));
   }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
@@ -90,7 +95,13 @@ class Plain final : public Class {
     if (left == 0) delete this;
     return left;
   }
-  IUnknown* unknown() { return static_cast<typename Class::Primary*>(this); }
+  /// Gives the reference of the maker up to the caller, as `iid`; without such an interface the object ends.
+  HRESULT handOver(REFIID iid, void** out) {
+    *out = this->find(iid);
+    if (*out) return S_OK;
+    delete this;
+    return E_NOINTERFACE;
+  }
 
   static inline std::atomic<const void*> vtable;
 
@@ -103,13 +114,17 @@ template <class Class>
 class Aggregated final : public Class {
  public:
   explicit Aggregated(IUnknown* outer) : own_(*this), outer_(outer) {
-    vtable = VtableOf(static_cast<typename Class::Primary*>(this));
+    Remember(vtable, VtableOf(static_cast<typename Class::Primary*>(this)));
   }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** out) override { return outer_->QueryInterface(iid, out); }
   STDMETHODIMP_(ULONG) AddRef() override { return outer_->AddRef(); }
   STDMETHODIMP_(ULONG) Release() override { return outer_->Release(); }
-  IUnknown* unknown() { return &own_; }
+  /// Gives the reference of the maker up to the caller. Any other pointer than IUnknown would not hold the object.
+  HRESULT handOver(void** out) {
+    *out = static_cast<IUnknown*>(&own_);
+    return S_OK;
+  }
 
   static inline std::atomic<const void*> vtable;
 
@@ -141,18 +156,16 @@ class Aggregated final : public Class {
 };
 
 /// Makes an object of `Class` and returns the interface `iid` of it: the class factories' work.
-/// Inside an outer object only IUnknown can be asked for: any other pointer would not hold the object.
 template <class Class>
 HRESULT Create(IUnknown* outer, REFIID iid, void** out) {
-  auto hand = [&](auto* object) -> HRESULT {
-    if (!object) return E_OUTOFMEMORY;
-    HRESULT hr = object->unknown()->QueryInterface(iid, out);
-    object->unknown()->Release();
-    return hr;
-  };
-  if (!outer) return hand(new (std::nothrow) Plain<Class>);
+  if (!outer) {
+    auto* object = new (std::nothrow) Plain<Class>;
+    return object ? object->handOver(iid, out) : E_OUTOFMEMORY;
+  }
+  // Refused before anything is made.
   if (iid != IID_IUnknown) return CLASS_E_NOAGGREGATION;
-  return hand(new (std::nothrow) Aggregated<Class>(outer));
+  auto* object = new (std::nothrow) Aggregated<Class>(outer);
+  return object ? object->handOver(out) : E_OUTOFMEMORY;
 }
 
 /// The object behind an interface pointer when it is one of this module's `Class`, else null. Nothing is

@@ -7,37 +7,38 @@ namespace com {
 
 class Variant {
  public:
-  Variant() { VariantInit(&value_); }
+  Variant() = default;
   Variant(Variant&& other) noexcept : value_(other.release()) {}
   Variant& operator=(const Variant&) = delete;
-  ~Variant() { VariantClear(&value_); }
+  ~Variant() { clear(); }
 
   const VARIANT& get() const { return value_; }
   VARTYPE type() const { return V_VT(&value_); }
   VARIANT* inOut() { return &value_; }
   VARIANT* receive() {
-    VariantClear(&value_);
+    clear();
     return &value_;
   }
   /// Gives the value up to the caller, who clears it.
-  [[nodiscard]] VARIANT release() {
-    VARIANT value = value_;
-    VariantInit(&value_);
-    return value;
-  }
+  [[nodiscard]] VARIANT release() { return std::exchange(value_, VARIANT{}); }
   void reset(BSTR text) {
-    VariantClear(&value_);
+    clear();
     V_VT(&value_) = VT_BSTR;
     V_BSTR(&value_) = text;
   }
   void reset(IDispatch* object) {
-    VariantClear(&value_);
+    clear();
     V_VT(&value_) = VT_DISPATCH;
     V_DISPATCH(&value_) = object;
   }
 
  private:
-  VARIANT value_;
+  // Most are empty when they end: a late-bound call has several for each argument.
+  void clear() {
+    if (type() != VT_EMPTY) VariantClear(&value_);
+  }
+
+  VARIANT value_{};
 };
 
 /// The VARIANT that a VT_BYREF|VT_VARIANT points to (one level only), else `value` itself; null when the

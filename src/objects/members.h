@@ -17,11 +17,18 @@ HRESULT Copy(const char* from, char*& to);
 HRESULT Copy(const DataBlob_t& from, DataBlob_t& to);
 HRESULT Copy(char* const* from, int32_t fromCount, char**& to, int32_t& count);
 
-/// Frees the texts, bytes and lists of texts of a record. What a record holds of other objects is theirs.
+/// Frees the texts, bytes and lists of texts of a record. What a record holds of other objects is theirs. Most members
+/// of most records are empty.
 struct FreeMember {
-  void operator()(char*& text) const { Reset(text); }
-  void operator()(DataBlob_t& bytes) const { Reset(bytes); }
-  void operator()(std::pair<char**&, int32_t&> texts) const { Reset(texts.first, texts.second); }
+  void operator()(char*& text) const {
+    if (text) Reset(text);
+  }
+  void operator()(DataBlob_t& bytes) const {
+    if (bytes.data) Reset(bytes);
+  }
+  void operator()(std::pair<char**&, int32_t&> texts) const {
+    if (texts.first) Reset(texts.first, texts.second);
+  }
   template <class Other>
   void operator()(Other&&) const {}
 };
