@@ -1,5 +1,7 @@
 #include "convert/strings.h"
 
+#include <cstdarg>
+#include <cstdio>
 #include <new>
 
 #include "errors/result.h"
@@ -44,6 +46,15 @@ HRESULT AnsiToBstr(const char* text, BSTR* out) {
   int size = 0;
   HRESULT hr = MeasureWide(text, &size);
   return size == 0 ? hr : ReallocBstr(text, size, out);
+}
+
+void Format(char* buffer, size_t size, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  _vsnprintf(buffer, size, format, arguments);
+  va_end(arguments);
+  // Missing where the text fills the buffer.
+  buffer[size - 1] = '\0';
 }
 
 }  // namespace convert

@@ -30,4 +30,8 @@ HRESULT AnsiToBstr(const char* text, BSTR* out);
 HRESULT MeasureWide(const char* text, int* size);
 HRESULT ReallocBstr(const char* text, int size, BSTR* out);
 
+/// Formats as the platform does, into a buffer of `size` bytes; what is longer is cut. std::snprintf would bring a
+/// formatting of the compiler's own, a twelfth of the module.
+[[gnu::format(ms_printf, 3, 4)]] void Format(char* buffer, size_t size, const char* format, ...);
+
 }  // namespace convert

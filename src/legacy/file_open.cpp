@@ -3,7 +3,6 @@
 #include <objbase.h>
 #include <shellapi.h>
 
-#include <cstdio>
 #include <cstring>
 
 #include "com/module.h"
@@ -64,7 +63,7 @@ bool IsCompleted(const char* path) {
   if (dot && !std::strpbrk(dot, "\\/")) return false;
   for (const char* extension : {".pif", ".com", ".exe", ".bat", ".lnk", ".cmd"}) {
     char program[MAX_PATH + 4];
-    static_cast<void>(std::snprintf(program, sizeof(program), "%s%s", path, extension));
+    convert::Format(program, sizeof(program), "%s%s", path, extension);
     if (Exists(program)) return true;
   }
   return false;

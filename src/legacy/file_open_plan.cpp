@@ -1,7 +1,8 @@
 #include "legacy/file_open_plan.h"
 
-#include <cstdio>
 #include <cstring>
+
+#include "convert/strings.h"
 
 namespace legacy {
 namespace {
@@ -44,8 +45,8 @@ SignedCopy SignedCopyOf(const char* result) {
   const char* backslash = std::strrchr(result, '\\');
   const char* name = backslash ? backslash + 1 : result;
   SignedCopy copy;
-  static_cast<void>(std::snprintf(copy.folder, sizeof(copy.folder), "%s\\P7S", folder));
-  static_cast<void>(std::snprintf(copy.file, sizeof(copy.file), "%s\\%s.p7s", copy.folder, name));
+  convert::Format(copy.folder, sizeof(copy.folder), "%s\\P7S", folder);
+  convert::Format(copy.file, sizeof(copy.file), "%s\\%s.p7s", copy.folder, name);
   return copy;
 }
 

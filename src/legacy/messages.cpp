@@ -1,9 +1,9 @@
 #include "legacy/messages.h"
 
 #include <cstdarg>
-#include <cstdio>
 #include <cstring>
 
+#include "convert/strings.h"
 #include "engine/functions.h"
 
 namespace legacy {
@@ -31,7 +31,7 @@ void ShowFailure(int32_t code, const char* format, const char* argument) {
     FormatText(second, "\n%s", reason);
   }
   char shown[kMessageSize + kMessageSize];
-  static_cast<void>(std::snprintf(shown, sizeof(shown), "%s%s", first, second));
+  convert::Format(shown, sizeof(shown), "%s%s", first, second);
   MessageBoxA(GetForegroundWindow(), shown, kLegacyCaption, MB_ICONHAND | MB_SETFOREGROUND);
 }
 

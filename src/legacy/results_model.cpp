@@ -2,11 +2,11 @@
 
 #include <windows.h>
 
-#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <iterator>
 
+#include "convert/strings.h"
 #include "engine/layout.h"
 #include "legacy/legacy_resources.h"
 
@@ -63,7 +63,7 @@ void DescribeTime(uint32_t seconds, char (&text)[256]) {
   char clock[120] = {};
   GetDateFormatA(LOCALE_USER_DEFAULT, DATE_LONGDATE, &system, nullptr, date, sizeof(date));
   GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &system, nullptr, clock, sizeof(clock));
-  static_cast<void>(std::snprintf(text, sizeof(text), "%s  %s", date, clock));
+  convert::Format(text, sizeof(text), "%s  %s", date, clock);
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 // The profile that the user has selected, read from the registry; it is not tied to the open session.
-#include <cstdio>
 
 #include "com/owner.h"
 #include "com/variant.h"
@@ -24,7 +23,7 @@ STDMETHODIMP Session::GetCurrentProfileNameVBS(VARIANT* var_profile) {
   if (RegQueryValueExA(profiles.get(), "CurSel", nullptr, nullptr, reinterpret_cast<BYTE*>(&selected), &size) != 0)
     return errors::LastErrorResult();
   char number[12];
-  std::snprintf(number, sizeof(number), "%d", static_cast<int>(selected));
+  convert::Format(number, sizeof(number), "%d", static_cast<int>(selected));
   com::RegKey profile;
   if (RegOpenKeyExA(profiles.get(), number, 0, KEY_READ, profile.receive()) != 0) return errors::LastErrorResult();
   size = kNameSize;

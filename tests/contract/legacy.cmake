@@ -1,6 +1,6 @@
 # The legacy object and the file-open entry, in a program of their own. What they decide without a window is tested
 # by itself too: those parts are linked a second time.
-add_library(legacy_units STATIC $<TARGET_OBJECTS:legacy>)
+add_library(legacy_units STATIC $<TARGET_OBJECTS:legacy> $<TARGET_OBJECTS:convert> $<TARGET_OBJECTS:errors>)
 target_include_directories(legacy_units PUBLIC ${PROJECT_SOURCE_DIR}/src)
 
 add_executable(legacy_tests

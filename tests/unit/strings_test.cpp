@@ -61,4 +61,14 @@ TEST(AnsiToBstr, ReadsTheSystemCodePage) {
   EXPECT_STREQ(out.get(), L"Ок");
 }
 
+TEST(Format, CutsWhatIsLongerThanItsBuffer) {
+  char text[6] = {};
+  convert::Format(text, sizeof text, "%s-%d", "abc", 7);
+  EXPECT_STREQ("abc-7", text);
+  convert::Format(text, sizeof text, "%s-%d", "abcd", 7);
+  EXPECT_STREQ("abcd-", text);
+  convert::Format(text, sizeof text, "%s", "much longer");
+  EXPECT_STREQ("much ", text);
+}
+
 }  // namespace
