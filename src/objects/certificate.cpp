@@ -56,13 +56,12 @@ HRESULT Fill(Certificate& certificate, const CertificateRecord& record) {
 
 }  // namespace
 
-HRESULT CertificateFromRecord(const CertificateRecord* record, ICertificate** out) {
+HRESULT CertificateFromRecord(const CertificateRecord& record, ICertificate** out) {
   *out = nullptr;
-  if (!record) return S_OK;
   com::Ref<ICertificate> reference;
   Certificate* certificate = nullptr;
   HRESULT hr = CreateObject(reference, &certificate);
-  if (SUCCEEDED(hr)) hr = Fill(*certificate, *record);
+  if (SUCCEEDED(hr)) hr = Fill(*certificate, record);
   if (SUCCEEDED(hr)) *out = reference.detach();
   return hr;
 }

@@ -68,9 +68,9 @@ class Certificate : public objects::RecordObject<ICertificate, CertificateRecord
 
 namespace objects {
 
-/// Builds a new Certificate from an engine record; a null record gives a null certificate. The engine record
+/// Builds a new Certificate from an engine record. The engine record
 /// stays the caller's; the result refers to nothing of it. Fails as CoCreateInstance does, or with
 /// E_OUTOFMEMORY; `out` is then null.
-HRESULT CertificateFromRecord(const CertificateRecord* record, ICertificate** out);
+HRESULT CertificateFromRecord(const CertificateRecord& record, ICertificate** out);
 
 }  // namespace objects

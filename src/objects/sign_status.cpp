@@ -14,7 +14,7 @@ HRESULT NewStatus(const SignStatusEntry& entry, com::Ref<ISignStatus>& out) {
   hr = status->put_status(entry.status);
   if (FAILED(hr) || !entry.cert) return hr;
   com::Ref<ICertificate> cert;
-  hr = CertificateFromRecord(entry.cert, cert.receive());
+  hr = CertificateFromRecord(*entry.cert, cert.receive());
   return FAILED(hr) ? hr : status->putref_cert(cert.get());
 }
 

@@ -28,7 +28,7 @@ STDMETHODIMP QUIVO::DecryptMem(IDecryptParam* pIParam, VARIANT in, VARIANT* out,
         if (code != 0) result.leave();
         return code;
       },
-      [&](HRESULT hr) { return FAILED(hr) ? hr : CertificateFromRecord(&result.get().cert, pICert); });
+      [&](HRESULT hr) { return FAILED(hr) ? hr : CertificateFromRecord(result.get().cert, pICert); });
 }
 
 namespace {
@@ -55,7 +55,7 @@ HRESULT DecryptFileWith(decltype(QUIVO_DecryptFile) engineDecrypt, QUIVO& quivo,
   engine::DecryptResult result(session);
   int32_t code = engineDecrypt(session, options->record(), paths.get<0>(), paths.get<1>(), result.receive());
   // After a failure too, on purpose: "The two decryptions" in docs/behaviour.md.
-  HRESULT hr = CertificateFromRecord(&result.get().cert, cert);
+  HRESULT hr = CertificateFromRecord(result.get().cert, cert);
   return ToModuleHResult(code != 0 ? code : hr);
 }
 

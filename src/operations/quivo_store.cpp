@@ -17,7 +17,7 @@ HRESULT NewCertificateArray(const FindResultRecord& found, com::Array& array) {
   if (!array) return E_OUTOFMEMORY;
   for (LONG i = 0; i < count; ++i) {
     com::Ref<ICertificate> certificate;
-    HRESULT hr = CertificateFromRecord(&found.certificates[i], certificate.receive());
+    HRESULT hr = CertificateFromRecord(found.certificates[i], certificate.receive());
     if (SUCCEEDED(hr)) hr = SafeArrayPutElement(array.get(), &i, certificate.get());
     if (FAILED(hr)) return hr;
   }
@@ -54,7 +54,7 @@ STDMETHODIMP QUIVO::ParseCert(VARIANT enccert, Certinfo_t info, ICertificate** p
     record.leave();
     return ToModuleHResult(code);
   }
-  hr = CertificateFromRecord(&record.get(), pICertificate);
+  hr = CertificateFromRecord(record.get(), pICertificate);
   return ToModuleHResult(FirstFailure(released, hr));
 }
 

@@ -205,7 +205,7 @@ STDMETHODIMP QUIVO::StrDecryptFinalMem(IDecryptParam* pIParam, IStreamCtx* hStr,
   SessionUse session(owner());
   engine::DecryptResult result(session);
   int32_t code = QUIVO_StrDecryptFinalMem(session, options->record(), stream->stream(), result.receive());
-  HRESULT hr = CertificateFromRecord(&result.get().cert, pICert);
+  HRESULT hr = CertificateFromRecord(result.get().cert, pICert);
   return ToModuleHResult(code != 0 ? code : hr);
 }
 

@@ -18,6 +18,8 @@ TEST(SubjectName, IsCommonNameThenOrganisation) {
   EXPECT_EQ(NameOf("/C=RU/O=Example/CN=Anna"), "Anna, Example");
 }
 
+TEST(SubjectName, ReadsEscapedDigitsInBothCases) { EXPECT_EQ(NameOf("CN=\\4a\\4F\\4f"), "JOO"); }
+
 TEST(SubjectName, AttributeWithoutAKeyEndsWithItsQuotes) { EXPECT_EQ(NameOf("=\"a,CN=Eve\",CN=Bob"), "Bob"); }
 
 TEST(SubjectName, EndsWithItsBuffer) {

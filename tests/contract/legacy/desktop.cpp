@@ -65,7 +65,7 @@ BOOL WINAPI AskForFile(OPENFILENAMEA* dialog) {
 
 BOOL WINAPI Execute(SHELLEXECUTEINFOA* request) {
   desktop->executions.push_back(
-      {request->fMask, WideOrEmpty(request->lpVerb), WideOrEmpty(request->lpFile), request->nShow});
+      {request->cbSize, request->fMask, WideOrEmpty(request->lpVerb), WideOrEmpty(request->lpFile), request->nShow});
   if (desktop->duringExecution) desktop->duringExecution();
   return FALSE;
 }

@@ -48,6 +48,7 @@ struct ShownSaveDialog {
 };
 
 struct Execution {
+  DWORD size;
   ULONG mask;
   std::wstring verb;
   std::wstring file;

@@ -29,6 +29,7 @@ TEST_F(FileOpenPathTest, APathOf258CharactersIsOpened) {
     open(file);
     EXPECT_EQ((Calls{L"Init My", L"Verify " + file + L" -> " + result}), object.calls);
     ASSERT_EQ(1u, desktop.executions.size());
+    EXPECT_EQ(sizeof(SHELLEXECUTEINFOA), desktop.executions[0].size);
     EXPECT_EQ(result, desktop.executions[0].file);
   }
 }

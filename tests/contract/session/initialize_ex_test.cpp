@@ -87,6 +87,43 @@ TEST_F(InitializeExTest, ForeignObjectOfAnotherKindIsRefused) {
   EXPECT_HR(kInvalidArgument, Make<IQUIVO>()->InitializeEx(&param));
 }
 
+/// Type information that belongs to nothing, and says that it does.
+class LibrarylessInfo final : public ITypeInfo {
+ public:
+  STDMETHODIMP QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+  STDMETHODIMP_(ULONG) AddRef() override { return 2; }
+  STDMETHODIMP_(ULONG) Release() override { return 1; }
+  STDMETHODIMP GetTypeAttr(TYPEATTR**) override { return E_NOTIMPL; }
+  STDMETHODIMP GetTypeComp(ITypeComp**) override { return E_NOTIMPL; }
+  STDMETHODIMP GetFuncDesc(UINT, FUNCDESC**) override { return E_NOTIMPL; }
+  STDMETHODIMP GetVarDesc(UINT, VARDESC**) override { return E_NOTIMPL; }
+  STDMETHODIMP GetNames(MEMBERID, BSTR*, UINT, UINT*) override { return E_NOTIMPL; }
+  STDMETHODIMP GetRefTypeOfImplType(UINT, HREFTYPE*) override { return E_NOTIMPL; }
+  STDMETHODIMP GetImplTypeFlags(UINT, INT*) override { return E_NOTIMPL; }
+  STDMETHODIMP GetIDsOfNames(LPOLESTR*, UINT, MEMBERID*) override { return E_NOTIMPL; }
+  STDMETHODIMP Invoke(void*, MEMBERID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override { return E_NOTIMPL; }
+  STDMETHODIMP GetDocumentation(MEMBERID, BSTR*, BSTR*, DWORD*, BSTR*) override { return E_NOTIMPL; }
+  STDMETHODIMP GetDllEntry(MEMBERID, INVOKEKIND, BSTR*, BSTR*, WORD*) override { return E_NOTIMPL; }
+  STDMETHODIMP GetRefTypeInfo(HREFTYPE, ITypeInfo**) override { return E_NOTIMPL; }
+  STDMETHODIMP AddressOfMember(MEMBERID, INVOKEKIND, void**) override { return E_NOTIMPL; }
+  STDMETHODIMP CreateInstance(IUnknown*, REFIID, void**) override { return E_NOTIMPL; }
+  STDMETHODIMP GetMops(MEMBERID, BSTR*) override { return E_NOTIMPL; }
+  STDMETHODIMP GetContainingTypeLib(ITypeLib** library, UINT* index) override {
+    *library = nullptr;
+    *index = 0;
+    return S_OK;
+  }
+  STDMETHODIMP_(void) ReleaseTypeAttr(TYPEATTR*) override {}
+  STDMETHODIMP_(void) ReleaseFuncDesc(FUNCDESC*) override {}
+  STDMETHODIMP_(void) ReleaseVarDesc(VARDESC*) override {}
+};
+
+TEST_F(InitializeExTest, NullLibraryOfTypeInformationIsRefused) {
+  LibrarylessInfo info;
+  LookAlike param(&info);
+  EXPECT_HR(E_UNEXPECTED, Make<IQUIVO>()->InitializeEx(&param));
+}
+
 TEST_F(InitializeExTest, InterfaceWithoutANameGivesTheFailureOfItsConversion) {
   // Type information made by the platform belongs to a library of no name and no interfaces.
   METHODDATA method{};
