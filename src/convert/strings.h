@@ -32,6 +32,6 @@ HRESULT ReallocBstr(const char* text, int size, BSTR* out);
 
 /// Formats as the platform does, into a buffer of `size` bytes; what is longer is cut. std::snprintf would bring a
 /// formatting of the compiler's own, a twelfth of the module.
-[[gnu::format(ms_printf, 3, 4)]] void Format(char* buffer, size_t size, const char* format, ...);
+[[gnu::format(printf, 3, 4)]] void Format(char* buffer, size_t size, const char* format, ...);
 
 }  // namespace convert
