@@ -1,6 +1,7 @@
 // The folder of a store as sessions of one process see it: what is kept of its files, what other processes change, and
 // what a large one costs.
 #include <windows.h>
+#include <algorithm>
 
 #include <atomic>
 
