@@ -1,8 +1,8 @@
 // The folder of a store as sessions of one process see it: what is kept of its files, what other processes change, and
 // what a large one costs.
 #include <windows.h>
-#include <algorithm>
 
+#include <algorithm>
 #include <atomic>
 
 #include "store_fixture.h"
