@@ -6,6 +6,7 @@
 
 #include <psapi.h>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 
