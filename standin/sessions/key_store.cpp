@@ -90,7 +90,7 @@ const OwnKey& KeyStore::pick(const CertIdRecord* id, KeyPurpose purpose) const {
   const OwnKey* best = nullptr;
   int bestScore = -1;
   for (const OwnKey& own : own_) {
-    if (NamesCertificate(id)) {
+    if (id != nullptr && NamesCertificate(id)) {
       if (Matches(own.certificate.get(), *id)) return own;
       continue;
     }
