@@ -1,16 +1,18 @@
 #!/usr/bin/perl
-# Writes the source of the installer, for wixl: installer.pl VERSION ROOT BUILD > tavlcom.wxs
+# Writes the source of the installer, for wixl: installer.pl VERSION COMPANY ROOT BUILD MODULE CONTENT > tavlcom.wxs
 # What DllRegisterServer would write is taken from where it takes it: the registration scripts that the build makes of the list
-# of classes, and the interface definition. ROOT is the folder of the sources, BUILD that of the build; both are relative to where wixl
-# runs.
+# of classes, and the interface definition. ROOT is the folder of the sources, BUILD that of the build, MODULE the file to install; each folder in
+# CONTENT becomes a feature. All are relative to where wixl runs.
 use strict;
 use warnings;
 use Digest::SHA qw(sha1);
+use FindBin;
+use lib $FindBin::Bin;
+use Registration;
 
-die "usage: see the head of $0\n" unless @ARGV == 3;
-my ($version, $root, $build) = @ARGV;
+die "usage: see the head of $0\n" unless @ARGV == 6;
+my ($version, $company, $root, $build, $module, $content) = @ARGV;
 
-sub slurp { my ($path) = @_; local (@ARGV, $/) = $path; my $text = <>; $text =~ s/\r//g; return $text }
 sub xml { my ($text) = @_; my %code = ('&' => '&amp;', '<' => '&lt;', '"' => '&quot;'); return $text =~ s/([&<"])/$code{$1}/gr }
 
 # The identifier of a part is the same in every version: an upgrade knows by it what it replaces.
@@ -23,68 +25,8 @@ sub identifier {
   return uc join '-', unpack 'H8 H4 H4 H4 H12', $bytes;
 }
 
-# A row: key, name of the value (undef for the default value), text. A key without values has the name '*': it goes with
-# the product.
-my @rows;
-
-# Takes the keys from a registration script: `name = s 'text' { ... }`, `val name = s 'text'`.
-sub read_script {
-  my ($path) = @_;
-  my @tokens = slurp($path) =~ /'((?:[^']|'')*)'|([^\s']+)/g;
-  my @words;
-  while (@tokens) {
-    my ($quoted, $plain) = splice @tokens, 0, 2;
-    push @words, defined $quoted ? "'$quoted" : $plain;
-  }
-  shift @words;  # HKCR
-  read_keys(\@words, 'Software\\Classes');
-  die "$path: @words\n" if @words;
-}
-
-sub name_of { my ($word) = @_; return $word =~ s/^'//r }
-
-sub read_keys {
-  my ($words, $parent) = @_;
-  die "a key has no content: $parent\n" if shift @$words ne '{';
-  while ((my $word = shift @$words) ne '}') {
-    if ($word eq 'val') {
-      my $name = name_of(shift @$words);
-      die "$parent: $name is no text\n" if "@$words[0, 1]" ne '= s';
-      push @rows, [$parent, $name, name_of((splice @$words, 0, 3)[2])];
-      next;
-    }
-    my $is_shared = $word eq 'NoRemove';
-    $word = shift @$words if $is_shared || $word eq 'ForceRemove';
-    my $key = "$parent\\" . name_of($word);
-    if (@$words && $words->[0] eq '=') {
-      push @rows, [$key, undef, name_of((splice @$words, 0, 3)[2])];
-    } elsif (!@$words || $words->[0] ne '{') {
-      push @rows, [$key, '*', undef];
-    }
-    read_keys($words, $key) if @$words && $words->[0] eq '{';
-  }
-}
-
-# What the registration of a type library writes: the library, and every dual interface. The flag states that it has a file.
-sub read_library {
-  my ($path) = @_;
-  my $text = slurp($path);
-  my ($id, $number, $help) = $text =~ /uuid\(([-0-9A-F]{36})\),\s*version\((\d+\.\d+)\),\s*helpstring\("([^"]*)"\)[^{]*\]\s*library/ or die "$path: no library\n";
-  my @library;
-  my $key = "TypeLib\\{$id}\\$number";
-  push @library, [$key, undef, $help], ["$key\\0\\win64", undef, '%MODULE%'], ["$key\\FLAGS", undef, '8'],
-    ["$key\\HELPDIR", undef, '%FOLDER%'];
-  while ($text =~ /\[([^\]]*uuid\(([-0-9A-F]{36})\)[^\]]*)\]\s*interface (\w+) : IDispatch/g) {
-    my ($interface, $name) = ("Interface\\{$2}", $3);
-    my $marshaler = '{00020424-0000-0000-C000-000000000046}';
-    push @library, [$interface, undef, $name], ["$interface\\ProxyStubClsid", undef, $marshaler], ["$interface\\ProxyStubClsid32", undef, $marshaler],
-      ["$interface\\TypeLib", undef, "{$id}"], ["$interface\\TypeLib", 'Version', $number];
-  }
-  return @library;
-}
-
-read_script($_) for sort glob "$build/generated/registration/*.rgs";
-my @library = read_library("$root/src/module/quivocom.idl");
+my @rows = Registration::of_classes($build);
+my @library = Registration::of_library($root);
 push @rows, map { ["Software\\Classes\\$_->[0]", @$_[1, 2]] } @library;
 # Callers of 32 bits find the library and the interfaces where theirs are.
 my @rows32 = map { ["Software\\Classes\\$_->[0]", @$_[1, 2]] } @library;
@@ -105,56 +47,81 @@ sub registry {
 my $component = sub { my ($id, $more, @content) = @_; return sprintf qq(      <Component Id="%s" Guid="%s"%s>\n%s      </Component>\n), $id, identifier($id), $more, join '', @content };
 my $file = sub { my ($id, $path) = @_; return sprintf qq(        <File Id="%s" Name="%s" Source="%s" KeyPath="yes"/>\n), $id, $path =~ s{.*/}{}r, xml($path) };
 
-my @open;
-for ([p7s => 'Signed file'], [p7e => 'Encrypted file'], [p7a => 'Signed and encrypted file']) {
-  my ($extension, $name) = @$_;
+# The icons are those of the windows.
+my %icon = Registration::slurp("$root/src/legacy/legacy_resources.h") =~ /#define (IDI_\w+) (\d+)/g;
+my $pkiobj = (map { $_->[0] =~ /\\CLSID\\(\{[^\\]*\})\\VersionIndependentProgID$/ && $_->[2] =~ /\.pkiobj$/ ? $1 : () } @rows)[0];
+# The name by which the entry creates the object that opens a file.
+my @open = (["Software\\Classes\\PKI.pkiobj\\CLSID", undef, $pkiobj]);
+for ([p7s => 'Signed file', 'IDI_VERIFICATION'], [p7e => 'Encrypted file', 'IDI_ENCRYPTION'], [p7a => 'Signed and encrypted file', 'IDI_CERTIFICATE']) {
+  my ($extension, $name, $icon) = @$_;
   my $type = "Software\\Classes\\TAVL.$extension";
   # The entry takes the rest of the command line as it stands: quotes would be a part of the path.
-  push @open, ["Software\\Classes\\.$extension", undef, "TAVL.$extension"], [$type, undef, $name], ["$type\\DefaultIcon", undef, "%MODULE%,0"],
+  push @open, ["Software\\Classes\\.$extension", undef, "TAVL.$extension"], [$type, undef, $name], ["$type\\DefaultIcon", undef, "%MODULE%,-$icon{$icon}"],
     ["$type\\shell\\open\\command", undef, '"[System64Folder]rundll32.exe" "%MODULE%",FileOpen %1'];
 }
 
-my @documents = map { [$_, "$root/$_"] } qw(README.md CHANGELOG.md docs/behaviour.md docs/trust.md);
-my @samples = map { [s{.*/}{}r, $_] } sort glob "$root/examples/*";
+# A host of 32 bits cannot load the module; it reaches the classes in a process of the platform's that does.
+my $application = '{' . identifier('surrogate') . '}';
+my @surrogate = (["Software\\Classes\\AppID\\$application", undef, 'tavlcom'], ["Software\\Classes\\AppID\\$application", 'DllSurrogate', '']);
+push @surrogate, map { [$_, 'AppID', $application] } grep { /\\CLSID\\\{[^\\]*\}$/ } map { defined $_->[1] ? () : $_->[0] } @rows;
+
+# What lies in CONTENT, folder by folder: directories, and a feature for each folder at its top.
 my $number = 0;
-my @parts = (
-  $component->('Module', ' Win64="yes"', $file->('tavlcom.dll', "$build/bin/tavlcom.dll"), registry(@rows)),
-  $component->('Interfaces32', ' Win64="no"', registry(@rows32)),
-  $component->('OpenFiles', ' Win64="yes"', registry(@open)));
-my %folder = (documents => '', samples => '');
-for (['documents', @documents], ['samples', @samples]) {
-  my ($kind, @files) = @$_;
-  $folder{$kind} .= $component->("$kind.$_->[0]" =~ s{[^\w.]}{_}gr, ' Win64="yes"', $file->("$kind." . ++$number, $_->[1])) for @files;
+sub directory {
+  my ($path, $indent) = @_;
+  my ($text, @ids) = ('');
+  for my $entry (sort glob "$path/*") {
+    my $name = $entry =~ s{.*/}{}r;
+    my $id = 'Content' . ++$number;
+    if (-d $entry) {
+      my ($inner, @inner) = directory($entry, "$indent  ");
+      $text .= qq($indent<Directory Id="$id" Name="@{[xml($name)]}">\n$inner$indent</Directory>\n);
+      push @ids, @inner;
+    } else {
+      my $key = identifier($entry =~ s{^\Q$content\E}{}r);
+      $text .= qq($indent<Component Id="$id" Guid="$key" Win64="yes"><File Id="File$id" Name="@{[xml($name)]}" Source="@{[xml($entry)]}" KeyPath="yes"/></Component>\n);
+      push @ids, $id;
+    }
+  }
+  return ($text, @ids);
 }
-my $references = sub { join '', map { qq(      <ComponentRef Id="$_"/>\n) } $_[0] =~ /<Component Id="([^"]+)"/g };
+my ($directories, $features) = ('', '');
+for my $folder (sort grep { -d } glob "$content/*") {
+  my $name = $folder =~ s{.*/}{}r;
+  my ($text, @ids) = directory($folder, ' ' x 12);
+  $directories .= qq(          <Directory Id="@{[uc $name]}" Name="$name">\n$text          </Directory>\n);
+  $features .= qq(    <Feature Id="@{[ucfirst $name]}" Title="@{[ucfirst $name]}" Level="1">\n@{[map { qq(      <ComponentRef Id="$_"/>\n) } @ids]}    </Feature>\n);
+}
+my @parts = (
+  $component->('Module', ' Win64="yes"', $file->('tavlcom.dll', $module), registry(@rows)),
+  $component->('Interfaces32', ' Win64="no"', registry(@rows32)),
+  $component->('OpenFiles', ' Win64="yes"', registry(@open)),
+  $component->('Surrogate', ' Win64="yes"', registry(@surrogate)),
+  $component->('Surrogate32', ' Win64="no"', registry(@surrogate)));
 
 print <<"XML";
 <?xml version="1.0" encoding="utf-8"?>
 <Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">
-  <Product Id="*" Name="tavlcom" Language="1033" Codepage="1252" Version="$version" Manufacturer="tavlcom" UpgradeCode="@{[identifier('upgrade')]}">
+  <Product Id="*" Name="tavlcom" Language="1033" Codepage="1252" Version="$version" Manufacturer="@{[xml($company)]}" UpgradeCode="@{[identifier('upgrade')]}">
     <Package InstallerVersion="200" Compressed="yes" InstallScope="perMachine" Description="tavlcom $version"/>
     <MajorUpgrade DowngradeErrorMessage="A newer version of tavlcom is installed."/>
     <Media Id="1" Cabinet="files.cab" EmbedCab="yes"/>
     <Directory Id="TARGETDIR" Name="SourceDir">
       <Directory Id="ProgramFiles64Folder">
         <Directory Id="INSTALLFOLDER" Name="tavlcom">
-@{[join '', @parts]}          <Directory Id="DOCUMENTS" Name="documents">
-$folder{documents}          </Directory>
-          <Directory Id="SAMPLES" Name="samples">
-$folder{samples}          </Directory>
-        </Directory>
+@{[join '', @parts]}$directories        </Directory>
       </Directory>
     </Directory>
     <Feature Id="Server" Title="Automation server" Level="1" Absent="disallow">
       <ComponentRef Id="Module"/>
       <ComponentRef Id="Interfaces32"/>
     </Feature>
-    <Feature Id="Documents" Title="Documents" Level="1">
-@{[$references->($folder{documents})]}    </Feature>
-    <Feature Id="Samples" Title="Samples" Level="1">
-@{[$references->($folder{samples})]}    </Feature>
-    <Feature Id="OpenFiles" Title="Open protected files" Description="Needs a profile with the name My." Level="1000">
+$features    <Feature Id="OpenFiles" Title="Open protected files" Description="Needs a profile with the name My." Level="1000">
       <ComponentRef Id="OpenFiles"/>
+    </Feature>
+    <Feature Id="Hosts32" Title="Hosts of 32 bits" Description="Through the platform's surrogate process. Not proven." Level="1000">
+      <ComponentRef Id="Surrogate"/>
+      <ComponentRef Id="Surrogate32"/>
     </Feature>
   </Product>
 </Wix>
