@@ -16,11 +16,11 @@ use Encode qw(encode FB_CROAK);
 use File::Basename qw(basename);
 
 my %runs = map { $_ => 1 } qw(vbscript jscript cpp);
-my %plain = map { $_ => 1 } qw(output text reg sh), '';
+my %plain = map { $_ => 1 } qw(output text vbs), '';
 # How a comment begins, and what encloses text.
-my %comment = (vbscript => "'", jscript => '//', cpp => '//', csharp => '//', delphi => '//', '1c' => '//', python => '#', powershell => '#',
-               sh => '#', reg => ';');
-my %quotes = (vbscript => '"', delphi => "'", '1c' => '"', sh => '"', '' => '"');
+my %comment = (vbscript => "'", vbs => "'", jscript => '//', cpp => '//', csharp => '//', delphi => '//', '1c' => '//', python => '#', powershell => '#',
+               sh => '#');
+my %quotes = (vbscript => '"', vbs => '"', delphi => "'", '1c' => '"', sh => '"');
 
 sub read_file {
   my ($path) = @_;
@@ -54,7 +54,7 @@ sub without_comments {
   my $quotes = $quotes{$language} // q("');
   my $string = join '|', map { "$_(?:[^$_\\n\\\\]|\\\\.)*$_" } split //, $quotes;
   # Where a backslash is a letter like others.
-  $string = join '|', map { "$_\[^$_\\n]*$_" } split //, $quotes if $language =~ /^(?:vbscript|delphi|1c|powershell)$/;
+  $string = join '|', map { "$_\[^$_\\n]*$_" } split //, $quotes if $language =~ /^(?:vbs|vbscript|delphi|1c|powershell)$/;
   $code =~ s{($string)|[ \t]*\Q$start\E[^\n]*}{$1 // ''}ge;
   return $code =~ s/[ \t]+$//gmr =~ s/\n+/\n/gr;
 }
