@@ -69,7 +69,7 @@ sub structure {
       ($block->{mark} ? "not run: $block->{mark}" : '') . "output: $block->{output}";
   }
   $text =~ s/^```.*?^```$//gms;
-  while ($text =~ /^(?: {4}.*\n)+/gm) { push @shape, 'block: ' . without_comments('sh', $&) =~ s/\S*(?:FOLDER|ARGUMENTS|FILES|PROGRAM)\S*|ПАПКА|АРГУМЕНТЫ|ФАЙЛЫ|ПРОГРАММА/X/gr }
+  while ($text =~ /^(?: {4}.*\n)+/gm) { push @shape, 'block: ' . without_comments('sh', $&) }
   push @shape, 'headings: ' . join ' ', $text =~ /^(#+) /gm;
   # The twins refer to each other.
   push @shape, 'links: ' . join ' ', sort grep { !/^README/ } $text =~ /\]\(([^)\s]+)\)/g;
