@@ -89,7 +89,7 @@ def read_enumerations(text):
                 raise NotUnderstood(f'{name}: {entry.strip()}')
             members.append(Enumerator(found[2], int(found[3], 0), help_of(found[1], found[2])))
         result.append(Enumeration(name, help_of(attributes, name), members))
-    if len(result) != len(re.findall(r'\benum\b', text)):
+    if len(result) != len(re.findall(r'\benum\s+\w+\s*\{', text)):
         raise NotUnderstood('an enumeration')
     return result
 
