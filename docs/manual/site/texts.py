@@ -11,7 +11,8 @@ INVALID, NO_MEMORY, DENIED = '0xE0690057', '0xE069000E', '0xE0690005'
 KIND_CODES = {
     'object': [INVALID], 'object-or-nothing': [INVALID], 'session-parameter': [INVALID], 'stream': [INVALID],
     'flags': [], 'number': [], 'switch': [], 'bytes': [INVALID], 'path': [INVALID], 'path-or-none': [], 'text': [],
-    'other': [], 'bytes-out': [INVALID, NO_MEMORY], 'text-out': [INVALID], 'string-out': [INVALID],
+    'other': [], 'bytes-out': [INVALID, NO_MEMORY], 'bytes-out-plain': [INVALID, NO_MEMORY],
+    'bytes-out-switch': [INVALID, NO_MEMORY], 'bytes-out-stream': [INVALID, NO_MEMORY], 'text-out': [INVALID], 'string-out': [INVALID],
     'objects-out': [INVALID], 'object-out': [INVALID], 'count-out': [INVALID],
     'legacy-path': [], 'legacy-text': [], 'legacy-number': [],
 }
