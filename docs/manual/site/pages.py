@@ -61,7 +61,22 @@ class Pages:
         def link(found):
             place = self.place_of(html.unescape(found[1]), cls)
             return f'<a href="{place}">{found[0]}</a>' if place else found[0]
-        return re.sub(r'(?<!">)<code>([\w.*]+)</code>', link, text)
+        return self.with_codes(re.sub(r'(?<!">)<code>([\w.*]+)</code>', link, text))
+
+    def with_codes(self, text):
+        """HTML in which the codes that stand in plain text are links too."""
+        result, quoted = [], 0
+        for part in re.split(r'(<[^>]+>)', text):
+            if part.startswith('<'):
+                quoted += bool(re.match(r'<(a|code|pre|h\d)\b', part)) - bool(re.match(r'</(a|code|pre|h\d)>', part))
+            elif not quoted:
+                part = re.sub(r'\b0x\w{8}\b', lambda found: self.code_link(found[0]), part)
+            result.append(part)
+        return ''.join(result)
+
+    def code_link(self, code):
+        place = self.places.get(code)
+        return f'<a href="{place}">{code}</a>' if place else code
 
     def rendered(self, text, cls=None):
         return self.linked(markdown.markdown(text, extensions=EXTENSIONS, extension_configs=SETTINGS), cls)
@@ -198,7 +213,7 @@ class Pages:
         words = self.words
         introduction, sections = self.texts.classes[cls.name]
         body = [f'<h1>{words["class"]} <code>{cls.name}</code></h1>', self.rendered(introduction, cls),
-                f'<p class="facts">ProgID <code>TAVL.{cls.name}</code>, CLSID <code>{{{cls.clsid}}}</code>, {words["interface"]} '
+                f'<p class="facts">ProgID <code>TAVL.{cls.name}</code>, CLSID <code>{{{cls.clsid}}}</code>, {words["interface"].lower()} '
                 f'<code>{cls.interface}</code> <code>{{{cls.iid}}}</code> ({words["dual" if cls.dual else "not dual"]}).</p>']
         if cls.methods:
             body.append(f'<h2>{words["methods"]}</h2><dl>')
@@ -211,7 +226,7 @@ class Pages:
         for member in cls.properties:
             access = ', '.join(words[how] for how in member.access)
             body.append(f'<h3 id="{member.name}"><code>{member.name}</code></h3>'
-                        f'<p class="facts">{self.type_link(member.type)}, {access}, DISPID {member.id}.</p>'
+                        f'<p class="facts">{self.type_link(member.type)}, {access}, DISPID {shown_id(member.id)}.</p>'
                         f'{self.rendered(sections[member.name].prose, cls)}'
                         f'<p class="forms">{self.inline(self.texts.kinds[property_kind(cls, member)], cls)}</p>')
             self.search.append((f'{cls.name}.{member.name}', f'{cls.name}.html#{member.name}', sections[member.name].prose))
@@ -240,7 +255,7 @@ class Pages:
         signature = ', '.join(argument.name for argument in method.arguments)
         body = f'''<p class="up">{self.link(cls.name)}</p>
 <h1>{words['method']} <code>{method.name}</code></h1>
-<p class="signature"><code>{method.name}({signature})</code> <span>DISPID {method.id:#x}</span></p>
+<p class="signature"><code>{method.name}({signature})</code> <span>DISPID {shown_id(method.id)}</span></p>
 {self.rendered(section.prose, cls)}
 <h2>{words['arguments']}</h2>
 {f'<dl class="arguments">{"".join(arguments)}</dl>' if arguments else f'<p>{words["none"]}</p>'}
@@ -267,16 +282,21 @@ class Pages:
         title, introduction, sections = self.texts.enumerations
         body = [f'<h1>{html.escape(title)}</h1>', self.rendered(introduction)]
         for enumeration in self.library.enumerations:
-            section = sections[enumeration.name]
-            body.append(f'<h2 id="{enumeration.name}"><code>{enumeration.name}</code></h2>{self.rendered(section.prose)}<table>'
+            section, cls = sections[enumeration.name], self.user_of(enumeration)
+            body.append(f'<h2 id="{enumeration.name}"><code>{enumeration.name}</code></h2>{self.rendered(section.prose, cls)}<table>'
                         f'<thead><tr><th>{words["name"]}</th><th>{words["value"]}</th><th>{words["meaning"]}</th></tr></thead><tbody>')
             for member in enumeration.members:
                 text = section.items[member.name]
                 body.append(f'<tr id="{member.name}"><td><code>{member.name}</code></td><td>{shown_value(member.value)}</td>'
-                            f'<td>{self.inline(text)}</td></tr>')
+                            f'<td>{self.inline(text, cls)}</td></tr>')
                 self.search.append((member.name, f'enums.html#{member.name}', plain(self.inline(text))))
             body.append('</tbody></table>')
         self.write_page('enums', title, '\n'.join(body), 'enums')
+
+    def user_of(self, enumeration):
+        """The class whose properties the texts of an enumeration speak of."""
+        users = [cls for cls in self.library.classes if any(p.type == enumeration.name for p in cls.properties)]
+        return next((cls for cls in users if cls.name == 'Certificate'), users[0] if users else None)
 
     def write_codes(self):
         title, introduction, sections = self.texts.codes
@@ -321,5 +341,11 @@ def property_kind(cls, member):
     raise Missing(f'{cls.name}.{member.name}: of what kind is it?')
 
 
+def shown_id(id):
+    return str(id) if id < 0x10000 else f'0x{id:X}'
+
+
 def shown_value(value):
-    return f'{value} (0x{value & 0xFFFFFFFF:X})' if value > 9 or value < 0 else str(value)
+    """A value as a script writes it, 32 bits with a sign, and in hexadecimal."""
+    signed = value - (1 << 32) if value >= 1 << 31 else value
+    return f'{signed} (0x{value & 0xFFFFFFFF:X})' if value > 9 or value < 0 else str(value)

@@ -14,7 +14,8 @@
       });
       found.push({ entry: entry, rank: rank });
     });
-    found.sort(function (a, b) { return b.rank - a.rank; });
+    // Of equal ones the shorter is the more particular.
+    found.sort(function (a, b) { return b.rank - a.rank || a.entry[2].length - b.entry[2].length; });
     return found.slice(0, 30);
   }
 
