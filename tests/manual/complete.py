@@ -95,6 +95,23 @@ def check_codes():
             check(f'"{text}"' in catalogue, f'{language}: "{text}" is not in codes.md')
 
 
+def check_safety():
+    """The methods that the facts call file methods are those that look at the untrusted-data mode."""
+    refused = set()
+    for path in sources_of_the_module():
+        if not path.startswith('src/operations/'):
+            continue
+        text = text_of(path)
+        bodies = re.findall(r'^(?:HRESULT|STDMETHODIMP) ([\w:]+)\((.*?)^}', text, re.M | re.S)
+        helpers = [name for name, body in bodies if 'isUntrusted()' in body and '::' not in name]
+        for name, body in bodies:
+            if '::' in name and any(word in body for word in helpers + ['isUntrusted()']):
+                refused.add(name.split('::')[1])
+    stated = set(re.findall(r'^## (\w+)\n(?:(?!##|```).*\n)*?safety: file$', text_of('docs', 'manual', 'reference', 'QUIVO.md'), re.M))
+    check(len(refused) > 8, f'{len(refused)} methods with files were found')
+    check(refused == stated, f'safety: {sorted(refused ^ stated)}')
+
+
 # What is taken away: a file, a pattern in it, what stays there, and what the failure names.
 REMOVALS = [
     ('ru/reference/QUIVO.md', r'^## SignMem\n.*?(?=^## )', '', 'SignMem'),
@@ -149,6 +166,7 @@ def main():
     make(folder, IDL, MANUAL)
     check_members(folder)
     check_codes()
+    check_safety()
     check_removals(folder)
     print(f'{failures} failures')
     return 1 if failures else 0

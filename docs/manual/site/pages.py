@@ -113,11 +113,11 @@ class Pages:
 <body>
 <header>
 <a class="home" href="index.html">{words['manual']}</a>
-<form role="search" onsubmit="return false"><input id="search" type="search" placeholder="{words['search']}"
+<form role="search" onsubmit="return false"><input id="site-search" type="search" placeholder="{words['search']}"
  aria-label="{words['search']}" data-nothing="{words['nothing found']}" autocomplete="off"></form>
 <a class="twin" href="{twin}" hreflang="{self.other}">{WORDS[self.other]['language']}</a>
 </header>
-<ol id="found" hidden></ol>
+<ol id="site-found" hidden></ol>
 <div class="columns">
 <nav>{self.navigation(name)}</nav>
 <main class="{kind}">
@@ -229,7 +229,8 @@ class Pages:
                         f'<p class="facts">{self.type_link(member.type)}, {access}, DISPID {shown_id(member.id)}.</p>'
                         f'{self.rendered(sections[member.name].prose, cls)}'
                         f'<p class="forms">{self.inline(self.texts.kinds[property_kind(cls, member)], cls)}</p>')
-            self.search.append((f'{cls.name}.{member.name}', f'{cls.name}.html#{member.name}', sections[member.name].prose))
+            self.search.append((f'{cls.name}.{member.name}', f'{cls.name}.html#{member.name}',
+                                plain(self.rendered(sections[member.name].prose))))
         body.append(self.common('memory'))
         self.write_page(cls.name, cls.name, '\n'.join(body), 'class')
 
@@ -301,14 +302,16 @@ class Pages:
     def write_codes(self):
         title, introduction, sections = self.texts.codes
         body = [f'<h1>{html.escape(title)}</h1>', self.rendered(introduction)]
+        rows = ''.join(f'<tr><td><a href="#{anchor_of(name)}">{html.escape(name)}</a></td><td>{self.inline(section.prose)}</td></tr>'
+                       for name, section in sections.items())
+        body.append(f'<table><tbody>{rows}</tbody></table>')
         for name, section in sections.items():
-            key = name.split()[0] if name.startswith('0x') else name
-            anchor = key if name.startswith('0x') else slugify_unicode(name, '-')
+            anchor = anchor_of(name)
             body.append(f'<h2 id="{anchor}">{html.escape(name)}</h2>{self.rendered(section.prose)}')
             for field in ('Text', 'Cause', 'Cure'):
                 if field in section.fields:
                     body.append(f'<p><b>{self.words[field]}:</b> {self.inline(section.fields[field])}</p>')
-            self.search.append((name, f'codes.html#{anchor}', section.prose))
+            self.search.append((name, f'codes.html#{anchor}', plain(self.rendered(section.prose + '\n\n' + section.fields['Cause']))))
         self.write_page('codes', title, '\n'.join(body), 'codes')
 
     def write_search(self):
@@ -323,6 +326,11 @@ class Pages:
 
 def chapter_title(text):
     return re.match(r'# +(.+)', text)[1].strip().replace('`', '')
+
+
+def anchor_of(title):
+    """The place of a code or a message on the page of the codes."""
+    return title.split()[0] if title.startswith('0x') else slugify_unicode(title, '-')
 
 
 def property_kind(cls, member):

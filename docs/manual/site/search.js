@@ -1,6 +1,6 @@
 // The search over the index of a language, which each page loads: pages that have every word, those with a word in the title first.
 (function () {
-  var input = document.getElementById("search"), list = document.getElementById("found");
+  var input = document.getElementById("site-search"), list = document.getElementById("site-found");
 
   function find(text) {
     var words = text.toLowerCase().split(/\s+/).filter(Boolean), found = [];

@@ -112,6 +112,9 @@ def check_facts(what, method, facts):
     for argument, kind in facts.kinds.items():
         if kind.split()[0] not in KIND_CODES:
             raise Missing(f'{what}: {argument}: no such kind')
+        given = next(a for a in method.arguments if a.name == argument)
+        if kind != 'other' and given.is_output != ('-out' in kind):
+            raise Missing(f'{what}: {argument}: a kind of another direction')
     if facts.safety not in SAFETY:
         raise Missing(f'{what}: no safety')
     source.compare(f'{what}: scripts', SCRIPTS, facts.samples)
