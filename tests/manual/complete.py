@@ -69,7 +69,7 @@ def sources_of_the_module():
 
 # Masks and bases of codes, in the places where they stand.
 NO_CODES = {'0x80000000', '0xE0690000'}
-# What the windows show beside messages: the caption, headings of columns, a filter, a question, and outcomes.
+# What the windows show in addition to messages: the caption, headings of columns, a filter, a question, and outcomes.
 NO_MESSAGES = {'КОРВИС (x64)', 'Результат', 'Подписавшие', 'Время', 'Все файлы (*.*)\\0*.*\\0', 'Файл %s уже существует. Перезаписать?'}
 
 
