@@ -14,6 +14,7 @@ from sources import IDL, LANGUAGES, MANUAL, ROOT, text_of  # noqa: E402
 from idl import NotUnderstood  # noqa: E402
 from make import make  # noqa: E402
 from source import Missing  # noqa: E402
+from samples import names_ready  # noqa: E402
 
 failures = 0
 
@@ -112,6 +113,18 @@ def check_safety():
     check(refused == stated, f'safety: {sorted(refused ^ stated)}')
 
 
+def check_ready():
+    """Every name that the lines find ready is explained."""
+    code = ''.join(re.findall(r'^```\w+\n(.*?)^```', ''.join(text_of('docs', 'manual', 'reference', f'{cls}.md') for cls in ('QUIVO', 'pkiobj')),
+                              re.M | re.S))
+    used = {name for name in names_ready() if re.search(rf'\b{name}\b', code)}
+    check(len(used) > 15, f'{len(used)} names are ready')
+    for language in LANGUAGES:
+        kinds = text_of('docs', 'manual', language, 'reference', 'kinds.md')
+        explained = set(re.findall(r'^- `(\w+)`: ', kinds, re.M))
+        check(used == explained, f'{language}: names in scripts: {sorted(used ^ explained)}')
+
+
 # What is taken away: a file, a pattern in it, what stays there, and what the failure names.
 REMOVALS = [
     ('ru/reference/QUIVO.md', r'^## SignMem\n.*?(?=^## )', '', 'SignMem'),
@@ -167,6 +180,7 @@ def main():
     check_members(folder)
     check_codes()
     check_safety()
+    check_ready()
     check_removals(folder)
     print(f'{failures} failures')
     return 1 if failures else 0

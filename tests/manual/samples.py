@@ -50,10 +50,16 @@ def jscript(method, facts, _):
     return f'sample("{method}", "{facts.raises}", [{files}], function () {{\n{body}\n  return {{ {results} }};\n}});\n\n'
 
 
+def names_ready():
+    """The names that the lines find ready."""
+    prelude = source.read_file(os.path.join(HERE, 'prelude.vbs'))
+    return {name for line in re.findall(r'^(?:Dim (.*)|Const (\w+))', prelude, re.M) for name in re.findall(r'\w+', ''.join(line))}
+
+
 def main():
     language, *paths = sys.argv[1:]
     prelude = source.read_file(os.path.join(HERE, f'prelude.{language}'))
-    ready = {name.lower() for line in re.findall(r'^(?:Dim|Const) (.*)$', prelude, re.M) for name in re.findall(r'\w+', line)}
+    ready = {name.lower() for name in names_ready()}
     sys.stdout.write(prelude + '\n')
     for path in paths:
         cls = os.path.basename(path)[:-3]

@@ -251,6 +251,8 @@ class Pages:
                         for code in codes_of(facts))
         samples = ''.join(f'<pre class="{language}"><code>{html.escape(code)}</code></pre>'
                           for language, code in facts.samples.items())
+        code = '\n'.join(facts.samples.values())
+        ready = '; '.join(self.inline(f'`{name}`: {text}') for name, text in self.texts.ready.items() if re.search(rf'\b{name}\b', code))
         see = ', '.join(self.link(name, cls) for name in facts.see)
         note = f'<h2>{words["Note"]}</h2>{self.rendered(section.fields["Note"], cls)}' if 'Note' in section.fields else ''
         signature = ', '.join(argument.name for argument in method.arguments)
@@ -268,7 +270,7 @@ class Pages:
 {note}
 <h2>{words['in scripts']}</h2>
 {samples}
-<p class="forms">{self.inline(self.texts.kinds['scripts'])}</p>
+<p class="forms">{ready}</p>
 <h2>{words['see']}</h2>
 <p>{see}</p>
 <section class="common">

@@ -35,6 +35,7 @@ class Texts:
         for name in COMMON + tuple(f'safety-{word}' for word in SAFETY) + tuple(k for k in KIND_CODES if k != 'other'):
             if not self.kinds.get(name):
                 raise Missing(f'{language}: kinds.md has no {name}')
+        self.ready = source.read_section('kinds.md', 'scripts', self.kinds['scripts']).items
         for cls in library.classes:
             path = os.path.join(folder, f'{cls.name}.md')
             title, introduction, sections = source.read_sections(path)
