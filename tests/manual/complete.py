@@ -131,6 +131,7 @@ REMOVALS = [
     ('en/reference/QUIVO.md', r'^- `sign_in`: [^\n]*\n', '', 'sign_in'),
     ('en/reference/QUIVO.md', r'^Result: [^\n]*\n', '', 'Result'),
     ('ru/reference/QUIVO.md', r'^Failure: [^\n]*\n', '', 'Failure'),
+    ('en/reference/QUIVO.md', r'^Note: [^\n]*\n', '', 'Note'),
     ('en/reference/CertId.md', r'^## type\n.*?(?=^## )', '', 'type'),
     ('ru/reference/enums.md', r'^- `Flag_Init_Noldap`: [^\n]*\n', '', 'Flag_Init_Noldap'),
     ('en/reference/enums.md', r'^## Keyusage_t\n.*?(?=^## )', '', 'Keyusage_t'),

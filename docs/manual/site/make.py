@@ -34,6 +34,9 @@ def make(folder, library_source, manual):
     read = [texts.Texts(library, manual, language) for language in LANGUAGES]
     first, second = read
     source.compare(f'{second.language}: chapters', [name for name, _ in first.chapters], dict(second.chapters))
+    for cls in library.classes:
+        for name, section in first.classes[cls.name][1].items():
+            source.compare(f'{second.language}: {cls.name}.{name}', section.fields, second.classes[cls.name][1][name].fields)
     source.compare(f'{second.language}: codes.md', list(first.codes[2]), second.codes[2])
     for language in read:
         place = os.path.join(folder, language.language)
