@@ -1,7 +1,5 @@
 #include <windows.h>
 
-#include <psapi.h>
-
 #include "checks.h"
 #include "engine/flags.h"
 #include "read_through.h"
@@ -9,10 +7,16 @@
 namespace check {
 namespace {
 
+/// Counted by hand: not every system that runs this keeps the figure.
 size_t PrivateBytes() {
-  PROCESS_MEMORY_COUNTERS_EX counters{};
-  GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
-  return counters.PrivateUsage;
+  size_t bytes = 0;
+  MEMORY_BASIC_INFORMATION region{};
+  const char* address = nullptr;
+  while (VirtualQuery(address, &region, sizeof region) != 0) {
+    if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) bytes += region.RegionSize;
+    address = static_cast<const char*>(region.BaseAddress) + region.RegionSize;
+  }
+  return bytes;
 }
 
 constexpr size_t kMebibyte = 1 << 20;
@@ -24,9 +28,9 @@ std::string Keeps(size_t rounds, size_t taken, Round round) {
   const size_t before = PrivateBytes();
   for (size_t i = 0; i < rounds; ++i) round();
   const size_t after = PrivateBytes();
-  const size_t kept = after > before ? (after - before) / kMebibyte : 0;
-  const std::string seen = std::to_string(kept) + " of " + std::to_string(taken / kMebibyte) + " MiB stay";
-  Expect(kept * kMebibyte < taken / 4, seen);
+  const size_t kept = after > before ? after - before : 0;
+  const std::string seen = std::to_string(kept / 1024) + " of " + std::to_string(taken / 1024) + " KiB stay";
+  Expect(kept < taken / 4, seen);
   return seen;
 }
 
@@ -39,14 +43,13 @@ void CheckThatMemoryReturns(Kit& kit) {
       Succeeds("FreeMem", kit.engine.QUIVO_FreeMem(session, random->data));
     });
   });
-  kit.report.check("FreeCert frees what a certificate points to", "the memory of many certificates returns", [&] {
+  kit.report.check("FreeCert frees what a certificate points to", "the memory of 2,000 certificates returns", [&] {
     const Session session = kit.openMinimal();
     InBytes encoded(kit.ownCertificate());
-    const size_t rounds = 16 * kMebibyte / encoded.size();
-    return Keeps(rounds, 16 * kMebibyte, [&] {
-      Out<CertificateRecord> record;
-      Succeeds("ParseCert",
-               kit.engine.QUIVO_ParseCert(session, encoded.blob(), engine::kFieldCertEncoded, record.get()));
+    Out<CertificateRecord> record;
+    return Keeps(2000, 2000 * encoded.size(), [&] {
+      *record = {};
+      Succeeds("ParseCert", kit.engine.QUIVO_ParseCert(session, encoded.blob(), engine::kFieldAll, record.get()));
       Succeeds("FreeCert", kit.engine.QUIVO_FreeCert(session, record.get()));
     });
   });

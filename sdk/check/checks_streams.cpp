@@ -9,7 +9,7 @@ constexpr size_t kWhole = 1 << 30;
 constexpr size_t kPieces[] = {1, 2, 3, 15, 16, 17, 4095, 4096, 4097, 65536, kWhole};
 
 /// Enough data for pieces of that size: several of them, and a part of one.
-Bytes DataFor(size_t size) { return Payload(size < 4095 ? 5003 : 140001); }
+Bytes DataFor(size_t size) { return Payload(size < 4095 ? 1003 : 140001); }
 
 /// Adds a check of a stream in every size of pieces. `work` receives the session, the data and the size.
 template <class Work>
