@@ -1,5 +1,6 @@
 /* The engine library tavl1: its functions, records, flags and codes, for 64-bit Windows.
    docs/engine-contract.md states what the caller expects of each. Made by sdk/generate; do not edit. */
+/* clang-format off */
 #ifndef TAVL1_H
 #define TAVL1_H
 

@@ -54,39 +54,39 @@ void CheckAbsent(Kit& kit, const std::string& what, bool hasToFail, Call call) {
 void CheckAbsentBytes(Kit& kit) {
   const Engine& e = kit.engine;
   using S = EngineSession;
-  using In_ = const DataBlob_t*;
-  using Out_ = DataBlob_t*;
+  using Source = const DataBlob_t*;
+  using Target = DataBlob_t*;
   CheckAbsent(kit, "HashMem of absent bytes", false,
-              [&](S s, In_ in, Out_ out) { return e.QUIVO_HashMem(s, in, out); });
-  CheckAbsent(kit, "EncryptMem of absent bytes", false, [&](S s, In_ in, Out_ out) {
+              [&](S s, Source in, Target out) { return e.QUIVO_HashMem(s, in, out); });
+  CheckAbsent(kit, "EncryptMem of absent bytes", false, [&](S s, Source in, Target out) {
     Receiver receiver(kit.ownCertificate());
     return e.QUIVO_EncryptMem(s, receiver.param(), in, out);
   });
-  CheckAbsent(kit, "SignMem without data and message", false, [&](S s, In_ in, Out_ out) {
+  CheckAbsent(kit, "SignMem without data and message", false, [&](S s, Source in, Target out) {
     In<SignParamRecord> param({kPkcs7, nullptr});
     return e.QUIVO_SignMem(s, param.get(), in, in, out);
   });
-  CheckAbsent(kit, "VerifyMem without a message", true, [&](S s, In_ in, Out_ out) {
+  CheckAbsent(kit, "VerifyMem without a message", true, [&](S s, Source in, Target out) {
     In<VerifyParamRecord> param({});
     Out<VerifyResultRecord> result;
     return e.QUIVO_VerifyMem(s, param.get(), in, in, out, result.get());
   });
-  CheckAbsent(kit, "DecryptMem without a message", true, [&](S s, In_ in, Out_ out) {
+  CheckAbsent(kit, "DecryptMem without a message", true, [&](S s, Source in, Target out) {
     In<DecryptParamRecord> param({kPkcs7, nullptr, 0});
     Out<DecryptResultRecord> result;
     return e.QUIVO_DecryptMem(s, param.get(), in, out, result.get());
   });
-  CheckAbsent(kit, "ParseCert of absent bytes", true, [&](S s, In_ in, Out_) {
+  CheckAbsent(kit, "ParseCert of absent bytes", true, [&](S s, Source in, Target) {
     Out<CertificateRecord> result;
     return e.QUIVO_ParseCert(s, in, 0x7FFFF, result.get());
   });
-  CheckAbsent(kit, "VerifyCert of absent bytes", true, [&](S s, In_ in, Out_) {
+  CheckAbsent(kit, "VerifyCert of absent bytes", true, [&](S s, Source in, Target) {
     In<VerifyCertParamRecord> param({5, nullptr, 4});
     Out<CertificateRecord> result;
     return e.QUIVO_VerifyCert(s, param.get(), in, result.get());
   });
   const auto stores = [&](const char* name, auto function) {
-    CheckAbsent(kit, std::string(name) + " of absent bytes", true, [&](S s, In_ in, Out_) {
+    CheckAbsent(kit, std::string(name) + " of absent bytes", true, [&](S s, Source in, Target) {
       In<SignParamRecord> param({0, nullptr});
       return function(s, param.get(), in);
     });

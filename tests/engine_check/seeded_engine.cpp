@@ -1,5 +1,5 @@
-// An engine with a defect: the stand-in behind it, all of whose functions are forwarded but these. TAVL_SEEDED_DEFECT names the
-// defect; without one, this engine is the stand-in.
+// An engine with a defect: the stand-in behind it, all of whose functions are forwarded but these. TAVL_SEEDED_DEFECT
+// names the defect; without one, this engine is the stand-in.
 #include <windows.h>
 
 #include <cstdlib>
