@@ -21,10 +21,23 @@ Bytes ExportStore(Kit& kit, EngineSession session) {
   return kit.take(session, *out, "ExportMem");
 }
 
+/// Shows encoded bytes; somebody closes the window.
+void CheckWindow(Kit& kit, const char* name, decltype(&QUIVO_ShowCertificate) show, const Bytes& encoded) {
+  kit.check(std::string(name) + " shows a window", "0, once it is closed", [&] {
+    Needs(kit.options.mayShow, "--windows");
+    const Session session = kit.open();
+    InBytes bytes(encoded);
+    Succeeds(name, show(session, bytes.blob()));
+  });
+}
+
 }  // namespace
 
 void CheckStore(Kit& kit) {
   const Engine& e = kit.engine;
+  const Bytes own = kit.options.mayShow ? kit.ownCertificate() : Bytes();
+  CheckWindow(kit, "ShowCertificate", e.QUIVO_ShowCertificate, own);
+  CheckWindow(kit, "ShowCrl", e.QUIVO_ShowCrl, kit.read(kit.options.crl));
   kit.check("ExportMem exports the store", "bytes", [&] {
     const Session session = kit.open();
     Expect(!ExportStore(kit, session).empty(), "no bytes");

@@ -16,9 +16,11 @@ struct Options {
   std::string profile;  // the session's: this, or the three below
   std::string keys, store, pin;
   std::string scratch;  // a folder for files
+  std::string seconds = "60";
   std::string hash = "SHA-256";
   std::string refused;     // a certificate that does not verify, in DER
   std::string crl;         // a revocation list
+  bool mayShow = false;    // windows may be shown, which somebody closes
   bool mayChange = false;  // the store may be changed
 };
 

@@ -6,12 +6,15 @@
 //   --refused FILE                         a certificate in DER that does not verify
 //   --crl FILE                             a revocation list in DER that can be added
 //   --change-store                         the store may be changed
+//   --windows                              windows may be shown, which somebody closes
+//   --seconds NUMBER                       the longest that one check may take, 60 unless named
 // Prints a table. The exit code is 0 if nothing failed and everything is supported, 1 otherwise, 2 if nothing was
 // checked.
 #include <windows.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "checks.h"
@@ -39,7 +42,7 @@ bool Read(int count, char** values, Options& options, std::vector<std::string>& 
   } const kValues[] = {
       {"--keys", &options.keys},       {"--pin", &options.pin},        {"--store", &options.store},
       {"--profile", &options.profile}, {"--folder", &options.scratch}, {"--hash", &options.hash},
-      {"--refused", &options.refused}, {"--crl", &options.crl},
+      {"--refused", &options.refused}, {"--crl", &options.crl},        {"--seconds", &options.seconds},
   };
   for (int i = 2; i < count; ++i) {
     const auto named = [&](const auto& option) { return std::strcmp(option.name, values[i]) == 0; };
@@ -49,6 +52,8 @@ bool Read(int count, char** values, Options& options, std::vector<std::string>& 
       *option->value = values[i];
     } else if (std::strcmp(values[i], "--change-store") == 0) {
       options.mayChange = true;
+    } else if (std::strcmp(values[i], "--windows") == 0) {
+      options.mayShow = true;
     } else if (std::any_of(std::begin(kFamilies), std::end(kFamilies), named)) {
       families.push_back(values[i]);
     } else {
@@ -78,7 +83,7 @@ int main(int count, char** values) {
     std::printf("%s: %s\n", values[1], problem.c_str());
     return 2;
   }
-  Report report;
+  Report report(static_cast<unsigned>(std::max(1, std::atoi(options.seconds.c_str()))));
   Kit kit(engine, report, options);
   for (const Family& family : kFamilies) {
     if (families.empty() || std::find(families.begin(), families.end(), family.name) != families.end()) family.run(kit);

@@ -8,20 +8,19 @@
 namespace check {
 namespace {
 
-constexpr unsigned kLongestSeconds = 60;
 Report* current = nullptr;
 
 }  // namespace
 
-Report::Report() {
+Report::Report(unsigned longestSeconds) : longestSeconds_(longestSeconds) {
   current = this;
-  StartWatch(kLongestSeconds, reportSilence);
+  StartWatch(longestSeconds, reportSilence);
   std::puts("| check | expected | seen | verdict |\n|---|---|---|---|");
 }
 
 void Report::reportSilence() {
   ++current->failed_;
-  current->print("FAILED", "no answer in " + std::to_string(kLongestSeconds) + " seconds");
+  current->print("FAILED", "no answer in " + std::to_string(current->longestSeconds_) + " s");
   current->finish();
 }
 

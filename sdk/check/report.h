@@ -17,7 +17,8 @@ struct NotChecked {
 
 class Report {
  public:
-  Report();
+  /// `longestSeconds` may one check take; after that the process ends.
+  explicit Report(unsigned longestSeconds);
 
   /// Runs a check and prints its row. `work` returns what it saw, or throws one of the above.
   void check(const std::string& what, const std::string& expected, const std::function<std::string()>& work);
@@ -28,6 +29,7 @@ class Report {
   void print(const char* verdict, const std::string& seen);
   static void reportSilence();
 
+  unsigned longestSeconds_;
   std::string what_, expected_;
   int made_ = 0, failed_ = 0, notSupported_ = 0, notChecked_ = 0;
 };

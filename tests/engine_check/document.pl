@@ -1,7 +1,8 @@
 #!/usr/bin/perl
 # Compares docs/engine-contract.md and sdk/tavl1.h with src/engine: document.pl ROOT
 # Every function has a row with its arguments in their order, every member of a record one with its offset, every code one with
-# its number; there are no others. The header is what sdk/generate makes of them.
+# its number; there are no others. tools/check-engine checks every function. sdk/tavl1.h and sdk/tavl1.def are what is made of
+# them.
 use strict;
 use warnings;
 use FindBin;
@@ -56,9 +57,17 @@ my %code = map { ($_->[1] // '') =~ /^`(\w+)`$/ ? ($1 => $_->[0]) : () } @{ $tab
 same("the code $_->{name}", delete $code{ $_->{name} } // 'none', $_->{value}) for @{ $contract->{codes} };
 same("the code $_", 'a row', 'no code') for sort keys %code;
 
+my @checks = glob "$root/sdk/check/*.cpp";
+my $check = join '', map { slurp($_) } @checks;
+same("the check of $_->{name}", $check =~ /\b$_->{name}\b/ ? 'there' : 'missing', 'there') for @{ $contract->{functions} };
+
 my $made = qx('$root/sdk/generate' header);
 die "the header cannot be made\n" if $?;
 same('sdk/tavl1.h', slurp("$root/sdk/tavl1.h") eq $made ? 'up to date' : 'other text; make it anew with sdk/generate', 'up to date');
+
+$made = qx('$root/cmake/engine_exports.pl' '$root/src/engine/functions.h' /dev/stdout);
+die "the export list cannot be made\n" if $?;
+same('sdk/tavl1.def', slurp("$root/sdk/tavl1.def") eq $made ? 'up to date' : 'other text; make it anew with cmake/engine_exports.pl', 'up to date');
 
 die "nothing was compared\n" unless $checks > 100;
 print "$checks comparisons, $bad differ\n";

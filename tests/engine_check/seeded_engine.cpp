@@ -72,6 +72,12 @@ int32_t SeededFreeMem(EngineSession session, void* buffer) {
   return Has("leak") && session != nullptr ? 0 : QUIVO_FreeMem(session, buffer);
 }
 
+/// Does not come back.
+int32_t SeededGetErrorText(int32_t code, char* buffer, uint32_t size) {
+  while (Has("silence")) Sleep(1000);
+  return QUIVO_GetErrorText(code, buffer, size);
+}
+
 /// Writes behind the end of a record.
 int32_t SeededSignedInfoFile(EngineSession session, const char* file, SignedInfoResultRecord* info) {
   const int32_t code = QUIVO_SignedInfoFile(session, file, info);
