@@ -9,7 +9,7 @@ my ($most, $root) = @ARGV;
 die "usage: see the head of $0\n" unless defined $root;
 
 # Without a header of their own: entry points, which the platform and the engine's contract declare, tests and measurements.
-my $stands_alone = qr{/(allocation|exports|identifiers|dll_main)\.cpp$|/exports/\w+\.cpp$|/(tests|bench)/};
+my $stands_alone = qr{/(allocation|exports|identifiers|dll_main|main)\.cpp$|/exports/\w+\.cpp$|/(tests|bench)/};
 
 my ($files, $bad) = (0, 0);
 find({ no_chdir => 1, wanted => sub {
