@@ -19,14 +19,10 @@ struct CipherKind {
   size_t macLength = 0;
 };
 constexpr CipherKind kCiphers[] = {
-    {NID_id_Gost28147_89, kIvOf28147, true},
-    {NID_gost89_cnt, kIvOf28147, true},
-    {NID_gost89_cnt_12, kIvOf28147, true},
-    {NID_gost89_cbc, kIvOf28147, true},
-    {NID_magma_ctr_acpkm, 12, false},
-    {NID_magma_ctr_acpkm_omac, 12, false, 8},
-    {NID_kuznyechik_ctr_acpkm, 16, false},
-    {NID_kuznyechik_ctr_acpkm_omac, 16, false, 16},
+    {NID_id_Gost28147_89, kIvOf28147, true}, {NID_gost89_cnt, kIvOf28147, true},
+    {NID_gost89_cnt_12, kIvOf28147, true},   {NID_gost89_cbc, kIvOf28147, true},
+    {NID_magma_ctr_acpkm, 12, false},        {NID_magma_ctr_acpkm_omac, 12, false, 8},
+    {NID_kuznyechik_ctr_acpkm, 16, false},   {NID_kuznyechik_ctr_acpkm_omac, 16, false, 16},
 };
 
 /// Null for a cipher of another kind.

@@ -5,6 +5,7 @@
 #include <openssl/engine.h>
 
 #include "standin/base/owned.h"
+#include "standin/certificates/russian_names.h"
 #include "standin/sessions/session.h"
 
 extern "C" {
@@ -30,7 +31,9 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
   switch (reason) {
     case DLL_PROCESS_ATTACH:
       // libcrypto's own clean-up at exit would run after this library is unloaded.
-      return OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr) == 1 && AddGost();
+      if (OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr) != 1 || !AddGost()) return FALSE;
+      standin::AddRussianNames();
+      break;
     case DLL_THREAD_DETACH:
       OPENSSL_thread_stop();
       break;
@@ -39,6 +42,7 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
       if (processEnds != nullptr) break;
       standin::RemoveAllSessions();
       standin::ForgetFolders();
+      standin::ForgetRussianNames();
       OPENSSL_cleanup();
       __gnu_cxx::__freeres();
       break;

@@ -67,8 +67,8 @@ bool ContentCipher::hasMac() const {
 Bytes ContentCipher::tag() const {
   if (hasMac()) {
     const AttributesPtr attributes(sk_X509_ATTRIBUTE_new_null());
-    const bool known = attributes != nullptr && EVP_CIPHER_CTX_ctrl(context_, EVP_CTRL_PROCESS_UNPROTECTED, kEncrypting,
-                                                                    attributes.get()) > 0;
+    const bool known = attributes != nullptr &&
+                       EVP_CIPHER_CTX_ctrl(context_, EVP_CTRL_PROCESS_UNPROTECTED, kEncrypting, attributes.get()) > 0;
     const auto* mac = static_cast<const ASN1_OCTET_STRING*>(
         known ? X509at_get0_data_by_OBJ(attributes.get(), MacAttribute().get(), -1, V_ASN1_OCTET_STRING) : nullptr);
     if (mac == nullptr) Fail(kEncryptionFailed);

@@ -154,10 +154,17 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"sign", 4, Sign},       {"verify", 4, Verify},         {"encrypt", 3, Encrypt},
-    {"decrypt", 2, Decrypt}, {"count", 1, CountSignatures}, {"request", 3, Request},
-    {"import", 2, Import},   {"export", 2, ExportStore},    {"find", 1, Find},
-    {"hash", 2, Hash},       {"show", 1, Show},
+    {"sign", 4, Sign},
+    {"verify", 4, Verify},
+    {"encrypt", 3, Encrypt},
+    {"decrypt", 2, Decrypt},
+    {"count", 1, CountSignatures},
+    {"request", 3, Request},
+    {"import", 2, Import},
+    {"export", 2, ExportStore},
+    {"find", 1, Find},
+    {"hash", 2, Hash},
+    {"show", 1, Show},
 };
 
 int Report(int32_t code) {
