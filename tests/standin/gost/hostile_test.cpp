@@ -13,7 +13,8 @@ class GostHostile : public EngineTest {
  protected:
   /// A message to nina from a store with this policy.
   Bytes sealed(const std::string& policy) {
-    const std::string folder = CopyOfStore(kStore, "hostile");
+    static int stores;
+    const std::string folder = CopyOfStore(kStore, "hostile " + std::to_string(++stores));
     WriteBytes(folder + "/policy.txt", BytesOf(policy));
     return encrypt(openIn("gost/oleg", folder), payload, {"gost/nina"});
   }

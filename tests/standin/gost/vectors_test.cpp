@@ -54,7 +54,8 @@ TEST_F(GostVectors, HashesAreThoseOfTheStandard) {
       "1e88e62226bfca6f9994f1f2d51569e0daf8475a3b0fe61a5300eee46d961376035fe83549ada2b8620fcd7c496ce5b33f0cb9dddc2b6460"
       "143b03dabac9fb28",
       hashOf("streebog512", kSecond));
-  EXPECT_EQ("981e5f3ca30c841487830f84fb433e13ac1101569b9c13584ac483234cd656c0", hashOf("md_gost94", ""));
+  EXPECT_EQ("2cefc2f7b7bdc514e18ea57fa74ff357e7fa17d652c75f69cb1be7893ede48eb",
+            hashOf("md_gost94", "This is message, length=32 bytes"));
 }
 
 TEST_F(GostVectors, SelfSignedCertificatesAreGenuine) {
