@@ -4,6 +4,7 @@
 #include <string>
 
 #include "standin/base/codes.h"
+#include "standin/base/gost.h"
 
 namespace standin {
 namespace {
@@ -24,6 +25,11 @@ constexpr NamedDigest kDigests[] = {
     {"SHA3256", "2.16.840.1.101.3.4.2.8", EVP_sha3_256},
     {"SHA3384", "2.16.840.1.101.3.4.2.9", EVP_sha3_384},
     {"SHA3512", "2.16.840.1.101.3.4.2.10", EVP_sha3_512},
+    {"MDGOST12256", "1.2.643.7.1.1.2.2", [] { return KnownDigest(NID_id_GostR3411_2012_256); }},
+    {"MDGOST12512", "1.2.643.7.1.1.2.3", [] { return KnownDigest(NID_id_GostR3411_2012_512); }},
+    {"MDGOST94", "1.2.643.2.2.9", [] { return KnownDigest(NID_id_GostR3411_94); }},
+    {"STREEBOG256", "1.2.643.7.1.1.2.2", [] { return KnownDigest(NID_id_GostR3411_2012_256); }},
+    {"STREEBOG512", "1.2.643.7.1.1.2.3", [] { return KnownDigest(NID_id_GostR3411_2012_512); }},
 };
 
 std::string LettersAndDigits(const std::string& name) {
@@ -62,12 +68,19 @@ Bytes HashOf(ByteView bytes, const EVP_MD* algorithm) {
 
 const EVP_MD* DefaultDigest() { return EVP_sha256(); }
 
+const EVP_MD* KnownDigest(int type) {
+  const EVP_MD* known = EVP_get_digestbynid(type);
+  // What libcrypto itself computes is looked up by name: it may have the digest's name without its code.
+  if (known == nullptr || IsGostDigest(type)) return known;
+  return DigestPtr(EVP_MD_fetch(nullptr, EVP_MD_get0_name(known), nullptr)) == nullptr ? nullptr : known;
+}
+
 const EVP_MD* SignatureDigest(EVP_PKEY* key) {
   constexpr int kMandatory = 2;
   const int type = EVP_PKEY_get_base_id(key);
   const int bits = EVP_PKEY_get_bits(key);
   if (type == EVP_PKEY_EC) return bits <= 256 ? EVP_sha256() : bits <= 384 ? EVP_sha384() : EVP_sha512();
-  if (type != EVP_PKEY_RSA && type != EVP_PKEY_RSA_PSS && type != EVP_PKEY_DSA) return nullptr;
+  if (type != EVP_PKEY_RSA && type != EVP_PKEY_RSA_PSS && type != EVP_PKEY_DSA && !IsGostKey(type)) return nullptr;
   int stated = NID_undef;
   return EVP_PKEY_get_default_digest_nid(key, &stated) == kMandatory ? EVP_get_digestbynid(stated) : DefaultDigest();
 }

@@ -4,6 +4,8 @@
 #include <cctype>
 #include <vector>
 
+#include "standin/certificates/russian_names.h"
+
 namespace standin {
 namespace {
 
@@ -82,7 +84,7 @@ const char* CustomaryName(const std::string& type) {
   if (type == "E" || type == "EMAIL" || type == "Email") return "emailAddress";
   if (type == "S") return "ST";
   if (type == "G") return "GN";
-  return type.c_str();
+  return LatinName(type);
 }
 
 }  // namespace

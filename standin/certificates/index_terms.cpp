@@ -119,8 +119,8 @@ std::optional<Term> EncodedNameTerm(ByteView name) {
       ByteView parts = attribute.content;
       const Element type = Take(parts);
       const Element value = Take(parts);
-      const bool isUsual =
-          attribute.tag == kSequence && type.tag == kOid && value.tag < 0x20 && (ASN1_tag2bit(value.tag) & kTexts) != 0;
+      const bool isUsual = attribute.tag == kSequence && type.tag == kOid && value.tag < 0x20 &&
+                           (ASN1_tag2bit(value.tag) & (kTexts | B_ASN1_NUMERICSTRING)) != 0;
       if (!isUsual) return std::nullopt;
       sum += HashOfAttribute(type.content, value.tag, value.content);
     }

@@ -6,6 +6,7 @@
 
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
+#include "standin/certificates/russian_names.h"
 
 namespace standin {
 namespace {
@@ -62,12 +63,12 @@ std::string NameText(const X509_NAME* name, NameForm form) {
 }
 
 bool IsNameText(const X509_NAME* name, const std::string& text) {
-  const std::string wanted = Normalised(text);
+  const std::string wanted = WithLatinNames(Normalised(text));
   return AnyForm(name, [&](const std::string& form) { return form == wanted; });
 }
 
 bool NameContains(const X509_NAME* name, const std::string& part) {
-  const std::string wanted = Normalised(part);
+  const std::string wanted = WithLatinNames(Normalised(part));
   return AnyForm(name, [&](const std::string& form) { return form.find(wanted) != std::string::npos; });
 }
 

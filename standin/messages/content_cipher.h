@@ -24,6 +24,9 @@ class ContentCipher {
   uint64_t ciphertextLength(uint64_t plainLength) const;
 
  private:
+  /// Whether the tag is in an attribute behind the content, as that of GOST ciphers is.
+  bool hasMac() const;
+
   BioPtr chain_;
   EVP_CIPHER_CTX* context_ = nullptr;
 };

@@ -4,13 +4,13 @@
 #include <set>
 
 #include "standin/base/codes.h"
+#include "standin/base/digest.h"
 
 namespace standin {
 
 const EVP_MD* DigestOf(const X509_ALGOR* algorithm) {
-  const EVP_MD* known = EVP_get_digestbyobj(algorithm->algorithm);
-  if (known == nullptr || (EVP_MD_get_flags(known) & EVP_MD_FLAG_XOF) != 0) return nullptr;
-  return Owned<EVP_MD_free>(EVP_MD_fetch(nullptr, EVP_MD_get0_name(known), nullptr)) == nullptr ? nullptr : known;
+  const EVP_MD* known = KnownDigest(OBJ_obj2nid(algorithm->algorithm));
+  return known == nullptr || (EVP_MD_get_flags(known) & EVP_MD_FLAG_XOF) != 0 ? nullptr : known;
 }
 
 const EVP_MD* DigestOf(ByteView algorithm) {

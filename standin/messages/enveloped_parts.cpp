@@ -1,13 +1,15 @@
 #include "standin/messages/enveloped_parts.h"
 
 #include "standin/base/codes.h"
+#include "standin/base/gost.h"
 #include "standin/base/oids.h"
 #include "standin/certificates/der_objects.h"
 
 namespace standin {
 namespace {
 
-constexpr uint8_t kVersionWithOriginator[] = {2};
+/// Of a message with an originator or with unprotected attributes.
+constexpr uint8_t kVersionWithMore[] = {2};
 constexpr uint8_t kNoTag[16] = {};
 
 Bytes WrapIndefinite(uint8_t tag, ByteView start) {
@@ -21,14 +23,23 @@ EnvelopedParts EnvelopedParts::of(const MessageReader::Head& head) {
   constexpr size_t kMostRecipients = 4096;
   if (!head.enveloped()) Fail(kNotEncrypted);
   EnvelopedParts parts;
-  parts.authenticated = head.kind == MessageKind::kAuthEnveloped;
   parts.version = head.elements.front();
   if (head.elements.size() == 3) parts.originator = head.elements[1];
   parts.recipients = head.elements.back();
   if (ber::ChildrenOf(parts.recipients).size() > kMostRecipients) Fail(kTooLarge);
   parts.contentType = head.contentType;
   parts.contentCipher = head.contentCipher;
-  if (parts.authenticated) parts.readTagLength();
+  const AlgorithmPtr cipher = Decode<AlgorithmPtr>(d2i_X509_ALGOR, parts.contentCipher);
+  if (cipher == nullptr) Fail(kMessageDamaged);
+  if (!HasSoundParameters(cipher.get())) Fail(kAlgorithmUnknown);
+  if (head.kind == MessageKind::kAuthEnveloped) {
+    parts.proof = Proof::kTag;
+    parts.readTagLength();
+  } else if (MacLengthOf(cipher.get()) != 0) {
+    parts.proof = Proof::kMac;
+    parts.tagLength = MacLengthOf(cipher.get());
+    parts.version = ber::Encode(ber::kInteger, kVersionWithMore);
+  }
   return parts;
 }
 
@@ -48,12 +59,12 @@ void EnvelopedParts::readTagLength() {
 EnvelopedParts EnvelopedParts::of(CMS_ContentInfo* message) { return of(MessageReader::whole(DerOf(message)).head()); }
 
 void EnvelopedParts::setSender(const X509* certificate) {
-  if (!authenticated) version = ber::Encode(ber::kInteger, kVersionWithOriginator);
+  if (proof != Proof::kTag) version = ber::Encode(ber::kInteger, kVersionWithMore);
   originator = ber::Encode(ber::kContext0Constructed, ber::Encode(ber::kContext0Constructed, DerOf(certificate)));
 }
 
 ByteView EnvelopedParts::kindOid() const {
-  return authenticated ? ByteView(kOidAuthEnvelopedData) : ByteView(kOidEnvelopedData);
+  return proof == Proof::kTag ? ByteView(kOidAuthEnvelopedData) : ByteView(kOidEnvelopedData);
 }
 
 Bytes EnvelopedParts::finishHeader(ByteView messageVersion, ByteView encryptedInfo, uint64_t behind) const {
@@ -66,7 +77,7 @@ Bytes EnvelopedParts::finishHeader(ByteView messageVersion, ByteView encryptedIn
 Bytes EnvelopedParts::withoutContent() const {
   const Bytes end = trailer({});
   const Bytes info = ber::Encode(ber::kSequence, ber::Join({contentType, contentCipher}));
-  return ber::Join({finishHeader(ber::Encode(ber::kInteger, kVersionWithOriginator), info, end.size()), end});
+  return ber::Join({finishHeader(ber::Encode(ber::kInteger, kVersionWithMore), info, end.size()), end});
 }
 
 Bytes EnvelopedParts::header(uint64_t ciphertextLength) const {
@@ -77,8 +88,38 @@ Bytes EnvelopedParts::header(uint64_t ciphertextLength) const {
 }
 
 Bytes EnvelopedParts::trailer(ByteView tag) const {
-  if (!authenticated) return {};
-  return ber::Encode(ber::kOctetString, tag.empty() ? ByteView(kNoTag) : tag);
+  switch (proof) {
+    case Proof::kTag:
+      return ber::Encode(ber::kOctetString, tag.empty() ? ByteView(kNoTag) : tag);
+    case Proof::kMac:
+      return attributesWith(tag.empty() ? ByteView(kNoTag).first(tagLength) : tag);
+    default:
+      return {};
+  }
+}
+
+Bytes EnvelopedParts::attributesWith(ByteView mac) const {
+  const Bytes values = ber::Encode(ber::kSet, ber::Encode(ber::kOctetString, mac));
+  const Bytes attribute = ber::Encode(ber::kSequence, ber::Join({kOidContentMac, values}));
+  return ber::Encode(ber::kContext1Constructed, attribute);
+}
+
+ByteView EnvelopedParts::tagIn(ByteView element) const {
+  if (proof == Proof::kTag) {
+    if (element[0] != ber::kOctetString) Fail(kMessageDamaged);
+    return ber::ContentOf(element);
+  }
+  if (element[0] != ber::kContext1Constructed) Fail(kMessageDamaged);
+  ByteView found;
+  for (const ByteView attribute : ber::ChildrenOf(element)) {
+    const std::vector<ByteView> members = ber::ChildrenOf(attribute);
+    if (members.empty() || !Equal(members[0], kOidContentMac)) continue;
+    const std::vector<ByteView> values = members.size() == 2 ? ber::ChildrenOf(members[1]) : members;
+    if (!found.empty() || values.size() != 1 || values[0][0] != ber::kOctetString) Fail(kMessageDamaged);
+    found = ber::ContentOf(values[0]);
+  }
+  if (found.empty()) Fail(kMessageDamaged);
+  return found;
 }
 
 Bytes EnvelopedParts::streamHeader() const {

@@ -9,19 +9,30 @@
 
 namespace standin {
 
+/// What behind the content proves it.
+enum class Proof {
+  kNone,
+  kTag,  ///< an octet string (AuthEnvelopedData)
+  kMac,  ///< an unprotected attribute, which GOST ciphers demand
+};
+
 struct EnvelopedParts {
-  bool authenticated = false;  ///< the content has a tag behind it (AuthEnvelopedData)
-  Bytes version;               ///< the element
-  Bytes originator;            ///< the element; empty if there is none
-  Bytes recipients;            ///< the SET
+  Proof proof = Proof::kNone;
+  Bytes version;     ///< the element
+  Bytes originator;  ///< the element; empty if there is none
+  Bytes recipients;  ///< the SET
   Bytes contentType;
   Bytes contentCipher;
   size_t tagLength = 0;  ///< as the cipher states it
 
-  /// Fails with kNotEncrypted, or kTooLarge for more recipients than any honest message has.
+  /// Fails with kNotEncrypted, kTooLarge for more recipients than any honest message has, or kAlgorithmUnknown if the
+  /// parameters of the cipher are not its own.
   static EnvelopedParts of(const MessageReader::Head& head);
   /// Of a message without content made by libcrypto.
   static EnvelopedParts of(CMS_ContentInfo* message);
+
+  /// The tag in the element behind the content. Fails with kMessageDamaged.
+  ByteView tagIn(ByteView element) const;
 
   /// Names the sender.
   void setSender(const X509* certificate);
@@ -37,6 +48,7 @@ struct EnvelopedParts {
 
  private:
   void readTagLength();
+  Bytes attributesWith(ByteView mac) const;
   Bytes finishHeader(ByteView messageVersion, ByteView encryptedInfo, uint64_t behind) const;
   ByteView kindOid() const;
 };

@@ -7,6 +7,7 @@
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
 #include "standin/base/digest.h"
+#include "standin/base/gost.h"
 #include "standin/base/oids.h"
 #include "standin/base/times.h"
 #include "standin/certificates/der_objects.h"
@@ -17,7 +18,8 @@ namespace standin {
 namespace {
 
 bool IsSigningKey(int type) {
-  return type == EVP_PKEY_RSA || type == EVP_PKEY_RSA_PSS || type == EVP_PKEY_EC || type == EVP_PKEY_DSA;
+  return type == EVP_PKEY_RSA || type == EVP_PKEY_RSA_PSS || type == EVP_PKEY_EC || type == EVP_PKEY_DSA ||
+         IsGostKey(type);
 }
 
 /// The value of an attribute that occurs once and has one value of this type; otherwise null.
@@ -58,6 +60,7 @@ int32_t CheckKey(X509* certificate) {
   if (!IsSigningKey(OBJ_obj2nid(type))) return kAlgorithmUnknown;
   const EVP_PKEY* key = X509_get0_pubkey(certificate);
   if (key != nullptr) return EVP_PKEY_missing_parameters(key) == 0 ? kOk : kCertificateDamaged;
+  if (IsGostKey(OBJ_obj2nid(type))) return NamesUnknownCurve(algorithm) ? kAlgorithmUnknown : kCertificateDamaged;
   if (OBJ_obj2nid(type) != EVP_PKEY_EC || parameterType != V_ASN1_OBJECT) return kCertificateDamaged;
   const int curve = OBJ_obj2nid(static_cast<const ASN1_OBJECT*>(parameter));
   return Owned<EC_GROUP_free>(EC_GROUP_new_by_curve_name(curve)) == nullptr ? kAlgorithmUnknown : kCertificateDamaged;
@@ -78,6 +81,7 @@ int32_t CheckAlgorithms(CMS_SignerInfo* signer) {
   const int keyType = EVP_PKEY_get_base_id(key);
   if (stated == NID_rsassaPss) return keyType == EVP_PKEY_RSA || keyType == EVP_PKEY_RSA_PSS ? kOk : kBadSignature;
   if (parameters != V_ASN1_UNDEF && parameters != V_ASN1_NULL) return kBadSignature;
+  if (IsGostKey(keyType) && digest != SignatureDigest(key)) return kBadSignature;
   if (IsSigningKey(stated)) return stated == keyType ? kOk : kBadSignature;
   int ofDigest = NID_undef;
   int ofKey = NID_undef;

@@ -2,21 +2,25 @@
 
 #include "standin/base/codes.h"
 #include "standin/base/files.h"
+#include "standin/base/gost.h"
 #include "standin/certificates/cert_id.h"
 #include "standin/certificates/cert_record.h"
+#include "standin/messages/gost_transport.h"
 #include "standin/messages/signed_parts.h"
 
 namespace standin {
 namespace {
 
+/// What a tag, whose length the sender chooses, must have at least.
 constexpr size_t kShortestTag = 12;
 
 /// Decrypts the content key with the own key; false if this entry is for another recipient.
-bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& own) {
+bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, ByteView encodedEntry, const OwnKey& own) {
   EVP_PKEY* key = own.key.get();
   switch (CMS_RecipientInfo_type(entry)) {
     case CMS_RECIPINFO_TRANS:
       if (CMS_RecipientInfo_ktri_cert_cmp(entry, own.certificate.get()) != 0) return false;
+      if (IsGostKey(key) && !IsSoundTransport(encodedEntry, key)) Fail(kDecryptionFailed);
       EVP_PKEY_up_ref(key);
       CMS_RecipientInfo_set0_pkey(entry, key);
       if (CMS_RecipientInfo_decrypt(message, entry) != 1) Fail(kDecryptionFailed);
@@ -26,6 +30,7 @@ bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, const OwnKey& o
       for (int i = 0; i < sk_CMS_RecipientEncryptedKey_num(keys); ++i) {
         CMS_RecipientEncryptedKey* sealed = sk_CMS_RecipientEncryptedKey_value(keys, i);
         if (CMS_RecipientEncryptedKey_cert_cmp(sealed, own.certificate.get()) != 0) continue;
+        if (IsGostKey(key)) Fail(kNotSupported);
         const bool opened = CMS_RecipientInfo_kari_set0_pkey(entry, key) == 1 &&
                             CMS_RecipientInfo_kari_decrypt(message, entry, sealed) == 1;
         if (!opened) Fail(kDecryptionFailed);
@@ -53,17 +58,17 @@ Decryptor::Decryptor(const Session& session, const CertIdRecord* id, MessageRead
 void Decryptor::feed(ByteView bytes) {
   reader_.feed(bytes);
   // The tag of an authenticated content stands behind it.
-  if (parts_.authenticated ? reader_.tryFinish() : reader_.contentEnded()) endContent();
+  if (parts_.proof != Proof::kNone ? reader_.tryFinish() : reader_.contentEnded()) endContent();
 }
 
 void Decryptor::finish() {
   reader_.finish();
   endContent();
   // Attributes that nothing proves may stand behind the content.
-  const size_t proofs = parts_.authenticated ? 1 : 0;
-  const uint8_t attributes = parts_.authenticated ? ber::kContext2Constructed : ber::kContext1Constructed;
+  const size_t tags = parts_.proof == Proof::kTag ? 1 : 0;
+  const uint8_t attributes = tags == 1 ? ber::kContext2Constructed : ber::kContext1Constructed;
   const std::vector<Bytes>& tail = reader_.tail();
-  if (tail.size() > proofs + 1 || (tail.size() > proofs && tail[proofs][0] != attributes)) Fail(kMessageDamaged);
+  if (tail.size() > tags + 1 || (tail.size() > tags && tail[tags][0] != attributes)) Fail(kMessageDamaged);
 }
 
 DecryptResultRecord Decryptor::result(uint32_t info, Buffers& buffers) const {
@@ -76,13 +81,14 @@ void Decryptor::open(const MessageReader::Head& head) {
   if (!head.hasContent) Fail(kMessageDamaged);
   message_ = MessageFromDer(parts_.withoutContent());
   STACK_OF(CMS_RecipientInfo)* entries = CMS_get0_RecipientInfos(message_.get());
+  const std::vector<ByteView> encoded = ber::ChildrenOf(parts_.recipients);
+  const size_t count = std::min(encoded.size(), static_cast<size_t>(sk_CMS_RecipientInfo_num(entries)));
   const bool opened = std::ranges::any_of(session_.keys.own(), [&](const OwnKey& own) {
     if (NamesCertificate(id_) && !Matches(own.certificate.get(), *id_)) return false;
-    int i = 0;
-    while (i < sk_CMS_RecipientInfo_num(entries) &&
-           !OpenFor(message_.get(), sk_CMS_RecipientInfo_value(entries, i), own))
-      ++i;
-    return i < sk_CMS_RecipientInfo_num(entries);
+    size_t i = 0;
+    const auto entry = [&] { return sk_CMS_RecipientInfo_value(entries, static_cast<int>(i)); };
+    while (i < count && !OpenFor(message_.get(), entry(), encoded[i], own)) ++i;
+    return i < count;
   });
   // The caller's identifier may be gone at the next call.
   id_ = nullptr;
@@ -100,15 +106,15 @@ void Decryptor::decrypt(ByteView piece) {
 
 void Decryptor::endContent() {
   if (ended_) return;
-  if (parts_.authenticated) {
+  if (parts_.proof != Proof::kNone) {
     if (reader_.tail().empty()) Fail(kMessageDamaged);
-    const Bytes& mac = reader_.tail().front();
+    const Bytes& proof = reader_.tail().front();
     // Attributes that the tag proves too would have to be known before the content.
-    if (mac[0] == ber::kContext1Constructed) Fail(kNotSupported);
-    if (mac[0] != ber::kOctetString) Fail(kMessageDamaged);
-    const ByteView tag = ber::ContentOf(mac);
+    if (parts_.proof == Proof::kTag && proof[0] == ber::kContext1Constructed) Fail(kNotSupported);
+    const ByteView tag = parts_.tagIn(proof);
     // A short tag is easy to guess.
-    const bool plausible = tag.size() == parts_.tagLength && tag.size() >= kShortestTag;
+    const bool plausible =
+        tag.size() == parts_.tagLength && (parts_.proof == Proof::kMac || tag.size() >= kShortestTag);
     if (!plausible || !cipher_->expectTag(tag)) Fail(kDecryptionFailed);
   }
   if (!cipher_->finish(plain_)) Fail(kDecryptionFailed);

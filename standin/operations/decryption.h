@@ -18,7 +18,7 @@ class Decryptor {
   void finish();
 
   /// False while the content's tag is awaited.
-  bool isProved() const { return ended_ || !parts_.authenticated; }
+  bool isProved() const { return ended_ || parts_.proof == Proof::kNone; }
   /// The certificate that the message states as its sender's, with the fields of `info`. It is not proved.
   DecryptResultRecord result(uint32_t info, Buffers& buffers) const;
 

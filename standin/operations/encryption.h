@@ -1,5 +1,6 @@
 // Encryption to recipients: in memory, of files and of streams. The cipher of the content is AES-256, in
-// CBC mode, or in GCM mode if the store asks for authenticated messages.
+// CBC mode, or in GCM mode if the store asks for authenticated messages. For GOST recipients it is Kuznyechik or what
+// the store asks for.
 #pragma once
 
 #include "standin/messages/content_cipher.h"

@@ -6,6 +6,7 @@
 #include "standin/base/codes.h"
 #include "standin/base/digest.h"
 #include "standin/base/files.h"
+#include "standin/base/gost.h"
 #include "standin/certificates/alt_name.h"
 #include "standin/certificates/cert_record.h"
 #include "standin/certificates/der_objects.h"
@@ -15,7 +16,7 @@
 namespace standin {
 namespace {
 
-constexpr uint32_t kTokens = kXmlRequestEtokenGost | kXmlRequestRutokenGost | kXmlRequestGost2001 | kXmlRequestGost2012;
+constexpr uint32_t kTokens = kXmlRequestEtokenGost | kXmlRequestRutokenGost;
 constexpr int kKeyUsageBits = 9;
 constexpr unsigned kRsaBits = 2048;
 
@@ -92,12 +93,30 @@ RequestPtr MakeRequest(const X509_NAME* subject, EVP_PKEY* key, const RequestedE
   return request;
 }
 
-std::string KeyIdText(const EVP_PKEY* key) {
-  unsigned char* raw = nullptr;
-  const int length = i2d_PublicKey(key, &raw);
-  const OctetsPtr bits(raw);
-  if (length <= 0) Fail(kRequestFailed);
-  return ThumbprintText({raw, static_cast<size_t>(length)});
+std::string KeyIdText(EVP_PKEY* key) {
+  X509_PUBKEY* encoded = nullptr;
+  const bool known = X509_PUBKEY_set(&encoded, key) == 1;
+  const Owned<X509_PUBKEY_free> owner(encoded);
+  const unsigned char* bits = nullptr;
+  int length = 0;
+  if (!known || X509_PUBKEY_get0_param(nullptr, &bits, &length, nullptr, encoded) != 1) Fail(kRequestFailed);
+  return ThumbprintText({bits, static_cast<size_t>(length)});
+}
+
+/// A key of the kind that the flags demand, or of the kind of a GOST key that the session has.
+KeyPtr MakeKey(const Session& session, uint32_t flags) {
+  const bool isGost = (flags & (kXmlRequestGost2001 | kXmlRequestGost2012)) != 0;
+  const int type = (flags & kXmlRequestGost2012) != 0 ? NID_id_GostR3410_2012_256 : NID_id_GostR3410_2001;
+  EVP_PKEY* model = nullptr;
+  if (!isGost && !session.keys.own().empty()) model = session.keys.pick(nullptr, KeyPurpose::kSigning).key.get();
+  if (!isGost && (model == nullptr || !IsGostKey(model))) return KeyPtr(EVP_RSA_gen(kRsaBits));
+  const Owned<EVP_PKEY_CTX_free> context(isGost ? EVP_PKEY_CTX_new_id(type, nullptr)
+                                                : EVP_PKEY_CTX_new(model, nullptr));
+  EVP_PKEY* made = nullptr;
+  const bool done = context != nullptr && EVP_PKEY_keygen_init(context.get()) == 1 &&
+                    (!isGost || EVP_PKEY_CTX_ctrl_str(context.get(), "paramset", "A") == 1) &&
+                    EVP_PKEY_keygen(context.get(), &made) == 1;
+  return KeyPtr(done ? made : nullptr);
 }
 
 std::string Escaped(const std::string& text) {
@@ -148,7 +167,7 @@ Bytes MakeXmlRequest(Session& session, uint32_t flags, const CertificateRecord& 
 
   KeyPtr made;
   if (own == nullptr) {
-    made.reset(EVP_RSA_gen(kRsaBits));
+    made = MakeKey(session, flags);
     if (made == nullptr) Fail(kRequestFailed);
   }
   EVP_PKEY* key = own == nullptr ? made.get() : own->key.get();

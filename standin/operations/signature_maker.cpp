@@ -4,6 +4,7 @@
 #include <openssl/rsa.h>
 
 #include "standin/base/codes.h"
+#include "standin/base/gost.h"
 #include "standin/base/oids.h"
 
 namespace standin {
@@ -22,6 +23,27 @@ bool PreparePss(CMS_SignerInfo* signer) {
   if (EVP_PKEY_CTX_get_params(context, parameters) != 1) return false;
   const unsigned char* cursor = der;
   return d2i_X509_ALGOR(&algorithm, &cursor, static_cast<long>(parameters[0].return_size)) != nullptr;
+}
+
+/// As the standard for messages with GOST algorithms has them.
+void LeaveOutParameters(CMS_SignerInfo* signer) {
+  X509_ALGOR* digest = nullptr;
+  X509_ALGOR* signature = nullptr;
+  CMS_SignerInfo_get0_algs(signer, nullptr, nullptr, &digest, &signature);
+  for (X509_ALGOR* algorithm : {digest, signature}) {
+    X509_ALGOR_set0(algorithm, OBJ_nid2obj(OBJ_obj2nid(algorithm->algorithm)), V_ASN1_UNDEF, nullptr);
+  }
+}
+
+/// The AlgorithmIdentifier of the digest as the SignerInfo has it.
+Bytes DigestAlgorithmOf(CMS_SignerInfo* signer) {
+  X509_ALGOR* digest = nullptr;
+  CMS_SignerInfo_get0_algs(signer, nullptr, nullptr, &digest, nullptr);
+  unsigned char* raw = nullptr;
+  const int length = i2d_X509_ALGOR(digest, &raw);
+  const OctetsPtr owner(raw);
+  if (length <= 0) Fail(kSigningFailed);
+  return Bytes(raw, raw + length);
 }
 
 }  // namespace
@@ -70,6 +92,7 @@ SignedParts SignatureMaker::withSignature(ByteView digest) const {
   CMS_SignerInfo* signer = CMS_add1_signer(message.get(), certificate_.get(), key_.get(), algorithm_,
                                            kFlags | certificateFlag | (pss ? CMS_KEY_PARAM : 0));
   if (signer == nullptr || (pss && !PreparePss(signer))) Fail(kSigningFailed);
+  if (IsGostKey(key_.get())) LeaveOutParameters(signer);
   const ObjectPtr contentType = Decode<ObjectPtr>(d2i_ASN1_OBJECT, existing_.contentType);
   if (contentType == nullptr) Fail(kMessageDamaged);
   const bool made =
@@ -79,8 +102,10 @@ SignedParts SignatureMaker::withSignature(ByteView digest) const {
                                   static_cast<int>(digest.size())) == 1 &&
       CMS_SignerInfo_sign(signer) == 1;
   if (!made) Fail(kSigningFailed);
+  SignedParts own = SignedParts::of(message.get());
+  own.digestAlgorithms = {DigestAlgorithmOf(signer)};
   SignedParts all = existing_;
-  all.merge(SignedParts::of(message.get()));
+  all.merge(own);
   return all;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "standin/base/codes.h"
+#include "standin/base/gost.h"
 #include "standin/base/pem.h"
 #include "standin/certificates/der_objects.h"
 
@@ -32,7 +33,8 @@ Owner Unpack(const X509_ALGOR* algorithm, const ASN1_ITEM* item) {
   return Owner(static_cast<typename Owner::pointer>(ASN1_item_unpack(static_cast<const ASN1_STRING*>(value), item)));
 }
 
-/// The rounds of key derivation that the algorithm states; 0 if it states none.
+/// The rounds of key derivation that the algorithm states; 0 if it states none. Fails with kKeyFileDamaged if the
+/// cipher's parameters are not its own.
 long RoundsOf(const X509_ALGOR* algorithm) {
   const ASN1_OBJECT* object = nullptr;
   X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
@@ -42,6 +44,7 @@ long RoundsOf(const X509_ALGOR* algorithm) {
   }
   const Pbe2ParamPtr outer = Unpack<Pbe2ParamPtr>(algorithm, ASN1_ITEM_rptr(PBE2PARAM));
   if (outer == nullptr) return 0;
+  if (!HasSoundParameters(outer->encryption)) Fail(kKeyFileDamaged);
   const Pbkdf2ParamPtr param = Unpack<Pbkdf2ParamPtr>(outer->keyfunc, ASN1_ITEM_rptr(PBKDF2PARAM));
   return param == nullptr ? 0 : ASN1_INTEGER_get(param->iter);
 }

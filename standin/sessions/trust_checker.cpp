@@ -4,6 +4,7 @@
 #include <set>
 
 #include "standin/base/ansi.h"
+#include "standin/base/digest.h"
 #include "standin/base/times.h"
 #include "standin/certificates/cert_extensions.h"
 #include "standin/certificates/crl_scope.h"
@@ -14,6 +15,11 @@ namespace {
 /// libcrypto's level of strength: RSA-2048, curves of 224 bits, SHA-224.
 constexpr int kLeastLevel = 2;
 constexpr int kLeastDigestSize = 28;
+
+/// GOST R 34.11-94 is long enough, but collisions of it are easier to find than those of SHA-224.
+bool IsWeak(const EVP_MD* digest) {
+  return EVP_MD_get_size(digest) < kLeastDigestSize || EVP_MD_get_type(digest) == NID_id_GostR3411_94;
+}
 
 /// The codes of a chain, the most serious first.
 constexpr int32_t kFailures[] = {kCertificateDamaged, kAlgorithmUnknown, kIssuerUnknown, kChainBroken,
@@ -26,7 +32,7 @@ bool IsKnownAlgorithm(int signature) {
   int digest = NID_undef;
   if (OBJ_find_sigid_algs(signature, &digest, nullptr) != 1) return false;
   // Where the name of the algorithm implies no digest, the parameters do.
-  return digest == NID_undef || DigestPtr(EVP_MD_fetch(nullptr, OBJ_nid2sn(digest), nullptr)) != nullptr;
+  return digest == NID_undef || KnownDigest(digest) != nullptr;
 }
 
 X509_STORE_CTX* ParentOf(const X509_STORE_CTX* context) { return X509_STORE_CTX_get0_parent_ctx(context); }
@@ -278,8 +284,7 @@ int32_t TrustChecker::check(X509* certificate, const TrustOptions& options, cons
     if (check(certificate, alone, around) == kRevoked) findings.add(kRevoked);
   }
   if (options.signedWith == nullptr) return findings.worst();
-  const bool isWeak = EVP_MD_get_size(options.signedWith) < kLeastDigestSize;
-  if (isWeak && !known_.hasPolicy("admit weak-digests")) findings.add(kWeakAlgorithm);
+  if (IsWeak(options.signedWith) && !known_.hasPolicy("admit weak-digests")) findings.add(kWeakAlgorithm);
   const time_t signedAt = options.signedAt != 0 ? options.signedAt : CurrentTime();
   if (options.checkTime && !IsWithinKeyPeriod(certificate, signedAt)) findings.add(kKeyPeriodOver);
   return findings.worst();

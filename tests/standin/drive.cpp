@@ -128,6 +128,17 @@ int32_t Find(EngineSession session, const Arguments& a) {
   return code;
 }
 
+/// hash ALGORITHM FILE
+int32_t Hash(EngineSession session, const Arguments& a) {
+  DataBlob_t hash{};
+  const int32_t code = QUIVO_StrHashFile(session, a[0], a[1], &hash);
+  std::printf("hash ");
+  for (uint32_t i = 0; i < hash.len; ++i) std::printf("%02x", static_cast<unsigned>(hash.data[i]));
+  std::puts("");
+  QUIVO_FreeMem(session, hash.data);
+  return code;
+}
+
 /// show FILE
 int32_t Show(EngineSession session, const Arguments& a) {
   std::vector<uint8_t> bytes = ReadBytes(a[0]);
@@ -143,9 +154,16 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"sign", 4, Sign},       {"verify", 4, Verify},         {"encrypt", 3, Encrypt},
-    {"decrypt", 2, Decrypt}, {"count", 1, CountSignatures}, {"request", 3, Request},
-    {"import", 2, Import},   {"export", 2, ExportStore},    {"find", 1, Find},
+    {"sign", 4, Sign},
+    {"verify", 4, Verify},
+    {"encrypt", 3, Encrypt},
+    {"decrypt", 2, Decrypt},
+    {"count", 1, CountSignatures},
+    {"request", 3, Request},
+    {"import", 2, Import},
+    {"export", 2, ExportStore},
+    {"find", 1, Find},
+    {"hash", 2, Hash},
     {"show", 1, Show},
 };
 

@@ -1,0 +1,14 @@
+// The content key as it is transported to a GOST recipient: encrypted under a key that an ephemeral key and the
+// recipient's agree on.
+#pragma once
+
+#include "standin/base/bytes.h"
+#include "standin/base/openssl_owners.h"
+
+namespace standin {
+
+/// Whether the RecipientInfo of a recipient by key transport can be decrypted with the GOST key `own`: libcrypto's GOST
+/// algorithms read the lengths and the ephemeral key unchecked.
+bool IsSoundTransport(ByteView recipientInfo, const EVP_PKEY* own);
+
+}  // namespace standin
