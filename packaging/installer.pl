@@ -115,15 +115,17 @@ for ([p7s => 'Signed file'], [p7e => 'Encrypted file'], [p7a => 'Signed and encr
 }
 
 my @documents = map { [$_, "$root/$_"] } qw(README.md CHANGELOG.md docs/behaviour.md docs/trust.md);
-my @samples = map { [s{.*/}{}r, $_] } sort glob "$root/examples/*";
+my $files_of = sub { map { [s{.*/}{}r, $_] } sort grep { -f } glob "$root/$_[0]/*" };
+my @rooms = map { s{.*/}{}r } sort grep { -d } glob "$root/samples/*";
 my $number = 0;
 my @parts = (
   $component->('Module', ' Win64="yes"', $file->('tavlcom.dll', "$build/bin/tavlcom.dll"), registry(@rows)),
   $component->('Interfaces32', ' Win64="no"', registry(@rows32)),
   $component->('OpenFiles', ' Win64="yes"', registry(@open)));
-my %folder = (documents => '', samples => '');
-for (['documents', @documents], ['samples', @samples]) {
+my %folder;
+for (['documents', @documents], ['samples', $files_of->('samples')], map { [$_, $files_of->("samples/$_")] } @rooms) {
   my ($kind, @files) = @$_;
+  $folder{$kind} = '';
   $folder{$kind} .= $component->("$kind.$_->[0]" =~ s{[^\w.]}{_}gr, ' Win64="yes"', $file->("$kind." . ++$number, $_->[1])) for @files;
 }
 my $references = sub { join '', map { qq(      <ComponentRef Id="$_"/>\n) } $_[0] =~ /<Component Id="([^"]+)"/g };
@@ -141,7 +143,7 @@ print <<"XML";
 @{[join '', @parts]}          <Directory Id="DOCUMENTS" Name="documents">
 $folder{documents}          </Directory>
           <Directory Id="SAMPLES" Name="samples">
-$folder{samples}          </Directory>
+$folder{samples}@{[join '', map { qq(            <Directory Id="\U$_\E" Name="$_">\n$folder{$_}            </Directory>\n) } @rooms]}          </Directory>
         </Directory>
       </Directory>
     </Directory>
@@ -152,7 +154,7 @@ $folder{samples}          </Directory>
     <Feature Id="Documents" Title="Documents" Level="1">
 @{[$references->($folder{documents})]}    </Feature>
     <Feature Id="Samples" Title="Samples" Level="1">
-@{[$references->($folder{samples})]}    </Feature>
+@{[$references->(join '', @folder{'samples', @rooms})]}    </Feature>
     <Feature Id="OpenFiles" Title="Open protected files" Description="Needs a profile with the name My." Level="1000">
       <ComponentRef Id="OpenFiles"/>
     </Feature>

@@ -221,8 +221,9 @@ function examineRights() {
 
 function isWritable(folder) {
   try {
-    files.CreateTextFile(folder + "\\tavl-doctor.txt", true).Close();
-    files.DeleteFile(folder + "\\tavl-doctor.txt");
+    var path = folder + "\\" + files.GetTempName();
+    files.CreateTextFile(path, true).Close();
+    files.DeleteFile(path);
     return true;
   } catch (error) {
     return false;

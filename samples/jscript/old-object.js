@@ -11,8 +11,8 @@ var pkiobj = attempt(t("Модуль не зарегистрирован (см. 
 });
 attempt(t("Сеанс не открыт", "The session cannot be opened"), function () { pkiobj.Init(given[0]); });
 
-// Who cancels one of its windows makes the call succeed without a result, which a script cannot tell from success; that is why
-// the files are looked for. IsSigned answers in the same way, so a script learns nothing from it.
+// A script cannot tell every failure from success: a cancelled window and a positive code of the engine succeed without a
+// result. That is why the files are looked for. IsSigned answers in the same way, so a script learns nothing from it.
 attempt(t("Не подписан", "Not signed"), function () { pkiobj.Sign(given[1], target + ".p7s", 0); });
 look(target + ".p7s");
 
@@ -28,7 +28,7 @@ pkiobj.Uninit();
 
 function look(path) {
   if (!files.FileExists(path)) {
-    WScript.Echo(t("Отменено, файла нет: ", "Cancelled, there is no ") + path);
+    WScript.Echo(t("Отказано или отменено, файла нет: ", "Refused or cancelled, there is no ") + path);
     WScript.Quit(1);
   }
   WScript.Echo(t("Записан ", "Written: ") + path);

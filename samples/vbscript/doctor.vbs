@@ -296,14 +296,15 @@ Sub ExamineRights
 End Sub
 
 Function IsWritable(folder)
-  Dim file
+  Dim path, file
   On Error Resume Next
   Err.Clear
-  Set file = files.CreateTextFile(folder & "\tavl-doctor.txt", True)
+  path = folder & "\" & files.GetTempName
+  Set file = files.CreateTextFile(path, True)
   IsWritable = (Err.Number = 0)
   If Not IsWritable Then Exit Function
   file.Close
-  files.DeleteFile folder & "\tavl-doctor.txt"
+  files.DeleteFile path
 End Function
 
 ' A variable of the environment. Wine's host leaves a NUL character behind it.

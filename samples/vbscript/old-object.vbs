@@ -15,8 +15,8 @@ Check T("Модуль не зарегистрирован (см. doctor.vbs)", "
 pkiobj.Init given(0)
 Check T("Сеанс не открыт", "The session cannot be opened")
 
-' Who cancels one of its windows makes the call succeed without a result, which a script cannot tell from success; that is why
-' the files are looked for. IsSigned answers in the same way, so a script learns nothing from it.
+' A script cannot tell every failure from success: a cancelled window and a positive code of the engine succeed without a
+' result. That is why the files are looked for. IsSigned answers in the same way, so a script learns nothing from it.
 pkiobj.Sign given(1), target & ".p7s", 0
 Check T("Не подписан", "Not signed")
 Look target & ".p7s"
@@ -36,7 +36,7 @@ pkiobj.Uninit
 
 Sub Look(path)
   If Not files.FileExists(path) Then
-    WScript.Echo T("Отменено, файла нет: ", "Cancelled, there is no ") & path
+    WScript.Echo T("Отказано или отменено, файла нет: ", "Refused or cancelled, there is no ") & path
     WScript.Quit 1
   End If
   WScript.Echo T("Записан ", "Written: ") & path
