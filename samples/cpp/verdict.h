@@ -1,0 +1,25 @@
+// What the code of a verification means to a person, and what the person can do.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+enum class Language { kRussian, kEnglish };
+
+/// The text in one of the two languages.
+inline const wchar_t* Choose(Language language, const wchar_t* russian, const wchar_t* english) {
+  return language == Language::kRussian ? russian : english;
+}
+
+/// Ordered: the verdict on a file is the worst of its signatures.
+enum class Level { kGood, kRemark, kBad };
+
+struct Verdict {
+  Level level;
+  std::wstring wrong;  // empty if only the engine knows a text for the code
+  std::wstring advice;
+};
+
+/// `code` is the status of a signature or the failure of a call.
+Verdict Explain(LONG code, Language language);
