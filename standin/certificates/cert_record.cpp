@@ -11,6 +11,9 @@
 namespace standin {
 namespace {
 
+constexpr uint32_t kPersonFields = kFieldSubject | kFieldSubjectAltName | kFieldIssuer | kFieldSerial |
+                                   kFieldNotBefore | kFieldNotAfter | kFieldCertEncoded;
+
 class RecordFiller {
  public:
   RecordFiller(X509* certificate, uint32_t mask, Buffers& buffers)
@@ -151,6 +154,10 @@ class RecordFiller {
 
 CertificateRecord RecordOf(X509* certificate, uint32_t mask, Buffers& buffers) {
   return RecordFiller(certificate, mask, buffers).fill();
+}
+
+CertificateRecord PersonRecordOf(X509* certificate, uint32_t mask, Buffers& buffers) {
+  return RecordOf(certificate, mask == 0 ? kPersonFields : mask, buffers);
 }
 
 uint32_t KeyUsageOf(X509* certificate) {

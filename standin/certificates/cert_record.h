@@ -8,6 +8,9 @@ namespace standin {
 
 /// A record with the fields of `mask` that the certificate has, listed in `fields`. It points to memory of `buffers`.
 CertificateRecord RecordOf(X509* certificate, uint32_t mask, Buffers& buffers);
+/// The same for a signer or a sender. A caller whose mask is 0 shows the person in a window: the record has what the
+/// window needs.
+CertificateRecord PersonRecordOf(X509* certificate, uint32_t mask, Buffers& buffers);
 
 /// A mask of KeyUsage; 0 if the certificate does not state the extension.
 uint32_t KeyUsageOf(X509* certificate);

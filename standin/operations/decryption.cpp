@@ -73,7 +73,7 @@ void Decryptor::finish() {
 
 DecryptResultRecord Decryptor::result(uint32_t info, Buffers& buffers) const {
   if (sender_ == nullptr) return {};
-  return {kOk, RecordOf(sender_.get(), info, buffers)};
+  return {kOk, PersonRecordOf(sender_.get(), info, buffers)};
 }
 
 void Decryptor::open(const MessageReader::Head& head) {

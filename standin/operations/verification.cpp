@@ -65,7 +65,7 @@ void FillResult(VerifyResultRecord& result, const Verification& verification, co
     entry.time = RecordTime(verdict.signingTime);
     if (verdict.certificate == nullptr) continue;
     entry.cert = buffers.allocateArray<CertificateRecord>(1);
-    *entry.cert = RecordOf(verdict.certificate.get(), param.info, buffers);
+    *entry.cert = PersonRecordOf(verdict.certificate.get(), param.info, buffers);
   }
 }
 

@@ -14,7 +14,7 @@ struct Verification {
   std::vector<SignerVerdict> verdicts;
 };
 
-/// A result record; its certificates have the fields of `info`.
+/// A result record; its certificates have the fields of `info`, or those of PersonRecordOf.
 void FillResult(VerifyResultRecord& result, const Verification& verification, const VerifyParamRecord& param,
                 Buffers& buffers);
 

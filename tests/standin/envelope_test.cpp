@@ -252,7 +252,8 @@ TEST_F(Envelopes, SignedAndEncryptedFileIsDecryptedAndVerified) {
   ASSERT_CODE(0, QUIVO_SignAndEncryptFile(alice, &signParam, &encryptParam, plain.c_str(), sealed.c_str()));
 
   const EngineSession bob = open("bob");
-  const DecryptParamRecord decryptParam{1, nullptr, 4};
+  // As pkiobj calls it: no field is asked for.
+  const DecryptParamRecord decryptParam{1, nullptr, 0};
   VerifyParamRecord verifyParam{};
   verifyParam.flag = 5;
   verifyParam.nSignToDelete = -1;
@@ -263,7 +264,8 @@ TEST_F(Envelopes, SignedAndEncryptedFileIsDecryptedAndVerified) {
   EXPECT_EQ(payload, ReadBytes(opened));
   EXPECT_EQ(0, decrypted.status);
   EXPECT_NE(nullptr, decrypted.cert.subject);
-  EXPECT_EQ(1, verified.count);
+  ASSERT_EQ(1, verified.count);
+  EXPECT_NE(nullptr, verified.entries[0].cert->subject);
   QUIVO_FreeDecryptResult(bob, &decrypted);
   QUIVO_FreeVerifyResult(bob, &verified);
 

@@ -92,6 +92,23 @@ TEST_F(Verification, MaskDecidesWhatIsKnownOfTheSigner) {
   EXPECT_EQ(0, result.count);
 }
 
+TEST_F(Verification, WithoutAMaskTheSignerHasWhatAWindowShows) {
+  const Bytes message = sign(open("alice"), kSendCertificate, payload);
+  const DataBlob_t none{};
+  const DataBlob_t blob = BlobOf(message);
+  const VerifyParamRecord param{};
+  DataBlob_t out{};
+  VerifyResultRecord result{};
+  const EngineSession session = open("bob");
+  ASSERT_CODE(0, QUIVO_VerifyMem(session, &param, &none, &blob, &out, &result));
+  const CertificateRecord& record = *result.entries[0].cert;
+  EXPECT_EQ(0x10267u, record.fields);
+  EXPECT_NE(nullptr, record.subject);
+  EXPECT_EQ(Material("alice.cer"), Bytes(record.certEncoded.data, record.certEncoded.data + record.certEncoded.len));
+  take(session, out);
+  QUIVO_FreeVerifyResult(session, &result);
+}
+
 TEST_F(Verification, EverySignatureHasItsVerdict) {
   const Bytes both =
       addSignature(open("carol"), kSendCertificate, nullptr, sign(open("alice"), kSendCertificate, payload));

@@ -1,8 +1,9 @@
 // Opens a protected file as the shell does, and answers every window that comes up:
-//   open_and_answer MODULE FILE [keep] [refuse]
+//   open_and_answer MODULE FILE [keep] [refuse] [picture]
 // Runs "rundll32 MODULE,FileOpen FILE" in the current folder. Windows are accepted; "keep" marks the save
-// dialog's box before, "refuse" cancels the results sheet. Prints each window with its texts, in UTF-8, and at last the
-// exit code of rundll32, which is the program's own too; it is 1 when the opening did not come to its end in time.
+// dialog's box before, "refuse" cancels the results sheet, "picture" keeps a picture of the sheet. Prints each window
+// with its texts, in UTF-8, and at last the exit code of rundll32, which is the program's own too; it is 1 when the
+// opening did not come to its end in time.
 #include <windows.h>
 
 #include <commctrl.h>
@@ -21,6 +22,7 @@ constexpr DWORD kPatience = 60000;
 
 bool keeps = false;
 bool refuses = false;
+bool takesPicture = false;
 
 void Print(const std::wstring& text) {
   char utf8[8192] = {};
@@ -80,6 +82,7 @@ void Answer(HWND window) {
       if (control.visible) PrintRows(control.window);
     }
   }
+  if (isSheet && takesPicture) TakePicture("sheet");
   Press(window, isSheet && refuses ? IDCANCEL : IDOK);
 }
 
@@ -107,6 +110,7 @@ int wmain(int count, wchar_t** arguments) {
   for (int i = 3; i < count; ++i) {
     keeps = keeps || std::wstring(arguments[i]) == L"keep";
     refuses = refuses || std::wstring(arguments[i]) == L"refuse";
+    takesPicture = takesPicture || std::wstring(arguments[i]) == L"picture";
   }
   std::wstring line = L"rundll32 " + std::wstring(arguments[1]) + L",FileOpen " + arguments[2];
   STARTUPINFOW start{};

@@ -110,17 +110,17 @@ void TypeText(HWND edit, const std::wstring& text) {
   SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
-void TakePicture(const std::string& name) {
+bool TakePicture(const std::string& name) {
   // The runner looks for requests, takes the picture from outside, and answers by its file.
   const char* folder = std::getenv("TAVL_PICTURES");
-  if (folder == nullptr) return;
+  if (folder == nullptr) return true;
   const std::string path = std::string(folder) + "\\" + name;
   DeleteFileA((path + ".png").c_str());
   // What is drawn has to reach the display before.
   GdiFlush();
   Sleep(100);
   if (FILE* request = std::fopen((path + ".request").c_str(), "w")) std::fclose(request);
-  WaitFor([&] { return GetFileAttributesA((path + ".png").c_str()) != INVALID_FILE_ATTRIBUTES; });
+  return WaitFor([&] { return GetFileAttributesA((path + ".png").c_str()) != INVALID_FILE_ATTRIBUTES; });
 }
 
 User::User(const std::wstring& caption, std::function<void(HWND)> act)

@@ -46,8 +46,9 @@ void PressCloseBox(HWND window);
 void SetMark(HWND checkBox, bool checked);
 void TypeText(HWND edit, const std::wstring& text);
 
-/// Keeps a picture of the whole display as NAME.png, where the runner of the tests wants pictures.
-void TakePicture(const std::string& name);
+/// Keeps a picture of the whole display as NAME.png, where the runner of the tests wants pictures. False if it did not
+/// come.
+bool TakePicture(const std::string& name);
 
 /// Does something with the next window of a caption, while the test's own thread is busy showing it. What is done
 /// runs on a thread of the user's: it may look and press, and leaves comparing to the test.
