@@ -52,9 +52,14 @@ my %parts = (
   threads => [['two threads', 'one thread', $ratio, 0.55]],
   tests => [['tools/test', '', $itself, 60]],
 );
-my %titles = (calls => 'Calls', files => 'Large files', memory => 'Memory', small => 'Small files', store => 'The store',
+my @gost = qw(sign verify encrypt hash);
+$parts{gost} = [
+  (map { ["GOST, $_", 'the `openssl` command with Debian\'s engine', $ratio, 1.1] } @gost),
+  (map { ["GOST peak memory, $_", 'itself with 16 MiB', $above, 4] } @gost, 'decrypt'),
+];
+my %titles = (gost => 'GOST algorithms', calls => 'Calls', files => 'Large files', memory => 'Memory', small => 'Small files', store => 'The store',
               threads => 'Threads', tests => 'The tests');
-my @order = qw(calls files memory small store threads tests);
+my @order = qw(calls files memory gost small store threads tests);
 
 sub quantile {
   my ($share, @values) = @_;

@@ -76,6 +76,14 @@ void HashFile(const Job& job) {
   Write(job, hash);
 }
 
+void HashFileAsGost(const Job& job) {
+  VARIANT hash{};
+  BSTR algorithm = Text("md_gost12_256");
+  Check(job.quivo->StrHashFile(algorithm, job.in, &hash, VARIANT_FALSE), "StrHashFile");
+  SysFreeString(algorithm);
+  Write(job, hash);
+}
+
 void StreamSign(const Job& job) {
   auto param = Signing(Flag_Sign_Detached);
   auto stream = New<StreamCtx, IStreamCtx>();
@@ -160,6 +168,7 @@ const std::map<std::string, std::function<void(const Job&)>> kOperations = {
      }},
     {"decrypt", DecryptFile},
     {"hash", HashFile},
+    {"hash-gost", HashFileAsGost},
     {"stream-sign", StreamSign},
     {"stream-verify", StreamVerify},
     {"stream-encrypt", StreamEncrypt},
@@ -182,7 +191,7 @@ int main(int count, char** arguments) {
           Text(arguments[4]),
           count > 5 ? Text(arguments[5]) : nullptr,
           isStream ? std::fopen(arguments[3], "rb") : nullptr,
-          isStream || operation == "hash" ? std::fopen(arguments[4], "wb") : nullptr};
+          isStream || operation.starts_with("hash") ? std::fopen(arguments[4], "wb") : nullptr};
   BSTR profile = Text(arguments[1]);
   Check(job.quivo->Initialize(profile, static_cast<Init_Flag_t>(Flag_Init_Nocrlupdate | Flag_Init_Noldap)),
         "Initialize");
