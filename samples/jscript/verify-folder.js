@@ -40,7 +40,7 @@ function verifyOne(path) {
   } catch (error) {
     failure = error;
   }
-  var statuses = elements(holder.value), mark = marks[level(failure.number)], name = files.GetFileName(path);
+  var statuses = "value" in holder ? elements(holder.value) : [], mark = marks[level(failure.number)], name = files.GetFileName(path);
   if (!statuses) walks = false;
 
   WScript.Echo(name + ": " + explain(failure.number, failure)[0]);
@@ -70,8 +70,9 @@ function beginReport() {
                "h1{font-size:1.5em;margin-bottom:0}.about{color:#667}" +
                "section{background:#fff;border-left:6px solid;border-radius:4px;margin:1em 0;padding:.6em 1em}" +
                "section.good{border-color:#2a8a43}section.remark{border-color:#d99a00}section.bad{border-color:#c0392b}" +
-               "h2{font-size:1.05em;margin:.2em 0}table{border-collapse:collapse;width:100%}" +
+               "h2{font-size:1.05em;margin:.2em 0}table{border-collapse:collapse;width:100%;table-layout:fixed}" +
                "th{text-align:left;color:#667;font-weight:normal;font-size:.85em}td,th{padding:.25em 1em .25em 0;vertical-align:top}" +
+               "th:nth-child(1){width:38%}th:nth-child(2){width:9em}th:nth-child(3){width:21%}" +
                "td.good{color:#2a8a43}td.remark{color:#9a6d00}td.bad{color:#c0392b}";
   report.WriteLine("<!DOCTYPE html><html lang='" + language + "'><meta charset='windows-1251'><title>" +
                    t("Проверка подписей", "Signatures") + "</title><style>" + style + "</style><h1>" +

@@ -57,8 +57,10 @@ Sub VerifyOne(path)
   ' A verification that fails gives its results all the same.
   code = Err.Number
   Err.Clear
-  statuses = Elements(results)
-  If IsEmpty(statuses) Then walks = False
+  If IsArray(results) Then
+    statuses = Elements(results)
+    If IsEmpty(statuses) Then walks = False
+  End If
 
   words = Explain(code)
   WScript.Echo files.GetFileName(path) & ": " & words(0)
@@ -94,8 +96,9 @@ Sub BeginReport
   report.WriteLine "h1{font-size:1.5em;margin-bottom:0}.about{color:#667}"
   report.WriteLine "section{background:#fff;border-left:6px solid;border-radius:4px;margin:1em 0;padding:.6em 1em}"
   report.WriteLine "section.good{border-color:#2a8a43}section.remark{border-color:#d99a00}section.bad{border-color:#c0392b}"
-  report.WriteLine "h2{font-size:1.05em;margin:.2em 0}table{border-collapse:collapse;width:100%}"
+  report.WriteLine "h2{font-size:1.05em;margin:.2em 0}table{border-collapse:collapse;width:100%;table-layout:fixed}"
   report.WriteLine "th{text-align:left;color:#667;font-weight:normal;font-size:.85em}td,th{padding:.25em 1em .25em 0;vertical-align:top}"
+  report.WriteLine "th:nth-child(1){width:38%}th:nth-child(2){width:9em}th:nth-child(3){width:21%}"
   report.WriteLine "td.good{color:#2a8a43}td.remark{color:#9a6d00}td.bad{color:#c0392b}"
   report.WriteLine "</style><h1>" & T("Проверка подписей", "Signatures") & "</h1><p class='about'>" & Html(given(1)) & ", " & Now & "</p>"
 End Sub
