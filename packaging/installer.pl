@@ -143,7 +143,7 @@ print <<"XML";
 @{[join '', @parts]}          <Directory Id="DOCUMENTS" Name="documents">
 $folder{documents}          </Directory>
           <Directory Id="SAMPLES" Name="samples">
-$folder{samples}@{[join '', map { qq(            <Directory Id="\U$_\E" Name="$_">\n$folder{$_}            </Directory>\n) } @rooms]}          </Directory>
+$folder{samples}@{[join '', map { qq(            <Directory Id="\U@{[tr/A-Za-z0-9/_/cr]}\E" Name="$_">\n$folder{$_}            </Directory>\n) } @rooms]}          </Directory>
         </Directory>
       </Directory>
     </Directory>

@@ -40,7 +40,7 @@ function show(name, value) {
 function showList(name, list) {
   var items = elements(list);
   if (!items) {
-    show(name, t("(этот сервер сценариев не читает массивы объектов и строк)",
+    show(name, t("(данный сервер сценариев не читает массивы объектов и строк)",
                  "(this script host walks no arrays of objects and strings)"));
     return;
   }

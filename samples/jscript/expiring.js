@@ -25,7 +25,7 @@ var certificates = elements(attempt(t("Справочник не прочита�
 if (certificates) {
   for (var i = 0; i < certificates.length; i++) look(certificates[i]);
 } else {
-  WScript.Echo(t("Этот сервер сценариев не читает массивы объектов: из справочника показан только свой сертификат.",
+  WScript.Echo(t("Данный сервер сценариев не читает массивы объектов: из справочника показан только свой сертификат.",
                  "This script host walks no arrays of objects: of the store, only the own certificate is shown."));
   look(attempt(t("Нет своего сертификата", "No own certificate"), function () {
     return quivo.ParseCert(bytesOfBase64(quivo.GetMyCertB64()), Field_Subject | Field_NotAfter);

@@ -89,7 +89,7 @@ function endReport() {
   WScript.Echo(text);
   report.WriteLine("<p>" + text + "</p>");
   if (!walks) {
-    text = t("Этот сервер сценариев не читает массивы объектов: каждый файл оценён в целом.",
+    text = t("Данный сервер сценариев не читает массивы объектов: каждый файл оценён в целом.",
              "This script host walks no arrays of objects: each file is judged as a whole.");
     WScript.Echo(text);
     report.WriteLine("<p>" + text + "</p>");

@@ -44,7 +44,7 @@ Sub ShowList(name, list)
   Dim items, i
   items = Elements(list)
   If IsEmpty(items) Then
-    Show name, T("(этот сервер сценариев не читает массивы объектов и строк)", _
+    Show name, T("(данный сервер сценариев не читает массивы объектов и строк)", _
                  "(this script host walks no arrays of objects and strings)")
     Exit Sub
   End If

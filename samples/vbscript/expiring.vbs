@@ -33,7 +33,7 @@ quivo.FindCert find, found
 Check T("Справочник не прочитан", "The store cannot be read")
 certificates = Elements(found)
 If IsEmpty(certificates) Then
-  WScript.Echo T("Этот сервер сценариев не читает массивы объектов: из справочника показан только свой сертификат.", _
+  WScript.Echo T("Данный сервер сценариев не читает массивы объектов: из справочника показан только свой сертификат.", _
                  "This script host walks no arrays of objects: of the store, only the own certificate is shown.")
   quivo.GetMyCertB64 text
   Check T("Нет своего сертификата", "No own certificate")

@@ -113,7 +113,7 @@ Sub EndReport
   WScript.Echo text
   report.WriteLine "<p>" & text & "</p>"
   If Not walks Then
-    text = T("Этот сервер сценариев не читает массивы объектов: каждый файл оценён в целом.", _
+    text = T("Данный сервер сценариев не читает массивы объектов: каждый файл оценён в целом.", _
              "This script host walks no arrays of objects: each file is judged as a whole.")
     WScript.Echo text
     report.WriteLine "<p>" & text & "</p>"
