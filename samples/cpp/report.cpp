@@ -10,9 +10,9 @@ body{font:15px/1.4 'Segoe UI',Arial,sans-serif;margin:2em auto;max-width:60em;co
 h1{font-size:1.5em;margin-bottom:0}.about{color:#667}
 section{background:#fff;border-left:6px solid;border-radius:4px;margin:1em 0;padding:.6em 1em}
 section.good{border-color:#2a8a43}section.remark{border-color:#d99a00}section.bad{border-color:#c0392b}
-h2{font-size:1.05em;margin:.2em 0}table{border-collapse:collapse;width:100%}
+h2{font-size:1.05em;margin:.2em 0}table{border-collapse:collapse;width:100%;table-layout:fixed}
 th{text-align:left;color:#667;font-weight:normal;font-size:.85em}td,th{padding:.25em 1em .25em 0;vertical-align:top}
-td small{color:#667}td:first-child{width:38%}td:nth-child(2){white-space:nowrap}
+td small{color:#667}th:nth-child(1){width:38%}th:nth-child(2){width:9em}th:nth-child(3){width:21%}
 td.good{color:#2a8a43}td.remark{color:#9a6d00}td.bad{color:#c0392b}
 )";
 
@@ -65,7 +65,8 @@ std::wstring RowOf(const SignatureRow& row, Language language) {
   std::wstring html = L"<tr><td>" + Html(PersonIn(row.signer));
   if (!row.signer.empty()) html += L"<br><small>" + Html(row.signer) + L"</small>";
   if (!row.issuer.empty())
-    html += std::wstring(L"<br><small>") + Choose(language, L"выдан: ", L"issued by ") + Html(row.issuer) + L"</small>";
+    html += std::wstring(L"<br><small>") + Choose(language, L"выдан: ", L"issued by ") + Html(PersonIn(row.issuer)) +
+            L"</small>";
   html += L"<td>" + row.time + L"<td class='" + ClassOf(row.verdict.level) + L"'>" + Html(row.verdict.wrong) + L"<td>" +
           Html(row.verdict.advice);
   return html + L"\n";

@@ -20,7 +20,9 @@ show(t("Номер", "Serial number"), certificate.serialNumber);
 show(t("Действует с", "Valid from"), moment(certificate.notBefore) + " UTC");
 show(t("Действует по", "Valid to"), moment(certificate.notAfter) + " UTC" + remaining(certificate.notAfter));
 // A certificate without a period of its key reads as 1970.
-if (new Date(certificate.notAfterPrivate).getFullYear() > 1970) show(t("Ключ по", "Key valid to"), moment(certificate.notAfterPrivate) + " UTC");
+if (new Date(certificate.notAfterPrivate).getFullYear() > 1970) {
+  show(t("Ключ по", "Key valid to"), moment(certificate.notAfterPrivate) + " UTC");
+}
 show(t("Алгоритм", "Algorithm"), certificate.algorithm);
 show(t("Ключ", "Key identifier"), certificate.keyId);
 show(t("Отпечаток", "Hash"), hexOf(certificate.certHash));
@@ -38,14 +40,16 @@ function show(name, value) {
 function showList(name, list) {
   var items = elements(list);
   if (!items) {
-    show(name, t("(этот сервер сценариев не читает массивы объектов и строк)", "(this script host walks no arrays of objects and strings)"));
+    show(name, t("(данный сервер сценариев не читает массивы объектов и строк)",
+                 "(this script host walks no arrays of objects and strings)"));
     return;
   }
   for (var i = 0; i < items.length; i++) show(name, typeof items[i] == "string" ? items[i] : items[i].oid);
 }
 
 function usages(bits) {
-  var names = [t("подпись", "digital signature"), t("неотрекаемость", "non-repudiation"), t("шифрование ключей", "key encipherment"),
+  var names = [t("подпись", "digital signature"), t("неотрекаемость", "non-repudiation"),
+               t("шифрование ключей", "key encipherment"),
                t("шифрование данных", "data encipherment"), t("согласование ключей", "key agreement"),
                t("подпись сертификатов", "certificate signing"), t("подпись списков отзыва", "revocation list signing"),
                t("только шифрование", "encipher only"), t("только расшифрование", "decipher only")];
@@ -91,7 +95,7 @@ function readBytes(path) {
     stream.Type = 1;
     stream.Open();
     stream.LoadFromFile(path);
-    return stream.Read();
+    return stream.Size == 0 ? bytesOf("") : stream.Read();
   } catch (error) {
     var folder = new ActiveXObject("Scripting.FileSystemObject");
     return bytesOf(folder.GetFile(path).Size == 0 ? "" : folder.OpenTextFile(path).ReadAll());

@@ -13,14 +13,17 @@ attempt(t("Сеанс не открыт", "The session cannot be opened"), funct
 var param = new ActiveXObject("TAVL.DecryptParam");
 param.flag = Flag_Decrypt_Pkcs7;
 param.info = Field_Subject;
-var sender = attempt(t("Не расшифрован", "Not decrypted"), function () { return quivo.StrDecryptFile(param, given[1], given[2]); });
+var sender = attempt(t("Не расшифрован", "Not decrypted"), function () {
+  return quivo.StrDecryptFile(param, given[1], given[2]);
+});
 if (sender.subject == "") WScript.Echo(t("Расшифрован, отправитель не назван", "Decrypted, the sender is not named"));
 else WScript.Echo(t("Расшифрован, отправитель: ", "Decrypted, the sender is ") + sender.subject);
 quivo.Uninitialize();
 
 function usage() {
   WScript.Echo(t("Расшифровывает файл:", "Decrypts a file:"));
-  WScript.Echo("  cscript //nologo decrypt.js " + t("ПРОФИЛЬ ЗАШИФРОВАННЫЙ РЕЗУЛЬТАТ", "PROFILE ENCRYPTED RESULT") + " [/lang:en]");
+  WScript.Echo("  cscript //nologo decrypt.js " + t("ПРОФИЛЬ ЗАШИФРОВАННЫЙ РЕЗУЛЬТАТ",
+                                                    "PROFILE ENCRYPTED RESULT") + " [/lang:en]");
 }
 
 // The arguments but the options. Without the right number of them the script shows how it is used.

@@ -52,7 +52,8 @@ function examineHost() {
   else bad(t("не 64-разрядный: ", "not of 64 bits: ") + processor,
            t("запустите %SystemRoot%\\Sysnative\\cscript.exe вместо SysWOW64\\cscript.exe",
              "run %SystemRoot%\\Sysnative\\cscript.exe instead of SysWOW64\\cscript.exe"));
-  if (registry("HKLM\\SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage\\ACP") == "1251") good(t("кодовая страница 1251", "code page 1251"));
+  var codePage = registry("HKLM\\SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage\\ACP");
+  if (codePage == "1251") good(t("кодовая страница 1251", "code page 1251"));
   else bad(t("кодовая страница не 1251", "the code page is not 1251"),
            t("выберите русский язык для программ, не поддерживающих Юникод",
              "choose Russian as the language for programs that do not support Unicode"));
@@ -69,7 +70,8 @@ function examineRegistration() {
   var missing = "", elsewhere = "";
   for (var i = 0; i < classes.length; i++) {
     var key = "HKCR\\CLSID\\" + classes[i][1] + "\\InprocServer32\\", path = registry(key);
-    if (registry("HKCR\\TAVL." + classes[i][0] + "\\CLSID\\") != classes[i][1] || registry(key + "ThreadingModel") != "Apartment") missing += " TAVL." + classes[i][0];
+    var isThere = registry("HKCR\\TAVL." + classes[i][0] + "\\CLSID\\") == classes[i][1] && registry(key + "ThreadingModel") == "Apartment";
+    if (!isThere) missing += " TAVL." + classes[i][0];
     else if (path != modulePath) elsewhere += " TAVL." + classes[i][0];
   }
   if (missing != "") bad(t("нет классов:", "classes are missing:") + missing, again);
@@ -91,7 +93,8 @@ function examineRegistration() {
 function examineEngine() {
   WScript.Echo(t("Криптографическая библиотека", "Engine"));
   if (modulePath == "") return;
-  var folders = [files.GetParentFolderName(modulePath), files.GetSpecialFolder(1).Path].concat(variable("PATH").split(";")), found = "";
+  var folders = [files.GetParentFolderName(modulePath), files.GetSpecialFolder(1).Path].concat(variable("PATH").split(";")),
+      found = "";
   for (var i = 0; i < folders.length; i++) {
     var path = folders[i].replace(/\\$/, "") + "\\tavl1.dll";
     if (!/^([A-Z]:\\|\\\\)/i.test(path) || path.toLowerCase() == found.toLowerCase() || !files.FileExists(path)) continue;
@@ -104,7 +107,8 @@ function examineEngine() {
   }
   var names = exportedNames(found), missing = "";
   if (!names) {
-    bad(t("не 64-разрядная библиотека: ", "not a library of 64 bits: ") + found, t("замените её на 64-разрядную", "replace it by the one of 64 bits"));
+    bad(t("не 64-разрядная библиотека: ", "not a library of 64 bits: ") + found,
+        t("замените её на 64-разрядную", "replace it by the one of 64 bits"));
     return;
   }
   good(found + versionOf(found));
@@ -113,7 +117,8 @@ function examineEngine() {
   }
   if (missing == "") good(t("функций: ", "functions: ") + functions.length);
   else bad(t("нет функций:", "functions are missing:") + missing,
-           t("поставьте версию библиотеки, для которой сделан модуль", "install the version of the engine that the module was made for"));
+           t("поставьте версию библиотеки, для которой сделан модуль",
+             "install the version of the engine that the module was made for"));
 }
 
 // The names that a library exports; null if it is not one of 64 bits.
@@ -188,15 +193,18 @@ function examineProfiles() {
     count++;
     good(i + ": " + name + (String(i) == String(selected) ? t(" - выбран", " - selected") : ""));
   }
-  if (count == 0) bad(t("у этого пользователя нет профилей", "this user has no profiles"),
-                      t("создайте профиль средствами tavl1.dll", "make a profile with the tools of tavl1.dll"));
-  else if (registry(key + selected + "\\ProfileName") == "") bad(t("выбранного профиля нет: ", "the selected profile does not exist: ") + selected,
-                                                                 t("выберите профиль", "select a profile"));
+  if (count == 0) {
+    bad(t("у этого пользователя нет профилей", "this user has no profiles"),
+        t("создайте профиль средствами tavl1.dll", "make a profile with the tools of tavl1.dll"));
+  } else if (registry(key + selected + "\\ProfileName") == "") {
+    bad(t("выбранного профиля нет: ", "the selected profile does not exist: ") + selected, t("выберите профиль", "select a profile"));
+  }
   if (given.length == 0 || !quivo) return;
   try {
     quivo.Initialize(given[0], Flag_Init_Nocrlupdate | Flag_Init_Noldap);
   } catch (error) {
-    bad(given[0] + ": " + textOf(error), t("проверьте имя профиля, его ключи и PIN", "check the name of the profile, its keys and the PIN"));
+    bad(given[0] + ": " + textOf(error), t("проверьте имя профиля, его ключи и PIN",
+                                           "check the name of the profile, its keys and the PIN"));
     return;
   }
   good(given[0] + t(": сеанс открыт", ": the session is open"));
@@ -204,15 +212,18 @@ function examineProfiles() {
     quivo.GetMyCertB64();
     good(t("свой сертификат есть", "there is an own certificate"));
   } catch (error) {
-    bad(t("нет своего сертификата: ", "no own certificate: ") + textOf(error), t("получите сертификат (request.js)", "request a certificate (request.js)"));
+    bad(t("нет своего сертификата: ", "no own certificate: ") + textOf(error),
+        t("получите сертификат (request.js)", "request a certificate (request.js)"));
   }
   quivo.Uninitialize();
 }
 
 function examineRights() {
   WScript.Echo(t("Права", "Rights"));
-  if (isWritable(variable("ProgramFiles"))) good(t("администратор: регистрация разрешена", "an administrator: registration is allowed"));
-  else remark(t("не администратор: для работы прав хватает, для регистрации - нет", "not an administrator: enough to work, not to register"));
+  var isAdministrator = isWritable(variable("ProgramFiles"));
+  if (isAdministrator) good(t("администратор: регистрация разрешена", "an administrator: registration is allowed"));
+  else remark(t("не администратор: для работы прав хватает, для регистрации - нет",
+                "not an administrator: enough to work, not to register"));
   var folder = files.GetSpecialFolder(2).Path;
   if (isWritable(folder)) good(t("временная папка доступна: ", "the temporary folder can be written: ") + folder);
   else bad(t("временная папка недоступна: ", "the temporary folder cannot be written: ") + folder,

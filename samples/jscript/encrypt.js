@@ -28,8 +28,10 @@ WScript.Echo(t("Зашифрован, получателей: ", "Encrypted, rec
 quivo.Uninitialize();
 
 function usage() {
-  WScript.Echo(t("Шифрует файл получателям, сертификаты которых находит по части имени:", "Encrypts a file to recipients found by a part of their names:"));
-  WScript.Echo("  cscript //nologo encrypt.js " + t("ПРОФИЛЬ ФАЙЛ РЕЗУЛЬТАТ ЧАСТЬ [ЧАСТЬ...]", "PROFILE FILE RESULT PART [PART...]") + " [/lang:en]");
+  WScript.Echo(t("Шифрует файл получателям, сертификаты которых находит по части имени:",
+                 "Encrypts a file to recipients found by a part of their names:"));
+  WScript.Echo("  cscript //nologo encrypt.js " + t("ПРОФИЛЬ ФАЙЛ РЕЗУЛЬТАТ ЧАСТЬ [ЧАСТЬ...]",
+                                                    "PROFILE FILE RESULT PART [PART...]") + " [/lang:en]");
 }
 
 // The arguments but the options. Without the right number of them the script shows how it is used.

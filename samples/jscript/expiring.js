@@ -8,6 +8,10 @@ var Flag_Find_All = 2, Flag_Find_NoTimeCheck = 16;
 var language = "ru", given = readArguments(1, 3);
 var files = new ActiveXObject("Scripting.FileSystemObject");
 var days = given.length > 1 ? parseInt(given[1], 10) : 30, expiring = 0;
+if (isNaN(days)) {
+  usage();
+  WScript.Quit(2);
+}
 var quivo = attempt(t("Модуль не зарегистрирован (см. doctor.js)", "The module is not registered (see doctor.js)"), function () {
   return new ActiveXObject("TAVL.QUIVO");
 });
@@ -16,11 +20,12 @@ attempt(t("Сеанс не открыт", "The session cannot be opened"), funct
 var find = new ActiveXObject("TAVL.FindParam");
 find.flag = Flag_Find_All | Flag_Find_NoTimeCheck;
 find.info = Field_Subject | Field_NotAfter;
-var certificates = elements(attempt(t("Справочник не прочитан", "The store cannot be read"), function () { return quivo.FindCert(find); }));
+var certificates = elements(attempt(t("Справочник не прочитан", "The store cannot be read"),
+                                    function () { return quivo.FindCert(find); }));
 if (certificates) {
   for (var i = 0; i < certificates.length; i++) look(certificates[i]);
 } else {
-  WScript.Echo(t("Этот сервер сценариев не читает массивы объектов: из справочника показан только свой сертификат.",
+  WScript.Echo(t("Данный сервер сценариев не читает массивы объектов: из справочника показан только свой сертификат.",
                  "This script host walks no arrays of objects: of the store, only the own certificate is shown."));
   look(attempt(t("Нет своего сертификата", "No own certificate"), function () {
     return quivo.ParseCert(bytesOfBase64(quivo.GetMyCertB64()), Field_Subject | Field_NotAfter);
@@ -60,7 +65,7 @@ function usage() {
 
 // The paths of the files of a folder. Wine's host cannot walk the collections of Scripting.FileSystemObject.
 function filesOf(folder) {
-  var items = new ActiveXObject("Shell.Application").NameSpace(folder).Items(), result = [];
+  var items = new ActiveXObject("Shell.Application").NameSpace(files.GetAbsolutePathName(folder)).Items(), result = [];
   for (var i = 0; i < items.Count; i++) {
     if (files.FileExists(items.Item(i).Path)) result.push(items.Item(i).Path);
   }
@@ -75,7 +80,7 @@ function readBytes(path) {
     stream.Type = 1;
     stream.Open();
     stream.LoadFromFile(path);
-    return stream.Read();
+    return stream.Size == 0 ? bytesOf("") : stream.Read();
   } catch (error) {
     var folder = new ActiveXObject("Scripting.FileSystemObject");
     return bytesOf(folder.GetFile(path).Size == 0 ? "" : folder.OpenTextFile(path).ReadAll());

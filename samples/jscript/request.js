@@ -50,15 +50,19 @@ function importCertificate() {
   param.flag = Flag_Sign_Pkcs7 | Flag_Sign_Detached | Flag_Sign_SendSert;
   param.mycert = identifier;
   // StrSignFile wants a null string where there is no signature to add to, which this language cannot pass.
-  var signature = attempt(t("Не подписан", "Not signed"), function () { return quivo.SignMem(param, readBytes(given[3]), undefined); });
+  var signature = attempt(t("Не подписан", "Not signed"), function () {
+    return quivo.SignMem(param, readBytes(given[3]), undefined);
+  });
   attempt(given[4], function () { writeBytes(given[4], signature); });
   WScript.Echo(t("Подписан новым ключом: ", "Signed with the new key: ") + given[3]);
 }
 
 function usage() {
   WScript.Echo(t("Получает сертификат:", "Gets a certificate:"));
-  WScript.Echo("  cscript //nologo request.js new " + t("ПРОФИЛЬ \"CN=Имя, C=RU\" ЗАПРОС", "PROFILE \"CN=Name, C=RU\" REQUEST") + " [/lang:en]");
-  WScript.Echo("  cscript //nologo request.js import " + t("ПРОФИЛЬ СЕРТИФИКАТ ДОКУМЕНТ ПОДПИСЬ", "PROFILE CERTIFICATE DOCUMENT SIGNATURE") +
+  WScript.Echo("  cscript //nologo request.js new " + t("ПРОФИЛЬ \"CN=Имя, C=RU\" ЗАПРОС",
+                                                        "PROFILE \"CN=Name, C=RU\" REQUEST") + " [/lang:en]");
+  WScript.Echo("  cscript //nologo request.js import " + t("ПРОФИЛЬ СЕРТИФИКАТ ДОКУМЕНТ ПОДПИСЬ",
+                                                           "PROFILE CERTIFICATE DOCUMENT SIGNATURE") +
                " [/lang:en]");
 }
 
@@ -70,7 +74,7 @@ function readBytes(path) {
     stream.Type = 1;
     stream.Open();
     stream.LoadFromFile(path);
-    return stream.Read();
+    return stream.Size == 0 ? bytesOf("") : stream.Read();
   } catch (error) {
     var folder = new ActiveXObject("Scripting.FileSystemObject");
     return bytesOf(folder.GetFile(path).Size == 0 ? "" : folder.OpenTextFile(path).ReadAll());

@@ -13,7 +13,8 @@ attempt(t("Сеанс не открыт", "The session cannot be opened"), funct
 
 // The names are collected before the first file is signed: then the folder grows.
 var paths = attempt(t("Папка не прочитана", "The folder cannot be read"), function () { return filesToSign(given[1]); });
-var report = attempt(t("Отчёт не создан", "The report cannot be written"), function () { return files.CreateTextFile(given[2], true); });
+var report = attempt(t("Отчёт не создан", "The report cannot be written"),
+                     function () { return files.CreateTextFile(given[2], true); });
 var param = new ActiveXObject("TAVL.SignParam");
 param.flag = Flag_Sign_Pkcs7 | Flag_Sign_Detached | Flag_Sign_SendSert;
 report.WriteLine(t("Подписание папки ", "Signing of the folder ") + given[1] + ", " + moment(new Date()) + ", " + given[0]);
@@ -74,7 +75,7 @@ function two(number) {
 
 // The paths of the files of a folder. Wine's host cannot walk the collections of Scripting.FileSystemObject.
 function filesOf(folder) {
-  var items = new ActiveXObject("Shell.Application").NameSpace(folder).Items(), result = [];
+  var items = new ActiveXObject("Shell.Application").NameSpace(files.GetAbsolutePathName(folder)).Items(), result = [];
   for (var i = 0; i < items.Count; i++) {
     if (files.FileExists(items.Item(i).Path)) result.push(items.Item(i).Path);
   }
@@ -89,7 +90,7 @@ function readBytes(path) {
     stream.Type = 1;
     stream.Open();
     stream.LoadFromFile(path);
-    return stream.Read();
+    return stream.Size == 0 ? bytesOf("") : stream.Read();
   } catch (error) {
     var folder = new ActiveXObject("Scripting.FileSystemObject");
     return bytesOf(folder.GetFile(path).Size == 0 ? "" : folder.OpenTextFile(path).ReadAll());

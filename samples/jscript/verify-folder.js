@@ -17,7 +17,8 @@ var quivo = attempt(t("Модуль не зарегистрирован (см. d
 attempt(t("Сеанс не открыт", "The session cannot be opened"), function () { quivo.Initialize(given[0], 0); });
 
 var paths = attempt(t("Папка не прочитана", "The folder cannot be read"), function () { return filesOf(given[1]); });
-var report = attempt(t("Отчёт не создан", "The report cannot be written"), function () { return files.CreateTextFile(given[2], true); });
+var report = attempt(t("Отчёт не создан", "The report cannot be written"),
+                     function () { return files.CreateTextFile(given[2], true); });
 beginReport();
 for (var i = 0; i < paths.length; i++) {
   if (/\.p7s$/i.test(paths[i])) verifyOne(paths[i]);
@@ -27,7 +28,8 @@ quivo.Uninitialize();
 if (verdicts[2] > 0) WScript.Quit(1);
 
 function verifyOne(path) {
-  var param = new ActiveXObject("TAVL.VerifyParam"), document = path.replace(/\.p7s$/i, ""), data, failure = { number: 0 }, holder = {};
+  var param = new ActiveXObject("TAVL.VerifyParam"), document = path.replace(/\.p7s$/i, ""), data, failure = { number: 0 },
+      holder = {};
   param.flag = Flag_Verify_Pkcs7;
   param.info = Field_Issuer | Field_Subject;
   try {
@@ -40,7 +42,8 @@ function verifyOne(path) {
   } catch (error) {
     failure = error;
   }
-  var statuses = elements(holder.value), mark = marks[level(failure.number)], name = files.GetFileName(path);
+  var statuses = "value" in holder ? elements(holder.value) : [], mark = marks[level(failure.number)],
+      name = files.GetFileName(path);
   if (!statuses) walks = false;
 
   WScript.Echo(name + ": " + explain(failure.number, failure)[0]);
@@ -70,8 +73,9 @@ function beginReport() {
                "h1{font-size:1.5em;margin-bottom:0}.about{color:#667}" +
                "section{background:#fff;border-left:6px solid;border-radius:4px;margin:1em 0;padding:.6em 1em}" +
                "section.good{border-color:#2a8a43}section.remark{border-color:#d99a00}section.bad{border-color:#c0392b}" +
-               "h2{font-size:1.05em;margin:.2em 0}table{border-collapse:collapse;width:100%}" +
+               "h2{font-size:1.05em;margin:.2em 0}table{border-collapse:collapse;width:100%;table-layout:fixed}" +
                "th{text-align:left;color:#667;font-weight:normal;font-size:.85em}td,th{padding:.25em 1em .25em 0;vertical-align:top}" +
+               "th:nth-child(1){width:38%}th:nth-child(2){width:9em}th:nth-child(3){width:21%}" +
                "td.good{color:#2a8a43}td.remark{color:#9a6d00}td.bad{color:#c0392b}";
   report.WriteLine("<!DOCTYPE html><html lang='" + language + "'><meta charset='windows-1251'><title>" +
                    t("Проверка подписей", "Signatures") + "</title><style>" + style + "</style><h1>" +
@@ -85,7 +89,7 @@ function endReport() {
   WScript.Echo(text);
   report.WriteLine("<p>" + text + "</p>");
   if (!walks) {
-    text = t("Этот сервер сценариев не читает массивы объектов: каждый файл оценён в целом.",
+    text = t("Данный сервер сценариев не читает массивы объектов: каждый файл оценён в целом.",
              "This script host walks no arrays of objects: each file is judged as a whole.");
     WScript.Echo(text);
     report.WriteLine("<p>" + text + "</p>");
@@ -115,17 +119,20 @@ function explain(code, failure) {
     0x7014: ["Подписан другой документ", "Another document was signed",
              "Найдите документ, к которому относится подпись", "Find the document that the signature belongs to"],
     0x7021: ["Документ или подпись изменены", "The document or the signature was changed",
-             "Не пользуйтесь документом; попросите прислать его и подпись снова", "Do not rely on the document; ask for it and the signature again"],
+             "Не пользуйтесь документом; попросите прислать его и подпись снова",
+             "Do not rely on the document; ask for it and the signature again"],
     0x7022: ["Нет сертификата подписавшего", "The signer's certificate is not at hand",
              "Попросите сертификат и добавьте его в справочник", "Ask for the certificate and add it to the store"],
     0x7023: ["Сертификат выдан неизвестным центром", "An unknown authority issued the certificate",
-             "Если центру можно доверять, добавьте его сертификат в справочник", "If the authority can be trusted, add its certificate to the store"],
+             "Если центру можно доверять, добавьте его сертификат в справочник",
+             "If the authority can be trusted, add its certificate to the store"],
     0x7024: ["Срок сертификата истёк", "The certificate has expired",
              "Попросите подписать документ действующим сертификатом", "Ask for a signature with a valid certificate"],
     0x7025: ["Срок сертификата не наступил", "The certificate is not yet valid",
              "Проверьте часы компьютера", "Check the clock of this computer"],
     0x7026: ["Сертификат отозван", "The certificate is revoked",
-             "Не доверяйте подписи; спросите подписавшего другим путём", "Do not trust the signature; ask the signer by other means"],
+             "Не доверяйте подписи; спросите подписавшего другим путём",
+             "Do not trust the signature; ask the signer by other means"],
     0x7027: ["Цепочка сертификатов не прошла проверку", "The chain of certificates is broken",
              "Сообщите администратору", "Report it to the administrator"],
     0x7028: ["Сертификат не предназначен для подписи", "The certificate is not meant for signatures",
@@ -135,7 +142,8 @@ function explain(code, failure) {
     0x702F: ["Подписано вне срока действия ключа", "Signed outside of the period of the key",
              "Спросите подписавшего, когда он подписал документ", "Ask the signer when the document was signed"],
     0x7043: ["Список отзыва подделан", "A revocation list is forged",
-             "Удалите список и получите его от центра (refresh-lists)", "Remove the list and get the authority's (refresh-lists)"],
+             "Удалите список и получите его от центра (refresh-lists)",
+             "Remove the list and get the authority's (refresh-lists)"],
     0x7049: ["Список отзыва непригоден", "A revocation list cannot be used",
              "Получите список от центра (refresh-lists)", "Get the list from the authority (refresh-lists)"],
     0x7060: ["Слабый алгоритм или короткий ключ", "Weak algorithm or short key",
@@ -146,7 +154,8 @@ function explain(code, failure) {
   var words = known[code & 0xFFFF];
   if (code == 0) words = ["Подпись верна", "The signature is good", "Ничего делать не нужно", "Nothing to do"];
   if (code >>> 0 == VerifiedWithRemarks) words = ["Список отзыва устарел", "A revocation list is out of date",
-                                                  "Обновите списки отзыва (refresh-lists)", "Refresh the revocation lists (refresh-lists)"];
+                                                  "Обновите списки отзыва (refresh-lists)",
+                                                  "Refresh the revocation lists (refresh-lists)"];
   if (words) return [t(words[0], words[1]), t(words[2], words[3])];
   return [textOf(failure), t("Сообщите администратору этот код", "Report this code to the administrator")];
 }
@@ -157,7 +166,8 @@ function html(text) {
 
 function usage() {
   WScript.Echo(t("Проверяет подписи папки и пишет отчёт:", "Verifies the signatures of a folder and writes a report:"));
-  WScript.Echo("  cscript //nologo verify-folder.js " + t("ПРОФИЛЬ ПАПКА ОТЧЁТ.html", "PROFILE FOLDER REPORT.html") + " [/lang:en]");
+  WScript.Echo("  cscript //nologo verify-folder.js " + t("ПРОФИЛЬ ПАПКА ОТЧЁТ.html",
+                                                          "PROFILE FOLDER REPORT.html") + " [/lang:en]");
 }
 
 // A time as text.
@@ -173,7 +183,7 @@ function two(number) {
 
 // The paths of the files of a folder. Wine's host cannot walk the collections of Scripting.FileSystemObject.
 function filesOf(folder) {
-  var items = new ActiveXObject("Shell.Application").NameSpace(folder).Items(), result = [];
+  var items = new ActiveXObject("Shell.Application").NameSpace(files.GetAbsolutePathName(folder)).Items(), result = [];
   for (var i = 0; i < items.Count; i++) {
     if (files.FileExists(items.Item(i).Path)) result.push(items.Item(i).Path);
   }
@@ -188,7 +198,7 @@ function readBytes(path) {
     stream.Type = 1;
     stream.Open();
     stream.LoadFromFile(path);
-    return stream.Read();
+    return stream.Size == 0 ? bytesOf("") : stream.Read();
   } catch (error) {
     var folder = new ActiveXObject("Scripting.FileSystemObject");
     return bytesOf(folder.GetFile(path).Size == 0 ? "" : folder.OpenTextFile(path).ReadAll());

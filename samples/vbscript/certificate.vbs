@@ -23,7 +23,9 @@ Show T("Номер", "Serial number"), certificate.serialNumber
 Show T("Действует с", "Valid from"), Moment(certificate.notBefore)
 Show T("Действует по", "Valid to"), Moment(certificate.notAfter) & Remaining(certificate.notAfter)
 ' A certificate without a period of its key reads as 1970.
-If certificate.notAfterPrivate > DateSerial(1970, 1, 1) Then Show T("Ключ по", "Key valid to"), Moment(certificate.notAfterPrivate)
+If certificate.notAfterPrivate > DateSerial(1970, 1, 1) Then
+  Show T("Ключ по", "Key valid to"), Moment(certificate.notAfterPrivate)
+End If
 Show T("Алгоритм", "Algorithm"), certificate.algorithm
 Show T("Ключ", "Key identifier"), certificate.keyId
 Show T("Отпечаток", "Hash"), HashDigits
@@ -42,7 +44,8 @@ Sub ShowList(name, list)
   Dim items, i
   items = Elements(list)
   If IsEmpty(items) Then
-    Show name, T("(этот сервер сценариев не читает массивы объектов и строк)", "(this script host walks no arrays of objects and strings)")
+    Show name, T("(данный сервер сценариев не читает массивы объектов и строк)", _
+                 "(this script host walks no arrays of objects and strings)")
     Exit Sub
   End If
   For i = 0 To UBound(items)
@@ -56,7 +59,8 @@ End Sub
 
 Function Usages(bits)
   Dim names, i, bit
-  names = Array(T("подпись", "digital signature"), T("неотрекаемость", "non-repudiation"), T("шифрование ключей", "key encipherment"), _
+  names = Array(T("подпись", "digital signature"), T("неотрекаемость", "non-repudiation"), _
+                T("шифрование ключей", "key encipherment"), _
                 T("шифрование данных", "data encipherment"), T("согласование ключей", "key agreement"), _
                 T("подпись сертификатов", "certificate signing"), T("подпись списков отзыва", "revocation list signing"), _
                 T("только шифрование", "encipher only"), T("только расшифрование", "decipher only"))

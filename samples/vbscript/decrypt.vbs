@@ -29,7 +29,8 @@ quivo.Uninitialize
 
 Sub Usage
   WScript.Echo T("Расшифровывает файл:", "Decrypts a file:")
-  WScript.Echo "  cscript //nologo decrypt.vbs " & T("ПРОФИЛЬ ЗАШИФРОВАННЫЙ РЕЗУЛЬТАТ", "PROFILE ENCRYPTED RESULT") & " [/lang:en]"
+  WScript.Echo "  cscript //nologo decrypt.vbs " & T("ПРОФИЛЬ ЗАШИФРОВАННЫЙ РЕЗУЛЬТАТ", "PROFILE ENCRYPTED RESULT") & _
+      " [/lang:en]"
 End Sub
 
 ' The arguments but the options go into `given`. Without the right number of them the script shows how it is used.

@@ -78,27 +78,27 @@ End Sub
 
 Sub ExamineRegistration
   Title T("Регистрация", "Registration")
-  Dim i, id, path, missing, elsewhere, path32
+  Dim i, key, path, missing, elsewhere, again
   modulePath = Registry("HKCR\CLSID\" & classes(1) & "\InprocServer32\")
   For i = 0 To UBound(classes) Step 2
-    id = Registry("HKCR\TAVL." & classes(i) & "\CLSID\")
-    path = Registry("HKCR\CLSID\" & classes(i + 1) & "\InprocServer32\")
-    If id <> classes(i + 1) Or path = "" Or Registry("HKCR\CLSID\" & classes(i + 1) & "\InprocServer32\ThreadingModel") <> "Apartment" Then
+    key = "HKCR\CLSID\" & classes(i + 1) & "\InprocServer32\"
+    path = Registry(key)
+    If Registry("HKCR\TAVL." & classes(i) & "\CLSID\") <> classes(i + 1) Or Registry(key & "ThreadingModel") <> "Apartment" Then
       missing = missing & " TAVL." & classes(i)
     ElseIf path <> modulePath Then
       elsewhere = elsewhere & " TAVL." & classes(i)
     End If
   Next
+  again = T("зарегистрируйте модуль снова: ", "register the module again: ") & "regsvr32 """ & modulePath & """"
   If modulePath = "" Then
     Bad T("модуль не зарегистрирован", "the module is not registered"), _
         T("выполните от имени администратора: regsvr32 tavlcom.dll", "run as administrator: regsvr32 tavlcom.dll")
     Exit Sub
   End If
   If missing <> "" Then
-    Bad T("нет классов:", "classes are missing:") & missing, T("зарегистрируйте модуль снова: ", "register the module again: ") & "regsvr32 """ & modulePath & """"
+    Bad T("нет классов:", "classes are missing:") & missing, again
   ElseIf elsewhere <> "" Then
-    Bad T("классы другого файла:", "classes of another file:") & elsewhere, _
-        T("зарегистрируйте модуль снова: ", "register the module again: ") & "regsvr32 """ & modulePath & """"
+    Bad T("классы другого файла:", "classes of another file:") & elsewhere, again
   Else
     Good T("классов: ", "classes: ") & (UBound(classes) + 1) / 2
   End If
@@ -116,7 +116,7 @@ Sub ExamineRegistration
   If path <> "" And files.FileExists(path) Then
     Good T("библиотека типов: ", "type library: ") & path
   Else
-    Bad T("нет библиотеки типов", "no type library"), T("зарегистрируйте модуль снова", "register the module again")
+    Bad T("нет библиотеки типов", "no type library"), again
   End If
 End Sub
 
@@ -140,7 +140,8 @@ Sub ExamineEngine
     End If
   Next
   If found = "" Then
-    Bad T("нет файла tavl1.dll", "there is no tavl1.dll"), T("положите его в папку ", "put it into the folder ") & files.GetParentFolderName(modulePath)
+    Bad T("нет файла tavl1.dll", "there is no tavl1.dll"), T("положите его в папку ", "put it into the folder ") & _
+        files.GetParentFolderName(modulePath)
     Exit Sub
   End If
   names = ExportedNames(found)
@@ -157,7 +158,8 @@ Sub ExamineEngine
     Good T("функций: ", "functions: ") & UBound(functions) + 1
   Else
     Bad T("нет функций:", "functions are missing:") & missing, _
-        T("поставьте версию библиотеки, для которой сделан модуль", "install the version of the engine that the module was made for")
+        T("поставьте версию библиотеки, для которой сделан модуль", _
+          "install the version of the engine that the module was made for")
   End If
 End Sub
 
@@ -204,7 +206,9 @@ Function Position(image, header, address)
   For i = 0 To NumberAt(image, header + 6, 2) - 1
     entry = header + 24 + NumberAt(image, header + 20, 2) + 40 * i
     start = NumberAt(image, entry + 12, 4)
-    If address >= start And address < start + NumberAt(image, entry + 16, 4) Then Position = address - start + NumberAt(image, entry + 20, 4)
+    If address >= start And address < start + NumberAt(image, entry + 16, 4) Then
+      Position = address - start + NumberAt(image, entry + 20, 4)
+    End If
   Next
 End Function
 
@@ -261,7 +265,8 @@ Sub ExamineProfiles
     Bad T("у этого пользователя нет профилей", "this user has no profiles"), _
         T("создайте профиль средствами tavl1.dll", "make a profile with the tools of tavl1.dll")
   ElseIf Registry(Profiles & selected & "\ProfileName") = "" Then
-    Bad T("выбранного профиля нет: ", "the selected profile does not exist: ") & selected, T("выберите профиль", "select a profile")
+    Bad T("выбранного профиля нет: ", "the selected profile does not exist: ") & selected, _
+        T("выберите профиль", "select a profile")
   End If
   If UBound(given) < 0 Then Exit Sub
   Err.Clear
@@ -273,7 +278,8 @@ Sub ExamineProfiles
   Good given(0) & T(": сеанс открыт", ": the session is open")
   quivo.GetMyCertB64 name
   If Failure(text) Then
-    Bad T("нет своего сертификата: ", "no own certificate: ") & text, T("получите сертификат (request.vbs)", "request a certificate (request.vbs)")
+    Bad T("нет своего сертификата: ", "no own certificate: ") & text, _
+        T("получите сертификат (request.vbs)", "request a certificate (request.vbs)")
   Else
     Good T("свой сертификат есть", "there is an own certificate")
   End If
@@ -285,7 +291,8 @@ Sub ExamineRights
   If IsWritable(Variable("ProgramFiles")) Then
     Good T("администратор: регистрация разрешена", "an administrator: registration is allowed")
   Else
-    Remark T("не администратор: для работы прав хватает, для регистрации - нет", "not an administrator: enough to work, not to register")
+    Remark T("не администратор: для работы прав хватает, для регистрации - нет", _
+             "not an administrator: enough to work, not to register")
   End If
   If IsWritable(files.GetSpecialFolder(2)) Then
     Good T("временная папка доступна: ", "the temporary folder can be written: ") & files.GetSpecialFolder(2)

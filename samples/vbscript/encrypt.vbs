@@ -37,8 +37,10 @@ WScript.Echo T("Зашифрован, получателей: ", "Encrypted, rec
 quivo.Uninitialize
 
 Sub Usage
-  WScript.Echo T("Шифрует файл получателям, сертификаты которых находит по части имени:", "Encrypts a file to recipients found by a part of their names:")
-  WScript.Echo "  cscript //nologo encrypt.vbs " & T("ПРОФИЛЬ ФАЙЛ РЕЗУЛЬТАТ ЧАСТЬ [ЧАСТЬ...]", "PROFILE FILE RESULT PART [PART...]") & " [/lang:en]"
+  WScript.Echo T("Шифрует файл получателям, сертификаты которых находит по части имени:", _
+                 "Encrypts a file to recipients found by a part of their names:")
+  WScript.Echo "  cscript //nologo encrypt.vbs " & T("ПРОФИЛЬ ФАЙЛ РЕЗУЛЬТАТ ЧАСТЬ [ЧАСТЬ...]", _
+                                                     "PROFILE FILE RESULT PART [PART...]") & " [/lang:en]"
 End Sub
 
 ' The arguments but the options go into `given`. Without the right number of them the script shows how it is used.

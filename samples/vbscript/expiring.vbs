@@ -12,7 +12,12 @@ Const Flag_Find_NoTimeCheck = 16
 Dim language, given, quivo, find, found, certificates, days, text, files, file, expiring, i
 ReadArguments 1, 3
 days = 30
-If UBound(given) > 0 Then days = CLng(given(1))
+If UBound(given) > 0 Then days = given(1)
+If Not IsNumeric(days) Then
+  Usage
+  WScript.Quit 2
+End If
+days = CLng(days)
 expiring = 0
 
 On Error Resume Next
@@ -28,7 +33,7 @@ quivo.FindCert find, found
 Check T("Справочник не прочитан", "The store cannot be read")
 certificates = Elements(found)
 If IsEmpty(certificates) Then
-  WScript.Echo T("Этот сервер сценариев не читает массивы объектов: из справочника показан только свой сертификат.", _
+  WScript.Echo T("Данный сервер сценариев не читает массивы объектов: из справочника показан только свой сертификат.", _
                  "This script host walks no arrays of objects: of the store, only the own certificate is shown.")
   quivo.GetMyCertB64 text
   Check T("Нет своего сертификата", "No own certificate")
@@ -42,7 +47,9 @@ End If
 If UBound(given) > 1 Then
   Set files = CreateObject("Scripting.FileSystemObject")
   For Each file In files.GetFolder(given(2)).Files
-    If LCase(files.GetExtensionName(file.Name)) = "cer" Then Look quivo.ParseCert(ReadBytes(file.Path), Field_Subject + Field_NotAfter)
+    If LCase(files.GetExtensionName(file.Name)) = "cer" Then
+      Look quivo.ParseCert(ReadBytes(file.Path), Field_Subject + Field_NotAfter)
+    End If
     Check file.Name
   Next
   Check given(2)

@@ -92,8 +92,10 @@ End Sub
 
 Sub Usage
   WScript.Echo T("Получает сертификат:", "Gets a certificate:")
-  WScript.Echo "  cscript //nologo request.vbs new " & T("ПРОФИЛЬ ""CN=Имя, C=RU"" ЗАПРОС", "PROFILE ""CN=Name, C=RU"" REQUEST") & " [/lang:en]"
-  WScript.Echo "  cscript //nologo request.vbs import " & T("ПРОФИЛЬ СЕРТИФИКАТ ДОКУМЕНТ ПОДПИСЬ", "PROFILE CERTIFICATE DOCUMENT SIGNATURE") & " [/lang:en]"
+  WScript.Echo "  cscript //nologo request.vbs new " & T("ПРОФИЛЬ ""CN=Имя, C=RU"" ЗАПРОС", _
+                                                         "PROFILE ""CN=Name, C=RU"" REQUEST") & " [/lang:en]"
+  WScript.Echo "  cscript //nologo request.vbs import " & T("ПРОФИЛЬ СЕРТИФИКАТ ДОКУМЕНТ ПОДПИСЬ", _
+                                                            "PROFILE CERTIFICATE DOCUMENT SIGNATURE") & " [/lang:en]"
 End Sub
 
 ' The bytes of a file as the module takes them. Where there is no ADODB.Stream, as under Wine, they are read as letters of the

@@ -57,8 +57,10 @@ Sub VerifyOne(path)
   ' A verification that fails gives its results all the same.
   code = Err.Number
   Err.Clear
-  statuses = Elements(results)
-  If IsEmpty(statuses) Then walks = False
+  If IsArray(results) Then
+    statuses = Elements(results)
+    If IsEmpty(statuses) Then walks = False
+  End If
 
   words = Explain(code)
   WScript.Echo files.GetFileName(path) & ": " & words(0)
@@ -85,19 +87,23 @@ End Sub
 Sub WriteRow(signer, time, code)
   Dim words
   words = Explain(code)
-  report.WriteLine "<tr><td>" & Html(signer) & "<td>" & time & "<td class='" & Mark(code) & "'>" & Html(words(0)) & "<td>" & Html(words(1))
+  report.WriteLine "<tr><td>" & Html(signer) & "<td>" & time & "<td class='" & Mark(code) & "'>" & Html(words(0)) & "<td>" & _
+      Html(words(1))
 End Sub
 
 Sub BeginReport
-  report.WriteLine "<!DOCTYPE html><html lang='" & language & "'><meta charset='windows-1251'><title>" & T("Проверка подписей", "Signatures") & "</title><style>"
+  report.WriteLine "<!DOCTYPE html><html lang='" & language & "'><meta charset='windows-1251'><title>" & _
+      T("Проверка подписей", "Signatures") & "</title><style>"
   report.WriteLine "body{font:15px/1.4 'Segoe UI',Arial,sans-serif;margin:2em auto;max-width:60em;color:#222;background:#f4f5f7}"
   report.WriteLine "h1{font-size:1.5em;margin-bottom:0}.about{color:#667}"
   report.WriteLine "section{background:#fff;border-left:6px solid;border-radius:4px;margin:1em 0;padding:.6em 1em}"
   report.WriteLine "section.good{border-color:#2a8a43}section.remark{border-color:#d99a00}section.bad{border-color:#c0392b}"
-  report.WriteLine "h2{font-size:1.05em;margin:.2em 0}table{border-collapse:collapse;width:100%}"
+  report.WriteLine "h2{font-size:1.05em;margin:.2em 0}table{border-collapse:collapse;width:100%;table-layout:fixed}"
   report.WriteLine "th{text-align:left;color:#667;font-weight:normal;font-size:.85em}td,th{padding:.25em 1em .25em 0;vertical-align:top}"
+  report.WriteLine "th:nth-child(1){width:38%}th:nth-child(2){width:9em}th:nth-child(3){width:21%}"
   report.WriteLine "td.good{color:#2a8a43}td.remark{color:#9a6d00}td.bad{color:#c0392b}"
-  report.WriteLine "</style><h1>" & T("Проверка подписей", "Signatures") & "</h1><p class='about'>" & Html(given(1)) & ", " & Now & "</p>"
+  report.WriteLine "</style><h1>" & T("Проверка подписей", "Signatures") & "</h1><p class='about'>" & Html(given(1)) & ", " & _
+      Now & "</p>"
 End Sub
 
 Sub EndReport
@@ -107,7 +113,7 @@ Sub EndReport
   WScript.Echo text
   report.WriteLine "<p>" & text & "</p>"
   If Not walks Then
-    text = T("Этот сервер сценариев не читает массивы объектов: каждый файл оценён в целом.", _
+    text = T("Данный сервер сценариев не читает массивы объектов: каждый файл оценён в целом.", _
              "This script host walks no arrays of objects: each file is judged as a whole.")
     WScript.Echo text
     report.WriteLine "<p>" & text & "</p>"
@@ -151,13 +157,15 @@ Function Explain(code)
                       T("Найдите документ, к которому относится подпись", "Find the document that the signature belongs to"))
     Case &h7021
       Explain = Array(T("Документ или подпись изменены", "The document or the signature was changed"), _
-                      T("Не пользуйтесь документом; попросите прислать его и подпись снова", "Do not rely on the document; ask for it and the signature again"))
+                      T("Не пользуйтесь документом; попросите прислать его и подпись снова", _
+                        "Do not rely on the document; ask for it and the signature again"))
     Case &h7022
       Explain = Array(T("Нет сертификата подписавшего", "The signer's certificate is not at hand"), _
                       T("Попросите сертификат и добавьте его в справочник", "Ask for the certificate and add it to the store"))
     Case &h7023
       Explain = Array(T("Сертификат выдан неизвестным центром", "An unknown authority issued the certificate"), _
-                      T("Если центру можно доверять, добавьте его сертификат в справочник", "If the authority can be trusted, add its certificate to the store"))
+                      T("Если центру можно доверять, добавьте его сертификат в справочник", _
+                        "If the authority can be trusted, add its certificate to the store"))
     Case &h7024
       Explain = Array(T("Срок сертификата истёк", "The certificate has expired"), _
                       T("Попросите подписать документ действующим сертификатом", "Ask for a signature with a valid certificate"))
@@ -166,7 +174,8 @@ Function Explain(code)
                       T("Проверьте часы компьютера", "Check the clock of this computer"))
     Case &h7026
       Explain = Array(T("Сертификат отозван", "The certificate is revoked"), _
-                      T("Не доверяйте подписи; спросите подписавшего другим путём", "Do not trust the signature; ask the signer by other means"))
+                      T("Не доверяйте подписи; спросите подписавшего другим путём", _
+                        "Do not trust the signature; ask the signer by other means"))
     Case &h7027
       Explain = Array(T("Цепочка сертификатов не прошла проверку", "The chain of certificates is broken"), _
                       T("Сообщите администратору", "Report it to the administrator"))
@@ -181,7 +190,8 @@ Function Explain(code)
                       T("Спросите подписавшего, когда он подписал документ", "Ask the signer when the document was signed"))
     Case &h7043
       Explain = Array(T("Список отзыва подделан", "A revocation list is forged"), _
-                      T("Удалите список и получите его от центра (refresh-lists)", "Remove the list and get the authority's (refresh-lists)"))
+                      T("Удалите список и получите его от центра (refresh-lists)", _
+                        "Remove the list and get the authority's (refresh-lists)"))
     Case &h7049
       Explain = Array(T("Список отзыва непригоден", "A revocation list cannot be used"), _
                       T("Получите список от центра (refresh-lists)", "Get the list from the authority (refresh-lists)"))
@@ -196,7 +206,8 @@ Function Explain(code)
   End Select
   If code = 0 Then Explain = Array(T("Подпись верна", "The signature is good"), T("Ничего делать не нужно", "Nothing to do"))
   If code = VerifiedWithRemarks Then Explain = Array( _
-    T("Список отзыва устарел", "A revocation list is out of date"), T("Обновите списки отзыва (refresh-lists)", "Refresh the revocation lists (refresh-lists)"))
+    T("Список отзыва устарел", "A revocation list is out of date"), _
+        T("Обновите списки отзыва (refresh-lists)", "Refresh the revocation lists (refresh-lists)"))
 End Function
 
 Function Html(text)
@@ -205,7 +216,8 @@ End Function
 
 Sub Usage
   WScript.Echo T("Проверяет подписи папки и пишет отчёт:", "Verifies the signatures of a folder and writes a report:")
-  WScript.Echo "  cscript //nologo verify-folder.vbs " & T("ПРОФИЛЬ ПАПКА ОТЧЁТ.html", "PROFILE FOLDER REPORT.html") & " [/lang:en]"
+  WScript.Echo "  cscript //nologo verify-folder.vbs " & T("ПРОФИЛЬ ПАПКА ОТЧЁТ.html", "PROFILE FOLDER REPORT.html") & _
+      " [/lang:en]"
 End Sub
 
 ' The elements of an array that the module returned, in one that a script can index. Nothing if this host cannot walk
