@@ -1,0 +1,208 @@
+#include "registration.h"
+
+#include <windows.h>
+
+#include <objbase.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "machine.h"
+#include "process.h"
+#include "text.h"
+#include "traces.h"
+
+namespace proof {
+namespace {
+
+constexpr const wchar_t* kClasses = L"Software\\Classes";
+constexpr const wchar_t* kMainClass = L"Software\\Classes\\TAVL.QUIVO";
+constexpr const wchar_t* kProfiles = L"Software\\KORVENTA\\tavl\\Profiles";
+constexpr const wchar_t* kScopeNote = L"registered for";
+constexpr const wchar_t* kUser = L"user";
+constexpr const wchar_t* kMachine = L"machine";
+
+/// The object that opens arrays for scripts.
+constexpr const wchar_t* kArrays = L"Software\\Classes\\TavlTests.Arrays\\CLSID";
+constexpr const wchar_t* kArraysId = L"{6E0C52B8-2A3D-4C59-9C0B-5B0C0B6C7D11}";
+
+HKEY RootOf(const std::wstring& scope) { return scope == kUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE; }
+
+ProgramEnd RunCommand(const std::wstring& command) {
+  return RunProgram(L"\"" + ProgramPath() + L"\" --" + command, 60);
+}
+
+/// Where a registration, a test or a profile leaves its keys: the names in these say whether something is left.
+Registration::KeyNames Surroundings() {
+  Registration::KeyNames names;
+  for (const wchar_t* path :
+       {L"Software", L"Software\\Classes", L"Software\\Classes\\CLSID", L"Software\\Classes\\Interface",
+        L"Software\\Classes\\TypeLib", L"Software\\KORVENTA", kProfiles}) {
+    for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
+      const std::wstring where = root == HKEY_CURRENT_USER ? L"HKEY_CURRENT_USER\\" : L"HKEY_LOCAL_MACHINE\\";
+      names[where + path] = SubkeysOf(root, path);
+    }
+  }
+  return names;
+}
+
+void WriteArrays(HKEY root, const std::wstring& library) {
+  const std::wstring server = std::wstring(kClasses) + L"\\CLSID\\" + kArraysId + L"\\InprocServer32";
+  if (!CreateNotedKey(root, kArrays) || !CreateNotedKey(root, server)) return;
+  WriteText(root, kArrays, nullptr, kArraysId);
+  WriteText(root, server, nullptr, library);
+}
+
+int Register(const std::wstring& module, const char* entry, bool forUser) {
+  if (forUser) {
+    HKEY classes = nullptr;
+    RegCreateKeyExW(HKEY_CURRENT_USER, kClasses, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &classes, nullptr);
+    RegOverridePredefKey(HKEY_CLASSES_ROOT, classes);
+    using Enable = void(WINAPI*)();
+    const FARPROC enable = GetProcAddress(LoadLibraryW(L"oleaut32.dll"), "OaEnablePerUserTLibRegistration");
+    if (enable != nullptr) reinterpret_cast<Enable>(reinterpret_cast<void*>(enable))();
+  }
+  const HMODULE library = LoadLibraryExW(module.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+  if (library == nullptr) {
+    std::printf("the module cannot be loaded: %s\n", ErrorText(GetLastError()).c_str());
+    return 1;
+  }
+  const auto function = reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(GetProcAddress(library, entry)));
+  const HRESULT hr = function == nullptr ? HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND) : function();
+  std::printf("%s: %s\n", entry, ErrorText(static_cast<DWORD>(hr)).c_str());
+  return SUCCEEDED(hr) ? 0 : 1;
+}
+
+/// A program that knows nothing of the kit gets the main object, and it is that of the kit's module.
+int CreateAsOthersDo(const std::wstring& module) {
+  CLSID clsid{};
+  IUnknown* object = nullptr;
+  HRESULT hr = CoInitialize(nullptr);
+  if (SUCCEEDED(hr)) hr = CLSIDFromProgID(L"TAVL.QUIVO", &clsid);
+  if (SUCCEEDED(hr))
+    hr = CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, reinterpret_cast<void**>(&object));
+  if (FAILED(hr)) {
+    std::printf("TAVL.QUIVO cannot be created: %s\n", ErrorText(static_cast<DWORD>(hr)).c_str());
+    return 1;
+  }
+  std::wstring path(32768, L'\0');
+  path.resize(GetModuleFileNameW(GetModuleHandleW(L"tavlcom.dll"), path.data(), static_cast<DWORD>(path.size())));
+  std::printf("created by %s\n", Utf8(path).c_str());
+  return _wcsicmp(path.c_str(), module.c_str()) == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int RunRegistrationCommand(const std::wstring& kit, const std::wstring& command, const std::wstring& scope) {
+  const std::wstring module = kit + L"bin\\tavlcom.dll";
+  if (command == L"nothing") return 0;
+  if (command == L"register") return Register(module, "DllRegisterServer", scope == kUser);
+  if (command == L"unregister") return Register(module, "DllUnregisterServer", scope == kUser);
+  return CreateAsOthersDo(module);
+}
+
+bool Registration::somethingIsLeft() { return KeyExists(HKEY_CURRENT_USER, kNotesKey); }
+
+void Registration::registerFor(const wchar_t* scope, Case& one) {
+  WriteNote(kScopeNote, scope);
+  // Their parents are removed with the notes, if they are new.
+  for (const wchar_t* key : {L"CLSID", L"Interface", L"TypeLib"}) {
+    CreateNotedKey(RootOf(scope), std::wstring(kClasses) + L"\\" + key);
+  }
+  const ProgramEnd end = RunCommand(std::wstring(L"register ") + scope);
+  one.text += "registered for the " + Utf8(scope) + ": " + end.output;
+  if (!end.good()) {
+    noClasses_ = "the registration " + end.howItEnded();
+    return;
+  }
+  const ProgramEnd created = RunCommand(L"created");
+  one.text += created.output;
+  noClasses_ = created.good() ? "" : "a registration for the " + Utf8(scope) + " has no effect here";
+  if (created.good()) WriteArrays(RootOf(scope), kit_ + L"bin\\tavltests.dll");
+}
+
+std::string Registration::unregister() {
+  const std::wstring scope = Note(kScopeNote);
+  if (scope.empty()) return {};
+  const ProgramEnd end = RunCommand(L"unregister " + scope);
+  WriteNote(kScopeNote, L"");
+  // A module that could not be registered cannot be unregistered either.
+  if (end.good() || !KeyExists(RootOf(scope), kMainClass)) return {};
+  return end.output + "the unregistration " + end.howItEnded() + "\n";
+}
+
+void Registration::writeProfiles() {
+  // Users of an engine have profiles, and their choice among them stays.
+  const bool areFirst = !KeyExists(HKEY_CURRENT_USER, kProfiles);
+  const std::pair<const wchar_t*, const wchar_t*> users[] = {
+      {L"Анна Петрова", L"anna"}, {L"Борис Волков", L"boris"}, {L"Вера Смирнова", L"vera"}};
+  int number = 0;
+  for (const auto& [name, file] : users) {
+    std::wstring key;
+    do key = std::wstring(kProfiles) + L"\\" + std::to_wstring(number++);
+    while (KeyExists(HKEY_CURRENT_USER, key));
+    if (!CreateNotedKey(HKEY_CURRENT_USER, key)) {
+      noProfiles_ = "the profiles cannot be written";
+      return;
+    }
+    WriteText(HKEY_CURRENT_USER, key, L"ProfileName", name);
+    WriteText(HKEY_CURRENT_USER, key, L"pse", kit_ + L"identities\\" + file + L".p12");
+    WriteText(HKEY_CURRENT_USER, key, L"localstore", kit_ + L"identities\\store");
+    WriteText(HKEY_CURRENT_USER, key, L"pincode", L"12345678");
+  }
+  const DWORD first = 0;
+  if (areFirst) RegSetKeyValueW(HKEY_CURRENT_USER, kProfiles, L"CurSel", REG_DWORD, &first, sizeof first);
+  // Bytes for the scripts of a language that cannot make them.
+  constexpr BYTE bytes[] = {0x00, 0x01, 0x7F, 0x80, 0xFF};
+  CreateNotedKey(HKEY_CURRENT_USER, L"Software\\tavlcom.tests");
+  RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\tavlcom.tests", L"bytes", REG_BINARY, bytes, sizeof bytes);
+  noProfiles_.clear();
+}
+
+void Registration::prepare(PartResult& result) {
+  before_ = Surroundings();
+  // The contract tests work below this key.
+  CreateNotedKey(HKEY_CURRENT_USER, L"Software\\tavlcom-contract");
+  writeProfiles();
+  result.cases.push_back({"", "profiles", noProfiles_.empty() ? Verdict::kPassed : Verdict::kFailed, 0, noProfiles_});
+
+  Case one{"", "registration", Verdict::kFailed, 0, ""};
+  if (KeyExists(HKEY_CURRENT_USER, kMainClass)) {
+    noClasses_ = "a module is registered for this user, and stays so";
+    one.verdict = Verdict::kSkipped;
+  } else {
+    registerFor(kUser, one);
+    if (!noClasses_.empty() && noClasses_.find("no effect") != std::string::npos) {
+      // COM does not see a user's classes in programs with an administrator's rights.
+      one.text += unregister();
+      if (KeyExists(HKEY_LOCAL_MACHINE, kMainClass)) {
+        noClasses_ =
+            "a module is registered for the machine, and stays so: start the kit without an administrator's rights";
+        one.verdict = Verdict::kSkipped;
+      } else {
+        registerFor(kMachine, one);
+      }
+    }
+    if (noClasses_.empty()) one.verdict = Verdict::kPassed;
+  }
+  one.text += noClasses_;
+  result.cases.push_back(one);
+}
+
+void Registration::takeBack(PartResult& result) {
+  Case one{"", "nothing is left in the registry", Verdict::kPassed, 0, unregister()};
+  for (const std::wstring& key : RemoveNotedKeys()) one.text += "the key is left: " + Utf8(key) + "\n";
+  for (const auto& [path, names] : Surroundings()) {
+    // What an earlier run left is not compared with anything.
+    const auto earlier = before_.find(path);
+    if (earlier == before_.end()) continue;
+    for (const std::wstring& name : names) {
+      if (std::find(earlier->second.begin(), earlier->second.end(), name) != earlier->second.end()) continue;
+      one.text += "the key is new: " + Utf8(path + L"\\" + name) + "\n";
+    }
+  }
+  if (!one.text.empty()) one.verdict = Verdict::kFailed;
+  result.cases.push_back(one);
+}
+
+}  // namespace proof
