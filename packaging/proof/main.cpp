@@ -48,12 +48,15 @@ void RemoveFolder(const std::wstring& folder) {
 void SetEnvironment(const std::wstring& kit) {
   const std::pair<const wchar_t*, const wchar_t*> folders[] = {{L"TAVL_PKI", L"identities"},
                                                                {L"TAVL_MESSAGES", L"messages"},
-                                                               {L"TAVL_STANDIN_MATERIAL", L"material"},
-                                                               {L"TAVL_STANDIN_SCRATCH", L"scratch\\standin"},
                                                                {L"TAVL_PLANTED_ENGINE", L"planted\\tavl1.dll"},
                                                                {L"TEMP", L"scratch\\temp"},
                                                                {L"TMP", L"scratch\\temp"}};
   for (const auto& [name, folder] : folders) SetEnvironmentVariableW(name, (kit + folder).c_str());
+  // These go through the runtime's own paths, which take narrow characters for UTF-8: the kit's folder may have letters
+  // of the code page.
+  SetCurrentDirectoryW(kit.c_str());
+  SetEnvironmentVariableW(L"TAVL_STANDIN_MATERIAL", L"material");
+  SetEnvironmentVariableW(L"TAVL_STANDIN_SCRATCH", L"scratch\\standin");
   // The contract tests watch all strings; they start themselves once more where they are not set up for that.
   SetEnvironmentVariableW(L"oanocache", L"1");
   wchar_t* variables = GetEnvironmentStringsW();
@@ -144,6 +147,7 @@ int Prove(const std::wstring& kit, const std::vector<std::string>& words) {
   PartResult preparation{"preparation", {}, 0};
   if (Registration::somethingIsLeft()) Registration(kit).takeBack(preparation);
   registration.prepare(preparation);
+  report.machine.emplace_back("Module registered for", registration.scope());
   add(preparation);
   for (const Part& part : parts) {
     add(Stopped() ? SkippedPart(part, "the run was stopped")

@@ -4,7 +4,6 @@
 
 #include <objbase.h>
 
-#include <algorithm>
 #include <cstdio>
 
 #include "machine.h"
@@ -32,18 +31,17 @@ ProgramEnd RunCommand(const std::wstring& command) {
   return RunProgram(L"\"" + ProgramPath() + L"\" --" + command, 60);
 }
 
-/// Where a registration, a test or a profile leaves its keys: the names in these say whether something is left.
-Registration::KeyNames Surroundings() {
-  Registration::KeyNames names;
-  for (const wchar_t* path :
-       {L"Software", L"Software\\Classes", L"Software\\Classes\\CLSID", L"Software\\Classes\\Interface",
-        L"Software\\Classes\\TypeLib", L"Software\\KORVENTA", kProfiles}) {
+/// What is in the keys to which a registration adds others.
+std::set<std::wstring> ClassKeys() {
+  std::set<std::wstring> keys;
+  for (const wchar_t* key : {L"", L"\\CLSID", L"\\Interface", L"\\TypeLib"}) {
+    const std::wstring path = std::wstring(kClasses) + key;
     for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-      const std::wstring where = root == HKEY_CURRENT_USER ? L"HKEY_CURRENT_USER\\" : L"HKEY_LOCAL_MACHINE\\";
-      names[where + path] = SubkeysOf(root, path);
+      const std::wstring where = (root == HKEY_CURRENT_USER ? L"HKEY_CURRENT_USER\\" : L"HKEY_LOCAL_MACHINE\\") + path;
+      for (const std::wstring& name : SubkeysOf(root, path)) keys.insert(where + L"\\" + name);
     }
   }
-  return names;
+  return keys;
 }
 
 void WriteArrays(HKEY root, const std::wstring& library) {
@@ -103,7 +101,7 @@ int RunRegistrationCommand(const std::wstring& kit, const std::wstring& command,
 
 bool Registration::somethingIsLeft() { return KeyExists(HKEY_CURRENT_USER, kNotesKey); }
 
-void Registration::registerFor(const wchar_t* scope, Case& one) {
+Registration::Effect Registration::registerFor(const wchar_t* scope, Case& one) {
   WriteNote(kScopeNote, scope);
   // Their parents are removed with the notes, if they are new.
   for (const wchar_t* key : {L"CLSID", L"Interface", L"TypeLib"}) {
@@ -113,12 +111,41 @@ void Registration::registerFor(const wchar_t* scope, Case& one) {
   one.text += "registered for the " + Utf8(scope) + ": " + end.output;
   if (!end.good()) {
     noClasses_ = "the registration " + end.howItEnded();
-    return;
+    return Effect::kFailed;
   }
   const ProgramEnd created = RunCommand(L"created");
   one.text += created.output;
-  noClasses_ = created.good() ? "" : "a registration for the " + Utf8(scope) + " has no effect here";
-  if (created.good()) WriteArrays(RootOf(scope), kit_ + L"bin\\tavltests.dll");
+  if (!created.good()) {
+    noClasses_ = "a registration for the " + Utf8(scope) + " has no effect here";
+    return Effect::kNone;
+  }
+  scope_ = "the " + Utf8(scope);
+  noClasses_.clear();
+  WriteArrays(RootOf(scope), kit_ + L"bin\\tavltests.dll");
+  return Effect::kSeen;
+}
+
+Case Registration::registerModule() {
+  Case one{"", "registration", Verdict::kSkipped, 0, ""};
+  if (KeyExists(HKEY_CURRENT_USER, kMainClass)) {
+    one.text = noClasses_ = "a module is registered for this user, and stays so";
+    return one;
+  }
+  Effect effect = registerFor(kUser, one);
+  if (effect == Effect::kNone) {
+    // COM does not see a user's classes in programs with an administrator's rights.
+    one.text += unregister();
+    if (KeyExists(HKEY_LOCAL_MACHINE, kMainClass)) {
+      noClasses_ =
+          "a module is registered for the machine, and stays so: start the kit without an administrator's rights";
+      one.text += noClasses_;
+      return one;
+    }
+    effect = registerFor(kMachine, one);
+  }
+  one.verdict = effect == Effect::kSeen ? Verdict::kPassed : Verdict::kFailed;
+  one.text += noClasses_;
+  return one;
 }
 
 std::string Registration::unregister() {
@@ -160,48 +187,30 @@ void Registration::writeProfiles() {
 }
 
 void Registration::prepare(PartResult& result) {
-  before_ = Surroundings();
+  const ULONGLONG started = GetTickCount64();
   // The contract tests work below this key.
   CreateNotedKey(HKEY_CURRENT_USER, L"Software\\tavlcom-contract");
   writeProfiles();
   result.cases.push_back({"", "profiles", noProfiles_.empty() ? Verdict::kPassed : Verdict::kFailed, 0, noProfiles_});
 
-  Case one{"", "registration", Verdict::kFailed, 0, ""};
-  if (KeyExists(HKEY_CURRENT_USER, kMainClass)) {
-    noClasses_ = "a module is registered for this user, and stays so";
-    one.verdict = Verdict::kSkipped;
-  } else {
-    registerFor(kUser, one);
-    if (!noClasses_.empty() && noClasses_.find("no effect") != std::string::npos) {
-      // COM does not see a user's classes in programs with an administrator's rights.
-      one.text += unregister();
-      if (KeyExists(HKEY_LOCAL_MACHINE, kMainClass)) {
-        noClasses_ =
-            "a module is registered for the machine, and stays so: start the kit without an administrator's rights";
-        one.verdict = Verdict::kSkipped;
-      } else {
-        registerFor(kMachine, one);
-      }
-    }
-    if (noClasses_.empty()) one.verdict = Verdict::kPassed;
-  }
-  one.text += noClasses_;
-  result.cases.push_back(one);
+  const std::set<std::wstring> before = ClassKeys();
+  result.cases.push_back(registerModule());
+  registered_ = ClassKeys();
+  std::erase_if(registered_, [&](const std::wstring& key) { return before.contains(key); });
+  result.seconds = static_cast<double>(GetTickCount64() - started) / 1000;
 }
 
 void Registration::takeBack(PartResult& result) {
+  const ULONGLONG started = GetTickCount64();
   Case one{"", "nothing is left in the registry", Verdict::kPassed, 0, unregister()};
   for (const std::wstring& key : RemoveNotedKeys()) one.text += "the key is left: " + Utf8(key) + "\n";
-  for (const auto& [path, names] : Surroundings()) {
-    // What an earlier run left is not compared with anything.
-    const auto earlier = before_.find(path);
-    if (earlier == before_.end()) continue;
-    for (const std::wstring& name : names) {
-      if (std::find(earlier->second.begin(), earlier->second.end(), name) != earlier->second.end()) continue;
-      one.text += "the key is new: " + Utf8(path + L"\\" + name) + "\n";
-    }
+  // Others may have registered classes of their own meanwhile.
+  const std::set<std::wstring> now = ClassKeys();
+  for (const std::wstring& key : registered_) {
+    if (now.contains(key)) one.text += "the key is left: " + Utf8(key) + "\n";
   }
   if (!one.text.empty()) one.verdict = Verdict::kFailed;
+  result.seconds += static_cast<double>(GetTickCount64() - started) / 1000;
   result.cases.push_back(one);
 }
 

@@ -2,9 +2,8 @@
 // else for the machine. What was there before is left as it is.
 #pragma once
 
-#include <map>
+#include <set>
 #include <string>
-#include <vector>
 
 #include "results.h"
 
@@ -12,9 +11,6 @@ namespace proof {
 
 class Registration {
  public:
-  /// The names of the keys in a key, by its path.
-  using KeyNames = std::map<std::wstring, std::vector<std::wstring>>;
-
   /// `kit` is the folder of the kit, with a backslash at its end.
   explicit Registration(std::wstring kit) : kit_(std::move(kit)) {}
 
@@ -27,14 +23,22 @@ class Registration {
   /// Empty, or why there are no classes, or no profiles.
   const std::string& noClasses() const { return noClasses_; }
   const std::string& noProfiles() const { return noProfiles_; }
+  /// For whom the module is registered.
+  const std::string& scope() const { return scope_; }
 
  private:
-  void registerFor(const wchar_t* scope, Case& one);
+  /// Whether others see the classes.
+  enum class Effect { kSeen, kNone, kFailed };
+
+  Case registerModule();
+  Effect registerFor(const wchar_t* scope, Case& one);
   std::string unregister();
   void writeProfiles();
 
   std::wstring kit_;
-  KeyNames before_;
+  /// The keys that the registration added.
+  std::set<std::wstring> registered_;
+  std::string scope_ = "nobody";
   std::string noClasses_ = "the module is not registered";
   std::string noProfiles_ = "the profiles are not there";
 };

@@ -133,9 +133,10 @@ std::string Counts(size_t passed, size_t failed, size_t skipped) {
 std::string Page(const Report& report) {
   const size_t passed = report.count(Verdict::kPassed), failed = report.count(Verdict::kFailed),
                skipped = report.count(Verdict::kSkipped);
-  const char* word = WordOf(failed == 0 ? Verdict::kPassed : Verdict::kFailed);
-  std::string page =
-      std::string(kHead) + "<h1>tavlcom on this machine: <span class=\"" + word + "\">" + word + "</span></h1>\n";
+  const Verdict verdict = failed != 0 ? Verdict::kFailed : skipped != 0 ? Verdict::kSkipped : Verdict::kPassed;
+  const std::string words = verdict == Verdict::kSkipped ? "passed in part, the rest was skipped" : WordOf(verdict);
+  std::string page = std::string(kHead) + "<h1>tavlcom on this machine: <span class=\"" + WordOf(verdict) + "\">" +
+                     words + "</span></h1>\n";
   if (report.stopped) page += "<p class=\"failed\">The run was stopped before its end.</p>\n";
   page += "<p>" + Counts(passed, failed, skipped) + Format(", in %.0f seconds</p>\n", report.seconds);
   page += FactsTable(report.machine) + "<h2>Parts</h2>\n" + PartsTable(report);
