@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cwchar>
 
+#include "code_page.h"
 #include "parts.h"
 #include "process.h"
 #include "registration.h"
@@ -18,13 +19,6 @@ namespace proof {
 namespace {
 
 constexpr int kNotRun = 2;
-
-bool WriteFile(const std::wstring& path, const std::string& content) {
-  FILE* file = _wfopen(path.c_str(), L"wb");
-  if (file == nullptr) return false;
-  const bool written = std::fwrite(content.data(), 1, content.size(), file) == content.size();
-  return std::fclose(file) == 0 && written;
-}
 
 void RemoveFolder(const std::wstring& folder) {
   WIN32_FIND_DATAW entry;
@@ -74,15 +68,22 @@ bool CanRegisterForMachine() {
   return true;
 }
 
+/// A program of the kit, or the platform's script host, which has the machine's code page.
+bool HasCodePage(const std::wstring& kit, const Part& part) {
+  if (part.kind == "script" || !part.command.starts_with('"')) return GetACP() == kNeededCodePage;
+  return GiveCodePage(kit, Wide(part.command.substr(1, part.command.find('"', 1) - 1)));
+}
+
 /// Why this machine lacks what a part needs; empty if it has it.
-std::string Lacks(const Registration& registration, const std::string& need) {
+std::string Lacks(const std::wstring& kit, const Registration& registration, const Part& part,
+                  const std::string& need) {
   if (need == "1251") {
-    return GetACP() == 1251
-               ? ""
-               : Format(
-                     "the code page of programs is %u; this part needs 1251: Russian as the language of programs "
-                     "that do not support Unicode",
-                     GetACP());
+    if (HasCodePage(kit, part)) return {};
+    return Format(
+        "the code page of programs is %u; this part needs 1251: Russian as the language of programs that do not "
+        "support "
+        "Unicode",
+        GetACP());
   }
   if (need == "classes") return registration.noClasses();
   if (need == "profiles") return registration.noProfiles();
@@ -121,7 +122,7 @@ int Prove(const std::wstring& kit, const std::vector<std::string>& words) {
   std::erase_if(parts, [&](const Part& part) { return !IsChosen(part, words); });
   if (error.empty() && parts.empty()) error = "no part is chosen";
   // An old report must not be taken for that of a run that could not begin.
-  if (error.empty() && (!WriteFile(kit + L"report.html", "") || !WriteFile(kit + L"report.xml", ""))) {
+  if (error.empty() && (!WriteWholeFile(kit + L"report.html", "") || !WriteWholeFile(kit + L"report.xml", ""))) {
     error = "no report can be written into the folder of the kit: copy the kit to where you may write";
   }
   if (!error.empty()) {
@@ -151,7 +152,7 @@ int Prove(const std::wstring& kit, const std::vector<std::string>& words) {
   add(preparation);
   for (const Part& part : parts) {
     add(Stopped() ? SkippedPart(part, "the run was stopped")
-                  : RunPart(kit, part, [&](const std::string& need) { return Lacks(registration, need); }));
+                  : RunPart(kit, part, [&](const std::string& need) { return Lacks(kit, registration, part, need); }));
   }
   PartResult end{"end", {}, 0};
   registration.takeBack(end);
@@ -161,7 +162,8 @@ int Prove(const std::wstring& kit, const std::vector<std::string>& words) {
   report.stopped = Stopped();
   const size_t failed = report.count(Verdict::kFailed);
   if (failed == 0) RemoveFolder(kit + L"scratch");
-  const bool written = WriteFile(kit + L"report.html", Page(report)) && WriteFile(kit + L"report.xml", JUnit(report));
+  const bool written =
+      WriteWholeFile(kit + L"report.html", Page(report)) && WriteWholeFile(kit + L"report.xml", JUnit(report));
   AllowClose();
   std::printf("%s\n%s\n", Counts(report.count(Verdict::kPassed), failed, report.count(Verdict::kSkipped)).c_str(),
               written ? "report.html and report.xml say more" : "the report cannot be written");
@@ -176,6 +178,9 @@ int wmain(int count, wchar_t** arguments) {
   std::setvbuf(stdout, nullptr, _IONBF, 0);
   const std::wstring program = proof::ProgramPath(), kit = program.substr(0, program.rfind(L'\\') + 1);
   const std::wstring first = count > 1 ? arguments[1] : L"";
+  // What it does as a child of its own.
+  if (first == L"--nothing") return 0;
+  if (first == L"--codepage") return GetACP() == proof::kNeededCodePage ? 0 : 1;
   if (first.starts_with(L"--")) {
     return proof::RunRegistrationCommand(kit, first.substr(2), count > 2 ? arguments[2] : L"");
   }

@@ -34,7 +34,8 @@ ProgramEnd RunCommand(const std::wstring& command) {
 /// What is in the keys to which a registration adds others.
 std::set<std::wstring> ClassKeys() {
   std::set<std::wstring> keys;
-  for (const wchar_t* key : {L"", L"\\CLSID", L"\\Interface", L"\\TypeLib"}) {
+  for (const wchar_t* key :
+       {L"", L"\\CLSID", L"\\Interface", L"\\TypeLib", L"\\Wow6432Node\\Interface", L"\\Wow6432Node\\TypeLib"}) {
     const std::wstring path = std::wstring(kClasses) + key;
     for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
       const std::wstring where = (root == HKEY_CURRENT_USER ? L"HKEY_CURRENT_USER\\" : L"HKEY_LOCAL_MACHINE\\") + path;
@@ -93,7 +94,6 @@ int CreateAsOthersDo(const std::wstring& module) {
 
 int RunRegistrationCommand(const std::wstring& kit, const std::wstring& command, const std::wstring& scope) {
   const std::wstring module = kit + L"bin\\tavlcom.dll";
-  if (command == L"nothing") return 0;
   if (command == L"register") return Register(module, "DllRegisterServer", scope == kUser);
   if (command == L"unregister") return Register(module, "DllUnregisterServer", scope == kUser);
   return CreateAsOthersDo(module);

@@ -43,8 +43,8 @@ class Registration {
   std::string noProfiles_ = "the profiles are not there";
 };
 
-/// The kit's own program as a child: "register", "unregister" with the scope "user" or "machine"; "created"; "nothing".
-/// Returns its exit code.
+/// The kit's own program as a child: "register", "unregister" with the scope "user" or "machine"; "created". Returns
+/// its exit code.
 int RunRegistrationCommand(const std::wstring& kit, const std::wstring& command, const std::wstring& scope);
 
 }  // namespace proof

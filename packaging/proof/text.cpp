@@ -101,6 +101,13 @@ std::string Format(const char* format, ...) {
   return text;
 }
 
+bool WriteWholeFile(const std::wstring& path, const std::string& content) {
+  FILE* file = _wfopen(path.c_str(), L"wb");
+  if (file == nullptr) return false;
+  const bool written = std::fwrite(content.data(), 1, content.size(), file) == content.size();
+  return std::fclose(file) == 0 && written;
+}
+
 std::string ErrorText(unsigned long error) {
   wchar_t text[512] = L"";
   FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text, 512, nullptr);

@@ -20,6 +20,8 @@ std::vector<std::string> Split(const std::string& text, char separator);
 /// As printf formats it.
 std::string Format(const char* format, ...) __attribute__((format(gnu_printf, 1, 2)));
 
+bool WriteWholeFile(const std::wstring& path, const std::string& content);
+
 /// Windows' own text for an error, with its number.
 std::string ErrorText(unsigned long error);
 
