@@ -18,6 +18,7 @@ struct HandleCloser {
 using Handle = std::unique_ptr<void, HandleCloser>;
 
 std::atomic<bool> stopped{false};
+bool stopEndsPrograms = true;
 /// Window station and desktop; empty if there is no hidden screen.
 std::wstring hiddenScreen;
 
@@ -111,7 +112,7 @@ ProgramEnd RunProgram(const std::wstring& commandLine, unsigned seconds, Screen 
   Reading reading{readEnd, &end.output};
   const Handle reader(CreateThread(nullptr, 0, ReadAll, &reading, 0, nullptr));
   const HANDLE awaited[] = {process.get(), StopEvent()};
-  const DWORD result = WaitForMultipleObjects(2, awaited, FALSE, seconds * 1000);
+  const DWORD result = WaitForMultipleObjects(stopEndsPrograms ? 2 : 1, awaited, FALSE, seconds * 1000);
   end.overTime = result == WAIT_TIMEOUT;
   if (result != WAIT_OBJECT_0) TerminateProcess(process.get(), 1);
   WaitForSingleObject(process.get(), 10000);
@@ -144,6 +145,7 @@ bool MakeHiddenScreen(const std::wstring& commandLine) {
 
 void WatchForStop() { SetConsoleCtrlHandler(OnConsoleEvent, TRUE); }
 bool Stopped() { return stopped; }
+void LetStopEndPrograms(bool ends) { stopEndsPrograms = ends; }
 void AllowClose() { SetEvent(ClosableEvent()); }
 
 }  // namespace proof

@@ -32,6 +32,8 @@ bool MakeHiddenScreen(const std::wstring& commandLine);
 /// stopped() is true.
 void WatchForStop();
 bool Stopped();
+/// Whether a stop ends the program that runs, which is so at first, or programs run to their end.
+void LetStopEndPrograms(bool ends);
 /// Nothing is left to be taken back: the console may close.
 void AllowClose();
 

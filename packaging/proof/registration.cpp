@@ -17,6 +17,8 @@ namespace {
 constexpr const wchar_t* kClasses = L"Software\\Classes";
 constexpr const wchar_t* kMainClass = L"Software\\Classes\\TAVL.QUIVO";
 constexpr const wchar_t* kProfiles = L"Software\\KORVENTA\\tavl\\Profiles";
+/// The contract tests work below this key.
+constexpr const wchar_t* kContractKey = L"Software\\tavlcom-contract";
 constexpr const wchar_t* kScopeNote = L"registered for";
 constexpr const wchar_t* kUser = L"user";
 constexpr const wchar_t* kMachine = L"machine";
@@ -152,10 +154,12 @@ std::string Registration::unregister() {
   const std::wstring scope = Note(kScopeNote);
   if (scope.empty()) return {};
   const ProgramEnd end = RunCommand(L"unregister " + scope);
+  // A module that could not be registered cannot be unregistered either. The note stays for another try.
+  if (!end.good() && KeyExists(RootOf(scope), kMainClass)) {
+    return end.output + "the unregistration " + end.howItEnded() + "\n";
+  }
   WriteNote(kScopeNote, L"");
-  // A module that could not be registered cannot be unregistered either.
-  if (end.good() || !KeyExists(RootOf(scope), kMainClass)) return {};
-  return end.output + "the unregistration " + end.howItEnded() + "\n";
+  return {};
 }
 
 void Registration::writeProfiles() {
@@ -180,16 +184,15 @@ void Registration::writeProfiles() {
   const DWORD first = 0;
   if (areFirst) RegSetKeyValueW(HKEY_CURRENT_USER, kProfiles, L"CurSel", REG_DWORD, &first, sizeof first);
   // Bytes for the scripts of a language that cannot make them.
-  constexpr BYTE bytes[] = {0x00, 0x01, 0x7F, 0x80, 0xFF};
+  constexpr BYTE kBytes[] = {0x00, 0x01, 0x7F, 0x80, 0xFF};
   CreateNotedKey(HKEY_CURRENT_USER, L"Software\\tavlcom.tests");
-  RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\tavlcom.tests", L"bytes", REG_BINARY, bytes, sizeof bytes);
+  RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\tavlcom.tests", L"bytes", REG_BINARY, kBytes, sizeof kBytes);
   noProfiles_.clear();
 }
 
 void Registration::prepare(PartResult& result) {
   const ULONGLONG started = GetTickCount64();
-  // The contract tests work below this key.
-  CreateNotedKey(HKEY_CURRENT_USER, L"Software\\tavlcom-contract");
+  CreateNotedKey(HKEY_CURRENT_USER, kContractKey);
   writeProfiles();
   result.cases.push_back({"", "profiles", noProfiles_.empty() ? Verdict::kPassed : Verdict::kFailed, 0, noProfiles_});
 
@@ -202,13 +205,18 @@ void Registration::prepare(PartResult& result) {
 
 void Registration::takeBack(PartResult& result) {
   const ULONGLONG started = GetTickCount64();
+  LetStopEndPrograms(false);
   Case one{"", "nothing is left in the registry", Verdict::kPassed, 0, unregister()};
+  LetStopEndPrograms(true);
+  // A contract test that crashed leaves its keys there.
+  RegDeleteTreeW(HKEY_CURRENT_USER, kContractKey);
   for (const std::wstring& key : RemoveNotedKeys()) one.text += "the key is left: " + Utf8(key) + "\n";
   // Others may have registered classes of their own meanwhile.
   const std::set<std::wstring> now = ClassKeys();
   for (const std::wstring& key : registered_) {
     if (now.contains(key)) one.text += "the key is left: " + Utf8(key) + "\n";
   }
+  if (Note(kScopeNote).empty()) RemoveNotes();
   if (!one.text.empty()) one.verdict = Verdict::kFailed;
   result.seconds += static_cast<double>(GetTickCount64() - started) / 1000;
   result.cases.push_back(one);

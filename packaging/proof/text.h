@@ -1,6 +1,7 @@
 // Texts of the kit: UTF-8 inside, UTF-16 towards the platform, and whatever the programs print.
 #pragma once
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,7 @@ std::string Quoted(const std::string& text);
 std::string Trimmed(const std::string& text);
 std::vector<std::string> Split(const std::string& text, char separator);
 /// As printf formats it.
-std::string Format(const char* format, ...) __attribute__((format(gnu_printf, 1, 2)));
+std::string Format(const char* format, ...) __attribute__((format(__MINGW_PRINTF_FORMAT, 1, 2)));
 
 bool WriteWholeFile(const std::wstring& path, const std::string& content);
 

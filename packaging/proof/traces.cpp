@@ -91,8 +91,10 @@ std::vector<std::wstring> RemoveNotedKeys() {
     if (KeyExists(root, path)) left.push_back(keys.substr(start));
     keys.resize(start);
   }
-  RegDeleteKeyW(HKEY_CURRENT_USER, kNotesKey);
+  WriteNote(kKeysNote, L"");
   return left;
 }
+
+void RemoveNotes() { RegDeleteKeyW(HKEY_CURRENT_USER, kNotesKey); }
 
 }  // namespace proof

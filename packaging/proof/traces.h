@@ -23,8 +23,8 @@ void WriteText(HKEY root, const std::wstring& path, const wchar_t* name, const s
 std::wstring Note(const wchar_t* name);
 void WriteNote(const wchar_t* name, const std::wstring& text);
 
-/// Removes the noted keys, those that others have put something into apart, and then the notes. Returns the keys that
-/// are left.
+/// Removes the noted keys, those that others have put something into apart. Returns the keys that are left.
 std::vector<std::wstring> RemoveNotedKeys();
+void RemoveNotes();
 
 }  // namespace proof
