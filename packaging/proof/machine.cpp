@@ -32,7 +32,10 @@ std::string WindowsVersion() {
   DWORD revision = 0, size = sizeof revision;
   RegGetValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion", L"UBR", RRF_RT_REG_DWORD,
                nullptr, &revision, &size);
-  return TextOfWindows(L"ProductName") + " " + TextOfWindows(L"DisplayVersion") +
+  std::string name = Trimmed(TextOfWindows(L"ProductName") + " " + TextOfWindows(L"DisplayVersion"));
+  // The registry of Windows 11 has kept the name of Windows 10.
+  if (version.dwBuildNumber >= 22000) name = Replaced(name, "Windows 10", "Windows 11");
+  return name +
          Format(" (%lu.%lu.%lu.%lu)", version.dwMajorVersion, version.dwMinorVersion, version.dwBuildNumber, revision);
 }
 

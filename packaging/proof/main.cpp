@@ -86,6 +86,8 @@ std::string Lacks(const std::wstring& kit, const Registration& registration, con
         GetACP());
   }
   if (need == "classes") return registration.noClasses();
+  // Such parts run before the module is registered.
+  if (need == "unregistered") return {};
   if (need == "profiles") return registration.noProfiles();
   if (need == "desktop") return HasDesktop() ? "" : "no window can be shown here";
   if (need == "machine") return CanRegisterForMachine() ? "" : "only an administrator may write what this part writes";
@@ -114,6 +116,12 @@ int Clean(const std::wstring& kit) {
   const bool isClean = result.count(Verdict::kFailed) == 0;
   std::printf(isClean ? "nothing is left\n" : "FAILED\n");
   return isClean ? 0 : 1;
+}
+
+/// Two runs at a time would take back what the other needs.
+bool IsOnlyRun() {
+  static const HANDLE kMutex = CreateMutexW(nullptr, TRUE, L"Local\\tavlcom.proof");
+  return kMutex != nullptr && GetLastError() != ERROR_ALREADY_EXISTS;
 }
 
 int Prove(const std::wstring& kit, const std::vector<std::string>& words) {
@@ -145,14 +153,22 @@ int Prove(const std::wstring& kit, const std::vector<std::string>& words) {
     report.parts.push_back(result);
   };
   Registration registration(kit);
-  PartResult preparation{"preparation", {}, 0};
-  if (Registration::somethingIsLeft()) Registration(kit).takeBack(preparation);
-  registration.prepare(preparation);
-  report.machine.emplace_back("Module registered for", registration.scope());
-  add(preparation);
-  for (const Part& part : parts) {
+  const auto run = [&](const Part& part) {
     add(Stopped() ? SkippedPart(part, "the run was stopped")
                   : RunPart(kit, part, [&](const std::string& need) { return Lacks(kit, registration, part, need); }));
+  };
+  PartResult preparation{"preparation", {}, 0}, classes{"registration", {}, 0};
+  if (Registration::somethingIsLeft()) Registration(kit).takeBack(preparation);
+  registration.prepareProfiles(preparation);
+  add(preparation);
+  for (const Part& part : parts) {
+    if (part.needsThat("unregistered")) run(part);
+  }
+  registration.prepareClasses(classes);
+  report.machine.emplace_back("Module registered for", registration.scope());
+  add(classes);
+  for (const Part& part : parts) {
+    if (!part.needsThat("unregistered")) run(part);
   }
   PartResult end{"end", {}, 0};
   registration.takeBack(end);
@@ -185,6 +201,10 @@ int wmain(int count, wchar_t** arguments) {
     return proof::RunRegistrationCommand(kit, first.substr(2), count > 2 ? arguments[2] : L"");
   }
   proof::WatchForStop();
+  if (!proof::IsOnlyRun()) {
+    std::printf("the kit is running already\n");
+    return proof::kNotRun;
+  }
   if (first == L"clean") return proof::Clean(kit);
   std::vector<std::string> words;
   for (int i = 1; i < count; ++i) words.push_back(proof::Utf8(arguments[i]));

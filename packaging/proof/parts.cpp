@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -71,8 +70,10 @@ std::vector<Part> ReadParts(const std::wstring& kit, std::string& error) {
   int number = 0;
   for (const std::string& line : Split(ReadFile(kit + L"parts.txt"), '\n')) {
     ++number;
-    if (Trimmed(line).empty() || line[0] == '#') continue;
-    const std::vector<std::string> fields = Split(line, '|');
+    // Some editors begin a text of UTF-8 with a mark.
+    const std::string text = Trimmed(Replaced(line, "\xEF\xBB\xBF", ""));
+    if (text.empty() || text[0] == '#') continue;
+    const std::vector<std::string> fields = Split(text, '|');
     Part part;
     if (fields.size() == 6) {
       part.name = Trimmed(fields[0]);
@@ -106,8 +107,7 @@ PartResult RunPart(const std::wstring& kit, const Part& part,
     if (!reason.empty()) return SkippedPart(part, reason);
   }
   CreateDirectoryW(Wide(ScratchOf(kit, part.name)).c_str(), nullptr);
-  const bool showsWindows = std::find(part.needs.begin(), part.needs.end(), "desktop") != part.needs.end();
-  const Screen screen = showsWindows ? Screen::kUsers : Screen::kHidden;
+  const Screen screen = part.needsThat("desktop") ? Screen::kUsers : Screen::kHidden;
   const ULONGLONG started = GetTickCount64();
   PartResult result{part.name, {}, 0};
   if (part.kind == "googletest") {

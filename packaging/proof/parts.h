@@ -1,6 +1,7 @@
 // The list of what the kit runs, and the running of it.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -16,6 +17,8 @@ struct Part {
   unsigned seconds = 0;
   std::string kind;
   std::string command;
+
+  bool needsThat(const std::string& need) const { return std::find(needs.begin(), needs.end(), need) != needs.end(); }
 };
 
 /// The parts of the list; `error` says which line is wrong. {kit} and {scratch} are replaced in commands; `kit` has a

@@ -14,8 +14,10 @@ class Registration {
   /// `kit` is the folder of the kit, with a backslash at its end.
   explicit Registration(std::wstring kit) : kit_(std::move(kit)) {}
 
-  /// Registers module and profiles; adds a case for each to `result`.
-  void prepare(PartResult& result);
+  /// Writes the profiles, and adds a case.
+  void prepareProfiles(PartResult& result);
+  /// Registers the module, and adds a case.
+  void prepareClasses(PartResult& result);
   /// Takes everything back that this run or an earlier one has noted, and adds a case.
   void takeBack(PartResult& result);
   static bool somethingIsLeft();
