@@ -79,7 +79,7 @@ TEST_F(Envelopes, AuthenticatedMessagesAreWrittenWhenThePolicyOfTheStoreAsks) {
 }
 
 TEST_F(Envelopes, ChangedAuthenticatedMessageIsRefused) {
-  const std::string folder = CopyOfStore("store", "changed");
+  const std::string folder = CopyOfStore("store", "changed.keys");
   WriteBytes(folder + "\\policy.txt", BytesOf("encrypt authenticated"));
   const EngineSession session = openIn("alice", folder);
   Element message = ParseElement(encrypt(session, payload, {"alice"}));

@@ -293,7 +293,7 @@ TEST_F(Verification, NothingIsWrittenForABadSignature) {
   const EngineSession session = open("bob");
   Bytes message = Material("messages/attached.p7s");
   message[200] ^= 1;
-  const std::string changed = ScratchPath("changed");
+  const std::string changed = ScratchPath("changed.bin");
   const std::string out = ScratchPath("must not appear");
   WriteBytes(changed, message);
   EXPECT_CODE(kBadSignature, verifyFile(session, changed, out).code);

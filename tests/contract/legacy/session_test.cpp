@@ -52,7 +52,9 @@ class ThreadLocale {
 };
 
 TEST_F(LegacySession, TextsAreInTheCodePageOfTheThread) {
-  const ThreadLocale english(MAKELCID(MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), SORT_DEFAULT));
+  // The user's own language would have the code page of the process.
+  const WORD western = PRIMARYLANGID(GetUserDefaultLangID()) == LANG_ENGLISH ? LANG_FRENCH : LANG_ENGLISH;
+  const ThreadLocale locale(MAKELCID(MAKELANGID(western, SUBLANG_DEFAULT), SORT_DEFAULT));
   EXPECT_EQ("\xE9", profileOfInit(L"\x00E9"));
 }
 

@@ -1,0 +1,8 @@
+@echo off
+rem Tries the module on this machine: prove.cmd [short ^| clean ^| PARTS...]. README.txt says what it does.
+if not exist "%~dp0prove.exe" (
+  echo Unpack the whole archive first.
+  exit /b 2
+)
+"%~dp0prove.exe" %*
+exit /b %errorlevel%
