@@ -1,5 +1,7 @@
 #include "standin/messages/gost_transport.h"
 
+#include <algorithm>
+
 #include "standin/base/codes.h"
 #include "standin/messages/ber.h"
 
@@ -39,32 +41,62 @@ bool IsSoundNewTransport(const std::vector<ByteView>& members, size_t macLength,
          IsOnCurveOf(own, members[1]) && IsOctets(members[2], kUkm);
 }
 
-bool IsSound(ByteView recipientInfo, const EVP_PKEY* own) {
-  const std::vector<ByteView> info = ber::ChildrenOf(recipientInfo);
-  if (info.size() != 4 || info[3][0] != ber::kOctetString) return false;
-  const AlgorithmPtr algorithm = Decode<AlgorithmPtr>(d2i_X509_ALGOR, info[2]);
-  if (algorithm == nullptr) return false;
-  const std::vector<ByteView> transport = ber::ChildrenOf(ber::ContentOf(info[3]));
-  switch (OBJ_obj2nid(algorithm->algorithm)) {
+/// 0 if the algorithm is none of GOST R 34.12-2015.
+size_t MacLengthOfExport(ByteView encodedAlgorithm) {
+  const AlgorithmPtr algorithm = Decode<AlgorithmPtr>(d2i_X509_ALGOR, encodedAlgorithm);
+  switch (algorithm == nullptr ? NID_undef : OBJ_obj2nid(algorithm->algorithm)) {
     case NID_magma_kexp15:
-      return IsSoundNewTransport(transport, 8, own);
+      return 8;
     case NID_kuznyechik_kexp15:
-      return IsSoundNewTransport(transport, 16, own);
+      return 16;
     default:
-      return IsSoundOldTransport(transport, own);
+      return 0;
   }
 }
 
-}  // namespace
+bool CanTransport(ByteView recipientInfo, const EVP_PKEY* own) {
+  const std::vector<ByteView> info = ber::ChildrenOf(recipientInfo);
+  if (info.size() != 4 || info[3][0] != ber::kOctetString) return false;
+  const std::vector<ByteView> transport = ber::ChildrenOf(ber::ContentOf(info[3]));
+  const size_t macLength = MacLengthOfExport(info[2]);
+  return macLength == 0 ? IsSoundOldTransport(transport, own) : IsSoundNewTransport(transport, macLength, own);
+}
 
-bool IsSoundTransport(ByteView recipientInfo, const EVP_PKEY* own) {
+bool IsSoundOriginator(ByteView element, const EVP_PKEY* own) {
+  const std::vector<ByteView> choice = ber::ChildrenOf(element);
+  if (element[0] != ber::kContext0Constructed || choice.size() != 1) return false;
+  return choice[0][0] != ber::kContext1Constructed || IsOnCurveOf(own, choice[0]);
+}
+
+bool CanAgree(ByteView recipientInfo, const EVP_PKEY* own) {
+  const std::vector<ByteView> info = ber::ChildrenOf(recipientInfo);
+  if (info.size() != 5 || !IsSoundOriginator(info[1], own)) return false;
+  const std::vector<ByteView> ukm = ber::ChildrenOf(info[2]);
+  const std::vector<ByteView> algorithm = ber::ChildrenOf(info[3]);
+  const size_t macLength = MacLengthOfExport(info[3]);
+  return info[2][0] == ber::kContext1Constructed && ukm.size() == 1 && IsOctets(ukm[0], kUkm) && macLength != 0 &&
+         algorithm.size() == 2 && algorithm[1][0] == ber::kSequence &&
+         std::ranges::all_of(ber::ChildrenOf(info[4]), [&](ByteView sealed) {
+           const std::vector<ByteView> members = ber::ChildrenOf(sealed);
+           return members.size() == 2 && IsOctets(members[1], kKeySize + macLength);
+         });
+}
+
+/// False also for what cannot be parsed.
+bool Holds(bool (*check)(ByteView, const EVP_PKEY*), ByteView recipientInfo, const EVP_PKEY* own) {
   try {
-    return IsSound(recipientInfo, own);
+    return check(recipientInfo, own);
   } catch (const EngineError&) {
     return false;
   } catch (const ber::NeedMore&) {
     return false;
   }
 }
+
+}  // namespace
+
+bool IsSoundTransport(ByteView recipientInfo, const EVP_PKEY* own) { return Holds(CanTransport, recipientInfo, own); }
+
+bool IsSoundAgreement(ByteView recipientInfo, const EVP_PKEY* own) { return Holds(CanAgree, recipientInfo, own); }
 
 }  // namespace standin

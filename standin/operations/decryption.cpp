@@ -1,10 +1,13 @@
 #include "standin/operations/decryption.h"
 
+#include "standin/base/ansi.h"
 #include "standin/base/codes.h"
 #include "standin/base/files.h"
 #include "standin/base/gost.h"
 #include "standin/certificates/cert_id.h"
 #include "standin/certificates/cert_record.h"
+#include "standin/certificates/index_terms.h"
+#include "standin/certificates/names.h"
 #include "standin/messages/gost_transport.h"
 #include "standin/messages/signed_parts.h"
 
@@ -13,35 +16,6 @@ namespace {
 
 /// What a tag, whose length the sender chooses, must have at least.
 constexpr size_t kShortestTag = 12;
-
-/// Decrypts the content key with the own key; false if this entry is for another recipient.
-bool OpenFor(CMS_ContentInfo* message, CMS_RecipientInfo* entry, ByteView encodedEntry, const OwnKey& own) {
-  EVP_PKEY* key = own.key.get();
-  switch (CMS_RecipientInfo_type(entry)) {
-    case CMS_RECIPINFO_TRANS:
-      if (CMS_RecipientInfo_ktri_cert_cmp(entry, own.certificate.get()) != 0) return false;
-      if (IsGostKey(key) && !IsSoundTransport(encodedEntry, key)) Fail(kDecryptionFailed);
-      EVP_PKEY_up_ref(key);
-      CMS_RecipientInfo_set0_pkey(entry, key);
-      if (CMS_RecipientInfo_decrypt(message, entry) != 1) Fail(kDecryptionFailed);
-      return true;
-    case CMS_RECIPINFO_AGREE: {
-      STACK_OF(CMS_RecipientEncryptedKey)* keys = CMS_RecipientInfo_kari_get0_reks(entry);
-      for (int i = 0; i < sk_CMS_RecipientEncryptedKey_num(keys); ++i) {
-        CMS_RecipientEncryptedKey* sealed = sk_CMS_RecipientEncryptedKey_value(keys, i);
-        if (CMS_RecipientEncryptedKey_cert_cmp(sealed, own.certificate.get()) != 0) continue;
-        if (IsGostKey(key)) Fail(kNotSupported);
-        const bool opened = CMS_RecipientInfo_kari_set0_pkey(entry, key) == 1 &&
-                            CMS_RecipientInfo_kari_decrypt(message, entry, sealed) == 1;
-        if (!opened) Fail(kDecryptionFailed);
-        return true;
-      }
-      return false;
-    }
-    default:
-      return false;
-  }
-}
 
 }  // namespace
 
@@ -87,7 +61,7 @@ void Decryptor::open(const MessageReader::Head& head) {
     if (NamesCertificate(id_) && !Matches(own.certificate.get(), *id_)) return false;
     size_t i = 0;
     const auto entry = [&] { return sk_CMS_RecipientInfo_value(entries, static_cast<int>(i)); };
-    while (i < count && !OpenFor(message_.get(), entry(), encoded[i], own)) ++i;
+    while (i < count && !openFor(entry(), encoded[i], own)) ++i;
     return i < count;
   });
   // The caller's identifier may be gone at the next call.
@@ -96,6 +70,60 @@ void Decryptor::open(const MessageReader::Head& head) {
   cipher_ = std::make_unique<ContentCipher>(message_.get(), kAlgorithmUnknown);
   const CertStackPtr stated(CMS_get1_certs(message_.get()));
   if (stated != nullptr && sk_X509_num(stated.get()) > 0) sender_ = Share(sk_X509_value(stated.get(), 0));
+}
+
+bool Decryptor::openFor(CMS_RecipientInfo* entry, ByteView encodedEntry, const OwnKey& own) const {
+  EVP_PKEY* key = own.key.get();
+  switch (CMS_RecipientInfo_type(entry)) {
+    case CMS_RECIPINFO_TRANS:
+      if (CMS_RecipientInfo_ktri_cert_cmp(entry, own.certificate.get()) != 0) return false;
+      if (IsGostKey(key) && !IsSoundTransport(encodedEntry, key)) Fail(kDecryptionFailed);
+      EVP_PKEY_up_ref(key);
+      CMS_RecipientInfo_set0_pkey(entry, key);
+      if (CMS_RecipientInfo_decrypt(message_.get(), entry) != 1) Fail(kDecryptionFailed);
+      return true;
+    case CMS_RECIPINFO_AGREE: {
+      STACK_OF(CMS_RecipientEncryptedKey)* keys = CMS_RecipientInfo_kari_get0_reks(entry);
+      for (int i = 0; i < sk_CMS_RecipientEncryptedKey_num(keys); ++i) {
+        CMS_RecipientEncryptedKey* sealed = sk_CMS_RecipientEncryptedKey_value(keys, i);
+        if (CMS_RecipientEncryptedKey_cert_cmp(sealed, own.certificate.get()) != 0) continue;
+        const bool opened = prepareAgreement(entry, encodedEntry, key) &&
+                            CMS_RecipientInfo_kari_decrypt(message_.get(), entry, sealed) == 1;
+        if (!opened) Fail(kDecryptionFailed);
+        return true;
+      }
+      return false;
+    }
+    default:
+      return false;
+  }
+}
+
+bool Decryptor::prepareAgreement(CMS_RecipientInfo* entry, ByteView encodedEntry, EVP_PKEY* key) const {
+  if (!IsGostKey(key)) return CMS_RecipientInfo_kari_set0_pkey(entry, key) == 1;
+  if (!IsSoundAgreement(encodedEntry, key)) return false;
+  ASN1_BIT_STRING* stated = nullptr;
+  CMS_RecipientInfo_kari_get0_orig_id(entry, nullptr, &stated, nullptr, nullptr, nullptr);
+  const CertPtr originator = stated == nullptr ? originatorOf(entry, key) : nullptr;
+  if (stated == nullptr && originator == nullptr) Fail(kSignerUnknown);
+  return CMS_RecipientInfo_kari_set0_pkey_and_peer(entry, key, originator.get()) == 1;
+}
+
+CertPtr Decryptor::originatorOf(CMS_RecipientInfo* entry, const EVP_PKEY* key) const {
+  ASN1_OCTET_STRING* keyId = nullptr;
+  ASN1_INTEGER* serial = nullptr;
+  CMS_RecipientInfo_kari_get0_orig_id(entry, nullptr, nullptr, &keyId, nullptr, &serial);
+  if (keyId == nullptr && serial == nullptr) return nullptr;
+  const Term term = serial != nullptr ? SerialTerm(SerialText(serial))
+                                      : KeyIdTerm(HexOf({keyId->data, static_cast<size_t>(keyId->length)}));
+  for (CertPtr& known : session_.knownCertificates(term)) {
+    const EVP_PKEY* theirs = X509_get0_pubkey(known.get());
+    const bool fits = CMS_RecipientInfo_kari_orig_id_cmp(entry, known.get()) == 0 && theirs != nullptr &&
+                      EVP_PKEY_get_base_id(theirs) == EVP_PKEY_get_base_id(key) &&
+                      EVP_PKEY_parameters_eq(theirs, key) == 1;
+    if (fits) return std::move(known);
+  }
+  return nullptr;
 }
 
 void Decryptor::decrypt(ByteView piece) {

@@ -24,6 +24,11 @@ class Decryptor {
 
  private:
   void open(const MessageReader::Head& head);
+  /// Decrypts the content key with the own key; false if this entry is for another recipient.
+  bool openFor(CMS_RecipientInfo* entry, ByteView encodedEntry, const OwnKey& own) const;
+  bool prepareAgreement(CMS_RecipientInfo* entry, ByteView encodedEntry, EVP_PKEY* key) const;
+  /// The certificate of the sender that the entry names, if it has a GOST key of the same curve.
+  CertPtr originatorOf(CMS_RecipientInfo* entry, const EVP_PKEY* key) const;
   void decrypt(ByteView piece);
   void endContent();
 

@@ -269,3 +269,25 @@ TEST_F(Streams, AbandonedStreamsEndWithTheirSession) {
   const DataBlob_t none{};
   EXPECT_CODE(kBadSession, QUIVO_StrHashUpdateMem(session, &streams[1], &none));
 }
+
+TEST_F(Streams, GostSignaturesAreMadeAndReadInPieces) {
+  const EngineSession session = open("gost/nina", "gost/store");
+  for (const size_t size : {size_t{7}, size_t{4096}}) {
+    const Bytes message = signInPieces(session, kSendCertificate, nullptr, payload, size);
+    const Verified verified = verifyInPieces(session, {}, message, size);
+    EXPECT_CODE(0, verified.code);
+    EXPECT_EQ(payload, verified.out);
+  }
+}
+
+TEST_F(Streams, GostEnvelopesAreMadeAndReadInPieces) {
+  for (const char* policy : {"encrypt magma\n", "encrypt authenticated\n", "encrypt gost28147\n"}) {
+    const std::string folder = CopyOfStore("gost/store", std::string("stream") + policy[8]);
+    WriteBytes(folder + "/policy.txt", BytesOf(policy));
+    const EngineSession session = openIn("gost/nina", folder);
+    for (const size_t size : {size_t{7}, size_t{4096}}) {
+      const Bytes message = encryptInPieces(session, {"gost/nina"}, size);
+      EXPECT_EQ(payload, decryptInPieces(session, message, size).out) << policy;
+    }
+  }
+}

@@ -111,13 +111,29 @@ TEST_F(GostHostile, ContentWithoutItsCodeIsRefused) {
   EXPECT_CODE(kMessageDamaged, opened(message));
 }
 
-TEST_F(GostHostile, RecipientByKeyAgreementIsRefused) {
-  Element message = ParseElement(sealed(""));
-  Element& recipient = recipientOf(message);
-  const Element identifier = recipient.at({1}), algorithm = recipient.at({2});
-  recipient = Constructed(0xA1, {Primitive(0x02, {3}), Constructed(0xA0, {identifier}), algorithm,
-                                 Sequence({Sequence({identifier, octets(48)})})});
-  EXPECT_NE(0, opened(message));
+TEST_F(GostHostile, KeyAgreementIsRead) {
+  const EngineSession recipient = open("gost/vectors/recipient512", "gost/vectors/store");
+  Bytes whole = Material("gost/vectors/encrypted_keyagree_a211.der");
+  const auto codeOf = [&](Element& message) { return decrypt(recipient, message.encode()).code; };
+  const auto withPart = [&](std::initializer_list<size_t> path, const Element& part) {
+    Element message = ParseElement(whole);
+    recipientOf(message).at(path) = part;
+    return codeOf(message);
+  };
+  Element message = ParseElement(whole);
+  EXPECT_CODE(0, codeOf(message));
+  for (const size_t size : {0, 24, 31, 33}) EXPECT_CODE(kDecryptionFailed, withPart({2, 0}, octets(size))) << size;
+  for (const size_t size : {0, 40, 47, 49}) EXPECT_CODE(kDecryptionFailed, withPart({4, 0, 1}, octets(size))) << size;
+  EXPECT_CODE(kDecryptionFailed, withPart({3}, Sequence({Oid("1.2.643.7.1.1.7.2.1")})));
+  EXPECT_CODE(kDecryptionFailed, withPart({3, 0}, Oid("2.16.840.1.101.3.4.1.45")));
+  for (const char* other : {"alice.cer", "bob.cer", "gost/nina.cer", "gost/pavel.cer"}) {
+    Element key = keyOf(other);
+    key.tag = 0xA1;
+    EXPECT_CODE(kDecryptionFailed, withPart({1, 0}, key)) << other;
+  }
+  message = ParseElement(whole);
+  recipientOf(message).children.erase(recipientOf(message).children.begin() + 2);
+  EXPECT_CODE(kDecryptionFailed, codeOf(message));
 }
 
 TEST_F(GostHostile, MutatedMessagesOnlyFail) {
@@ -125,11 +141,15 @@ TEST_F(GostHostile, MutatedMessagesOnlyFail) {
   for (const char* policy : {"", "encrypt magma\nencrypt authenticated\n", "encrypt gost28147\n"}) {
     messages.push_back(sealed(policy));
   }
+  messages.push_back(Material("gost/vectors/encrypted_keyagree_a211.der"));
+  const EngineSession recipient = open("gost/vectors/recipient512", "gost/vectors/store");
   Mutations mutations(messages, 20121);
   for (int i = 0; i < 1500; ++i) {
     const Bytes mutated = mutations.next();
-    const Decrypted decrypted = decrypt(nina_, mutated);
-    EXPECT_TRUE(decrypted.code == 0 || decrypted.out.empty());
+    for (const EngineSession session : {nina_, recipient}) {
+      const Decrypted decrypted = decrypt(session, mutated);
+      EXPECT_TRUE(decrypted.code == 0 || decrypted.out.empty());
+    }
     verify(nina_, mutated);
   }
 }

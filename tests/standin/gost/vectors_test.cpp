@@ -89,3 +89,13 @@ TEST_F(GostVectors, EnvelopesAreOpened) {
       text,
       decrypt(open("gost/vectors/recipient512", kStore), Material("gost/vectors/encrypted_keytrans_a241.pem")).out);
 }
+
+TEST_F(GostVectors, EnvelopesByKeyAgreementAreOpened) {
+  const Bytes text = Material("gost/vectors/enveloped.txt");
+  const EngineSession of512 = open("gost/vectors/recipient512", kStore);
+  EXPECT_EQ(text, decrypt(of512, Material("gost/vectors/encrypted_keyagree_a211.pem")).out);
+  const Bytes named = Material("gost/vectors/encrypted_keyagree_a221.pem");
+  EXPECT_EQ(text, decrypt(open("gost/vectors/recipient256", kStore), named).out);
+  // The sender's certificate is in the store alone.
+  EXPECT_CODE(kSignerUnknown, decrypt(open("gost/vectors/recipient256", "gost/roots"), named).code);
+}
