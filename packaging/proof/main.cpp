@@ -61,13 +61,6 @@ void SetEnvironment(const std::wstring& kit) {
   FreeEnvironmentStringsW(variables);
 }
 
-bool CanRegisterForMachine() {
-  HKEY key = nullptr;
-  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Classes", 0, KEY_WRITE, &key) != ERROR_SUCCESS) return false;
-  RegCloseKey(key);
-  return true;
-}
-
 /// A program of the kit, or the platform's script host, which has the machine's code page.
 bool HasCodePage(const std::wstring& kit, const Part& part) {
   if (part.kind == "script" || !part.command.starts_with('"')) return GetACP() == kNeededCodePage;
@@ -90,7 +83,7 @@ std::string Lacks(const std::wstring& kit, const Registration& registration, con
   if (need == "unregistered") return {};
   if (need == "profiles") return registration.noProfiles();
   if (need == "desktop") return HasDesktop() ? "" : "no window can be shown here";
-  if (need == "machine") return CanRegisterForMachine() ? "" : "only an administrator may write what this part writes";
+  if (need == "machine") return CanWriteMachineClasses() ? "" : "only an administrator may write what this part writes";
   return "the kit knows no need '" + need + "'";
 }
 

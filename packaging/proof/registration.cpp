@@ -74,11 +74,13 @@ int Register(const std::wstring& module, const char* entry, bool forUser) {
   return SUCCEEDED(hr) ? 0 : 1;
 }
 
-/// A program that knows nothing of the kit gets the main object, and it is that of the kit's module.
+/// A program that knows nothing of the kit gets the main object, it is that of the kit's module, and the scripts' own
+/// object is seen too: the module may be registered twice.
 int CreateAsOthersDo(const std::wstring& module) {
   CLSID clsid{};
   IUnknown* object = nullptr;
   HRESULT hr = CoInitialize(nullptr);
+  if (SUCCEEDED(hr)) hr = CLSIDFromProgID(L"TavlTests.Arrays", &clsid);
   if (SUCCEEDED(hr)) hr = CLSIDFromProgID(L"TAVL.QUIVO", &clsid);
   if (SUCCEEDED(hr))
     hr = CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, reinterpret_cast<void**>(&object));
@@ -101,6 +103,13 @@ int RunRegistrationCommand(const std::wstring& kit, const std::wstring& command,
   return CreateAsOthersDo(module);
 }
 
+bool CanWriteMachineClasses() {
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kClasses, 0, KEY_WRITE, &key) != ERROR_SUCCESS) return false;
+  RegCloseKey(key);
+  return true;
+}
+
 bool Registration::somethingIsLeft() { return KeyExists(HKEY_CURRENT_USER, kNotesKey); }
 
 Registration::Effect Registration::registerFor(const wchar_t* scope, Case& one) {
@@ -115,6 +124,7 @@ Registration::Effect Registration::registerFor(const wchar_t* scope, Case& one) 
     noClasses_ = "the registration " + end.howItEnded();
     return Effect::kFailed;
   }
+  WriteArrays(RootOf(scope), kit_ + L"bin\\tavltests.dll");
   const ProgramEnd created = RunCommand(L"created");
   one.text += created.output;
   if (!created.good()) {
@@ -123,7 +133,6 @@ Registration::Effect Registration::registerFor(const wchar_t* scope, Case& one) 
   }
   scope_ = "the " + Utf8(scope);
   noClasses_.clear();
-  WriteArrays(RootOf(scope), kit_ + L"bin\\tavltests.dll");
   return Effect::kSeen;
 }
 
@@ -133,16 +142,17 @@ Case Registration::registerModule() {
     one.text = noClasses_ = "a module is registered for this user, and stays so";
     return one;
   }
+  if (KeyExists(HKEY_LOCAL_MACHINE, kMainClass) && CanWriteMachineClasses()) {
+    // The platform could write a user's interfaces for callers of 32 bits into the machine's, and remove them from
+    // there.
+    one.text = noClasses_ =
+        "a module is registered for the machine, and stays so: start the kit without an administrator's rights";
+    return one;
+  }
   Effect effect = registerFor(kUser, one);
-  if (effect == Effect::kNone) {
+  if (effect == Effect::kNone && CanWriteMachineClasses()) {
     // COM does not see a user's classes in programs with an administrator's rights.
     one.text += unregister();
-    if (KeyExists(HKEY_LOCAL_MACHINE, kMainClass)) {
-      noClasses_ =
-          "a module is registered for the machine, and stays so: start the kit without an administrator's rights";
-      one.text += noClasses_;
-      return one;
-    }
     effect = registerFor(kMachine, one);
   }
   one.verdict = effect == Effect::kSeen ? Verdict::kPassed : Verdict::kFailed;

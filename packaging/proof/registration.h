@@ -45,6 +45,9 @@ class Registration {
   std::string noProfiles_ = "the profiles are not there";
 };
 
+/// Whether this program may write the classes of the machine.
+bool CanWriteMachineClasses();
+
 /// The kit's own program as a child: "register", "unregister" with the scope "user" or "machine"; "created". Returns
 /// its exit code.
 int RunRegistrationCommand(const std::wstring& kit, const std::wstring& command, const std::wstring& scope);
