@@ -163,13 +163,9 @@ function textOf(error) {
   return text + " (0x" + code.toString(16).toUpperCase() + ")";
 }
 
-// The text in the language of the messages. The host reads this file, which is UTF-8, byte by byte in the code page 1251: two
-// letters are put together again to the one that they stand for.
+// The text in the language of the messages.
 function t(russian, english) {
-  if (language == "en") return english;
-  return russian.replace(/([\u0420\u0421])([\u0080-\uFFFF])/g, function (pair, first, second) {
-    return String.fromCharCode((first == "\u0420" ? 0x400 : 0x440) + upperHalf().indexOf(second));
-  });
+  return language == "en" ? english : russian;
 }
 
 // The letters of the code page 1251 from 0x80 on.

@@ -70,21 +70,7 @@ function attempt(what, call) {
   WScript.Quit(1);
 }
 
-// The text in the language of the messages. The host reads this file, which is UTF-8, byte by byte in the code page 1251: two
-// letters are put together again to the one that they stand for.
+// The text in the language of the messages.
 function t(russian, english) {
-  if (language == "en") return english;
-  return russian.replace(/([\u0420\u0421])([\u0080-\uFFFF])/g, function (pair, first, second) {
-    return String.fromCharCode((first == "\u0420" ? 0x400 : 0x440) + upperHalf().indexOf(second));
-  });
-}
-
-// The letters of the code page 1251 from 0x80 on.
-function upperHalf() {
-  var letters = "\u0402\u0403\u201A\u0453\u201E\u2026\u2020\u2021\u20AC\u2030\u0409\u2039\u040A\u040C\u040B\u040F" +
-                "\u0452\u2018\u2019\u201C\u201D\u2022\u2013\u2014\u0098\u2122\u0459\u203A\u045A\u045C\u045B\u045F" +
-                "\u00A0\u040E\u045E\u0408\u00A4\u0490\u00A6\u00A7\u0401\u00A9\u0404\u00AB\u00AC\u00AD\u00AE\u0407" +
-                "\u00B0\u00B1\u0406\u0456\u0491\u00B5\u00B6\u00B7\u0451\u2116\u0454\u00BB\u0458\u0405\u0455\u0457";
-  for (var code = 0x410; code < 0x450; code++) letters += String.fromCharCode(code);
-  return letters;
+  return language == "en" ? english : russian;
 }

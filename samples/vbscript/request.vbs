@@ -159,27 +159,7 @@ Function TextOf(code)
   TextOf = text & " (0x" & Hex(code) & ")"
 End Function
 
-' The text in the language of the messages. The host reads this file, which is UTF-8, byte by byte in the code page 1251:
-' two letters are put together again to the one that they stand for.
+' The text in the language of the messages.
 Function T(russian, english)
-  Dim i, code
-  T = english
-  If language = "en" Then Exit Function
-  T = ""
-  For i = 1 To Len(russian)
-    code = Asc(Mid(russian, i, 1))
-    If code = 208 Or code = 209 Then
-      i = i + 1
-      code = (code - 208) * 64 + Asc(Mid(russian, i, 1)) - 128
-      Select Case code
-        Case 1
-          code = 168
-        Case 81
-          code = 184
-        Case Else
-          code = code + 176
-      End Select
-    End If
-    T = T & Chr(code)
-  Next
+  If language = "en" Then T = english Else T = russian
 End Function
