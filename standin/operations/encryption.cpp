@@ -18,13 +18,16 @@ bool IsOldRecipient(const CertPtr& recipient) {
   return key != nullptr && EVP_PKEY_get_base_id(key) == NID_id_GostR3410_2001;
 }
 
-/// GOST recipients can be given the key of a GOST cipher only, the others also that one.
+/// GOST recipients can be given the key of a GOST cipher only, the others also that one. Fails with
+/// kRecipientUnsuitable if the cipher cannot be an authenticated one although the store asks for that.
 const EVP_CIPHER* CipherFor(const std::vector<CertPtr>& recipients, const Store& store) {
   const bool authenticated = store.hasPolicy("encrypt authenticated");
   if (std::ranges::none_of(recipients, IsGostRecipient)) {
     return authenticated ? EVP_aes_256_gcm() : EVP_aes_256_cbc();
   }
   if (store.hasPolicy("encrypt gost28147") || std::ranges::any_of(recipients, IsOldRecipient)) {
+    // Nothing proves its content.
+    if (authenticated) Fail(kRecipientUnsuitable);
     return EVP_get_cipherbynid(NID_id_Gost28147_89);
   }
   if (store.hasPolicy("encrypt magma")) {

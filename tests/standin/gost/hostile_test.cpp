@@ -111,6 +111,15 @@ TEST_F(GostHostile, ContentWithoutItsCodeIsRefused) {
   EXPECT_CODE(kMessageDamaged, opened(message));
 }
 
+TEST_F(GostHostile, ProofThatIsAskedForIsNotLeftOut) {
+  const std::string folder = CopyOfStore(kStore, "proof");
+  Bytes out;
+  WriteBytes(folder + "/policy.txt", BytesOf("encrypt authenticated\n"));
+  EXPECT_CODE(kRecipientUnsuitable, tryEncrypt(openIn("gost/oleg", folder), 0, payload, {"gost/rita"}, out));
+  WriteBytes(folder + "/policy.txt", BytesOf("encrypt authenticated\nencrypt gost28147\n"));
+  EXPECT_CODE(kRecipientUnsuitable, tryEncrypt(openIn("gost/oleg", folder), 0, payload, {"gost/nina"}, out));
+}
+
 TEST_F(GostHostile, KeyAgreementIsRead) {
   const EngineSession recipient = open("gost/vectors/recipient512", "gost/vectors/store");
   Bytes whole = Material("gost/vectors/encrypted_keyagree_a211.der");
