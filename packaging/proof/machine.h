@@ -1,4 +1,4 @@
-// What the report says of the machine and of the files that were tried on it.
+// What the report states about the machine and of the files that were tried on it.
 #pragma once
 
 #include <string>

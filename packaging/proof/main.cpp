@@ -19,6 +19,8 @@ namespace proof {
 namespace {
 
 constexpr int kNotRun = 2;
+constexpr const wchar_t* kPageName = L"report.html";
+constexpr const wchar_t* kJUnitName = L"report.xml";
 
 void RemoveFolder(const std::wstring& folder) {
   WIN32_FIND_DATAW entry;
@@ -117,65 +119,82 @@ bool IsOnlyRun() {
   return kMutex != nullptr && GetLastError() != ERROR_ALREADY_EXISTS;
 }
 
-int Prove(const std::wstring& kit, const std::vector<std::string>& words) {
-  std::string error;
-  std::vector<Part> parts = ReadParts(kit, error);
+/// The parts that were asked for; none with a reason why the run cannot begin.
+std::vector<Part> ChosenParts(const std::wstring& kit, const std::vector<std::string>& words, std::string& reason) {
+  std::vector<Part> parts = ReadParts(kit, reason);
+  if (!reason.empty()) return {};
   std::erase_if(parts, [&](const Part& part) { return !IsChosen(part, words); });
-  if (error.empty() && parts.empty()) error = "no part is chosen";
-  // An old report must not be taken for that of a run that could not begin.
-  if (error.empty() && (!WriteWholeFile(kit + L"report.html", "") || !WriteWholeFile(kit + L"report.xml", ""))) {
-    error = "no report can be written into the folder of the kit: copy the kit to where you may write";
-  }
-  if (!error.empty()) {
-    std::printf("%s\n", error.c_str());
-    return kNotRun;
-  }
+  if (parts.empty()) reason = "no part is chosen";
+  return parts;
+}
+
+/// An old report must not be taken for that of a run that could not begin.
+bool EmptyReports(const std::wstring& kit) {
+  return WriteWholeFile(kit + kPageName, "") && WriteWholeFile(kit + kJUnitName, "");
+}
+
+void MakeScratch(const std::wstring& kit) {
   RemoveFolder(kit + L"scratch");
   CreateDirectoryW((kit + L"scratch").c_str(), nullptr);
   CreateDirectoryW((kit + L"scratch\\temp").c_str(), nullptr);
-  SetEnvironment(kit);
+}
 
+Report RunAll(const std::wstring& kit, const std::vector<Part>& parts) {
   Report report{MachineFacts(), FileFacts(kit), {}, 0, false};
   const bool isHidden = MakeHiddenScreen(L"\"" + ProgramPath() + L"\" --nothing");
   report.machine.emplace_back("Parts without windows",
                               isHidden ? "run on a hidden screen" : "run on the user's screen");
   for (const auto& [name, text] : report.machine) std::printf("%s: %s\n", name.c_str(), text.c_str());
+
   const ULONGLONG started = GetTickCount64();
   const auto add = [&](const PartResult& result) {
     Print(result);
     report.parts.push_back(result);
   };
   Registration registration(kit);
-  const auto run = [&](const Part& part) {
-    add(Stopped() ? SkippedPart(part, "the run was stopped")
-                  : RunPart(kit, part, [&](const std::string& need) { return Lacks(kit, registration, part, need); }));
+  const auto runThose = [&](bool unregistered) {
+    for (const Part& part : parts) {
+      if (part.needsThat("unregistered") != unregistered) continue;
+      add(Stopped() ? SkippedPart(part, "the run was stopped") : RunPart(kit, part, [&](const std::string& need) {
+        return Lacks(kit, registration, part, need);
+      }));
+    }
   };
-  PartResult preparation{"preparation", {}, 0}, classes{"registration", {}, 0};
+  PartResult preparation{"preparation", {}, 0}, classes{"registration", {}, 0}, end{"end", {}, 0};
   if (Registration::somethingIsLeft()) Registration(kit).takeBack(preparation);
   registration.prepareProfiles(preparation);
   add(preparation);
-  for (const Part& part : parts) {
-    if (part.needsThat("unregistered")) run(part);
-  }
+  runThose(true);
   registration.prepareClasses(classes);
   report.machine.emplace_back("Module registered for", registration.scope());
   add(classes);
-  for (const Part& part : parts) {
-    if (!part.needsThat("unregistered")) run(part);
-  }
-  PartResult end{"end", {}, 0};
+  runThose(false);
   registration.takeBack(end);
   add(end);
-
   report.seconds = static_cast<double>(GetTickCount64() - started) / 1000;
   report.stopped = Stopped();
+  return report;
+}
+
+int Prove(const std::wstring& kit, const std::vector<std::string>& words) {
+  std::string reason;
+  const std::vector<Part> parts = ChosenParts(kit, words, reason);
+  if (reason.empty() && !EmptyReports(kit)) {
+    reason = "no report can be written into the folder of the kit: copy the kit to where you may write";
+  }
+  if (!reason.empty()) {
+    std::printf("%s\n", reason.c_str());
+    return kNotRun;
+  }
+  MakeScratch(kit);
+  SetEnvironment(kit);
+  const Report report = RunAll(kit, parts);
   const size_t failed = report.count(Verdict::kFailed);
   if (failed == 0) RemoveFolder(kit + L"scratch");
-  const bool written =
-      WriteWholeFile(kit + L"report.html", Page(report)) && WriteWholeFile(kit + L"report.xml", JUnit(report));
+  const bool written = WriteWholeFile(kit + kPageName, Page(report)) && WriteWholeFile(kit + kJUnitName, JUnit(report));
   AllowClose();
   std::printf("%s\n%s\n", Counts(report.count(Verdict::kPassed), failed, report.count(Verdict::kSkipped)).c_str(),
-              written ? "report.html and report.xml say more" : "the report cannot be written");
+              written ? "see report.html and report.xml" : "the report cannot be written");
   if (report.stopped || !written) return kNotRun;
   return failed == 0 ? 0 : 1;
 }

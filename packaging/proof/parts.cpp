@@ -32,7 +32,7 @@ Case RunProgramCase(const std::string& commandLine, unsigned seconds, Screen scr
   return {"", "the program", Verdict::kFailed, end.seconds, end.output + "the program " + end.howItEnded() + "\n"};
 }
 
-/// A script passes if its last line says that it came to its end, and that all its checks held. The host alone ends
+/// A script passes if its last line reports its end and no failed check. The host alone ends
 /// with 0 after most errors.
 Case RunScriptCase(const std::wstring& kit, const std::string& command, unsigned seconds) {
   wchar_t system[MAX_PATH] = L"";

@@ -21,8 +21,8 @@ struct Part {
   bool needsThat(const std::string& need) const { return std::find(needs.begin(), needs.end(), need) != needs.end(); }
 };
 
-/// The parts of the list; `error` says which line is wrong. {kit} and {scratch} are replaced in commands; `kit` has a
-/// backslash at its end.
+/// The parts of the list; `error` names the line that is wrong. {kit} and {scratch} are replaced in commands; `kit` has
+/// a backslash at its end.
 std::vector<Part> ReadParts(const std::wstring& kit, std::string& error);
 
 /// Runs a part, or skips it for the reason that `lacks` returns for one of its needs; empty means that there is none.

@@ -88,7 +88,7 @@ std::string AllCases(const Report& report) {
 
 std::string JUnitCase(const PartResult& part, const Case& one) {
   const std::string text = Escaped(one.text);
-  // The first line says most.
+  // The first line names the failed check.
   const std::string message = Escaped(one.text.substr(0, one.text.find('\n')));
   const std::string suite = one.suite.empty() ? part.name : part.name + "." + one.suite;
   std::string element = "    <testcase classname=\"" + Escaped(suite) + "\" name=\"" + Escaped(one.name) + "\"" +
