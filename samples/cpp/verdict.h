@@ -5,12 +5,7 @@
 
 #include <string>
 
-enum class Language { kRussian, kEnglish };
-
-/// The text in one of the two languages.
-inline const wchar_t* Choose(Language language, const wchar_t* russian, const wchar_t* english) {
-  return language == Language::kRussian ? russian : english;
-}
+#include "console.h"
 
 /// Ordered: the verdict on a file is the worst of its signatures.
 enum class Level { kGood, kRemark, kBad };

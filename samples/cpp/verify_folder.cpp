@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "com.h"
+#include "console.h"
 #include "quivocom.h"
 #include "report.h"
 #include "verdict.h"
@@ -18,38 +19,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-struct Arguments {
-  Language language = Language::kRussian;
-  std::vector<std::wstring> given;
-};
-
-/// A console takes letters, a file or a pipe the console's code page.
-void Print(const std::wstring& line) {
-  const HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
-  const std::wstring text = line + L"\r\n";
-  DWORD written = 0;
-  if (WriteConsoleW(out, text.c_str(), static_cast<DWORD>(text.size()), &written, nullptr)) return;
-  char bytes[4096];
-  const int length = WideCharToMultiByte(GetConsoleOutputCP(), 0, text.c_str(), static_cast<int>(text.size()), bytes,
-                                         sizeof bytes, nullptr, nullptr);
-  WriteFile(out, bytes, static_cast<DWORD>(length), &written, nullptr);
-}
-
-bool ReadArguments(int count, wchar_t** values, Arguments* arguments) {
-  bool isKnown = true;
-  for (int i = 1; i < count; ++i) {
-    const std::wstring value = values[i];
-    if (value == L"/lang:en") {
-      arguments->language = Language::kEnglish;
-    } else if (value.front() == L'/' && value != L"/lang:ru") {
-      isKnown = false;
-    } else if (value != L"/lang:ru") {
-      arguments->given.push_back(value);
-    }
-  }
-  return isKnown && arguments->given.size() == 3;
-}
 
 /// Verifies files with one session.
 class Verifier {
@@ -184,7 +153,7 @@ int VerifyFolder(const Arguments& arguments) {
 
 int wmain(int count, wchar_t** values) {
   Arguments arguments;
-  if (!ReadArguments(count, values, &arguments)) {
+  if (!ReadArguments(count, values, 3, &arguments)) {
     Print(Choose(arguments.language, L"Проверяет подписи папки и пишет отчёт:",
                  L"Verifies the signatures of a folder and writes a report:"));
     Print(Choose(arguments.language, L"  verify_folder ПРОФИЛЬ ПАПКА ОТЧЁТ.html [/lang:en]",
