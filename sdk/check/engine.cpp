@@ -10,13 +10,13 @@
 namespace check {
 namespace {
 
-int32_t NotSupported() { return engine::kErrorNotSupported; }
+int32_t AnswerNotSupported() { return engine::kErrorNotSupported; }
 void* NoMemory() { return nullptr; }
 int32_t NoText() { return HRESULT_FROM_WIN32(ERROR_NOT_SUPPORTED); }
 
 template <class Function>
 Function* Substitute(const char* name) {
-  void* function = reinterpret_cast<void*>(NotSupported);
+  void* function = reinterpret_cast<void*>(AnswerNotSupported);
   if (std::strcmp(name, "QUIVO_AllocMem") == 0) function = reinterpret_cast<void*>(NoMemory);
   if (std::strcmp(name, "QUIVO_EncodeMem") == 0) function = reinterpret_cast<void*>(NoText);
   return reinterpret_cast<Function*>(function);
