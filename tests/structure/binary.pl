@@ -78,4 +78,8 @@ my $fixed = index $data, pack('V', 0xFEEF04BD);
 die "$path: no version\n" if $fixed < 0;
 my $stated = join '.', map { word($fixed + $_) } 10, 8, 14;
 complain("the version is $stated, that of the project $version") if $stated ne $version;
+for my $field (qw(ProductName CompanyName LegalCopyright OriginalFilename)) {
+  my $wide = join '', map { "$_\0" } split //, $field;
+  complain("the version resource does not state $field") unless $data =~ /\Q$wide\E(?:\0\0)+[^\0]/;
+}
 exit $bad;
