@@ -63,13 +63,15 @@ std::string NameText(const X509_NAME* name, NameForm form) {
 }
 
 bool IsNameText(const X509_NAME* name, const std::string& text) {
-  const std::string wanted = WithLatinNames(Normalised(text));
-  return AnyForm(name, [&](const std::string& form) { return form == wanted; });
+  const std::string wanted = Normalised(text), latin = WithLatinNames(wanted);
+  return AnyForm(name, [&](const std::string& form) { return form == wanted || form == latin; });
 }
 
 bool NameContains(const X509_NAME* name, const std::string& part) {
-  const std::string wanted = WithLatinNames(Normalised(part));
-  return AnyForm(name, [&](const std::string& form) { return form.find(wanted) != std::string::npos; });
+  const std::string wanted = Normalised(part), latin = WithLatinNames(wanted);
+  return AnyForm(name, [&](const std::string& form) {
+    return form.find(wanted) != std::string::npos || form.find(latin) != std::string::npos;
+  });
 }
 
 std::string SerialText(const ASN1_INTEGER* serial) {
