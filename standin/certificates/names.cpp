@@ -63,12 +63,14 @@ std::string NameText(const X509_NAME* name, NameForm form) {
 }
 
 bool IsNameText(const X509_NAME* name, const std::string& text) {
-  const std::string wanted = Normalised(text), latin = WithLatinNames(wanted);
+  const std::string wanted = Normalised(text);
+  const std::string latin = WithLatinNames(wanted);
   return AnyForm(name, [&](const std::string& form) { return form == wanted || form == latin; });
 }
 
 bool NameContains(const X509_NAME* name, const std::string& part) {
-  const std::string wanted = Normalised(part), latin = WithLatinNames(wanted);
+  const std::string wanted = Normalised(part);
+  const std::string latin = WithLatinNames(wanted);
   return AnyForm(name, [&](const std::string& form) {
     return form.find(wanted) != std::string::npos || form.find(latin) != std::string::npos;
   });
