@@ -48,6 +48,19 @@ HICON IconOf(HWND page, int control) {
   return reinterpret_cast<HICON>(SendDlgItemMessageW(page, control, STM_GETICON, 0, 0));
 }
 
+/// The sheet gives the focus to a field of its page first, and then to another control: the end of that is waited for,
+/// some seconds at most.
+int SettledFocus(HWND sheet, HWND page) {
+  GUITHREADINFO thread{};
+  thread.cbSize = sizeof thread;
+  for (int tries = 0; tries < 100; ++tries) {
+    if (!GetGUIThreadInfo(GetWindowThreadProcessId(sheet, nullptr), &thread)) break;
+    if (thread.hwndFocus != nullptr && !IsChild(page, thread.hwndFocus)) break;
+    Sleep(30);
+  }
+  return GetDlgCtrlID(thread.hwndFocus);
+}
+
 }  // namespace
 
 SeenSheet LookAtSheet(HWND sheet) {
@@ -72,9 +85,7 @@ SeenSheet LookAtSheet(HWND sheet) {
   const auto tabs = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETTABCONTROL, 0, 0));
   SendMessageW(tabs, TCM_GETITEMW, 0, reinterpret_cast<LPARAM>(&tab));
   seen.tab = text;
+  seen.focus = SettledFocus(sheet, page);
   seen.verdictFrom = SendDlgItemMessageW(page, 1007, EM_GETFIRSTVISIBLELINE, 0, 0);
-  GUITHREADINFO thread{};
-  thread.cbSize = sizeof thread;
-  if (GetGUIThreadInfo(GetWindowThreadProcessId(sheet, nullptr), &thread)) seen.focus = GetDlgCtrlID(thread.hwndFocus);
   return seen;
 }
