@@ -102,20 +102,25 @@ HRESULT InterfaceInfo::readMembers(ITypeInfo* described) {
   parameters_.reset(new (std::nothrow) Parameter[parameterCount]);
   if (!members_ || !names_ || !parameters_) return E_OUTOFMEMORY;
 
-  Parameter* next = parameters_.get();
+  Parameter* parameters = parameters_.get();
   for (UINT i = 0; i < attributes.cFuncs; ++i) {
     Description function(described);
     hr = function.read(i);
     if (FAILED(hr)) return hr;
     UINT count = static_cast<UINT>(function->cParams);
-    members_[i] = {function->memid, static_cast<WORD>(function->invkind), static_cast<ULONG_PTR>(function->oVft), count,
-                   next};
-    hr = addName(described, function->memid);
-    if (FAILED(hr)) return hr;
     for (UINT k = 0; k < count; ++k) {
-      hr = ReadParameter(described, function->lprgelemdescParam[k], *next++);
+      hr = ReadParameter(described, function->lprgelemdescParam[k], parameters[k]);
       if (FAILED(hr)) return hr;
     }
+    members_[i] = {.id = function->memid,
+                   .kind = static_cast<WORD>(function->invkind),
+                   .slot = static_cast<ULONG_PTR>(function->oVft),
+                   .count = count,
+                   .parameters = parameters,
+                   .takesDate = count == 1 && !parameters[0].isOutput && parameters[0].type == VT_DATE};
+    hr = addName(described, function->memid);
+    if (FAILED(hr)) return hr;
+    parameters += count;
   }
   memberCount_ = attributes.cFuncs;
   return S_OK;

@@ -34,6 +34,8 @@ struct Member {
   ULONG_PTR slot;
   UINT count;
   const Parameter* parameters;
+  /// Its one parameter is an input of VT_DATE.
+  bool takesDate;
 
   /// The index of the last output; `count` if there is none.
   UINT lastOutput() const;

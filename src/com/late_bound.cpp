@@ -72,24 +72,21 @@ class Call {
     return S_OK;
   }
 
-  /// Calls the member through its slot in the virtual table; the member's HRESULT arrives in `outcome`.
-  HRESULT run(IDispatch* object, HRESULT* outcome) {
-    VARTYPE types[kMaxArguments];
-    VARIANT* pointers[kMaxArguments];
-    for (UINT i = 0; i < count(); ++i) {
-      Argument& argument = arguments_[i];
-      types[i] = V_VT(&argument.passed);
-      pointers[i] = &argument.passed;
-      // A VARIANT parameter is passed whole: the array of pointers then names the VARIANT itself.
-      if (!parameter(i).isOutput && parameter(i).type == VT_VARIANT) {
-        types[i] = VT_VARIANT;
-        pointers[i] = argument.given;
-      }
-    }
-    VARIANT returned{};
-    HRESULT hr = DispCallFunc(object, member_.slot, CC_STDCALL, VT_ERROR, count(), types, pointers, &returned);
-    if (SUCCEEDED(hr)) *outcome = V_ERROR(&returned);
-    return hr;
+  /// Calls the member through its slot in the virtual table and returns its HRESULT. By the platform's calling
+  /// convention every argument takes eight bytes, a VARIANT by value is the address of a copy, and the caller clears
+  /// the stack: a member does not see those above its count. A date, which only setters take, has a register of its
+  /// own.
+  HRESULT run(IDispatch* object) const {
+    using Method = HRESULT(STDMETHODCALLTYPE*)(IDispatch*, uint64_t, uint64_t, uint64_t, uint64_t, uint64_t, uint64_t,
+                                               uint64_t, uint64_t);
+    using DateSetter = HRESULT(STDMETHODCALLTYPE*)(IDispatch*, DATE);
+    const char* table = *reinterpret_cast<const char* const*>(object);
+    const void* entry = *reinterpret_cast<const void* const*>(table + member_.slot);
+    if (member_.takesDate) return reinterpret_cast<DateSetter>(entry)(object, V_DATE(&arguments_[0].passed));
+    uint64_t words[kMaxArguments] = {};
+    for (UINT i = 0; i < count(); ++i) words[i] = word(i);
+    return reinterpret_cast<Method>(entry)(object, words[0], words[1], words[2], words[3], words[4], words[5], words[6],
+                                           words[7]);
   }
 
   /// Hands the outputs to the caller: all of them after a success; after a failure only what was written.
@@ -109,12 +106,20 @@ class Call {
  private:
   UINT count() const { return member_.count; }
   const Parameter& parameter(UINT i) const { return member_.parameters[i]; }
+  uint64_t word(UINT i) const {
+    const VARIANT& passed = arguments_[i].passed;
+    if (!parameter(i).isOutput && parameter(i).type == VT_VARIANT) return reinterpret_cast<uint64_t>(&passed);
+    return reinterpret_cast<uint64_t>(V_BYREF(&passed));
+  }
   bool isPut() const { return (member_.kind & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0; }
 
   HRESULT convertInput(UINT i) {
     Argument& argument = arguments_[i];
     VARTYPE declared = parameter(i).type;
-    if (declared == VT_VARIANT) return S_OK;
+    if (declared == VT_VARIANT) {
+      argument.passed = *argument.given;
+      return S_OK;
+    }
     // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): only an output can have been left out.
     VARIANT* source = const_cast<VARIANT*>(Dereference(*argument.given));
     if (!source || IsNullReference(*source)) return E_INVALIDARG;
@@ -207,9 +212,8 @@ HRESULT CallMember(const Member& member, IDispatch* object, DISPPARAMS* params, 
   Call call(member);
   HRESULT hr = call.assign(params, badArgument);
   if (SUCCEEDED(hr)) hr = call.convert(badArgument);
-  HRESULT outcome = S_OK;
-  if (SUCCEEDED(hr)) hr = call.run(object, &outcome);
   if (FAILED(hr)) return hr;
+  HRESULT outcome = call.run(object);
   hr = call.store(SUCCEEDED(outcome), result);
   return FAILED(outcome) ? Raise(outcome, exception) : hr;
 }

@@ -77,9 +77,11 @@ inline void Remember(std::atomic<const void*>& known, const void* vtable) {
 template <class Class>
 class Plain final : public Class {
  public:
-  template <class... Arguments>
-  explicit Plain(Arguments... arguments) : Class(arguments...) {
-    Remember(vtable, VtableOf(static_cast<typename Class::Primary*>(this)));
+  // Written out: the empty parentheses of a pack would clear the whole object before its members are.
+  Plain() { remember(); }
+  template <class Argument>
+  explicit Plain(Argument argument) : Class(argument) {
+    remember();
   }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
@@ -106,6 +108,8 @@ class Plain final : public Class {
   static inline std::atomic<const void*> vtable;
 
  private:
+  void remember() { Remember(vtable, VtableOf(static_cast<typename Class::Primary*>(this))); }
+
   std::atomic<ULONG> references_ = 1;
 };
 

@@ -24,6 +24,7 @@ HRESULT ByteInput::copyVariants(SAFEARRAY* array) {
   if (!copy) return E_OUTOFMEMORY;
   // One look at all types in the end costs less than one at each.
   VARTYPE otherTypes = 0;
+#pragma GCC unroll 8
   for (ULONG i = 0; i < count; ++i) {
     otherTypes |= V_VT(&elements[i]) ^ VT_UI1;
     copy[i] = V_UI1(&elements[i]);

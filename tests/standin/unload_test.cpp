@@ -96,6 +96,19 @@ DWORD Handles() {
   return count;
 }
 
+/// The blocks in use in all heaps of the process.
+size_t Blocks() {
+  HANDLE heaps[64] = {};
+  const DWORD count = GetProcessHeaps(64, heaps);
+  size_t blocks = 0;
+  for (DWORD i = 0; i < count && i < 64; ++i) {
+    PROCESS_HEAP_ENTRY entry{};
+    while (HeapWalk(heaps[i], &entry))
+      if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) ++blocks;
+  }
+  return blocks;
+}
+
 /// Rounds whose growth counts, after as many that may still fill what the platform keeps.
 constexpr int kRounds = 40;
 
@@ -116,6 +129,15 @@ TEST(Unload, LeavesNothingOfTheModuleBehind) {
   // As in every host of automation: the platform's cache of strings is lost whenever its library goes.
   LoadLibraryA("oleaut32.dll");
   ExpectNothingLeft(UseModuleOnce, 128 * 1024);
+}
+
+// Finer than the memory of the process, which grows by pages.
+TEST(Unload, LeavesNoBlockOfTheHeapBehind) {
+  LoadLibraryA("oleaut32.dll");
+  for (int i = 0; i < kRounds; ++i) UseModuleOnce();
+  const size_t blocks = Blocks();
+  for (int i = 0; i < kRounds; ++i) UseModuleOnce();
+  EXPECT_LT(Blocks(), blocks + kRounds);
 }
 
 /// The module in a folder of its own, without the engine that lies in the folder of this program.

@@ -8,7 +8,7 @@ my ($path, $version, @places) = @ARGV;
 die "usage: see the head of $0\n" unless @places;
 
 use constant {
-  SECTION_SIZE => 40, EXPORTS => 0, IMPORTS => 1, EXECUTABLE => 0x20000000, WRITABLE => 0x80000000,
+  SECTION_SIZE => 40, PAGE => 4096, EXPORTS => 0, IMPORTS => 1, EXECUTABLE => 0x20000000, WRITABLE => 0x80000000,
   HIGH_ENTROPY_VA => 0x20, DYNAMIC_BASE => 0x40, NX_COMPAT => 0x100,
 };
 my %expected_exports = (DllCanUnloadNow => 1, DllGetClassObject => 2, DllRegisterServer => 3, DllUnregisterServer => 4,
@@ -57,6 +57,7 @@ for my $place (@places) {
 my $wanted = HIGH_ENTROPY_VA | DYNAMIC_BASE | NX_COMPAT;
 complain("a flag of the header is missing") if (word($optional + 70) & $wanted) != $wanted;
 for my $section (@sections) {
+  complain("the section $section->{name} cannot be mapped from the file") if $section->{offset} % PAGE != 0;
   next unless $section->{flags} & WRITABLE && $section->{flags} & EXECUTABLE;
   complain("the section $section->{name} is writable and executable");
 }
@@ -70,8 +71,10 @@ complain("exported: $_ $exports{$_}") for grep { ($expected_exports{$_} // 0) !=
 complain("not exported: $_") for grep { !exists $exports{$_} } sort keys %expected_exports;
 
 for (my $entry = directory(IMPORTS); long($entry + 12) != 0; $entry += 20) {
-  my $library = lc text_at(long($entry + 12));
-  complain("the module imports $library") unless $platform{$library};
+  my $library = text_at(long($entry + 12));
+  complain("the module imports $library") unless $platform{lc $library};
+  # The others are there before the module is.
+  complain("$library has to be looked for without regard to case") if lc $library eq 'oleaut32.dll' && lc $library ne $library;
 }
 
 my $fixed = index $data, pack('V', 0xFEEF04BD);
