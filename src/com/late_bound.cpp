@@ -73,15 +73,14 @@ class Call {
   }
 
   /// Calls the member through its slot in the virtual table and returns its HRESULT. By the platform's calling
-  /// convention every argument takes eight bytes, a VARIANT by value is the address of a copy, and the caller clears
-  /// the stack: a member does not see those above its count. A date, which only setters take, has a register of its
-  /// own.
+  /// convention every argument takes eight bytes, a VARIANT by value is an address, and the caller clears the stack: a
+  /// member does not see those above its count. A date, which only setters take, has a register of its own.
   HRESULT run(IDispatch* object) const {
     using Method = HRESULT(STDMETHODCALLTYPE*)(IDispatch*, uint64_t, uint64_t, uint64_t, uint64_t, uint64_t, uint64_t,
                                                uint64_t, uint64_t);
     using DateSetter = HRESULT(STDMETHODCALLTYPE*)(IDispatch*, DATE);
     const char* table = *reinterpret_cast<const char* const*>(object);
-    const void* entry = *reinterpret_cast<const void* const*>(table + member_.slot);
+    void* entry = *reinterpret_cast<void* const*>(table + member_.slot);
     if (member_.takesDate) return reinterpret_cast<DateSetter>(entry)(object, V_DATE(&arguments_[0].passed));
     uint64_t words[kMaxArguments] = {};
     for (UINT i = 0; i < count(); ++i) words[i] = word(i);
@@ -107,19 +106,16 @@ class Call {
   UINT count() const { return member_.count; }
   const Parameter& parameter(UINT i) const { return member_.parameters[i]; }
   uint64_t word(UINT i) const {
-    const VARIANT& passed = arguments_[i].passed;
-    if (!parameter(i).isOutput && parameter(i).type == VT_VARIANT) return reinterpret_cast<uint64_t>(&passed);
-    return reinterpret_cast<uint64_t>(V_BYREF(&passed));
+    const Argument& argument = arguments_[i];
+    const bool isWhole = !parameter(i).isOutput && parameter(i).type == VT_VARIANT;
+    return reinterpret_cast<uint64_t>(isWhole ? argument.given : V_BYREF(&argument.passed));
   }
   bool isPut() const { return (member_.kind & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0; }
 
   HRESULT convertInput(UINT i) {
     Argument& argument = arguments_[i];
     VARTYPE declared = parameter(i).type;
-    if (declared == VT_VARIANT) {
-      argument.passed = *argument.given;
-      return S_OK;
-    }
+    if (declared == VT_VARIANT) return S_OK;
     // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): only an output can have been left out.
     VARIANT* source = const_cast<VARIANT*>(Dereference(*argument.given));
     if (!source || IsNullReference(*source)) return E_INVALIDARG;
