@@ -146,7 +146,7 @@ sub plot {
   my ($points, $what, $title, $path) = @_;
   my %curves;
   push @{ $curves{ $_->{point} } }, "$_->{mib} $_->{$what}" for sort { $a->{mib} <=> $b->{mib} } @$points;
-  my $script = "set terminal svg size 800,480 font 'sans-serif' background '#ffffff'\nset output '$path'\nset key left top\n"
+  my $script = "set terminal svg size 900,480 font 'sans-serif' background '#ffffff'\nset output '$path'\nset key outside right top\n"
     . "set logscale x 2\nset xlabel 'MiB of the file'\nset ylabel '$title'\nset grid\n" . ($what eq 'seconds' ? "set logscale y\n" : "set yrange [0:*]\n");
   my @names = sort keys %curves;
   $script .= 'plot ' . join(', ', map { "'-' with linespoints title '$_'" } @names) . "\n";

@@ -117,6 +117,7 @@ class Files {
   Files(std::string folder, int count) : folder_(std::move(folder)), count_(count) {
     std::string content(4096, 'x');
     for (int i = 0; i < count_; ++i) {
+      CreateDirectoryA(folderOf(i).c_str(), nullptr);
       FILE* file = std::fopen(path(i, "txt").c_str(), "wb");
       Require(file && std::fwrite(content.data(), 1, content.size(), file) == content.size(), "a small file");
       std::fclose(file);
@@ -135,9 +136,13 @@ class Files {
   }
 
  private:
+  /// Few to a folder: Wine reads the whole folder for a name that is not there, as that of a temporary file.
+  std::string folderOf(int number) const { return folder_ + "\\" + std::to_string(number / kInFolder); }
   std::string path(int number, const std::string& ending) const {
-    return folder_ + "\\" + std::to_string(number) + "." + ending;
+    return folderOf(number) + "\\" + std::to_string(number) + "." + ending;
   }
+
+  static constexpr int kInFolder = 20;
 
   std::string folder_;
   int count_;
