@@ -1,9 +1,10 @@
 // What the files of a store's folder contain. The process keeps it for the sessions to come: a file is read again only
-// if its size or its times have changed.
+// if the platform reports a change, or its size or its times are others.
 #pragma once
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "standin/certificates/catalog.h"
 
@@ -16,6 +17,7 @@ using CrlCatalog = Catalog<X509_CRL>;
 struct FolderContent {
   std::shared_ptr<CertCatalog> certificates = std::make_shared<CertCatalog>();
   std::shared_ptr<CrlCatalog> crls = std::make_shared<CrlCatalog>();
+  std::vector<std::string> keyFiles;  ///< the names that end with ".key"
 };
 
 /// The objects in the files of the folder, as they are now. Fails with kStoreUnreadable.

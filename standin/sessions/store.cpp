@@ -37,6 +37,7 @@ time_t IssuedAt(const X509_CRL* crl) { return SecondsOf(X509_CRL_get0_lastUpdate
 /// Adds the object to a catalog that other sessions may share.
 template <typename Object>
 void Add(std::shared_ptr<Catalog<Object>>& catalog, typename Catalog<Object>::Ptr object) {
+  if (catalog->knows(*object)) return;
   if (catalog.use_count() > 1) catalog = std::make_shared<Catalog<Object>>(*catalog);
   catalog->add(std::move(object));
 }

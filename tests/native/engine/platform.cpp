@@ -10,6 +10,7 @@
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
 #include "standin/base/files.h"
+#include "standin/base/folder_watch.h"
 #include "standin/exports/texts.h"
 #include "standin/operations/requests.h"
 #include "standin/operations/transfer.h"
@@ -102,6 +103,8 @@ std::vector<FileEntry> FilesIn(const std::string& folder, const char* pattern) {
   }
   return files;
 }
+
+std::optional<std::vector<std::string>> FolderWatch::changes() { return std::nullopt; }
 
 SessionSource ReadProfile(const std::string&) { Fail(kProfileNotFound); }
 Bytes MakeXmlRequest(Session&, uint32_t, const CertificateRecord&) { Fail(kNotSupported); }
