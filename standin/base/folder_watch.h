@@ -19,6 +19,8 @@ class FolderWatch {
   /// of others. Nothing if the platform did not keep count of them, as before the first call: the folder has to be
   /// listed.
   std::optional<std::vector<std::string>> changes();
+  /// Lets go of the folder. The next call begins anew.
+  void stop() { handle_.reset(); }
 
  private:
   std::string folder_;

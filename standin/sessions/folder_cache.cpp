@@ -33,13 +33,17 @@ struct Objects {
     for (const StoredFilePtr& file : files) {
       std::ranges::copy(file->certificates, std::back_inserter(certificates));
       std::ranges::copy(file->crls, std::back_inserter(crls));
+      if (!file->isRead) unread.push_back(file->entry.name);
       if (file->entry.endsWith(".key")) keyFiles.push_back(file->entry.name);
+      hasPolicy = hasPolicy || _stricmp(file->entry.name.c_str(), kPolicyFile) == 0;
     }
   }
 
   std::vector<StoredCertificate::Ptr> certificates;
   std::vector<StoredCrl::Ptr> crls;
   std::vector<std::string> keyFiles;
+  bool hasPolicy = false;
+  std::vector<std::string> unread;  ///< the names of files that could not be read
 };
 
 /// One folder and what was read of it.
@@ -55,6 +59,11 @@ class Folder {
     const bool isKnown = std::exchange(isKnown_, false);  // what was reported is lost if this fails
     const bool isRecent = Clock::now() - listedAt_ < kLongestWithoutList;
     if (!isKnown || !isRecent || !changes || !update(*changes)) list();
+    if (files_.empty()) {
+      // Perhaps it has been deleted, and stays as long as it is watched.
+      watch_.stop();
+      list();
+    }
     isKnown_ = true;
     return content_;
   }
@@ -91,9 +100,7 @@ class Folder {
   /// Reads the files of these names again, and those that could not be read. False if they are too many.
   bool update(const Names& changes) {
     std::set<std::string> names(changes.begin(), changes.end());
-    for (const StoredFilePtr& file : files_) {
-      if (!file->isRead) names.insert(file->entry.name);
-    }
+    names.insert(unread_.begin(), unread_.end());
     if (names.size() > kMostSingle) return false;
     if (names.empty()) return true;
     StoredFiles files = files_;
@@ -122,10 +129,13 @@ class Folder {
       AddTo(content_.certificates, added.certificates);
       AddTo(content_.crls, added.crls);
       std::ranges::copy(added.keyFiles, std::back_inserter(content_.keyFiles));
+      content_.hasPolicy = content_.hasPolicy || added.hasPolicy;
+      std::ranges::copy(added.unread, std::back_inserter(unread_));
     } else {
       Objects all{files};
       content_ = {std::make_shared<CertCatalog>(std::move(all.certificates)),
-                  std::make_shared<CrlCatalog>(std::move(all.crls)), std::move(all.keyFiles)};
+                  std::make_shared<CrlCatalog>(std::move(all.crls)), std::move(all.keyFiles), all.hasPolicy};
+      unread_ = std::move(all.unread);
     }
     files_ = std::move(files);
   }
@@ -134,6 +144,7 @@ class Folder {
   FolderWatch watch_;
   Lock lock_;
   StoredFiles files_;
+  std::vector<std::string> unread_;
   FolderContent content_;
   bool isKnown_ = false;  ///< whether the content is that of the folder but for the changes that the watch reports
   Clock::time_point listedAt_;

@@ -56,7 +56,8 @@ void Store::open(const std::string& folder) {
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) Fail(kStoreUnreadable);
   folder_ = folder;
   content_ = ContentOfFolder(folder);
-  const Bytes policy = BytesInFile(JoinPath(folder, "policy.txt"));
+  // The search for a file that is missing takes the platform longer, the more files there are.
+  const Bytes policy = content_.hasPolicy ? BytesInFile(JoinPath(folder, kPolicyFile)) : Bytes();
   policy_.assign(1, '\n').append(policy.begin(), policy.end());
 }
 
