@@ -125,14 +125,17 @@ TEST_F(StrangersChanges, LastOfManyChangesIsSeen) {
 }
 
 TEST_F(StrangersChanges, ChangeAfterManyInAnotherWatchedFolderIsSeenAtOnce) {
-  const std::string folder = oldCopy("quiet"), busy = oldCopy("busy"), file = folder + "\\new.cer";
+  const std::string folder = oldCopy("quiet"), busy = oldCopy("busy"), file = folder + "\\changing.cer";
+  const std::string heidi = ScratchPath("heidi.same"), ivan = ScratchPath("ivan.same");
+  writeTwins(heidi, ivan);
+  stranger.doThis("copy|" + ivan + "|" + file);
+  stranger.doThis("fill|" + busy + "|1000");
   for (int i = 0; i < 10 && !HasFailure(); ++i) {
     EXPECT_FALSE(isKnown(busy, "heidi")) << i;
     EXPECT_FALSE(isKnown(folder, "heidi")) << i;
-    stranger.doThis("fill|" + busy + "|1000");
-    stranger.doThis("copy|" + MaterialPath("heidi.cer") + "|" + file);
+    stranger.doThis("hurry|" + busy + "|" + heidi + "|" + file);
     EXPECT_TRUE(isKnown(folder, "heidi")) << i;
-    stranger.doThis("remove|" + file);
+    stranger.doThis("hurry|" + busy + "|" + ivan + "|" + file);
   }
 }
 
