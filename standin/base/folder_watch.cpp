@@ -13,6 +13,8 @@ constexpr DWORD kKindsOfChange = FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHAN
                                  FILE_NOTIFY_CHANGE_LAST_WRITE | FILE_NOTIFY_CHANGE_CREATION;
 /// Longer than the machine needs when it is busy: who waits in vain lists the folder.
 constexpr DWORD kLongestWait = 200;
+/// Nobody reports what is written to a file by a link elsewhere, or as mapped memory: the list of the folder shows it.
+constexpr ULONGLONG kLongestWithoutList = 10'000;
 
 using EventHandle = Owned<CloseHandle>;
 using Names = std::vector<std::string>;
@@ -115,10 +117,15 @@ std::optional<Names> FolderWatch::changes() {
   FileHandle folder = OpenFolder(folder_);
   if (handle_ != nullptr && folder != nullptr && IdOf(folder.get()) == id_) {
     if (!WaitForReports()) return std::nullopt;
-    return Reported(handle_.get(), kKindsOfChange, 0);
+    std::optional<Names> names = Reported(handle_.get(), kKindsOfChange, 0);
+    const ULONGLONG now = GetTickCount64();
+    if (names && now - listedAt_ < kLongestWithoutList) return names;
+    listedAt_ = now;
+    return std::nullopt;
   }
   // Another folder has the path now, if any.
   handle_.reset();
+  listedAt_ = GetTickCount64();
   if (folder == nullptr || !IsLocal(folder_)) return std::nullopt;
   id_ = IdOf(folder.get());
   if (id_ != 0 && Reported(folder.get(), kKindsOfChange, 0)) handle_ = std::move(folder);

@@ -16,8 +16,8 @@ class FolderWatch {
   explicit FolderWatch(std::string folder) : folder_(std::move(folder)) {}
 
   /// The names of the files that were added, written, renamed or removed since the last call, by anybody, and perhaps
-  /// of others. Nothing if the platform did not keep count of them, as before the first call: the folder has to be
-  /// listed.
+  /// of others. Nothing if the folder has to be listed: before the first call, when the platform has lost count, and
+  /// from time to time.
   std::optional<std::vector<std::string>> changes();
   /// Lets go of the folder. The next call begins anew.
   void stop() { handle_.reset(); }
@@ -26,6 +26,7 @@ class FolderWatch {
   std::string folder_;
   FileHandle handle_;  ///< null if the folder cannot be watched
   uint64_t id_ = 0;
+  uint64_t listedAt_ = 0;
 };
 
 }  // namespace standin

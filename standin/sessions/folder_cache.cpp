@@ -1,7 +1,6 @@
 #include "standin/sessions/folder_cache.h"
 
 #include <algorithm>
-#include <chrono>
 #include <list>
 #include <set>
 #include <span>
@@ -57,8 +56,7 @@ class Folder {
     // Asked in any case, and first: what happens while the folder is listed is reported the next time.
     const std::optional<Names> changes = watch_.changes();
     const bool isKnown = std::exchange(isKnown_, false);  // what was reported is lost if this fails
-    const bool isRecent = Clock::now() - listedAt_ < kLongestWithoutList;
-    if (!isKnown || !isRecent || !changes || !update(*changes)) list();
+    if (!isKnown || !changes || !update(*changes)) list();
     if (files_.empty()) {
       // Perhaps it has been deleted, and stays as long as it is watched.
       watch_.stop();
@@ -69,20 +67,14 @@ class Folder {
   }
 
  private:
-  using Clock = std::chrono::steady_clock;
   using Names = std::vector<std::string>;
 
-  /// Nobody reports what is written to a file by a link elsewhere, or as mapped memory: it is seen after this time.
-  static constexpr std::chrono::seconds kLongestWithoutList{10};
-
   void list() {
-    const Clock::time_point now = Clock::now();
     const std::vector<FileEntry> entries = FilesIn(path_, "*");
     const auto isUpToDate = [](const StoredFilePtr& file, const FileEntry& entry) {
       return file->isSettled && file->entry == entry;
     };
     if (!std::ranges::equal(files_, entries, isUpToDate)) take(entries);
-    listedAt_ = now;
   }
 
   void take(const std::vector<FileEntry>& entries) {
@@ -147,7 +139,6 @@ class Folder {
   std::vector<std::string> unread_;
   FolderContent content_;
   bool isKnown_ = false;  ///< whether the content is that of the folder but for the changes that the watch reports
-  Clock::time_point listedAt_;
 };
 
 struct FolderTable {
