@@ -104,7 +104,11 @@ std::vector<FileEntry> FilesIn(const std::string& folder, const char* pattern) {
   return files;
 }
 
-std::optional<std::vector<std::string>> FolderWatch::changes() { return std::nullopt; }
+/// Every folder is listed.
+std::optional<std::vector<std::string>> FolderWatch::changes() {
+  id_ = listedAt_ = 0;
+  return std::nullopt;
+}
 
 SessionSource ReadProfile(const std::string&) { Fail(kProfileNotFound); }
 Bytes MakeXmlRequest(Session&, uint32_t, const CertificateRecord&) { Fail(kNotSupported); }
