@@ -87,6 +87,10 @@ struct FileEntry {
   uint64_t written = 0;
 
   bool operator==(const FileEntry&) const = default;
+  /// Whether the name has the ending, in capital letters or not.
+  bool endsWith(const std::string& ending) const {
+    return name.size() >= ending.size() && _stricmp(name.c_str() + name.size() - ending.size(), ending.c_str()) == 0;
+  }
   /// Whether the file may be written once more without another time: file systems keep times by two seconds.
   bool wasWrittenJustNow() const;
 };

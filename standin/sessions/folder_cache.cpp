@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <list>
+#include <set>
+#include <span>
 #include <unordered_map>
 
-#include "standin/base/codes.h"
-#include "standin/base/files.h"
+#include "standin/base/folder_watch.h"
 #include "standin/base/lock.h"
+#include "standin/sessions/stored_file.h"
 
 namespace standin {
 namespace {
@@ -14,81 +16,129 @@ namespace {
 /// More folders than one process uses at a time.
 constexpr size_t kMostFolders = 4;
 
-struct StoredFile {
-  FileEntry entry;
-  bool isSettled = false;  ///< whether the content cannot change without the entry
+/// More files or objects are read or sorted anew in less time than one by one.
+constexpr size_t kMostSingle = 64;
+
+template <typename Object, typename Ptr>
+void AddTo(std::shared_ptr<Catalog<Object>>& catalog, const std::vector<Ptr>& objects) {
+  if (objects.empty()) return;
+  catalog = std::make_shared<Catalog<Object>>(*catalog);
+  for (const Ptr& object : objects) catalog->add(object);
+}
+
+/// Everything that is in some files.
+struct Objects {
+  explicit Objects(std::span<const StoredFilePtr> files) {
+    for (const StoredFilePtr& file : files) {
+      std::ranges::copy(file->certificates, std::back_inserter(certificates));
+      std::ranges::copy(file->crls, std::back_inserter(crls));
+      if (!file->isRead) unread.push_back(file->entry.name);
+      if (file->entry.endsWith(".key")) keyFiles.push_back(file->entry.name);
+      hasPolicy = hasPolicy || _stricmp(file->entry.name.c_str(), kPolicyFile) == 0;
+    }
+  }
+
   std::vector<StoredCertificate::Ptr> certificates;
   std::vector<StoredCrl::Ptr> crls;
+  std::vector<std::string> keyFiles;
+  bool hasPolicy = false;
+  std::vector<std::string> unread;  ///< the names of files that could not be read
 };
-using StoredFilePtr = std::shared_ptr<const StoredFile>;
-using StoredFiles = std::vector<StoredFilePtr>;
-
-void AddObject(StoredFile& file, ByteView der, bool& isObject) {
-  isObject = true;
-  if (auto certificate = StoredCertificate::fromDer(der)) {
-    file.certificates.push_back(std::move(certificate));
-  } else if (auto crl = StoredCrl::fromDer(der)) {
-    file.crls.push_back(std::move(crl));
-  } else {
-    isObject = RequestFromDer(der) != nullptr;
-  }
-}
-
-StoredFilePtr ReadFile(const std::string& folder, const FileEntry& entry) {
-  auto file = std::make_shared<StoredFile>();
-  file->entry = entry;
-  try {
-    const bool isOld = !entry.wasWrittenJustNow();
-    ForEachEncoding(ReadWholeFile(JoinPath(folder, entry.name).c_str(), kLargestObject), [&](ByteView der) {
-      bool isObject = false;
-      AddObject(*file, der, isObject);
-      return isObject;
-    });
-    file->isSettled = isOld;
-  } catch (const EngineError&) {
-    // The folder is shared: somebody may be writing or deleting the file.
-  }
-  return file;
-}
 
 /// One folder and what was read of it.
 class Folder {
  public:
-  explicit Folder(std::string path) : path_(std::move(path)) {}
+  explicit Folder(std::string path) : path_(std::move(path)), watch_(path_) {}
   const std::string& path() const { return path_; }
 
   FolderContent content() {
     const std::lock_guard scope(lock_);
+    // Asked in any case, and first: what happens while the folder is listed is reported the next time.
+    const std::optional<Names> changes = watch_.changes();
+    const bool isKnown = std::exchange(isKnown_, false);  // what was reported is lost if this fails
+    if (!isKnown || !changes || !update(*changes)) list();
+    if (files_.empty()) {
+      // Perhaps it has been deleted, and stays as long as it is watched.
+      watch_.stop();
+      list();
+    }
+    isKnown_ = true;
+    return content_;
+  }
+
+ private:
+  using Names = std::vector<std::string>;
+
+  void list() {
     const std::vector<FileEntry> entries = FilesIn(path_, "*");
     const auto isUpToDate = [](const StoredFilePtr& file, const FileEntry& entry) {
       return file->isSettled && file->entry == entry;
     };
     if (!std::ranges::equal(files_, entries, isUpToDate)) take(entries);
-    return content_;
   }
 
- private:
   void take(const std::vector<FileEntry>& entries) {
     std::unordered_map<std::string_view, StoredFilePtr> before;
     for (const StoredFilePtr& file : files_) before.emplace(file->entry.name, file);
     StoredFiles files;
-    std::vector<StoredCertificate::Ptr> certificates;
-    std::vector<StoredCrl::Ptr> crls;
     for (const FileEntry& entry : entries) {
       const auto found = before.find(entry.name);
       const bool isKept = found != before.end() && found->second->isSettled && found->second->entry == entry;
-      files.push_back(isKept ? found->second : ReadFile(path_, entry));
-      std::ranges::copy(files.back()->certificates, std::back_inserter(certificates));
-      std::ranges::copy(files.back()->crls, std::back_inserter(crls));
+      files.push_back(isKept ? found->second : ReadStoredFile(path_, entry));
     }
-    content_ = {std::make_shared<CertCatalog>(std::move(certificates)), std::make_shared<CrlCatalog>(std::move(crls))};
+    keep(std::move(files));
+  }
+
+  /// Reads the files of these names again, and those that could not be read. False if they are too many.
+  bool update(const Names& changes) {
+    std::set<std::string> names(changes.begin(), changes.end());
+    names.insert(unread_.begin(), unread_.end());
+    if (names.size() > kMostSingle) return false;
+    if (names.empty()) return true;
+    StoredFiles files = files_;
+    for (const std::string& name : names) {
+      const std::vector<FileEntry> found = FilesIn(path_, name.c_str());
+      const auto known = std::ranges::find_if(files, [&](const auto& file) { return file->entry.name == name; });
+      // The name is a pattern, or a short one.
+      if (!found.empty() && (found.size() > 1 || found[0].name != name)) return false;
+      if (found.empty()) {
+        if (known != files.end()) files.erase(known);
+      } else if (known != files.end()) {
+        *known = ReadStoredFile(path_, found[0]);
+      } else {
+        files.push_back(ReadStoredFile(path_, found[0]));
+      }
+    }
+    keep(std::move(files));
+    return true;
+  }
+
+  void keep(StoredFiles files) {
+    const size_t before = files_.size();
+    const bool isLonger = files.size() >= before && std::equal(files_.begin(), files_.end(), files.begin());
+    const Objects added{std::span<const StoredFilePtr>(files).subspan(isLonger ? before : 0)};
+    if (isLonger && added.certificates.size() + added.crls.size() <= kMostSingle) {
+      AddTo(content_.certificates, added.certificates);
+      AddTo(content_.crls, added.crls);
+      std::ranges::copy(added.keyFiles, std::back_inserter(content_.keyFiles));
+      content_.hasPolicy = content_.hasPolicy || added.hasPolicy;
+      std::ranges::copy(added.unread, std::back_inserter(unread_));
+    } else {
+      Objects all{files};
+      content_ = {std::make_shared<CertCatalog>(std::move(all.certificates)),
+                  std::make_shared<CrlCatalog>(std::move(all.crls)), std::move(all.keyFiles), all.hasPolicy};
+      unread_ = std::move(all.unread);
+    }
     files_ = std::move(files);
   }
 
   const std::string path_;
+  FolderWatch watch_;
   Lock lock_;
   StoredFiles files_;
+  std::vector<std::string> unread_;
   FolderContent content_;
+  bool isKnown_ = false;  ///< whether the content is that of the folder but for the changes that the watch reports
 };
 
 struct FolderTable {

@@ -51,10 +51,10 @@ void KeyStore::open(const std::string& path) {
   }
 }
 
-void KeyStore::openFolder(const std::string& folder) {
-  for (const FileEntry& file : FilesIn(folder, "*.key")) {
+void KeyStore::openFiles(const std::string& folder, const std::vector<std::string>& names) {
+  for (const std::string& name : names) {
     try {
-      for (KeyPtr& key : ReadKeys(ReadKeyFile(JoinPath(folder, file.name)), pin_).keys) keys_.push_back(std::move(key));
+      for (KeyPtr& key : ReadKeys(ReadKeyFile(JoinPath(folder, name)), pin_).keys) keys_.push_back(std::move(key));
     } catch (const EngineError&) {
       // The folder is shared: the file may belong to somebody else.
     }

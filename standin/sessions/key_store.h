@@ -28,8 +28,8 @@ class KeyStore {
   void setPin(const std::string& pin);
   /// Reads a PKCS#12 file. Fails with kKeyFileMissing, kWrongPin or kKeyFileDamaged.
   void open(const std::string& path);
-  /// Reads the key files of a folder; skips those with another PIN.
-  void openFolder(const std::string& folder);
+  /// Reads these files of a folder; skips those with another PIN.
+  void openFiles(const std::string& folder, const std::vector<std::string>& names);
   /// Writes a new key into the folder, encrypted with the PIN.
   void keep(EVP_PKEY* key, const std::string& folder, const std::string& name);
 

@@ -45,7 +45,7 @@ Session::Session(const SessionSource& source) {
 void Session::openKeys(const SessionSource& source) {
   keys.setPin(source.pin);
   if (!source.keyFile.empty()) keys.open(source.keyFile);
-  if (store.isOpen()) keys.openFolder(store.folder());
+  if (store.isOpen()) keys.openFiles(store.folder(), store.keyFiles());
   std::set<size_t> places;
   for (const KeyPtr& key : keys.keys()) {
     for (const size_t place : store.certificates().find(PublicKeyTerm(EncodedPublicKey(key.get()))))

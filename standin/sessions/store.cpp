@@ -37,6 +37,7 @@ time_t IssuedAt(const X509_CRL* crl) { return SecondsOf(X509_CRL_get0_lastUpdate
 /// Adds the object to a catalog that other sessions may share.
 template <typename Object>
 void Add(std::shared_ptr<Catalog<Object>>& catalog, typename Catalog<Object>::Ptr object) {
+  if (catalog->knows(*object)) return;
   if (catalog.use_count() > 1) catalog = std::make_shared<Catalog<Object>>(*catalog);
   catalog->add(std::move(object));
 }
@@ -55,7 +56,8 @@ void Store::open(const std::string& folder) {
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) Fail(kStoreUnreadable);
   folder_ = folder;
   content_ = ContentOfFolder(folder);
-  const Bytes policy = BytesInFile(JoinPath(folder, "policy.txt"));
+  // The search for a file that is missing takes the platform longer, the more files there are.
+  const Bytes policy = content_.hasPolicy ? BytesInFile(JoinPath(folder, kPolicyFile)) : Bytes();
   policy_.assign(1, '\n').append(policy.begin(), policy.end());
 }
 

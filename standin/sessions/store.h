@@ -23,6 +23,8 @@ class Store {
 
   const CertCatalog& certificates() const { return *content_.certificates; }
   const CrlCatalog& crls() const { return *content_.crls; }
+  /// The names of the key files in the folder, as the store was opened.
+  const std::vector<std::string>& keyFiles() const { return content_.keyFiles; }
   /// The encoded certificate, decoded if the store has not done so; null if the bytes are none.
   CertPtr decoded(ByteView certificate) const;
   /// The lists of any of these issuers, in order.

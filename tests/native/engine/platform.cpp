@@ -10,6 +10,7 @@
 #include "standin/base/ansi.h"
 #include "standin/base/codes.h"
 #include "standin/base/files.h"
+#include "standin/base/folder_watch.h"
 #include "standin/exports/texts.h"
 #include "standin/operations/requests.h"
 #include "standin/operations/transfer.h"
@@ -101,6 +102,12 @@ std::vector<FileEntry> FilesIn(const std::string& folder, const char* pattern) {
     if (entry.is_regular_file() && name.ends_with(ending)) files.push_back({name, entry.file_size(), 0, 0});
   }
   return files;
+}
+
+/// Every folder is listed.
+std::optional<std::vector<std::string>> FolderWatch::changes() {
+  id_ = listedAt_ = 0;
+  return std::nullopt;
 }
 
 SessionSource ReadProfile(const std::string&) { Fail(kProfileNotFound); }
