@@ -5,6 +5,7 @@
 #include <openssl/engine.h>
 
 #include "standin/base/owned.h"
+#include "standin/base/thread_blocks.h"
 #include "standin/certificates/russian_names.h"
 #include "standin/sessions/session.h"
 
@@ -30,12 +31,14 @@ bool AddGost() {
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
   switch (reason) {
     case DLL_PROCESS_ATTACH:
+      if (!standin::StartThreadBlocks()) return FALSE;
       // libcrypto's own clean-up at exit would run after this library is unloaded.
       if (OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr) != 1 || !AddGost()) return FALSE;
       standin::AddRussianNames();
       break;
     case DLL_THREAD_DETACH:
       OPENSSL_thread_stop();
+      standin::FreeBlocksOfThread();
       break;
     case DLL_PROCESS_DETACH:
       // At the end of the process other threads may have stopped anywhere, with locks held.
@@ -44,6 +47,7 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
       standin::ForgetFolders();
       standin::ForgetRussianNames();
       OPENSSL_cleanup();
+      standin::EndThreadBlocks();
       __gnu_cxx::__freeres();
       break;
   }
