@@ -88,7 +88,6 @@ OutputFile::OutputFile(const char* path) {
     Fail(ERROR_ACCESS_DENIED);
   }
   handle_ = CreateBeside(path_, temporary_);
-  buffer_.reserve(kFilePiece);
 }
 
 OutputFile::~OutputFile() {
