@@ -22,10 +22,13 @@ HRESULT ByteInput::copyVariants(SAFEARRAY* array) {
   ULONG count = elements.size();
   std::unique_ptr<uint8_t[]> copy(new (std::nothrow) uint8_t[count]);
   if (!copy) return E_OUTOFMEMORY;
-  // One look at all types in the end costs less than one at each.
+  // One look at all types in the end costs less than one at each. The loop waits for memory: what it reads next is
+  // fetched ahead.
   VARTYPE otherTypes = 0;
 #pragma GCC unroll 8
   for (ULONG i = 0; i < count; ++i) {
+    // Beyond the end that does nothing.
+    __builtin_prefetch(elements.data() + i + 64);
     otherTypes |= V_VT(&elements[i]) ^ VT_UI1;
     copy[i] = V_UI1(&elements[i]);
   }
