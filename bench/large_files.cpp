@@ -37,12 +37,18 @@ struct Job {
 
 /// Calls `piece` with every piece of the source, as an array of bytes.
 void EachPiece(const Job& job, const std::function<void(VARIANT&)>& piece) {
-  std::vector<uint8_t> buffer(kPiece);
-  while (size_t read = std::fread(buffer.data(), 1, kPiece, job.source)) {
-    VARIANT bytes = bench::Bytes(buffer.data(), read);
-    piece(bytes);
-    VariantClear(&bytes);
+  const std::vector<uint8_t> empty(kPiece);
+  VARIANT bytes = bench::Bytes(empty.data(), kPiece);
+  while (size_t read = std::fread(V_ARRAY(&bytes)->pvData, 1, kPiece, job.source)) {
+    if (read == kPiece) {
+      piece(bytes);
+      continue;
+    }
+    VARIANT rest = bench::Bytes(V_ARRAY(&bytes)->pvData, read);
+    piece(rest);
+    VariantClear(&rest);
   }
+  VariantClear(&bytes);
 }
 
 /// Writes an output to the target and clears it.
