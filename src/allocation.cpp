@@ -54,3 +54,4 @@ void operator delete[](void* block) noexcept { std::free(block); }
 // NOLINTEND(misc-new-delete-overloads)
 void operator delete[](void* block, size_t) noexcept { std::free(block); }
 void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }
