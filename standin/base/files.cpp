@@ -48,9 +48,10 @@ FileHandle CreateBeside(const std::string& path, std::string& name) {
 
 }  // namespace
 
-InputFile::InputFile(const char* path) {
+InputFile::InputFile(const char* path, bool mayBeWritten) {
   if (path == nullptr) Fail(kWinInvalidParameter);
-  handle_ = Open(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
+  const DWORD share = FILE_SHARE_READ | FILE_SHARE_DELETE | (mayBeWritten ? FILE_SHARE_WRITE : 0);
+  handle_ = Open(path, GENERIC_READ, share, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
   if (handle_ == nullptr) FailWithLastError();
   // A device or a pipe may never come to an end, or never begin.
   if (GetFileType(handle_.get()) != FILE_TYPE_DISK) Fail(ERROR_BAD_PATHNAME);
@@ -66,8 +67,8 @@ ByteView InputFile::next() {
   return {piece_.data(), read};
 }
 
-Bytes ReadWholeFile(const char* path, uint64_t limit) {
-  InputFile file(path);
+Bytes ReadWholeFile(const char* path, uint64_t limit, bool mayBeWritten) {
+  InputFile file(path, mayBeWritten);
   if (file.size() > limit) Fail(kTooLarge);
   Bytes bytes;
   bytes.reserve(static_cast<size_t>(file.size()));

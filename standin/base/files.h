@@ -20,7 +20,8 @@ using FileHandle = Owned<CloseHandle>;
 
 class InputFile {
  public:
-  explicit InputFile(const char* path);
+  /// Others may write to the file meanwhile only with `mayBeWritten`.
+  explicit InputFile(const char* path, bool mayBeWritten = false);
 
   uint64_t size() const { return size_; }
   /// Calls `take` with the file, piece by piece, and closes it.
@@ -43,7 +44,7 @@ class InputFile {
 inline const char* Given(const char* path) { return path != nullptr && _stricmp(path, "NUL") != 0 ? path : nullptr; }
 
 /// Fails with kTooLarge if the file is longer than `limit`.
-Bytes ReadWholeFile(const char* path, uint64_t limit);
+Bytes ReadWholeFile(const char* path, uint64_t limit, bool mayBeWritten = false);
 
 /// A file with a temporary name in the folder of `path`. `commit` gives it its name; without a commit it is deleted.
 class OutputFile {

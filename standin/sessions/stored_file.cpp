@@ -23,7 +23,10 @@ StoredFilePtr ReadStoredFile(const std::string& folder, const FileEntry& entry) 
   file->entry = entry;
   try {
     const bool isOld = !entry.wasWrittenJustNow();
-    ForEachEncoding(ReadWholeFile(JoinPath(folder, entry.name).c_str(), kLargestObject), [&](ByteView der) {
+    // Who writes it may have it open still; if he writes more, that is a change again.
+    constexpr bool kMayBeWritten = true;
+    const Bytes content = ReadWholeFile(JoinPath(folder, entry.name).c_str(), kLargestObject, kMayBeWritten);
+    ForEachEncoding(content, [&](ByteView der) {
       bool isObject = false;
       AddObject(*file, der, isObject);
       return isObject;

@@ -112,6 +112,15 @@ TEST_F(StrangersChanges, FileRewrittenInPlaceWithTheSameSizeIsSeenAtOnce) {
   }
 }
 
+TEST_F(StrangersChanges, FileThatItsWriterStillHasOpenIsSeen) {
+  const std::string folder = oldCopy("open"), file = folder + "\\changing.cer";
+  WriteBytes(file, Material("heidi.cer"));
+  const HANDLE writer = CreateFileA(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(INVALID_HANDLE_VALUE, writer);
+  EXPECT_TRUE(isKnown(folder, "heidi"));
+  CloseHandle(writer);
+}
+
 TEST_F(StrangersChanges, LastOfManyChangesIsSeen) {
   const std::string folder = oldCopy("many"), file = folder + "\\new.cer";
   ASSERT_FALSE(isKnown(folder, "heidi"));

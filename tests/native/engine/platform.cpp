@@ -45,7 +45,7 @@ FILE* FileOf(const FileHandle& handle) { return static_cast<FILE*>(handle.get())
 
 }  // namespace
 
-InputFile::InputFile(const char* path) : size_(0) {
+InputFile::InputFile(const char* path, bool) : size_(0) {
   if (path == nullptr) Fail(kWinInvalidParameter);
   handle_.reset(std::fopen(path, "rb"));
   if (handle_ == nullptr) FailWithLastError();
@@ -57,7 +57,7 @@ ByteView InputFile::next() {
   return {piece_.data(), std::fread(piece_.data(), 1, piece_.size(), FileOf(handle_))};
 }
 
-Bytes ReadWholeFile(const char* path, uint64_t limit) {
+Bytes ReadWholeFile(const char* path, uint64_t limit, bool) {
   InputFile file(path);
   if (file.size() > limit) Fail(kTooLarge);
   Bytes bytes;
