@@ -64,6 +64,15 @@ class StrangersChanges : public FolderTest {
     close(session);
     return isFound;
   }
+  /// That Heidi is known as soon as another process has carried out `arrival`, and is not after `departure`.
+  void expectSeenAtOnce(const std::string& folder, const std::string& arrival, const std::string& departure) {
+    for (int i = 0; i < kRounds && !HasFailure(); ++i) {
+      stranger.doThis(arrival);
+      EXPECT_TRUE(isKnown(folder, "heidi")) << i;
+      stranger.doThis(departure);
+      EXPECT_FALSE(isKnown(folder, "heidi")) << i;
+    }
+  }
   /// The certificates of Heidi and Ivan, in files of one size.
   static void writeTwins(const std::string& first, const std::string& second) {
     Bytes heidi = Material("heidi.pem"), ivan = Material("ivan.pem");
@@ -80,23 +89,13 @@ class StrangersChanges : public FolderTest {
 
 TEST_F(StrangersChanges, AddedAndRemovedFilesAreSeenAtOnce) {
   const std::string folder = oldCopy("added"), file = folder + "\\new.cer";
-  for (int i = 0; i < kRounds && !HasFailure(); ++i) {
-    stranger.doThis("copy|" + MaterialPath("heidi.cer") + "|" + file);
-    EXPECT_TRUE(isKnown(folder, "heidi")) << i;
-    stranger.doThis("remove|" + file);
-    EXPECT_FALSE(isKnown(folder, "heidi")) << i;
-  }
+  expectSeenAtOnce(folder, "copy|" + MaterialPath("heidi.cer") + "|" + file, "remove|" + file);
 }
 
 TEST_F(StrangersChanges, FilesMovedInAndOutAreSeenAtOnce) {
   const std::string folder = oldCopy("moved"), inside = folder + "\\new.cer", outside = ScratchPath("outside.cer");
   WriteBytes(outside, Material("heidi.cer"));
-  for (int i = 0; i < kRounds && !HasFailure(); ++i) {
-    stranger.doThis("move|" + outside + "|" + inside);
-    EXPECT_TRUE(isKnown(folder, "heidi")) << i;
-    stranger.doThis("move|" + inside + "|" + outside);
-    EXPECT_FALSE(isKnown(folder, "heidi")) << i;
-  }
+  expectSeenAtOnce(folder, "move|" + outside + "|" + inside, "move|" + inside + "|" + outside);
 }
 
 TEST_F(StrangersChanges, FileRewrittenInPlaceWithTheSameSizeIsSeenAtOnce) {
@@ -104,12 +103,7 @@ TEST_F(StrangersChanges, FileRewrittenInPlaceWithTheSameSizeIsSeenAtOnce) {
   const std::string heidi = ScratchPath("heidi.same"), ivan = ScratchPath("ivan.same");
   writeTwins(heidi, ivan);
   stranger.doThis("copy|" + ivan + "|" + file);
-  for (int i = 0; i < kRounds && !HasFailure(); ++i) {
-    stranger.doThis("rewrite|" + heidi + "|" + file);
-    EXPECT_TRUE(isKnown(folder, "heidi")) << i;
-    stranger.doThis("rewrite|" + ivan + "|" + file);
-    EXPECT_FALSE(isKnown(folder, "heidi")) << i;
-  }
+  expectSeenAtOnce(folder, "rewrite|" + heidi + "|" + file, "rewrite|" + ivan + "|" + file);
 }
 
 TEST_F(StrangersChanges, FileThatItsWriterStillHasOpenIsSeen) {
