@@ -14,10 +14,11 @@
 namespace standin {
 namespace {
 
-/// Nothing for an unreadable file: the folder is shared, and somebody may be writing or deleting the file.
+/// Nothing for an unreadable file: the folder is shared, and somebody may be deleting the file or keep it for himself.
 Bytes BytesInFile(const std::string& path) {
   try {
-    return ReadWholeFile(path.c_str(), kLargestObject);
+    constexpr bool kMayBeWritten = true;
+    return ReadWholeFile(path.c_str(), kLargestObject, kMayBeWritten);
   } catch (const EngineError&) {
     return {};
   }

@@ -64,6 +64,10 @@ class StrangersChanges : public FolderTest {
     close(session);
     return isFound;
   }
+  /// The type of the messages that a new session encrypts.
+  Bytes kindOfMessage(const std::string& folder) {
+    return ParseElement(encrypt(openIn("alice", folder), BytesOf("text"), {"bob"})).at({0}).encode();
+  }
   /// That Heidi is known as soon as another process has carried out `arrival`, and is not after `departure`.
   void expectSeenAtOnce(const std::string& folder, const std::string& arrival, const std::string& departure) {
     for (int i = 0; i < kRounds && !HasFailure(); ++i) {
@@ -190,13 +194,20 @@ TEST_F(StrangersChanges, ThreadThatOpenedTheFirstSessionMayHaveEnded) {
 
 TEST_F(StrangersChanges, PolicyThatAppearsIsSeen) {
   const std::string folder = oldCopy("policy"), policy = ScratchPath("policy.txt");
-  const auto kindOfMessage = [&] {
-    return ParseElement(encrypt(openIn("alice", folder), BytesOf("text"), {"bob"})).at({0}).encode();
-  };
-  const Bytes before = kindOfMessage();
+  const Bytes before = kindOfMessage(folder);
   WriteBytes(policy, BytesOf("encrypt authenticated\n"));
   stranger.doThis("copy|" + policy + "|" + folder + "\\policy.txt");
-  EXPECT_NE(before, kindOfMessage());
+  EXPECT_NE(before, kindOfMessage(folder));
+}
+
+TEST_F(StrangersChanges, PolicyThatItsWriterStillHasOpenHolds) {
+  const std::string folder = oldCopy("open-policy"), policy = folder + "\\policy.txt";
+  const Bytes before = kindOfMessage(folder);
+  WriteBytes(policy, BytesOf("encrypt authenticated\n"));
+  const HANDLE writer = CreateFileA(policy.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(INVALID_HANDLE_VALUE, writer);
+  EXPECT_NE(before, kindOfMessage(folder));
+  CloseHandle(writer);
 }
 
 TEST_F(StrangersChanges, FoldersThatComeAndGoLeaveNoHandles) {
